@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+
+#include "app/DragAndDropFileInNSImageView.h"
+#include "platform/DispatchQueue.h"
+#include "platform/Process.h"
+#include "platform/ProgramStops.h"
+#include "probe/FileProbe.h"
+
+namespace tarnwell
+{
+
+AppDelegate::AppDelegate(Outlets outlets, ToolContext tools, std::shared_ptr<DispatchQueue> mainQueue)
+    : m_outlets(std::move(outlets))
+    , m_tools(std::move(tools))
+    , m_mainQueue(std::move(mainQueue))
+{
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    registerForDropNotification();
+}
+
+void AppDelegate::applicationWillTerminate()
+{
+    // A running encoder goes on: the user gets the video that was asked for.
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows)
+{
+    QWidget& window = required(m_outlets.window);
+    if (!hasVisibleWindows) {
+        window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+        window.show();
+        window.activateWindow();
+    }
+    window.raise();
+    return true;
+}
+
+bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed()
+{
+    return true;
+}
+
+void AppDelegate::registerForDropNotification()
+{
+    m_dropObservation = NotificationCenter::defaultCenter().addObserver(
+        fileDroppedNotification, [this](const Notification& notification) { fileAddedByDragAndDrop(notification); });
+    setEditingControlsEnabled(false);
+}
+
+void AppDelegate::setEditingControlsEnabled(bool enabled)
+{
+    for (const auto& control : {m_outlets.saveToolBarBTN, m_outlets.rotateLeftBTN, m_outlets.rotateRightBTN,
+             m_outlets.resetBTN, m_outlets.flipVerticallyBTN, m_outlets.flipHorizontallyBTN})
+        required(control).setEnabled(enabled);
+}
+
+void AppDelegate::helpBTNClicked()
+{
+    required(m_outlets.sheets).begin(&required(m_outlets.helpWindow));
+}
+
+void AppDelegate::okBTNInsideHelpWindowClicked()
+{
+    required(m_outlets.sheets).end(&required(m_outlets.helpWindow));
+}
+
+} // namespace tarnwell

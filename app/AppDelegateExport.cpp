@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+// Export: the choice of the mode, the encoder's run in the background with its progress, and the result.
+#include "app/AppDelegate.h"
+#include "app/SupportAddress.h"
+#include "desktop/Alert.h"
+#include "desktop/PathText.h"
+#include "desktop/ProgressBarMode.h"
+#include "desktop/Workspace.h"
+#include "export/ExportPlan.h"
+#include "export/Progress.h"
+#include "export/ResultTexts.h"
+#include "platform/Diagnostics.h"
+#include "platform/DispatchQueue.h"
+#include "platform/FileHandle.h"
+#include "platform/Process.h"
+#include "platform/ProgramStops.h"
+#include "probe/FileProbe.h"
+
+#include <cstdio>
+
+namespace tarnwell
+{
+
+void AppDelegate::chooseExportMode(const std::string& inputPath, const std::string& outputPath)
+{
+    printLine(orientationLine(m_orientation));
+    const auto probe = globalFP.load();
+    if (!isFixFlagPossible(trackCodecs(required(probe).tracksInfo), m_orientation)) {
+        startCreatorRun(outputPath, transcodeArguments(inputPath, outputPath));
+        return;
+    }
+    Alert alert;
+    alert.setMessageText(QStringLiteral("Fix Flag mode Available!"));
+    alert.setInformativeText(
+        QStringLiteral("\nFix Flag (Quick): Only the orientation flag (rotation tag) in the metadata of the video "
+                       "file is changed, so that the video plays fine in iOS, QuickTime & VLC video players without "
+                       "any need for transcoding which saves a tremendous amount of encoding time for longer "
+                       "videos.\n\nTranscode (Slow) : The video is rotated permanently frame by frame by re-encoding "
+                       "which is compatible with all video players.\n\n"));
+    alert.addButton(QStringLiteral("Fix Flag"));
+    alert.addButton(QStringLiteral("Transcode"));
+    alert.setStyle(Alert::Style::Warning);
+    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets),
+        [this, inputPath, outputPath](int response) { exportModeChosen(response, inputPath, outputPath); });
+}
+
+void AppDelegate::exportModeChosen(int response, const std::string& inputPath, const std::string& outputPath)
+{
+    if (response == Alert::firstButtonResponse)
+        startCreatorRun(outputPath, fixFlagArguments(inputPath, outputPath));
+    else if (response == Alert::secondButtonResponse)
+        startCreatorRun(outputPath, transcodeArguments(inputPath, outputPath));
+    else
+        printLine("Something is Wrong!");
+}
+
+ArgumentList AppDelegate::fixFlagArguments(const std::string& inputPath, const std::string& outputPath)
+{
+    const auto probe = globalFP.load();
+    const auto rotation = fixFlagRotation(m_orientation, required(probe).tagRotateValue);
+    if (!rotation)
+        printLine("Something Wrong!");
+    auto arguments = fixFlagArgumentList(inputPath, outputPath, rotation);
+    printLine(argumentListLine(arguments));
+    return arguments;
+}
+
+ArgumentList AppDelegate::transcodeArguments(const std::string& inputPath, const std::string& outputPath)
+{
+    auto arguments = transcodeArgumentList(inputPath, outputPath, m_orientation);
+    printLine(argumentListLine(arguments));
+    return arguments;
+}
+
+void AppDelegate::startCreatorRun(const std::string& outputPath, const ArgumentList& arguments)
+{
+    isProcessCancelledByUser = false;
+    asyncUserInitiated([self = shared_from_this(), outputPath, arguments] { self->runCreator(outputPath, arguments); });
+}
+
+void AppDelegate::runCreator(const std::string& outputPath, const ArgumentList& arguments)
+{
+    const auto self = shared_from_this();
+    m_mainQueue->async([self] { self->showProgressSheet(); });
+    const auto creator = std::make_shared<Process>();
+    creator->setExecutable(required(m_tools.bundle.pathForResource("creator")));
+    creator->setArguments(arguments);
+    creator->setGroup(Process::Group::Own); // an interrupt that ends the program in a terminal is not meant for it
+    const auto standardError = std::make_shared<Pipe>();
+    creator->setStandardError(standardError);
+    standardError->fileHandleForReading()->setReadabilityHandler(
+        [self](FileHandle& fileHandle) { self->creatorOutputReceived(fileHandle); });
+    creator->launch(); // one that does not start leaves no output, which is found out afterwards
+    globalProcess.store(creator);
+    m_mainQueue->async([self] { required(self->m_outlets.progressCancel).setEnabled(true); });
+    creator->waitUntilExit();
+    m_mainQueue->async([self, outputPath] { self->finishCreatorRun(outputPath); });
+}
+
+void AppDelegate::creatorOutputReceived(FileHandle& fileHandle)
+{
+    const auto elapsed = elapsedSecondsFromChunk(fileHandle.availableData());
+    if (!elapsed)
+        return;
+    const auto probe = globalFP.load();
+    const double percent = percentOf(*elapsed, required(probe).duration);
+    m_mainQueue->async([self = shared_from_this(), percent] { self->updateProgress(percent); });
+}
+
+void AppDelegate::updateProgress(double percent)
+{
+    printLine(percentLine(percent));
+    setProgress(required(m_outlets.progressBar), percent);
+}
+
+void AppDelegate::finishCreatorRun(const std::string& outputPath)
+{
+    hideProgressSheet();
+    showResultAlert(std::make_shared<const FileProbe>(outputPath, m_tools));
+}
+
+void AppDelegate::showProgressSheet()
+{
+    setDeterminate(required(m_outlets.progressBar));
+    required(m_outlets.progressTitle).setText(QStringLiteral("Creating Video..."));
+    required(m_outlets.progressCancel).show();
+    required(m_outlets.progressCancel).setEnabled(false); // until there is an encoder that it can end
+    required(m_outlets.sheets).begin(&required(m_outlets.progressWindow));
+}
+
+void AppDelegate::hideProgressSheet()
+{
+    setDeterminate(required(m_outlets.progressBar));
+    required(m_outlets.progressCancel).hide();
+    required(m_outlets.sheets).end(&required(m_outlets.progressWindow));
+}
+
+void AppDelegate::closeBTNInsideProgressWindowClicked()
+{
+    const auto process = globalProcess.load();
+    required(process).terminate();
+    isProcessCancelledByUser = true;
+}
+
+void AppDelegate::showResultAlert(const std::shared_ptr<const FileProbe>& outputProbe)
+{
+    if (required(isProcessCancelledByUser)) {
+        std::remove(required(outputProbe->fileFullPath).c_str());
+        return;
+    }
+    if (outputProbe->isValidMediaFile)
+        showSuccessAlert(outputProbe);
+    else
+        showFailureAlert();
+}
+
+void AppDelegate::showFailureAlert()
+{
+    Alert alert;
+    alert.setMessageText(QStringLiteral("Seems like something went wrong!"));
+    alert.setInformativeText(textOf("Contact : " + supportAddress()));
+    alert.addButton(QStringLiteral("OK"));
+    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+}
+
+void AppDelegate::showSuccessAlert(const std::shared_ptr<const FileProbe>& outputProbe)
+{
+    Alert alert;
+    alert.setMessageText(textOf(successMessage(m_orientation)));
+    alert.addButton(QStringLiteral("OK"));
+    alert.addButton(QStringLiteral("Show in Finder"));
+    alert.addButton(QStringLiteral("Launch Video in QuickTime"));
+    alert.setInformativeText(textOf("Questions? : " + supportAddress()));
+    alert.setStyle(Alert::Style::Informational);
+    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets),
+        [this, outputProbe](int response) { resultAlertButtonClicked(response, *outputProbe); });
+}
+
+void AppDelegate::resultAlertButtonClicked(int response, const FileProbe& outputProbe)
+{
+    if (response == Alert::secondButtonResponse)
+        activateFileViewerSelecting(required(outputProbe.fileFullURL));
+    else if (response == Alert::thirdButtonResponse)
+        openFileWithApplication(
+            FileURL(required(outputProbe.fileFullPath)), QStringLiteral("QuickTime Player"));
+}
+
+} // namespace tarnwell

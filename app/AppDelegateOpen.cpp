@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+// Open and analyse: from the choice of a file to its still in the window, or to the alert that refuses it.
+#include "app/AppDelegate.h"
+#include "app/DragAndDropFileInNSImageView.h"
+#include "app/StillFrame.h"
+#include "app/SupportAddress.h"
+#include "desktop/Alert.h"
+#include "desktop/Panels.h"
+#include "desktop/PathText.h"
+#include "desktop/ProgressBarMode.h"
+#include "platform/ProgramStops.h"
+#include "probe/FileProbe.h"
+#include "probe/Suitability.h"
+
+namespace tarnwell
+{
+
+void AppDelegate::openMenuBTNClicked()
+{
+    openFilePanel();
+}
+
+void AppDelegate::openToolBarBTNClicked()
+{
+    openFilePanel();
+}
+
+void AppDelegate::openFilePanel()
+{
+    beginOpenPanel(required(m_outlets.window), required(m_outlets.sheets), [this](const auto& path) {
+        if (path)
+            analyzeFile(FileURL(*path));
+    });
+}
+
+void AppDelegate::fileAddedByDragAndDrop(const Notification& notification)
+{
+    const auto entry = notification.userInfo.find(fileDroppedKey);
+    if (entry == notification.userInfo.end())
+        programStops();
+    analyzeFile(required(std::any_cast<FileURL>(&entry->second)));
+}
+
+void AppDelegate::analyzeFile(const FileURL& url)
+{
+    showAnalysisProgress();
+    const auto probe = std::make_shared<const FileProbe>(url.path(), m_tools);
+    // Even a file that is then refused: a later save works from the file that was looked at last.
+    globalFP.store(probe);
+    if (lowerCased(url.pathExtension()) == "vob")
+        refuseFile("Tarnwell cannot open .VOB files.", "Questions? : " + supportAddress());
+    else if (!isSuitable(*probe))
+        refuseFile("Seems to be an unsupported file.\nDoes the video play in a video player?",
+            "Please try opening some other file or contact : " + supportAddress());
+    else
+        acceptFile(*probe);
+}
+
+void AppDelegate::acceptFile(const FileProbe& probe)
+{
+    // Two extractions on purpose: the view's picture and the one that previews are drawn from are separate.
+    required(m_outlets.posterFrameIMGV).setImage(extractPosterFrame(probe));
+    currentImage = extractPosterFrame(probe);
+    m_orientation = {};
+    setEditingControlsEnabled(true);
+    hideAnalysisProgress();
+}
+
+void AppDelegate::refuseFile(const std::string& messageText, const std::string& informativeText)
+{
+    Alert alert;
+    alert.setMessageText(textOf(messageText));
+    alert.setInformativeText(textOf(informativeText));
+    alert.addButton(QStringLiteral("OK"));
+    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+    hideAnalysisProgress();
+}
+
+QImage AppDelegate::extractPosterFrame(const FileProbe& probe)
+{
+    return extractStillFrame(probe, m_tools);
+}
+
+void AppDelegate::showAnalysisProgress()
+{
+    setIndeterminate(required(m_outlets.progressBar));
+    required(m_outlets.progressCancel).hide();
+    required(m_outlets.progressTitle).setText(QStringLiteral("Analyzing Video..."));
+    required(m_outlets.sheets).begin(&required(m_outlets.progressWindow));
+    required(m_outlets.sheets).waitUntilPainted(&required(m_outlets.progressWindow));
+}
+
+void AppDelegate::hideAnalysisProgress()
+{
+    setDeterminate(required(m_outlets.progressBar));
+    required(m_outlets.progressCancel).show();
+    required(m_outlets.sheets).end(&required(m_outlets.progressWindow));
+}
+
+} // namespace tarnwell

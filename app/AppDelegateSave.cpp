@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// Save: from the user's wish to the pair of paths that an export starts from.
+#include "app/AppDelegate.h"
+#include "desktop/Alert.h"
+#include "desktop/Panels.h"
+#include "desktop/PathText.h"
+#include "platform/ProgramStops.h"
+#include "probe/FileProbe.h"
+#include "util/Unicode.h"
+
+namespace tarnwell
+{
+
+void AppDelegate::saveMenuBTNClicked()
+{
+    presentSavePanel();
+}
+
+void AppDelegate::saveToolBarBTNClicked()
+{
+    saveMenuBTNClicked();
+}
+
+void AppDelegate::presentSavePanel()
+{
+    const QString name = textOf(orientationLabel(m_orientation));
+    beginSavePanel(required(m_outlets.window), required(m_outlets.sheets), name, [this](const auto& path) {
+        if (path)
+            saveTo(*path);
+    });
+}
+
+void AppDelegate::saveTo(const std::string& outputPath)
+{
+    const auto probe = globalFP.load();
+    const auto& inputPath = required(probe).fileFullPath;
+    if (!inputPath)
+        return;
+    if (!isCanonicallyEquivalent(*inputPath, outputPath)) {
+        chooseExportMode(*inputPath, outputPath);
+        return;
+    }
+    Alert alert;
+    alert.setStyle(Alert::Style::Informational);
+    alert.setMessageText(QStringLiteral("Input file name is same as the output file name!"));
+    alert.setInformativeText(QStringLiteral("Please specify a different file to save."));
+    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+}
+
+} // namespace tarnwell

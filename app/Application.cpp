@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#include "app/Application.h"
+
+#include "app/AppDelegate.h"
+
+#include <QApplication>
+
+namespace tarnwell
+{
+
+Application::Application(const ToolContext& tools)
+    : m_delegate(std::make_shared<AppDelegate>(m_interface.outlets(), tools, m_mainThread.queue()))
+{
+    m_interface.connectActions(*m_delegate);
+    QApplication::setQuitOnLastWindowClosed(m_delegate->applicationShouldTerminateAfterLastWindowClosed());
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, m_delegate.get(), &AppDelegate::applicationWillTerminate);
+    m_delegate->applicationDidFinishLaunching();
+    m_interface.window().show();
+}
+
+Application::~Application() = default;
+
+void Application::reopen()
+{
+    const QMainWindow& window = m_interface.window();
+    m_delegate->applicationShouldHandleReopen(window.isVisible() && !window.isMinimized());
+}
+
+} // namespace tarnwell

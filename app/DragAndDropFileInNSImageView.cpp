@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "app/DragAndDropFileInNSImageView.h"
+
+#include "app/DroppedFiles.h"
+#include "platform/FileAttributes.h"
+#include "platform/FileURL.h"
+#include "platform/NotificationCenter.h"
+#include "platform/ProgramStops.h"
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+std::optional<std::string> draggedFile(const QMimeData& drag)
+{
+    const auto names = fileNameList(drag);
+    return names ? firstFile(*names) : std::nullopt;
+}
+
+} // namespace
+
+DragAndDropFileInNSImageView::DragAndDropFileInNSImageView(QWidget* parent)
+    : ImageView(parent)
+{
+    setAcceptDrops(true);
+}
+
+DragAndDropFileInNSImageView::DragAndDropFileInNSImageView(const QRect& /*frame*/)
+{
+    programStops();
+}
+
+Qt::DropAction DragAndDropFileInNSImageView::draggingEntered(const QMimeData& drag) const
+{
+    const auto file = draggedFile(drag);
+    return file && isExistingFile(*file) ? Qt::CopyAction : Qt::IgnoreAction;
+}
+
+bool DragAndDropFileInNSImageView::performDragOperation(const QMimeData& drag)
+{
+    const auto file = draggedFile(drag);
+    if (!file)
+        return false;
+    m_filePath = *file;
+    NotificationCenter::defaultCenter().post({fileDroppedNotification, nullptr, {{fileDroppedKey, FileURL(*file)}}});
+    return true;
+}
+
+void DragAndDropFileInNSImageView::dragEnterEvent(QDragEnterEvent* event)
+{
+    event->setDropAction(draggingEntered(*event->mimeData()));
+    event->setAccepted(event->dropAction() == Qt::CopyAction);
+}
+
+void DragAndDropFileInNSImageView::dropEvent(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(performDragOperation(*event->mimeData()));
+}
+
+} // namespace tarnwell

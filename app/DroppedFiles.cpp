@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#include "app/DroppedFiles.h"
+
+#include "platform/ProgramStops.h"
+
+#include <QByteArray>
+#include <QMimeData>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+constexpr const char* uriListType = "text/uri-list";
+constexpr const char* fileScheme = "file:";
+constexpr const char* authorityMark = "//";
+
+bool isThisMachine(const QByteArray& host)
+{
+    return host.isEmpty() || host == "localhost" || host == QSysInfo::machineHostName().toUtf8();
+}
+
+/// The bytes behind the percent signs as they are: a file's name need not be text in any encoding.
+std::optional<std::string> localPath(QByteArray uri)
+{
+    if (!uri.toLower().startsWith(fileScheme))
+        return std::nullopt;
+    uri.remove(0, static_cast<qsizetype>(qstrlen(fileScheme)));
+    if (uri.startsWith(authorityMark)) {
+        const auto pathStart = uri.indexOf('/', static_cast<qsizetype>(qstrlen(authorityMark)));
+        if (pathStart < 0 || !isThisMachine(uri.mid(2, pathStart - 2)))
+            return std::nullopt;
+        uri.remove(0, pathStart);
+    }
+    const QByteArray path = QByteArray::fromPercentEncoding(uri);
+    // A path ends at its first zero byte: what names one would open another file than it says.
+    if (!path.startsWith('/') || path.contains('\0'))
+        return std::nullopt;
+    return path.toStdString();
+}
+
+} // namespace
+
+std::optional<FileNameList> fileNameList(const QMimeData& data)
+{
+    FileNameList names;
+    for (const QByteArray& line : data.data(QString::fromLatin1(uriListType)).split('\n')) {
+        const QByteArray uri = line.trimmed();
+        if (!uri.isEmpty() && !uri.startsWith('#'))
+            names.push_back(localPath(uri));
+    }
+    return names.empty() ? std::nullopt : std::optional(names);
+}
+
+std::optional<std::string> firstFile(const FileNameList& names)
+{
+    if (names.empty())
+        programStops();
+    return names.front();
+}
+
+} // namespace tarnwell

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "desktop/ImageView.h"
+#include "desktop/SheetQueue.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QLabel>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QWidget>
+
+namespace tarnwell
+{
+
+/// References to what the interface owns. One that is not connected, or whose element is gone, is null; using it
+/// then stops the program.
+struct Outlets {
+    QPointer<QWidget> window;
+    QPointer<SheetQueue> sheets; // of the window
+    QPointer<ImageView> posterFrameIMGV;
+    QPointer<QAction> saveToolBarBTN;
+    QPointer<QAction> rotateLeftBTN;
+    QPointer<QAction> rotateRightBTN;
+    QPointer<QAction> resetBTN;
+    QPointer<QAction> flipVerticallyBTN;
+    QPointer<QAction> flipHorizontallyBTN;
+    QPointer<QDialog> progressWindow;
+    QPointer<QLabel> progressTitle;
+    QPointer<QProgressBar> progressBar;
+    QPointer<QPushButton> progressCancel;
+    QPointer<QDialog> helpWindow;
+};
+
+} // namespace tarnwell

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#include "app/Application.h"
+#include "desktop/AttentiveWait.h"
+#include "desktop/SingleInstance.h"
+#include "platform/Bundle.h"
+#include "platform/StandardStreams.h"
+
+#include <QApplication>
+
+int main(int argc, char* argv[])
+{
+    using namespace tarnwell;
+    prepareStandardStreams();
+    QApplication::setDesktopFileName(QStringLiteral("org.tarnwell.Tarnwell"));
+    const QApplication qtApplication(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("Tarnwell"));
+
+    std::unique_ptr<Application> application;
+    SingleInstance instance([&application] {
+        if (application)
+            application->reopen();
+    });
+    if (instance.claim() == SingleInstance::Role::Later)
+        return 0;
+    application = std::make_unique<Application>(ToolContext{Bundle::main(), waitAttentively});
+    return QApplication::exec();
+}

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/Alert.h"
+
+#include "desktop/SheetQueue.h"
+
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+QString okText()
+{
+    return QStringLiteral("OK");
+}
+
+void addButtons(QMessageBox& box, const QStringList& texts)
+{
+    for (const QString& text : texts) {
+        // One role for all: boxes order their buttons by role, each desktop in its own way.
+        QPushButton* button = box.addButton(text, QMessageBox::ActionRole);
+        if (box.defaultButton() == nullptr)
+            box.setDefaultButton(button);
+        if (text == okText())
+            box.setEscapeButton(button);
+    }
+}
+
+int responseOf(const QMessageBox& box)
+{
+    const int place = static_cast<int>(box.buttons().indexOf(box.clickedButton()));
+    return Alert::firstButtonResponse + place;
+}
+
+} // namespace
+
+void Alert::beginSheetModal(QWidget& window, SheetQueue& sheets, Handler handler) const
+{
+    const auto icon = m_style == Style::Warning ? QMessageBox::Warning : QMessageBox::Information;
+    auto* box = new QMessageBox(icon, window.windowTitle(), m_messageText, QMessageBox::NoButton, &window,
+        Qt::Sheet | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+    box->setWindowModality(Qt::WindowModal);
+    box->setTextFormat(Qt::PlainText);
+    box->setInformativeText(m_informativeText);
+    addButtons(*box, m_buttons.isEmpty() ? QStringList(okText()) : m_buttons);
+    sheets.begin(box, [box, answer = std::move(handler)](int) {
+        const int response = responseOf(*box);
+        box->deleteLater();
+        if (answer)
+            answer(response);
+    });
+}
+
+} // namespace tarnwell

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/ImageView.h"
+
+#include "desktop/SymbolIcon.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <QPalette>
+#include <QPen>
+
+#include <cmath>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+constexpr QSize preferredSize{640, 400};
+constexpr QSize smallestPictureArea{160, 120};
+constexpr int pictureMargin = 16;
+constexpr int frameMargin = 24;
+constexpr qreal frameCornerRadius = 12;
+constexpr qreal frameLineWidth = 2;
+constexpr int symbolSide = 80;
+constexpr int symbolGap = 4;
+constexpr int textGap = 6;
+constexpr int textMargin = 16;
+constexpr qreal titleFontScale = 1.35;
+
+// Shares of the text colour laid over the window colour.
+constexpr qreal surroundStrength = 0.05;
+constexpr qreal frameStrength = 0.32;
+constexpr qreal symbolStrength = 0.45;
+constexpr qreal hintStrength = 0.72;
+
+QColor mixed(const QPalette& palette, qreal textShare)
+{
+    const QColor under = palette.color(QPalette::Window);
+    const QColor over = palette.color(QPalette::WindowText);
+    const auto blend = [textShare](int from, int to) { return from + qRound((to - from) * textShare); };
+    return QColor(
+        blend(under.red(), over.red()), blend(under.green(), over.green()), blend(under.blue(), over.blue()));
+}
+
+int wrappedHeight(const QFont& font, int width, const QString& text)
+{
+    const QRect unlimited(0, 0, width, QWIDGETSIZE_MAX);
+    return text.isEmpty() ? 0 : QFontMetrics(font).boundingRect(unlimited, Qt::TextWordWrap, text).height();
+}
+
+void drawCentred(
+    QPainter& painter, const QRect& rect, const QFont& font, const QColor& colour, const QString& text)
+{
+    painter.setFont(font);
+    painter.setPen(colour);
+    painter.drawText(rect, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
+}
+
+} // namespace
+
+ImageView::ImageView(QWidget* parent)
+    : QWidget(parent)
+    , m_emptySymbol(symbolIcon(QStringLiteral(":/symbols/video.svg")))
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+void ImageView::setImage(const QImage& image)
+{
+    m_image = image;
+    m_scaled = QPixmap();
+    update();
+}
+
+void ImageView::setEmptyTitle(const QString& title)
+{
+    m_emptyTitle = title;
+    updateGeometry();
+    update();
+}
+
+void ImageView::setEmptyHint(const QString& hint)
+{
+    m_emptyHint = hint;
+    updateGeometry();
+    update();
+}
+
+QSize ImageView::sizeHint() const
+{
+    return preferredSize.expandedTo(minimumSizeHint());
+}
+
+QSize ImageView::minimumSizeHint() const
+{
+    const int around = 2 * (frameMargin + textMargin);
+    const int textHeight = QFontMetrics(titleFont()).height() + fontMetrics().height();
+    const int width = fontMetrics().horizontalAdvance(m_emptyHint);
+    const QSize invitation(width + around, symbolSide + symbolGap + textHeight + textGap + around);
+    return invitation.expandedTo(smallestPictureArea);
+}
+
+void ImageView::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), mixed(palette(), surroundStrength));
+    if (m_image.isNull())
+        paintEmptyState(painter);
+    else
+        paintPicture(painter);
+}
+
+QFont ImageView::titleFont() const
+{
+    QFont larger = font();
+    if (larger.pointSizeF() > 0)
+        larger.setPointSizeF(larger.pointSizeF() * titleFontScale);
+    else
+        larger.setPixelSize(qRound(larger.pixelSize() * titleFontScale));
+    larger.setWeight(QFont::DemiBold);
+    return larger;
+}
+
+QSize ImageView::fittedDeviceSize(QSizeF available) const
+{
+    const QSize room = (available * devicePixelRatioF()).toSize();
+    const QSize own = m_image.size();
+    if (own.width() <= room.width() && own.height() <= room.height())
+        return own;
+    // A very long, thin picture would lose its short side altogether.
+    return own.scaled(room, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+}
+
+void ImageView::refreshScaled(QSize deviceSize)
+{
+    if (m_scaled.size() != deviceSize) {
+        m_scaled
+            = QPixmap::fromImage(m_image.scaled(deviceSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    }
+    m_scaled.setDevicePixelRatio(devicePixelRatioF());
+}
+
+void ImageView::paintPicture(QPainter& painter)
+{
+    const QRect area = contentsRect().adjusted(pictureMargin, pictureMargin, -pictureMargin, -pictureMargin);
+    if (area.isEmpty())
+        return;
+    refreshScaled(fittedDeviceSize(area.size()));
+    // Whole device pixels, or the picture would be blurred by half a pixel.
+    const qreal ratio = m_scaled.devicePixelRatio();
+    const QSizeF spare = QSizeF(area.size()) * ratio - QSizeF(m_scaled.size());
+    const QPointF corner = QPointF(area.topLeft()) * ratio + QPointF(spare.width(), spare.height()) / 2;
+    painter.drawPixmap(QPointF(std::floor(corner.x()), std::floor(corner.y())) / ratio, m_scaled);
+}
+
+void ImageView::paintEmptyState(QPainter& painter) const
+{
+    const QRect frame = contentsRect().adjusted(frameMargin, frameMargin, -frameMargin, -frameMargin);
+    if (frame.isEmpty())
+        return;
+    QPen pen(mixed(palette(), frameStrength), frameLineWidth, Qt::DashLine);
+    pen.setCapStyle(Qt::FlatCap);
+    painter.setPen(pen);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.drawRoundedRect(frame, frameCornerRadius, frameCornerRadius);
+    paintInvitation(painter, frame.adjusted(textMargin, textMargin, -textMargin, -textMargin));
+}
+
+void ImageView::paintInvitation(QPainter& painter, const QRect& frame) const
+{
+    const QFont large = titleFont();
+    const int titleHeight = wrappedHeight(large, frame.width(), m_emptyTitle);
+    const int hintHeight = wrappedHeight(font(), frame.width(), m_emptyHint);
+    const int total = symbolSide + symbolGap + titleHeight + textGap + hintHeight;
+    const QRect symbol(
+        frame.center().x() - symbolSide / 2, frame.center().y() - total / 2, symbolSide, symbolSide);
+    const QRect title(frame.left(), symbol.bottom() + symbolGap, frame.width(), titleHeight);
+    const QRect hint(frame.left(), title.bottom() + textGap, frame.width(), hintHeight);
+
+    painter.setOpacity(symbolStrength);
+    m_emptySymbol.paint(&painter, symbol);
+    painter.setOpacity(1);
+    drawCentred(painter, title, large, palette().color(QPalette::WindowText), m_emptyTitle);
+    drawCentred(painter, hint, font(), mixed(palette(), hintStrength), m_emptyHint);
+}
+
+} // namespace tarnwell

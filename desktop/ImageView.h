@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QIcon>
+#include <QImage>
+#include <QPixmap>
+#include <QString>
+#include <QWidget>
+
+namespace tarnwell
+{
+
+/// Shows one picture, centred and never larger than its own pixels, or an invitation while there is none.
+class ImageView : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QString emptyTitle READ emptyTitle WRITE setEmptyTitle)
+    Q_PROPERTY(QString emptyHint READ emptyHint WRITE setEmptyHint)
+
+public:
+    explicit ImageView(QWidget* parent = nullptr);
+
+    /// A null image brings back the empty state.
+    void setImage(const QImage& image);
+
+    /// The very image that was set, not the scaled one on screen; null in the empty state.
+    QImage image() const { return m_image; }
+
+    QString emptyTitle() const { return m_emptyTitle; }
+    void setEmptyTitle(const QString& title);
+
+    QString emptyHint() const { return m_emptyHint; }
+    void setEmptyHint(const QString& hint);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QFont titleFont() const;
+    QSize fittedDeviceSize(QSizeF available) const;
+    void refreshScaled(QSize deviceSize);
+    void paintPicture(QPainter& painter);
+    void paintEmptyState(QPainter& painter) const;
+    void paintInvitation(QPainter& painter, const QRect& frame) const;
+
+    QImage m_image;
+    QPixmap m_scaled; // m_image at its size on screen; null until the next paint
+    QString m_emptyTitle;
+    QString m_emptyHint;
+    QIcon m_emptySymbol;
+};
+
+} // namespace tarnwell

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/InputGate.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+bool isInput(QEvent::Type type)
+{
+    switch (type) {
+    case QEvent::Close:
+    case QEvent::ContextMenu:
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+    case QEvent::InputMethod:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseMove:
+    case QEvent::NativeGesture:
+    case QEvent::Shortcut:
+    case QEvent::ShortcutOverride:
+    case QEvent::TabletMove:
+    case QEvent::TabletPress:
+    case QEvent::TabletRelease:
+    case QEvent::TouchBegin:
+    case QEvent::TouchCancel:
+    case QEvent::TouchEnd:
+    case QEvent::TouchUpdate:
+    case QEvent::Wheel:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+InputGate::InputGate()
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool InputGate::eventFilter(QObject* /*watched*/, QEvent* event)
+{
+    if (!isInput(event->type()))
+        return false;
+    event->ignore();
+    return true;
+}
+
+} // namespace tarnwell

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/PathPanel.h"
+
+#include "desktop/PathText.h"
+
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QMessageBox>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+QString outputExtension()
+{
+    return QStringLiteral("mp4");
+}
+
+QString withOutputExtension(const QString& path)
+{
+    const QString ending = QLatin1Char('.') + outputExtension();
+    return path.endsWith(ending, Qt::CaseInsensitive) ? path : path + ending;
+}
+
+} // namespace
+
+PathPanel::PathPanel(QWidget* window)
+    : QFileDialog(window)
+{
+}
+
+std::optional<std::string> PathPanel::chosenPath() const
+{
+    if (!m_acceptedPath.isEmpty())
+        return pathOfText(m_acceptedPath);
+    const QStringList files = selectedFiles();
+    if (result() != Accepted || files.isEmpty())
+        return std::nullopt;
+    return pathOfText(files.first());
+}
+
+QString PathPanel::typedPath() const
+{
+    const auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    if (field == nullptr || field->text().isEmpty())
+        return {};
+    return directory().absoluteFilePath(field->text());
+}
+
+void PathPanel::acceptPath(const QString& path)
+{
+    m_acceptedPath = path;
+    done(Accepted);
+}
+
+OpenPanel::OpenPanel(QWidget* window)
+    : PathPanel(window)
+{
+    setAcceptMode(AcceptOpen);
+    setFileMode(ExistingFile);
+    setWindowTitle(tr("Open Video"));
+}
+
+void OpenPanel::accept()
+{
+    const QString path = typedPath();
+    if (QFileInfo(path).exists() && !QFileInfo(path).isDir())
+        acceptPath(path);
+    else
+        QFileDialog::accept();
+}
+
+SavePanel::SavePanel(QWidget* window, const QString& name)
+    : PathPanel(window)
+{
+    setAcceptMode(AcceptSave);
+    setFileMode(AnyFile);
+    setWindowTitle(tr("Save Video"));
+    setNameFilter(tr("MPEG-4 video (*.mp4)"));
+    setDefaultSuffix(outputExtension());
+    selectFile(name);
+}
+
+void SavePanel::accept()
+{
+    const QString path = typedPath();
+    if (path.isEmpty() || path.endsWith(QLatin1Char('/')) || QFileInfo(path).isDir()) {
+        QFileDialog::accept();
+        return;
+    }
+    const QString output = withOutputExtension(path);
+    if (!QFileInfo::exists(output) || mayReplace(output))
+        acceptPath(output);
+}
+
+bool SavePanel::mayReplace(const QString& path)
+{
+    const QString question
+        = tr("“%1” already exists.\nDo you want to replace it?").arg(QFileInfo(path).fileName());
+    return QMessageBox::warning(this, windowTitle(), question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+        == QMessageBox::Yes;
+}
+
+} // namespace tarnwell

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QFileDialog>
+
+#include <optional>
+#include <string>
+
+namespace tarnwell
+{
+
+/// A file dialog whose answer is one path, taken as it was typed: Qt's own reading splits a name at quotation
+/// marks and leaves a name with any dot in it without the extension. A desktop's native dialog answers for itself.
+class PathPanel : public QFileDialog
+{
+    Q_OBJECT
+
+public:
+    explicit PathPanel(QWidget* window);
+
+    /// The path that was chosen, raw bytes; nothing before the panel was accepted.
+    std::optional<std::string> chosenPath() const;
+
+protected:
+    /// What stands in the name field as an absolute path; empty where the dialog has no such field.
+    QString typedPath() const;
+    void acceptPath(const QString& path);
+
+private:
+    QString m_acceptedPath;
+};
+
+/// Picks one existing file of any type.
+class OpenPanel : public PathPanel
+{
+    Q_OBJECT
+
+public:
+    explicit OpenPanel(QWidget* window);
+
+protected:
+    void accept() override;
+};
+
+/// Picks the place of a new MP4 file and asks before one is replaced.
+class SavePanel : public PathPanel
+{
+    Q_OBJECT
+
+public:
+    SavePanel(QWidget* window, const QString& name);
+
+protected:
+    void accept() override;
+
+private:
+    bool mayReplace(const QString& path);
+};
+
+} // namespace tarnwell

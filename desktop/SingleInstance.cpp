@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/SingleInstance.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QVariantMap>
+
+#include <chrono>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+constexpr std::chrono::seconds longestAnswer(2);
+
+QString serviceName()
+{
+    return QStringLiteral("org.tarnwell.Tarnwell");
+}
+
+QString objectPath()
+{
+    return QStringLiteral("/org/tarnwell/Tarnwell");
+}
+
+bool activateOwner(const QDBusConnection& bus)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(serviceName(), objectPath(),
+        QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"));
+    call << QVariantMap();
+    const auto timeout = std::chrono::duration_cast<std::chrono::milliseconds>(longestAnswer);
+    return bus.call(call, QDBus::Block, static_cast<int>(timeout.count())).type() == QDBusMessage::ReplyMessage;
+}
+
+} // namespace
+
+SingleInstance::SingleInstance(std::function<void()> reopen)
+    : m_reopen(std::move(reopen))
+{
+}
+
+SingleInstance::Role SingleInstance::claim()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected())
+        return Role::First;
+    bus.registerObject(objectPath(), this, QDBusConnection::ExportAllSlots);
+    if (bus.registerService(serviceName()))
+        return Role::First;
+    // An owner that does not answer, or is no instance of this program, must not keep the user from working.
+    return activateOwner(bus) ? Role::Later : Role::First;
+}
+
+void SingleInstance::Activate(const QVariantMap& /*platformData*/)
+{
+    m_reopen();
+}
+
+void SingleInstance::Open(const QStringList& /*uris*/, const QVariantMap& /*platformData*/)
+{
+    m_reopen();
+}
+
+void SingleInstance::ActivateAction(
+    const QString& /*name*/, const QVariantList& /*parameter*/, const QVariantMap& /*platformData*/)
+{
+}
+
+} // namespace tarnwell

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+
+namespace tarnwell
+{
+
+/// Keeps one instance of the program per session. The first one owns a name on the session bus; a later one asks
+/// it to come forward and has nothing else to do. Without a bus every instance is the first. Main thread.
+class SingleInstance : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    enum class Role { First, Later };
+
+    /// `reopen` is called whenever a later instance was started.
+    explicit SingleInstance(std::function<void()> reopen);
+
+    /// Takes the name, or asks its owner to come forward and waits until that has answered.
+    Role claim();
+
+public Q_SLOTS:
+    // The calls that the bus carries; the names and signatures are the interface's.
+    void Activate(const QVariantMap& platformData);
+    void Open(const QStringList& uris, const QVariantMap& platformData);
+    void ActivateAction(const QString& name, const QVariantList& parameter, const QVariantMap& platformData);
+
+private:
+    std::function<void()> m_reopen;
+};
+
+} // namespace tarnwell

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/Workspace.h"
+
+#include "desktop/DesktopEntry.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusUnixFileDescriptor>
+#include <QDesktopServices>
+#include <QProcess>
+#include <QUrl>
+#include <QVariantMap>
+
+#include <functional>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+QUrl urlOf(const FileURL& file)
+{
+    return QUrl::fromEncoded(QByteArray::fromStdString(file.absoluteString()));
+}
+
+QUrl folderOf(const FileURL& file)
+{
+    const std::string& path = file.path();
+    return urlOf(FileURL(path.substr(0, path.rfind('/') + 1)));
+}
+
+/// Sends a call on the session bus and does `otherwise` where it fails, be it that there is no bus.
+void callOr(const QDBusMessage& call, const std::function<void()>& otherwise)
+{
+    auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call));
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, otherwise] {
+        if (QDBusPendingReply<>(*watcher).isError())
+            otherwise();
+        watcher->deleteLater();
+    });
+}
+
+QDBusMessage showItemsCall(const FileURL& file)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("/org/freedesktop/FileManager1"), QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("ShowItems"));
+    const QString startupId;
+    call << QStringList(QString::fromStdString(file.absoluteString())) << startupId;
+    return call;
+}
+
+/// The portal opens the folder of a file that it is given as a descriptor, and selects the file.
+QDBusMessage portalCall(const FileURL& file)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"),
+        QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.OpenURI"),
+        QStringLiteral("OpenDirectory"));
+    const QString parentWindow;
+    const int descriptor = ::open(file.path().c_str(), O_RDONLY | O_CLOEXEC);
+    call << parentWindow << QVariant::fromValue(QDBusUnixFileDescriptor(descriptor)) << QVariantMap();
+    if (descriptor >= 0)
+        ::close(descriptor); // the message holds a duplicate
+    return call;
+}
+
+} // namespace
+
+void activateFileViewerSelecting(const FileURL& file)
+{
+    callOr(showItemsCall(file),
+        [file] { callOr(portalCall(file), [file] { QDesktopServices::openUrl(folderOf(file)); }); });
+}
+
+void openFileWithApplication(const FileURL& file, const QString& applicationName)
+{
+    const QStringList command = commandOfApplicationNamed(applicationName, urlOf(file));
+    if (command.isEmpty() || !QProcess::startDetached(command.first(), command.mid(1)))
+        QDesktopServices::openUrl(urlOf(file));
+}
+
+} // namespace tarnwell

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#include "platform/StandardStreams.h"
+
+#include <csignal>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace tarnwell
+{
+
+void prepareStandardStreams()
+{
+    // open takes the lowest free number: the loop ends once 0, 1 and 2 are all in use.
+    int descriptor = ::open("/dev/null", O_RDWR);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = ::open("/dev/null", O_RDWR);
+    if (descriptor >= 0)
+        ::close(descriptor);
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+} // namespace tarnwell

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#include "platform/ToolContext.h"
+
+namespace tarnwell
+{
+
+void waitPlainly(const std::function<void()>& blockingCall)
+{
+    blockingCall();
+}
+
+} // namespace tarnwell

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/ProgramStops.h"
+
+#include <cstdint>
+
+namespace tarnwell
+{
+
+/// Sums, differences and products of signed 64-bit numbers. A result that does not fit stops the program.
+inline std::int64_t checkedSum(std::int64_t left, std::int64_t right)
+{
+    std::int64_t result = 0;
+    if (__builtin_add_overflow(left, right, &result))
+        programStops();
+    return result;
+}
+
+inline std::int64_t checkedDifference(std::int64_t left, std::int64_t right)
+{
+    std::int64_t result = 0;
+    if (__builtin_sub_overflow(left, right, &result))
+        programStops();
+    return result;
+}
+
+inline std::int64_t checkedProduct(std::int64_t left, std::int64_t right)
+{
+    std::int64_t result = 0;
+    if (__builtin_mul_overflow(left, right, &result))
+        programStops();
+    return result;
+}
+
+} // namespace tarnwell

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "util/Unicode.h"
+
+#include "platform/ProgramStops.h"
+
+#include <unicode/normalizer2.h>
+#include <unicode/unistr.h>
+#include <unicode/utf8.h>
+
+#include <cstdint>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+icu::UnicodeString decomposed(std::string_view text)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    const auto* normalizer = icu::Normalizer2::getNFDInstance(error);
+    const auto source
+        = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+    auto result = required(normalizer).normalize(source, error);
+    if (U_FAILURE(error))
+        programStops();
+    return result;
+}
+
+} // namespace
+
+bool isValidUtf8(std::string_view bytes)
+{
+    const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    for (std::size_t position = 0; position < bytes.size();) {
+        UChar32 character = 0;
+        U8_NEXT(data, position, bytes.size(), character);
+        if (character < 0)
+            return false;
+    }
+    return true;
+}
+
+bool isCanonicallyEquivalent(std::string_view left, std::string_view right)
+{
+    if (left == right)
+        return true;
+    if (!isValidUtf8(left) || !isValidUtf8(right))
+        return false;
+    return decomposed(left) == decomposed(right);
+}
+
+} // namespace tarnwell

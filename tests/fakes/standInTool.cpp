@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+// Stands in for sniffer or creator. It is called by a link whose path is argv[0], and does what the script beside
+// that link says, line by line; see tests/support/StandInTools.h for the commands.
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <thread>
+
+#include <unistd.h>
+
+namespace
+{
+
+using Words = std::string;
+
+char** toolArguments = nullptr;
+int toolArgumentCount = 0;
+
+std::string contentsOf(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void writeAll(int descriptor, const std::string& bytes)
+{
+    for (std::size_t done = 0; done < bytes.size();) {
+        const auto count = ::write(descriptor, bytes.data() + done, bytes.size() - done);
+        if (count <= 0)
+            return; // the reader has gone
+        done += static_cast<std::size_t>(count);
+    }
+}
+
+std::string unescaped(const std::string& text)
+{
+    std::string result;
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        if (text[index] != '\\' || index + 1 == text.size()) {
+            result += text[index];
+            continue;
+        }
+        switch (text[++index]) {
+        case 'n':
+            result += '\n';
+            break;
+        case 'r':
+            result += '\r';
+            break;
+        case 'x':
+            result += static_cast<char>(std::stoi(text.substr(index + 1, 2), nullptr, 16));
+            index += 2;
+            break;
+        default:
+            result += text[index];
+        }
+    }
+    return result;
+}
+
+// The file appears whole: whoever waits for it finds all of it there.
+void leaveFile(const std::string& path, const std::string& contents)
+{
+    std::ofstream(path + ".part", std::ios::binary) << contents;
+    std::filesystem::rename(path + ".part", path);
+}
+
+void record(const std::string& path)
+{
+    std::string all;
+    for (int index = 1; index < toolArgumentCount; ++index)
+        all.append(toolArguments[index]).append(1, '\0');
+    leaveFile(path, all);
+}
+
+void flood(const std::string& bytes)
+{
+    const std::string block(65536, 'x');
+    for (auto left = std::stoull(bytes); left > 0;) {
+        const auto count = std::min<unsigned long long>(left, block.size());
+        writeAll(STDOUT_FILENO, block.substr(0, count));
+        left -= count;
+    }
+}
+
+std::string terminationFile;
+
+void onTermination(int)
+{
+    // Not safe in a real program; here nothing else runs but a wait.
+    leaveFile(terminationFile, "SIGTERM");
+    std::_Exit(255);
+}
+
+void waitForFile(const std::string& path)
+{
+    while (!std::filesystem::exists(path))
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+}
+
+const std::map<std::string, std::function<void(const Words&)>> commands = {
+    {"print-file", [](const Words& path) { writeAll(STDOUT_FILENO, contentsOf(path)); }},
+    {"print", [](const Words& text) { writeAll(STDOUT_FILENO, unescaped(text)); }},
+    {"error", [](const Words& text) { writeAll(STDERR_FILENO, unescaped(text)); }},
+    {"flood", flood},
+    {"record", record},
+    {"record-pid", [](const Words& path) { leaveFile(path, std::to_string(::getpid())); }},
+    {"copy", [](const Words& path) { leaveFile(toolArguments[toolArgumentCount - 1], contentsOf(path)); }},
+    {"touch", [](const Words& path) { leaveFile(path, ""); }},
+    {"on-termination",
+        [](const Words& path) {
+            terminationFile = path;
+            std::signal(SIGTERM, onTermination);
+        }},
+    {"ignore-termination", [](const Words&) { std::signal(SIGTERM, SIG_IGN); }},
+    {"wait-for", waitForFile},
+    {"sleep", [](const Words& count) { std::this_thread::sleep_for(std::chrono::milliseconds(std::stol(count))); }},
+    {"hang",
+        [](const Words&) {
+            for (;;)
+                ::pause();
+        }},
+    {"die", [](const Words& signal) { std::raise(std::stoi(signal)); }},
+    {"exit", [](const Words& status) { std::_Exit(std::stoi(status)); }},
+};
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    toolArguments = argv;
+    toolArgumentCount = argc;
+    const std::string link = argv[0];
+    std::ifstream script(link + ".script");
+    for (std::string line; std::getline(script, line);) {
+        const auto blank = line.find(' ');
+        const auto command = commands.find(line.substr(0, blank));
+        if (command == commands.end()) {
+            std::cerr << "standInTool: unknown command: " << line << '\n';
+            return 2;
+        }
+        command->second(blank == std::string::npos ? std::string() : line.substr(blank + 1));
+    }
+    return 0;
+}

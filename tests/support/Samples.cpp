@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/Samples.h"
+
+#include "desktop/PathText.h"
+#include "platform/TemporaryDirectory.h"
+
+#include <QImageReader>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+const std::string ffmpeg = "/usr/bin/ffmpeg";
+
+std::string drawBox(const std::string& place, const std::string& colour)
+{
+    return "drawbox=" + place + ":w=iw/4:h=ih/4:t=fill:color=" + colour;
+}
+
+std::string pictureFilter()
+{
+    return drawBox("x=0:y=0", "red") + "," + drawBox("x=iw-iw/4:y=0", "green") + ","
+        + drawBox("x=0:y=ih-ih/4", "blue") + "," + drawBox("x=iw-iw/4:y=ih-ih/4", "yellow");
+}
+
+} // namespace
+
+int run(const std::string& program, const std::vector<std::string>& arguments)
+{
+    QStringList list;
+    for (const auto& argument : arguments)
+        list.append(textOfPath(argument));
+    return QProcess::execute(textOf(program), list);
+}
+
+void makeSampleVideo(const std::string& path, const SampleVideo& sample)
+{
+    const std::string size = std::to_string(sample.size.width()) + "x" + std::to_string(sample.size.height());
+    const std::string length = ":duration=" + std::to_string(sample.seconds);
+    std::vector<std::string> arguments = {"-v", "error", "-nostdin", "-f", "lavfi", "-i",
+        "gradients=size=" + size + ":rate=25:c0=gray:c1=silver:speed=0.01:seed=7" + length};
+    if (!sample.soundCodec.empty())
+        arguments.insert(arguments.end(), {"-f", "lavfi", "-i", "sine=frequency=440" + length, "-c:a", sample.soundCodec});
+    arguments.insert(arguments.end(),
+        {"-vf", pictureFilter(), "-c:v", sample.codec, "-pix_fmt", sample.pixelFormat, "-g", "5", "-y", path});
+    ASSERT_EQ(run(ffmpeg, arguments), 0) << path;
+}
+
+void setRotationFlag(const std::string& path, int degrees, const std::string& markedPath)
+{
+    ASSERT_EQ(run(ffmpeg,
+                  {"-v", "error", "-nostdin", "-i", path, "-c", "copy", "-metadata:s:v",
+                      "rotate=" + std::to_string(degrees), "-y", markedPath}),
+        0);
+}
+
+QImage decodedFrame(const std::string& path, double seconds)
+{
+    const TemporaryDirectory folder;
+    const std::string picture = folder.path() + "frame.png";
+    run(ffmpeg,
+        {"-v", "error", "-nostdin", "-ss", std::to_string(seconds), "-i", path, "-frames:v", "1", "-y", picture});
+    return QImageReader(textOfPath(picture)).read().convertToFormat(QImage::Format_RGB32);
+}
+
+double meanDifference(const QImage& left, const QImage& right)
+{
+    constexpr double farthest = 255;
+    const QSize common = left.size().boundedTo(right.size());
+    const QSize largest = left.size().expandedTo(right.size());
+    if (common.isEmpty() || largest.width() - common.width() > 1 || largest.height() - common.height() > 1)
+        return farthest;
+    double sum = 0;
+    for (int y = 0; y < common.height(); ++y) {
+        for (int x = 0; x < common.width(); ++x) {
+            const QRgb a = left.pixel(x, y);
+            const QRgb b = right.pixel(x, y);
+            sum += std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) + std::abs(qBlue(a) - qBlue(b));
+        }
+    }
+    constexpr double channels = 3;
+    return sum / (channels * common.width() * common.height());
+}
+
+QImage expectedPicture(const QImage& source, int quarterTurnsLeft, bool vertically, bool horizontally)
+{
+    QImage picture = source.convertToFormat(QImage::Format_ARGB32);
+    for (int turn = 0; turn < quarterTurnsLeft; ++turn) {
+        QImage turned(picture.height(), picture.width(), QImage::Format_ARGB32);
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x)
+                turned.setPixel(y, picture.width() - 1 - x, picture.pixel(x, y));
+        }
+        picture = turned;
+    }
+    return picture.mirrored(horizontally, vertically);
+}
+
+} // namespace tarnwell::test

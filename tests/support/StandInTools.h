@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/Bundle.h"
+#include "platform/TemporaryDirectory.h"
+#include "platform/ToolContext.h"
+
+#include <string>
+
+namespace tarnwell::test
+{
+
+/// A bundle in a folder of its own whose tools do what a test writes down for them. A tool without a script is
+/// missing from the bundle. A script is a list of lines, done in order; the tool then exits with 0:
+///
+/// print TEXT, error TEXT      writes to standard output or error; \n, \r, \xHH are understood, no end of line is added
+/// print-file PATH             writes the file to standard output
+/// flood N                     writes N bytes to standard output
+/// record PATH                 writes the arguments down, see recordedArguments
+/// record-pid PATH             writes the process number down
+/// copy PATH                   copies the file to the path in the last argument
+/// touch PATH, wait-for PATH   makes a file; waits until somebody has made it
+/// on-termination PATH         from now on a SIGTERM makes the file and exits with 255
+/// ignore-termination          from now on a SIGTERM does nothing
+/// sleep MILLISECONDS, hang    waits; for ever
+/// die SIGNAL, exit STATUS     ends
+class StandInTools
+{
+public:
+    /// What the tool does from its next run on.
+    void setSniffer(const std::string& script) { setTool("sniffer", script); }
+    void setCreator(const std::string& script) { setTool("creator", script); }
+
+    /// Makes the tool the real one of the build tree.
+    void useRealSniffer() { useRealTool("sniffer"); }
+    void useRealCreator() { useRealTool("creator"); }
+
+    /// The picture "poster" of the build tree becomes part of the bundle.
+    void addPoster();
+
+    /// A folder for the test's own files, ending in "/"; it is also the bundle's.
+    const std::string& folder() const { return m_folder.path(); }
+
+    Bundle bundle() const;
+    ToolContext context() const { return {bundle(), waitPlainly}; }
+
+private:
+    void setTool(const std::string& name, const std::string& script);
+    void useRealTool(const std::string& name);
+
+    TemporaryDirectory m_folder;
+};
+
+} // namespace tarnwell::test

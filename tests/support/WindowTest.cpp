@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/WindowTest.h"
+
+#include "app/AppDelegate.h"
+#include "desktop/AttentiveWait.h"
+#include "desktop/PathText.h"
+#include "platform/FileURL.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTest>
+#include <QToolBar>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr int longestWait = 60000; // milliseconds; only a broken program takes so long
+
+template <typename Dialog>
+Dialog* shownDialog()
+{
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        auto* dialog = qobject_cast<Dialog*>(widget);
+        if (dialog != nullptr && dialog->isVisible())
+            return dialog;
+    }
+    return nullptr;
+}
+
+void waitForKeyboard(QWidget& widget)
+{
+    widget.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&widget, longestWait));
+}
+
+} // namespace
+
+bool waitUntil(const std::function<bool()>& condition)
+{
+    return QTest::qWaitFor(condition, longestWait);
+}
+
+ToolContext realTools()
+{
+    return {Bundle(TARNWELL_BUILD_FOLDER "/bin"), waitAttentively};
+}
+
+void WindowTest::start()
+{
+    start(realTools());
+}
+
+void WindowTest::start(const ToolContext& tools)
+{
+    m_application = std::make_unique<Application>(ToolContext{tools.bundle, waitAttentively});
+    waitForKeyboard(window());
+}
+
+QMainWindow& WindowTest::window()
+{
+    return m_application->interface().window();
+}
+
+AppDelegate& WindowTest::delegate()
+{
+    return m_application->delegate();
+}
+
+QAction& WindowTest::action(const char* objectName)
+{
+    return find<QAction>(objectName);
+}
+
+QImage WindowTest::shownPicture()
+{
+    return find<ImageView>("posterFrameIMGV").image();
+}
+
+void WindowTest::type(const QKeySequence& keys)
+{
+    ASSERT_TRUE(waitUntil([] { return QApplication::activeWindow() != nullptr; }));
+    QTest::keySequence(QApplication::activeWindow(), keys);
+}
+
+void WindowTest::clickToolBar(const char* actionName)
+{
+    QWidget* button = find<QToolBar>("toolBar").widgetForAction(&action(actionName));
+    ASSERT_NE(button, nullptr) << actionName;
+    QTest::mouseClick(button, Qt::LeftButton);
+}
+
+QMessageBox* WindowTest::shownAlert()
+{
+    EXPECT_TRUE(waitUntil([] { return shownDialog<QMessageBox>() != nullptr; })) << "no alert came";
+    auto* alert = shownDialog<QMessageBox>();
+    if (alert != nullptr)
+        waitForKeyboard(*alert);
+    return alert;
+}
+
+bool WindowTest::isAlertShown()
+{
+    return shownDialog<QMessageBox>() != nullptr;
+}
+
+void WindowTest::answer(QMessageBox* alert, const char* buttonText)
+{
+    ASSERT_NE(alert, nullptr);
+    for (QAbstractButton* button : alert->buttons()) {
+        if (button->text() == QString::fromLatin1(buttonText)) {
+            QTest::mouseClick(button, Qt::LeftButton);
+            return;
+        }
+    }
+    ADD_FAILURE() << "no button " << buttonText;
+}
+
+bool WindowTest::isProgressShown()
+{
+    return find<QDialog>("progressWindow").isVisible();
+}
+
+bool WindowTest::drop(const std::string& path)
+{
+    QMimeData data;
+    data.setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString(FileURL(path).absoluteString() + "\r\n"));
+    return drop(data);
+}
+
+bool WindowTest::drop(const QMimeData& data)
+{
+    QWidget& view = find<QWidget>("posterFrameIMGV");
+    const QPoint centre = view.rect().center();
+    QDragEnterEvent enter(centre, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&view, &enter);
+    if (!enter.isAccepted())
+        return false;
+    QDropEvent drop(centre, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&view, &drop);
+    return drop.isAccepted();
+}
+
+QFileDialog* WindowTest::shownPanel()
+{
+    EXPECT_TRUE(waitUntil([] { return shownDialog<QFileDialog>() != nullptr; })) << "no panel came";
+    auto* panel = shownDialog<QFileDialog>();
+    if (panel != nullptr)
+        waitForKeyboard(*panel);
+    return panel;
+}
+
+void WindowTest::choose(QFileDialog* panel, const std::string& path)
+{
+    ASSERT_NE(panel, nullptr);
+    auto* field = panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    ASSERT_NE(field, nullptr);
+    field->setText(textOfPath(path));
+    QTest::keyClick(field, Qt::Key_Return);
+}
+
+void WindowTest::openByPanel(const std::string& path)
+{
+    type(QKeySequence(QStringLiteral("Ctrl+O")));
+    choose(shownPanel(), path);
+    // The name field's list of completions may take the first Return.
+    if (auto* panel = shownDialog<QFileDialog>())
+        choose(panel, path);
+}
+
+void WindowTest::saveByPanel(const std::string& path)
+{
+    type(QKeySequence(QStringLiteral("Ctrl+S")));
+    choose(shownPanel(), path);
+}
+
+} // namespace tarnwell::test

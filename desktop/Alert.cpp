@@ -47,10 +47,9 @@ void Alert::beginSheetModal(QWidget& window, SheetQueue& sheets, Handler handler
     box->setInformativeText(m_informativeText);
     addButtons(*box, m_buttons.isEmpty() ? QStringList(okText()) : m_buttons);
     sheets.begin(box, [box, answer = std::move(handler)](int) {
-        const int response = responseOf(*box);
-        box->deleteLater();
         if (answer)
-            answer(response);
+            answer(responseOf(*box));
+        box->deleteLater(); // not before: the answer may run an event loop inside the click that the box handles
     });
 }
 

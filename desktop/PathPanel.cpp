@@ -46,6 +46,10 @@ QString PathPanel::typedPath() const
     const auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
     if (field == nullptr || field->text().isEmpty())
         return {};
+    // A row of the list may lie in another folder than the one that is shown, when its whole path was typed.
+    const QStringList rows = selectedFiles();
+    if (rows.size() == 1 && QFileInfo(rows.first()).fileName() == field->text())
+        return rows.first();
     return directory().absoluteFilePath(field->text());
 }
 
@@ -91,16 +95,26 @@ void SavePanel::accept()
         return;
     }
     const QString output = withOutputExtension(path);
-    if (!QFileInfo::exists(output) || mayReplace(output))
+    if (QFileInfo::exists(output))
+        askBeforeReplacing(output);
+    else
         acceptPath(output);
 }
 
-bool SavePanel::mayReplace(const QString& path)
+void SavePanel::askBeforeReplacing(const QString& path)
 {
     const QString question
         = tr("“%1” already exists.\nDo you want to replace it?").arg(QFileInfo(path).fileName());
-    return QMessageBox::warning(this, windowTitle(), question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
-        == QMessageBox::Yes;
+    auto* box = new QMessageBox(
+        QMessageBox::Warning, windowTitle(), question, QMessageBox::Yes | QMessageBox::No, this, Qt::Sheet);
+    box->setTextFormat(Qt::PlainText);
+    box->setDefaultButton(QMessageBox::No);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(box, &QDialog::finished, this, [this, path](int answer) {
+        if (answer == QMessageBox::Yes)
+            acceptPath(path);
+    });
+    box->open();
 }
 
 } // namespace tarnwell

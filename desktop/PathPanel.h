@@ -54,7 +54,7 @@ protected:
     void accept() override;
 
 private:
-    bool mayReplace(const QString& path);
+    void askBeforeReplacing(const QString& path);
 };
 
 } // namespace tarnwell

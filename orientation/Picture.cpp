@@ -52,9 +52,9 @@ QImage flipImage(const QImage& source, bool horizontal, bool vertical)
     QPainter painter(&mirrored);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    painter.translate(horizontal ? source.width() : 0, vertical ? source.height() : 0);
-    painter.scale(horizontal ? -1 : 1, vertical ? -1 : 1);
-    painter.drawImage(QPointF(0, 0), source);
+    // Mirrored at whole pixels beforehand: through a negative scale the smooth interpolation would come out a grey
+    // level or two beside the source.
+    painter.drawImage(QPointF(0, 0), source.mirrored(horizontal, vertical));
     return mirrored;
 }
 

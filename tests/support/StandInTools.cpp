@@ -26,6 +26,22 @@ void StandInTools::addPoster()
     replaceLink(buildFolder + "/share/tarnwell/poster.png", folder() + "poster.png");
 }
 
+void StandInTools::removeSniffer()
+{
+    std::filesystem::remove(folder() + "sniffer");
+}
+
+void StandInTools::makeCreatorUnstartable()
+{
+    removeCreator();
+    writeFile(folder() + "creator", "no program");
+}
+
+void StandInTools::removeCreator()
+{
+    std::filesystem::remove(folder() + "creator");
+}
+
 Bundle StandInTools::bundle() const
 {
     return Bundle(folder().substr(0, folder().size() - 1));

@@ -31,6 +31,12 @@ public:
     void setSniffer(const std::string& script) { setTool("sniffer", script); }
     void setCreator(const std::string& script) { setTool("creator", script); }
 
+    void removeSniffer();
+    void removeCreator();
+
+    /// The creator is a file that is no program.
+    void makeCreatorUnstartable();
+
     /// Makes the tool the real one of the build tree.
     void useRealSniffer() { useRealTool("sniffer"); }
     void useRealCreator() { useRealTool("creator"); }

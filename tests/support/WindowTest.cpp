@@ -36,13 +36,18 @@ Dialog* shownDialog()
     return nullptr;
 }
 
+} // namespace
+
 void waitForKeyboard(QWidget& widget)
 {
     widget.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&widget, longestWait));
 }
 
-} // namespace
+bool isOnTop(const QWidget& window)
+{
+    return QApplication::topLevelAt(window.geometry().center()) == &window;
+}
 
 bool waitUntil(const std::function<bool()>& condition)
 {

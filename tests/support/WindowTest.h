@@ -25,6 +25,12 @@ namespace tarnwell::test
 /// Works until the condition holds; false where that takes longer than a test should.
 bool waitUntil(const std::function<bool()>& condition);
 
+/// Waits until keys that are typed reach the widget's window.
+void waitForKeyboard(QWidget& widget);
+
+/// Whether no other window covers the middle of this one.
+bool isOnTop(const QWidget& window);
+
 /// The real window of the program with tools of the test's choice, handled as a user would: by names, keys and
 /// clicks. Each test has a folder of its own for its files.
 class WindowTest : public testing::Test
@@ -37,6 +43,7 @@ protected:
     /// The test's own folder, ending in "/".
     const std::string& folder() const { return m_folder.path(); }
 
+    Application& application() { return *m_application; }
     QMainWindow& window();
     AppDelegate& delegate();
 

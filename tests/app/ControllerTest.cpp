@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/Files.h"
+#include "tests/support/StandInTest.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QPushButton>
+
+namespace tarnwell::test
+{
+
+class ControllerTest : public StandInTest
+{
+};
+
+TEST_F(ControllerTest, atTheStartTheSixEditingControlsAreOffAndTheOthersOn)
+{
+    start();
+    for (const char* control : editingControls)
+        EXPECT_FALSE(action(control).isEnabled()) << control;
+    for (const char* control : {"openMenuBTN", "openToolBarBTN", "saveMenuBTN", "helpMenuBTN", "helpBTN", "quitMenuBTN"})
+        EXPECT_TRUE(action(control).isEnabled()) << control;
+    EXPECT_TRUE(shownPicture().isNull());
+    EXPECT_FALSE(exists(folder() + "probed"));
+}
+
+TEST_F(ControllerTest, controlsBearTheNamesAndShortcutsThatPeopleKnow)
+{
+    const std::tuple<const char*, const char*, const char*> controls[] = {
+        {"openMenuBTN", "Open", "Ctrl+O"},
+        {"openToolBarBTN", "Open", ""},
+        {"saveMenuBTN", "Save", "Ctrl+S"},
+        {"saveToolBarBTN", "Save", ""},
+        {"rotateLeftBTN", "Rotate Left", "Ctrl+L"},
+        {"rotateRightBTN", "Rotate Right", "Ctrl+R"},
+        {"resetBTN", "Reset", "Ctrl+0"},
+        {"flipVerticallyBTN", "Flip Vertically", "Ctrl+Shift+V"},
+        {"flipHorizontallyBTN", "Flip Horizontally", "Ctrl+Shift+H"},
+        {"helpMenuBTN", "Help", "F1"},
+        {"helpBTN", "Help", ""},
+        {"quitMenuBTN", "Quit", "Ctrl+Q"},
+    };
+    start();
+    for (const auto& [objectName, name, shortcut] : controls) {
+        SCOPED_TRACE(objectName);
+        EXPECT_EQ(action(objectName).text().remove(QLatin1Char('&')).toStdString(), name);
+        EXPECT_EQ(action(objectName).shortcut(), QKeySequence(QString::fromLatin1(shortcut)));
+    }
+    EXPECT_EQ(window().windowTitle(), QStringLiteral("Tarnwell"));
+    EXPECT_EQ(find<QWidget>("posterFrameIMGV").accessibleName(), QStringLiteral("Video Preview"));
+    EXPECT_EQ(find<QWidget>("progressTitle").accessibleName(), QStringLiteral("Progress Title"));
+    EXPECT_EQ(find<QWidget>("progressBar").accessibleName(), QStringLiteral("Progress"));
+    EXPECT_EQ(find<QWidget>("progressCancel").accessibleName(), QStringLiteral("Cancel"));
+}
+
+TEST_F(ControllerTest, aShortcutOfADisabledControlDoesNothing)
+{
+    start();
+    for (const char* keys : {"Ctrl+L", "Ctrl+R", "Ctrl+0", "Ctrl+Shift+V", "Ctrl+Shift+H"})
+        type(QKeySequence(QString::fromLatin1(keys)));
+    EXPECT_TRUE(shownPicture().isNull());
+}
+
+TEST_F(ControllerTest, okEndsTheHelpSheetAndChangesNothing)
+{
+    start();
+    openVideo();
+    type(QKeySequence(QStringLiteral("Ctrl+L")));
+    const QImage before = shownPicture();
+    type(QKeySequence(QStringLiteral("F1")));
+    auto& help = find<QDialog>("helpWindow");
+    ASSERT_TRUE(waitUntil([&help] { return help.isVisible(); }));
+    waitForKeyboard(help);
+    QTest::mouseClick(&find<QPushButton>("helpOK"), Qt::LeftButton);
+    EXPECT_FALSE(help.isVisible());
+    EXPECT_EQ(shownPicture().cacheKey(), before.cacheKey());
+    waitForKeyboard(window());
+    type(QKeySequence(QStringLiteral("Ctrl+R")));
+    EXPECT_EQ(shownPicture().size(), stillSize);
+}
+
+TEST_F(ControllerTest, theHelpSheetComesAgainAndEscapeEndsItToo)
+{
+    start();
+    auto& help = find<QDialog>("helpWindow");
+    for (int round = 0; round < 2; ++round) {
+        clickToolBar("helpBTN");
+        ASSERT_TRUE(waitUntil([&help] { return help.isVisible(); }));
+        QTest::keyClick(&help, Qt::Key_Escape);
+        EXPECT_FALSE(help.isVisible());
+    }
+}
+
+TEST_F(ControllerTest, reopeningBringsAMinimisedWindowBackWithTheKeyboard)
+{
+    start();
+    window().showMinimized();
+    ASSERT_TRUE(waitUntil([this] { return window().isMinimized(); }));
+    application().reopen();
+    EXPECT_TRUE(waitUntil([this] { return window().isVisible() && !window().isMinimized(); }));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+}
+
+TEST_F(ControllerTest, reopeningBringsAHiddenWindowBackWithTheKeyboard)
+{
+    start();
+    QWidget other; // so that hiding the window is not the end of the program
+    other.show();
+    window().hide();
+    application().reopen();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+}
+
+TEST_F(ControllerTest, reopeningOnlyRaisesAVisibleWindow)
+{
+    start();
+    QWidget other;
+    other.setGeometry(window().geometry());
+    other.show();
+    waitForKeyboard(other);
+    application().reopen();
+    EXPECT_TRUE(waitUntil([this] { return isOnTop(window()); }));
+    EXPECT_TRUE(other.isActiveWindow());
+}
+
+} // namespace tarnwell::test

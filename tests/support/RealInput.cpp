@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/RealInput.h"
+
+#include "tests/support/WindowTest.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QApplication>
+#include <QProcess>
+#include <QTest>
+#include <QThread>
+#include <QWidget>
+#include <QWindow>
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <cstring>
+#include <mutex>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr std::chrono::seconds longestWait(60); // only a broken desktop takes so long
+
+/// What has reached the program's windows so far. Keys count when they are pressed and buttons when they are
+/// released: a key's window may be gone before the key is up again.
+struct Arrivals {
+    int keys = 0;
+    int buttons = 0;
+};
+
+/// Counts the X server's events before Qt sees them, so that input which Qt drops counts too.
+class ArrivalCounter : public QAbstractNativeEventFilter
+{
+public:
+    static ArrivalCounter& instance()
+    {
+        static ArrivalCounter counter;
+        return counter;
+    }
+
+    Arrivals arrivals()
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_arrivals;
+    }
+
+    /// For a thread other than the main one. False where the time is up.
+    bool waitFor(const Arrivals& expected)
+    {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, longestWait, [&] { return hasReached(m_arrivals, expected); });
+    }
+
+    static bool hasReached(const Arrivals& actual, const Arrivals& expected)
+    {
+        return actual.keys >= expected.keys && actual.buttons >= expected.buttons;
+    }
+
+    bool nativeEventFilter(const QByteArray& /*eventType*/, void* message, qintptr* /*result*/) override
+    {
+        const auto* event = static_cast<const std::uint8_t*>(message);
+        const int type = event[0] & 0x7f;
+        std::uint16_t extensionType = 0;
+        std::memcpy(&extensionType, event + extensionTypeOffset, sizeof extensionType);
+        const std::lock_guard lock(m_mutex);
+        if (type == keyPress)
+            ++m_arrivals.keys;
+        else if (type == buttonRelease || (type == extensionEvent && extensionType == extensionButtonRelease))
+            ++m_arrivals.buttons;
+        m_changed.notify_all();
+        return false;
+    }
+
+private:
+    // The X protocol's numbers.
+    static constexpr int keyPress = 2;
+    static constexpr int buttonRelease = 5;
+    static constexpr int extensionEvent = 35;
+    static constexpr int extensionTypeOffset = 8;
+    static constexpr int extensionButtonRelease = 5;
+
+    ArrivalCounter() { QCoreApplication::instance()->installNativeEventFilter(this); }
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    Arrivals m_arrivals;
+};
+
+Arrivals soFarAnd(const Arrivals& more)
+{
+    const Arrivals soFar = ArrivalCounter::instance().arrivals();
+    return {soFar.keys + more.keys, soFar.buttons + more.buttons};
+}
+
+void startCounting()
+{
+    ArrivalCounter::instance();
+}
+
+Q_COREAPP_STARTUP_FUNCTION(startCounting)
+
+bool isMainThread()
+{
+    return QThread::currentThread() == QCoreApplication::instance()->thread();
+}
+
+/// The window that the X server gives keys to. Qt knows it only later, or calls a window active too early.
+WId keyboardOwner()
+{
+    QProcess xdotool;
+    xdotool.start(QStringLiteral("xdotool"), {QStringLiteral("getwindowfocus"), QStringLiteral("-f")});
+    xdotool.waitForFinished();
+    return xdotool.readAllStandardOutput().trimmed().toULongLong();
+}
+
+bool hasKeyboard(QWindow* window)
+{
+    return window != nullptr && QGuiApplication::focusWindow() == window
+        && keyboardOwner() == window->winId();
+}
+
+/// Other threads cannot know what Qt does; their input is sent as it is.
+void waitForSomebodyWithKeyboard()
+{
+    if (!isMainThread())
+        return;
+    EXPECT_TRUE(waitUntil([] { return hasKeyboard(QGuiApplication::focusWindow()); }))
+        << "nobody has the keyboard";
+}
+
+void send(const QStringList& commands, const Arrivals& awaited)
+{
+    const Arrivals expected = soFarAnd(awaited);
+    QProcess xdotool;
+    xdotool.start(QStringLiteral("xdotool"), commands);
+    if (!isMainThread()) {
+        xdotool.waitForFinished(static_cast<int>(std::chrono::milliseconds(longestWait).count()));
+        EXPECT_TRUE(ArrivalCounter::instance().waitFor(expected)) << commands.join(u' ').toStdString();
+    } else {
+        EXPECT_TRUE(waitUntil([&] { return xdotool.state() == QProcess::NotRunning; }));
+        EXPECT_TRUE(waitUntil([&] {
+            return ArrivalCounter::hasReached(ArrivalCounter::instance().arrivals(), expected);
+        })) << commands.join(u' ').toStdString();
+        QCoreApplication::processEvents();
+    }
+    EXPECT_EQ(xdotool.exitCode(), 0) << commands.join(u' ').toStdString();
+}
+
+QStringList moveCommand(QPoint position)
+{
+    return {QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y())};
+}
+
+QStringList clickCommand(int count)
+{
+    return {QStringLiteral("click"), QStringLiteral("--repeat"), QString::number(count),
+        QStringLiteral("--delay"), QStringLiteral("0"), QStringLiteral("1")};
+}
+
+void clickOpenly(QWidget& widget, QPoint point, int count)
+{
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(widget.window()));
+    const auto isOpen
+        = [&] { return QApplication::topLevelAt(screenPosition(widget, point)) == widget.window(); };
+    EXPECT_TRUE(waitUntil(isOpen)) << "covered by another window";
+    send(moveCommand(screenPosition(widget, point)) + clickCommand(count), {.buttons = count});
+}
+
+bool needsShift(char character)
+{
+    return std::isupper(static_cast<unsigned char>(character)) != 0
+        || std::strchr("~!@#$%^&*()_+{}|:\"<>?", character) != nullptr;
+}
+
+QStringList keyCommand(const std::string& keys)
+{
+    return {
+        QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("0"), QString::fromStdString(keys)};
+}
+
+Arrivals arrivalsOf(const std::string& keys)
+{
+    return {.keys = 1 + static_cast<int>(std::count(keys.begin(), keys.end(), '+'))};
+}
+
+} // namespace
+
+QPoint screenPosition(QWidget& widget, QPoint point)
+{
+    return widget.mapToGlobal(point);
+}
+
+QPoint screenPosition(QWidget& widget)
+{
+    return screenPosition(widget, widget.rect().center());
+}
+
+void waitForRealKeyboard(QWidget& window)
+{
+    EXPECT_TRUE(waitUntil([&] { return hasKeyboard(window.windowHandle()); }))
+        << "it did not get the keyboard";
+}
+
+void realClick(QWidget& widget, QPoint point)
+{
+    clickOpenly(widget, point, 1);
+}
+
+void realClick(QWidget& widget)
+{
+    clickOpenly(widget, widget.rect().center(), 1);
+}
+
+void realDoubleClick(QWidget& widget, QPoint point)
+{
+    clickOpenly(widget, point, 2);
+}
+
+void realKeys(const std::string& keys)
+{
+    waitForSomebodyWithKeyboard();
+    send(keyCommand(keys), arrivalsOf(keys));
+}
+
+void realText(const std::string& text)
+{
+    waitForSomebodyWithKeyboard();
+    const auto keys
+        = text.size() + static_cast<std::size_t>(std::count_if(text.begin(), text.end(), needsShift));
+    send({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("0"), QStringLiteral("--"),
+             QString::fromStdString(text)},
+        {.keys = static_cast<int>(keys)});
+}
+
+void realDrag(QPoint from, QPoint to)
+{
+    // A drag begins with a few small moves, and a target is asked before the button is released.
+    const QPoint step = (to - from) / 4;
+    send(moveCommand(from) + QStringList{QStringLiteral("mousedown"), QStringLiteral("1")}
+            + moveCommand(from + step) + moveCommand(from + 2 * step) + moveCommand(to),
+        {});
+    send({QStringLiteral("mouseup"), QStringLiteral("1")}, {});
+}
+
+void realClickAt(QPoint screenPosition)
+{
+    send(moveCommand(screenPosition) + clickCommand(1), {.buttons = 1});
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QPoint>
+
+#include <string>
+
+class QWidget;
+
+namespace tarnwell::test
+{
+
+// Input that comes from the X server, as a user's does: it reaches the window that is there on the screen, or
+// does not reach it. Each call returns when the program has received the input and dealt with it, and fails
+// the test where none of its windows receives it. The main thread goes on with its events meanwhile.
+
+/// Waits until the window itself gets the keys: Qt calls a sheet active already when its parent is.
+void waitForRealKeyboard(QWidget& window);
+
+/// Clicks at the point of the widget, which no other window may cover.
+void realClick(QWidget& widget, QPoint point);
+
+/// Clicks in the middle of the widget.
+void realClick(QWidget& widget);
+
+/// Two clicks in one place, quick enough to count as a double click.
+void realDoubleClick(QWidget& widget, QPoint point);
+
+/// Types printable ASCII into the window that has the keyboard.
+void realText(const std::string& text);
+
+// The following may also be called from another thread, such as that of a blocking call, while the main
+// thread is at work with its events.
+
+/// Presses the keys into the window that has the keyboard, as in "ctrl+l", "Return", "Escape".
+void realKeys(const std::string& keys);
+
+void realClickAt(QPoint screenPosition);
+
+/// Drags from one place of the screen to another, be they windows of other programs; returns when the button
+/// was released.
+void realDrag(QPoint from, QPoint to);
+
+/// The place on the screen. Main thread.
+QPoint screenPosition(QWidget& widget, QPoint point);
+QPoint screenPosition(QWidget& widget);
+
+} // namespace tarnwell::test

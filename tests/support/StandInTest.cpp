@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/StandInTest.h"
+
+#include "desktop/PathText.h"
+#include "tests/support/Files.h"
+
+#include <QPainter>
+
+#include <set>
+
+namespace tarnwell::test
+{
+
+StandInTest::StandInTest()
+    : m_still(stillSize, QImage::Format_RGB32)
+{
+    m_still.fill(Qt::gray);
+    QPainter painter(&m_still);
+    painter.fillRect(QRect(0, 0, 8, 8), Qt::red);
+    painter.fillRect(QRect(stillSize.width() - 8, 0, 8, 8), Qt::green);
+    painter.fillRect(QRect(0, stillSize.height() - 8, 8, 8), Qt::blue);
+    painter.end();
+    // Without loss, whatever the name says: pictures are recognised by their content.
+    EXPECT_TRUE(m_still.save(textOfPath(folder() + "still.png")));
+    m_tools.setSniffer(sniffing(reportOf({})));
+    m_tools.setCreator(stillScript());
+}
+
+std::string StandInTest::sniffing(const std::string& report)
+{
+    writeFile(folder() + "report.json", report);
+    return "record " + folder() + "probed\nprint-file " + folder() + "report.json\n";
+}
+
+std::string StandInTest::stillScript() const
+{
+    return "copy " + folder() + "still.png\n";
+}
+
+void StandInTest::openVideo()
+{
+    writeFile(folder() + "clip.mp4", "bytes");
+    ASSERT_TRUE(drop(folder() + "clip.mp4"));
+    ASSERT_TRUE(action("saveToolBarBTN").isEnabled());
+    ASSERT_FALSE(shownPicture().isNull());
+    waitForKeyboard(window());
+}
+
+int StandInTest::coloursIn(const QImage& picture)
+{
+    constexpr std::size_t enough = 10;
+    std::set<QRgb> colours;
+    for (int y = 0; y < picture.height() && colours.size() < enough; ++y) {
+        for (int x = 0; x < picture.width() && colours.size() < enough; ++x)
+            colours.insert(picture.pixel(x, y));
+    }
+    return static_cast<int>(colours.size());
+}
+
+} // namespace tarnwell::test

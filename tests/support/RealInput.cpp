@@ -125,13 +125,23 @@ bool hasKeyboard(QWindow* window)
         && keyboardOwner() == window->winId();
 }
 
+/// A popup takes the keys for itself while the X server gives them to the window behind it.
+bool hasSomebodyKeyboard()
+{
+    if (QApplication::activePopupWidget() == nullptr)
+        return hasKeyboard(QGuiApplication::focusWindow());
+    const auto windows = QGuiApplication::topLevelWindows();
+    return std::any_of(windows.begin(), windows.end(), [owner = keyboardOwner()](QWindow* window) {
+        return window->handle() != nullptr && window->winId() == owner;
+    });
+}
+
 /// Other threads cannot know what Qt does; their input is sent as it is.
 void waitForSomebodyWithKeyboard()
 {
     if (!isMainThread())
         return;
-    EXPECT_TRUE(waitUntil([] { return hasKeyboard(QGuiApplication::focusWindow()); }))
-        << "nobody has the keyboard";
+    EXPECT_TRUE(waitUntil(hasSomebodyKeyboard)) << "nobody has the keyboard";
 }
 
 void send(const QStringList& commands, const Arrivals& awaited)

@@ -31,10 +31,10 @@ void StandInTools::removeSniffer()
     std::filesystem::remove(folder() + "sniffer");
 }
 
-void StandInTools::makeCreatorUnstartable()
+void StandInTools::makeUnstartable(const std::string& name)
 {
-    removeCreator();
-    writeFile(folder() + "creator", "no program");
+    std::filesystem::remove(folder() + name);
+    writeFile(folder() + name, "no program");
 }
 
 void StandInTools::removeCreator()

@@ -34,8 +34,9 @@ public:
     void removeSniffer();
     void removeCreator();
 
-    /// The creator is a file that is no program.
-    void makeCreatorUnstartable();
+    /// The tool is a file that is no program.
+    void makeSnifferUnstartable() { makeUnstartable("sniffer"); }
+    void makeCreatorUnstartable() { makeUnstartable("creator"); }
 
     /// Makes the tool the real one of the build tree.
     void useRealSniffer() { useRealTool("sniffer"); }
@@ -52,6 +53,7 @@ public:
 
 private:
     void setTool(const std::string& name, const std::string& script);
+    void makeUnstartable(const std::string& name);
     void useRealTool(const std::string& name);
 
     TemporaryDirectory m_folder;

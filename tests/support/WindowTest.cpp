@@ -36,7 +36,23 @@ Dialog* shownDialog()
     return nullptr;
 }
 
+constexpr const char* temporaryFolderVariable = "TMPDIR";
+
 } // namespace
+
+OwnTemporaryFolder::OwnTemporaryFolder()
+    : m_earlier(qgetenv(temporaryFolderVariable))
+{
+    qputenv(temporaryFolderVariable, QByteArray::fromStdString(path()));
+}
+
+OwnTemporaryFolder::~OwnTemporaryFolder()
+{
+    if (m_earlier.isNull())
+        qunsetenv(temporaryFolderVariable);
+    else
+        qputenv(temporaryFolderVariable, m_earlier);
+}
 
 void waitForKeyboard(QWidget& widget)
 {

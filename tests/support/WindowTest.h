@@ -5,6 +5,7 @@
 #include "platform/TemporaryDirectory.h"
 #include "platform/ToolContext.h"
 
+#include <QByteArray>
 #include <QMessageBox>
 #include <QString>
 
@@ -25,6 +26,23 @@ namespace tarnwell::test
 /// Works until the condition holds; false where that takes longer than a test should.
 bool waitUntil(const std::function<bool()>& condition);
 
+/// While it lives, the temporary folder of this process is one of its own.
+class OwnTemporaryFolder
+{
+public:
+    OwnTemporaryFolder();
+    ~OwnTemporaryFolder();
+    OwnTemporaryFolder(const OwnTemporaryFolder&) = delete;
+    OwnTemporaryFolder& operator=(const OwnTemporaryFolder&) = delete;
+
+    /// Without a closing slash.
+    std::string path() const { return m_folder.path().substr(0, m_folder.path().size() - 1); }
+
+private:
+    TemporaryDirectory m_folder;
+    QByteArray m_earlier;
+};
+
 /// Waits until keys that are typed reach the widget's window.
 void waitForKeyboard(QWidget& widget);
 
@@ -42,6 +60,9 @@ protected:
 
     /// The test's own folder, ending in "/".
     const std::string& folder() const { return m_folder.path(); }
+
+    /// The temporary folder of this test alone, without a closing slash: whatever the program makes lies in it.
+    std::string ownTemporaryFolder() const { return m_temporary.path(); }
 
     Application& application() { return *m_application; }
     QMainWindow& window();
@@ -89,6 +110,7 @@ protected:
     void choose(QFileDialog* panel, const std::string& path);
 
 private:
+    OwnTemporaryFolder m_temporary;
     TemporaryDirectory m_folder;
     std::unique_ptr<Application> m_application;
 };

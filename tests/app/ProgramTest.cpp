@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+// The built program as a process: how it starts, comes back and ends.
+#include "tests/support/ExternalProgram.h"
+#include "tests/support/Files.h"
+#include "tests/support/Samples.h"
+#include "tests/support/WindowTest.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace tarnwell::test
+{
+
+class ProgramTest : public testing::Test
+{
+protected:
+    const std::string& folder() const { return m_folder.path(); }
+    std::string output() const { return folder() + "out.mp4"; }
+
+    /// Opens a video that takes a while to encode and saves it; returns when the encoder is at work.
+    void startExport(ExternalProgram& program)
+    {
+        makeSampleVideo(folder() + "clip.mp4", {.size = {1280, 720}, .seconds = 12, .codec = "mpeg4"});
+        program.waitForWindow("Tarnwell");
+        program.keysUntilWindow("ctrl+o", "Open Video");
+        program.text(folder() + "clip.mp4");
+        program.keys("Return");
+        program.keysUntilWindow("ctrl+s", "Save Video");
+        program.keys("ctrl+a");
+        program.text(output());
+        program.keys("Return");
+        program.waitForOutput("Percent : ");
+    }
+
+    void expectTheWholeVideo()
+    {
+        ASSERT_TRUE(waitUntil([this] { return processesWithArgument(output()).empty(); }));
+        EXPECT_FALSE(decodedFrame(output(), 11.9).isNull());
+        EXPECT_EQ(decodedFrame(output(), 6).size(), QSize(1280, 720));
+    }
+
+private:
+    OwnTemporaryFolder m_temporary;
+    TemporaryDirectory m_folder;
+};
+
+TEST_F(ProgramTest, leavingDuringAnExportNeitherWaitsNorStopsTheEncoder)
+{
+    ExternalProgram program;
+    startExport(program);
+    program.keys("ctrl+q");
+    EXPECT_EQ(program.waitForExit(), 0);
+    EXPECT_FALSE(processesWithArgument(output()).empty());
+    expectTheWholeVideo();
+}
+
+TEST_F(ProgramTest, aTerminatedProgramLeavesTheEncoderAtWork)
+{
+    ExternalProgram program;
+    startExport(program);
+    ::kill(static_cast<pid_t>(program.processId()), SIGKILL);
+    EXPECT_EQ(program.waitForExit(), -1);
+    EXPECT_FALSE(processesWithArgument(output()).empty());
+    expectTheWholeVideo();
+}
+
+TEST_F(ProgramTest, closingTheWindowEndsTheProgram)
+{
+    ExternalProgram program;
+    program.waitForWindow("Tarnwell");
+    program.keys("alt+F4");
+    EXPECT_EQ(program.waitForExit(), 0);
+}
+
+TEST_F(ProgramTest, theQuitItemEndsTheProgram)
+{
+    ExternalProgram program;
+    program.waitForWindow("Tarnwell");
+    program.keys("ctrl+q");
+    EXPECT_EQ(program.waitForExit(), 0);
+}
+
+TEST_F(ProgramTest, startingItAgainBringsTheFirstWindowForwardAndLeaves)
+{
+    ExternalProgram first;
+    first.waitForWindow("Tarnwell");
+    ASSERT_EQ(run("/usr/bin/xdotool", {"getactivewindow", "windowminimize"}), 0);
+    ExternalProgram second;
+    EXPECT_EQ(second.waitForExit(), 0);
+    EXPECT_TRUE(first.isRunning());
+    first.waitForWindow("Tarnwell");
+}
+
+TEST_F(ProgramTest, nothingIsLeftInTheTemporaryFolder)
+{
+    {
+        ExternalProgram program;
+        makeSampleVideo(folder() + "clip.mp4", {});
+        program.waitForWindow("Tarnwell");
+        program.keysUntilWindow("ctrl+o", "Open Video");
+        program.text(folder() + "clip.mp4");
+        program.keys("Return");
+        program.keysUntilWindow("ctrl+s", "Save Video");
+        program.keys("Escape");
+        program.waitForWindow("Tarnwell");
+        program.keysUntilWindow("F1", "Help");
+        program.keys("Escape");
+        program.keys("ctrl+q");
+        EXPECT_EQ(program.waitForExit(), 0);
+    }
+    for (const auto& name : namesIn(qgetenv("TMPDIR").toStdString()))
+        EXPECT_EQ(qgetenv("TMPDIR").toStdString() + "/" + name + "/", folder());
+}
+
+} // namespace tarnwell::test

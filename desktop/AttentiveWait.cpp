@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/AttentiveWait.h"
 
+#include "desktop/Doorbell.h"
 #include "desktop/InputGate.h"
 
 #include <QEventLoop>
-#include <QMetaObject>
 
 #include <thread>
 
@@ -13,11 +13,16 @@ namespace tarnwell
 
 void waitAttentively(const std::function<void()>& blockingCall)
 {
-    const InputGate gate;
     QEventLoop loop;
+    const Doorbell finished([&loop] { loop.quit(); });
+    if (!finished.isWorking()) {
+        blockingCall();
+        return;
+    }
+    const InputGate gate;
     std::thread helper([&] {
         blockingCall();
-        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+        finished.ring();
     });
     loop.exec();
     helper.join();

@@ -1,31 +1,28 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/Doorbell.h"
 #include "platform/DispatchQueue.h"
-
-#include <QObject>
 
 #include <memory>
 
 namespace tarnwell
 {
 
-/// Connects a dispatch queue to the main thread's event loop: one event wakes it whenever work has come. Made
-/// and destroyed on the main thread; the queue may outlive it and drops what comes then.
-class MainThread : public QObject
+/// Connects a dispatch queue to the main thread's event loop. Made and destroyed on the main thread; the queue may
+/// outlive it and drops what comes then.
+class MainThread
 {
-    Q_OBJECT
-
 public:
     MainThread();
-    ~MainThread() override;
+    ~MainThread();
+    MainThread(const MainThread&) = delete;
+    MainThread& operator=(const MainThread&) = delete;
 
     const std::shared_ptr<DispatchQueue>& queue() const { return m_queue; }
 
-protected:
-    bool event(QEvent* event) override;
-
 private:
+    Doorbell m_doorbell;
     std::shared_ptr<DispatchQueue> m_queue;
 };
 

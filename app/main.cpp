@@ -7,6 +7,9 @@
 
 #include <QApplication>
 
+#include <cstdlib>
+#include <memory>
+
 int main(int argc, char* argv[])
 {
     using namespace tarnwell;
@@ -23,5 +26,9 @@ int main(int argc, char* argv[])
     if (instance.claim() == SingleInstance::Role::Later)
         return 0;
     application = std::make_unique<Application>(ToolContext{Bundle::main(), waitAttentively});
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    application.reset();
+    // Threads of a running export live on until the process ends; they must not meet the destructors of what they
+    // still use.
+    std::quick_exit(status);
 }

@@ -172,7 +172,8 @@ TEST_F(ExportTest, theSheetStaysAfterCancelUntilTheToolHasExited)
 TEST_F(ExportTest, escapeOnTheSheetCancels)
 {
     save("on-termination " + folder() + "terminated\ntouch " + folder() + "running\nhang\n");
-    ASSERT_TRUE(waitUntil([this] { return exists(folder() + "running") && cancelButton().isEnabled(); }));
+    ASSERT_TRUE(waitUntil(
+        [this] { return exists(folder() + "running") && isProgressShown() && cancelButton().isEnabled(); }));
     QTest::keyClick(&find<QDialog>("progressWindow"), Qt::Key_Escape);
     expectIdle();
     EXPECT_TRUE(exists(folder() + "terminated"));

@@ -128,7 +128,11 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
             for (;;)
                 ::pause();
         }},
-    {"die", [](const Words& signal) { std::raise(std::stoi(signal)); }},
+    {"die",
+        [](const Words& signal) {
+            std::signal(std::stoi(signal), SIG_DFL); // a sanitizer may have taken it
+            std::raise(std::stoi(signal));
+        }},
     {"exit", [](const Words& status) { std::_Exit(std::stoi(status)); }},
 };
 

@@ -3,6 +3,7 @@
 
 #include "desktop/SheetQueue.h"
 
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -31,7 +32,9 @@ void addButtons(QMessageBox& box, const QStringList& texts)
 
 int responseOf(const QMessageBox& box)
 {
-    const int place = static_cast<int>(box.buttons().indexOf(box.clickedButton()));
+    // A request to close the window ends the box before it says which button that stands for.
+    QAbstractButton* pressed = box.clickedButton() != nullptr ? box.clickedButton() : box.escapeButton();
+    const int place = static_cast<int>(box.buttons().indexOf(pressed));
     return Alert::firstButtonResponse + place;
 }
 
@@ -45,6 +48,9 @@ void Alert::beginSheetModal(QWidget& window, SheetQueue& sheets, Handler handler
     box->setWindowModality(Qt::WindowModal);
     box->setTextFormat(Qt::PlainText);
     box->setInformativeText(m_informativeText);
+    // The box's own text format does not reach this label.
+    if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
+        label->setTextFormat(Qt::PlainText);
     addButtons(*box, m_buttons.isEmpty() ? QStringList(okText()) : m_buttons);
     sheets.begin(box, [box, answer = std::move(handler)](int) {
         if (answer)

@@ -3,6 +3,7 @@
 
 #include "desktop/PathText.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -39,6 +40,11 @@ std::optional<std::string> PathPanel::chosenPath() const
     if (result() != Accepted || files.isEmpty())
         return std::nullopt;
     return pathOfText(files.first());
+}
+
+bool PathPanel::hasNameField() const
+{
+    return findChild<QLineEdit*>(QStringLiteral("fileNameEdit")) != nullptr;
 }
 
 QString PathPanel::typedPath() const
@@ -78,6 +84,7 @@ void OpenPanel::accept()
 
 SavePanel::SavePanel(QWidget* window, const QString& name)
     : PathPanel(window)
+    , m_proposedName(name)
 {
     setAcceptMode(AcceptSave);
     setFileMode(AnyFile);
@@ -89,16 +96,31 @@ SavePanel::SavePanel(QWidget* window, const QString& name)
 
 void SavePanel::accept()
 {
-    const QString path = typedPath();
-    if (path.isEmpty() || path.endsWith(QLatin1Char('/')) || QFileInfo(path).isDir()) {
+    if (!hasNameField()) {
         QFileDialog::accept();
         return;
     }
+    const QString path = typedPath();
+    // Qt's own reading would add the extension to a folder's name.
+    if (QFileInfo(path).isDir()) {
+        showFolder(path);
+        return;
+    }
+    if (path.isEmpty() || !QFileInfo(path).dir().exists())
+        return;
     const QString output = withOutputExtension(path);
-    if (QFileInfo::exists(output))
+    if (QFileInfo(output).isDir())
+        showFolder(output);
+    else if (QFileInfo::exists(output))
         askBeforeReplacing(output);
     else
         acceptPath(output);
+}
+
+void SavePanel::showFolder(const QString& path)
+{
+    setDirectory(path);
+    selectFile(m_proposedName);
 }
 
 void SavePanel::askBeforeReplacing(const QString& path)

@@ -24,6 +24,7 @@ public:
 protected:
     /// What stands in the name field as an absolute path; empty where the dialog has no such field.
     QString typedPath() const;
+    bool hasNameField() const;
     void acceptPath(const QString& path);
 
 private:
@@ -55,6 +56,9 @@ protected:
 
 private:
     void askBeforeReplacing(const QString& path);
+    void showFolder(const QString& path);
+
+    QString m_proposedName;
 };
 
 } // namespace tarnwell

@@ -30,12 +30,11 @@ bool isOnScreen(const QDialog& sheet)
 
 void SheetQueue::begin(QDialog* sheet, Completion completion)
 {
-    const auto isThis = [sheet](const Entry& entry) { return entry.sheet == sheet; };
-    if (std::any_of(m_entries.begin(), m_entries.end(), isThis))
+    if (find(sheet) != m_entries.end())
         return;
     m_entries.push_back({sheet, std::move(completion)});
     connect(sheet, &QDialog::finished, this, [this, sheet](int result) { remove(sheet, result); });
-    connect(sheet, &QObject::destroyed, this, [this] { remove(nullptr, QDialog::Rejected); });
+    connect(sheet, &QObject::destroyed, this, [this, sheet] { forget(sheet); });
     if (m_entries.size() == 1)
         showFirst();
 }
@@ -65,20 +64,33 @@ void SheetQueue::showFirst()
         m_entries.front().sheet->open();
 }
 
-// `sheet` is null for one that was destroyed: its entry no longer points at anything.
 void SheetQueue::remove(QDialog* sheet, int result)
 {
-    const auto entry = std::find_if(
-        m_entries.begin(), m_entries.end(), [sheet](const Entry& each) { return each.sheet == sheet; });
+    const auto entry = find(sheet);
     if (entry == m_entries.end())
         return;
     const Completion completion = std::move(entry->completion);
     m_entries.erase(entry);
-    if (sheet != nullptr)
-        sheet->disconnect(this);
+    sheet->disconnect(this);
     showFirst();
     if (completion)
         completion(result);
+}
+
+// The sheet is only an address by now, and its completion would look at it.
+void SheetQueue::forget(const QDialog* sheet)
+{
+    const auto entry = find(sheet);
+    if (entry == m_entries.end())
+        return;
+    m_entries.erase(entry);
+    showFirst();
+}
+
+std::deque<SheetQueue::Entry>::iterator SheetQueue::find(const QDialog* sheet)
+{
+    return std::find_if(
+        m_entries.begin(), m_entries.end(), [sheet](const Entry& each) { return each.sheet == sheet; });
 }
 
 } // namespace tarnwell

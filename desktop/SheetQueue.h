@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QObject>
-#include <QPointer>
 
 #include <deque>
 #include <functional>
@@ -35,12 +34,14 @@ public:
 
 private:
     struct Entry {
-        QPointer<QDialog> sheet;
+        QDialog* sheet;
         Completion completion;
     };
 
     void showFirst();
     void remove(QDialog* sheet, int result);
+    void forget(const QDialog* sheet);
+    std::deque<Entry>::iterator find(const QDialog* sheet);
 
     std::deque<Entry> m_entries;
 };

@@ -6,7 +6,7 @@
 #include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QProcess>
-#include <QTest>
+#include <QStyleHints>
 #include <QThread>
 #include <QWidget>
 #include <QWindow>
@@ -17,6 +17,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <mutex>
 
 namespace tarnwell::test
@@ -167,19 +168,37 @@ QStringList moveCommand(QPoint position)
     return {QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y())};
 }
 
-QStringList clickCommand(int count)
+void clickThere(QPoint position)
 {
-    return {QStringLiteral("click"), QStringLiteral("--repeat"), QString::number(count),
-        QStringLiteral("--delay"), QStringLiteral("0"), QStringLiteral("1")};
+    send(moveCommand(position) + QStringList{QStringLiteral("click"), QStringLiteral("1")}, {.buttons = 1});
 }
 
-void clickOpenly(QWidget& widget, QPoint point, int count)
+/// Decides whether a click is the second one of a double click, however fast or slow this machine is.
+class DoubleClickInterval
 {
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(widget.window()));
+public:
+    static constexpr int none = 0;
+    static constexpr int endless = std::numeric_limits<int>::max();
+
+    explicit DoubleClickInterval(int milliseconds)
+    {
+        QGuiApplication::styleHints()->setMouseDoubleClickInterval(milliseconds);
+    }
+    ~DoubleClickInterval() { QGuiApplication::styleHints()->setMouseDoubleClickInterval(m_usual); }
+    DoubleClickInterval(const DoubleClickInterval&) = delete;
+    DoubleClickInterval& operator=(const DoubleClickInterval&) = delete;
+
+private:
+    int m_usual = QGuiApplication::styleHints()->mouseDoubleClickInterval();
+};
+
+void clickOpenly(QWidget& widget, QPoint point, int doubleClickInterval)
+{
+    const DoubleClickInterval interval(doubleClickInterval);
     const auto isOpen
         = [&] { return QApplication::topLevelAt(screenPosition(widget, point)) == widget.window(); };
     EXPECT_TRUE(waitUntil(isOpen)) << "covered by another window";
-    send(moveCommand(screenPosition(widget, point)) + clickCommand(count), {.buttons = count});
+    clickThere(screenPosition(widget, point));
 }
 
 bool needsShift(char character)
@@ -219,17 +238,18 @@ void waitForRealKeyboard(QWidget& window)
 
 void realClick(QWidget& widget, QPoint point)
 {
-    clickOpenly(widget, point, 1);
+    clickOpenly(widget, point, DoubleClickInterval::none);
 }
 
 void realClick(QWidget& widget)
 {
-    clickOpenly(widget, widget.rect().center(), 1);
+    realClick(widget, widget.rect().center());
 }
 
 void realDoubleClick(QWidget& widget, QPoint point)
 {
-    clickOpenly(widget, point, 2);
+    realClick(widget, point);
+    clickOpenly(widget, point, DoubleClickInterval::endless);
 }
 
 void realKeys(const std::string& keys)
@@ -250,17 +270,21 @@ void realText(const std::string& text)
 
 void realDrag(QPoint from, QPoint to)
 {
-    // A drag begins with a few small moves, and a target is asked before the button is released.
+    // A drag begins with a few small moves.
     const QPoint step = (to - from) / 4;
     send(moveCommand(from) + QStringList{QStringLiteral("mousedown"), QStringLiteral("1")}
             + moveCommand(from + step) + moveCommand(from + 2 * step) + moveCommand(to),
         {});
+}
+
+void realRelease()
+{
     send({QStringLiteral("mouseup"), QStringLiteral("1")}, {});
 }
 
 void realClickAt(QPoint screenPosition)
 {
-    send(moveCommand(screenPosition) + clickCommand(1), {.buttons = 1});
+    clickThere(screenPosition);
 }
 
 } // namespace tarnwell::test

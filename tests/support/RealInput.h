@@ -23,7 +23,7 @@ void realClick(QWidget& widget, QPoint point);
 /// Clicks in the middle of the widget.
 void realClick(QWidget& widget);
 
-/// Two clicks in one place, quick enough to count as a double click.
+/// Two clicks in one place that count as a double click; those of realClick never do.
 void realDoubleClick(QWidget& widget, QPoint point);
 
 /// Types printable ASCII into the window that has the keyboard.
@@ -37,9 +37,10 @@ void realKeys(const std::string& keys);
 
 void realClickAt(QPoint screenPosition);
 
-/// Drags from one place of the screen to another, be they windows of other programs; returns when the button
-/// was released.
+/// Presses the button in one place and moves to another, be they windows of other programs. The button stays
+/// pressed until realRelease.
 void realDrag(QPoint from, QPoint to);
+void realRelease();
 
 /// The place on the screen. Main thread.
 QPoint screenPosition(QWidget& widget, QPoint point);

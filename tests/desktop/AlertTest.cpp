@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/Alert.h"
+
+#include "desktop/SheetQueue.h"
+#include "tests/desktop/ParentWindow.h"
+#include "tests/support/RealInput.h"
+
+#include <QCoreApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPointer>
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+class AlertTest : public testing::Test
+{
+protected:
+    static Alert alertWithButtons(const QStringList& texts)
+    {
+        Alert alert;
+        alert.setMessageText(QStringLiteral("Message"));
+        for (const QString& text : texts)
+            alert.addButton(text);
+        return alert;
+    }
+
+    static QStringList resultButtons()
+    {
+        return {QStringLiteral("OK"), QStringLiteral("Show in Finder"),
+            QStringLiteral("Launch Video in QuickTime")};
+    }
+
+    static QStringList modeButtons() { return {QStringLiteral("Fix Flag"), QStringLiteral("Transcode")}; }
+
+    /// Shows the alert and waits until it has the keyboard; its answers are collected.
+    void show(const Alert& alert)
+    {
+        alert.beginSheetModal(*m_window, m_sheets, [this](int response) { m_responses.push_back(response); });
+        m_box = m_window->findChild<QMessageBox*>();
+        ASSERT_NE(m_box, nullptr);
+        waitForRealKeyboard(*m_box);
+    }
+
+    QAbstractButton& button(const QString& text)
+    {
+        for (QAbstractButton* button : m_box->buttons()) {
+            if (button->text() == text)
+                return *button;
+        }
+        ADD_FAILURE() << "no button " << text.toStdString();
+        return *m_box->buttons().first();
+    }
+
+    /// The buttons' texts from left to right, as they are on the screen.
+    QStringList shownButtons() const
+    {
+        std::map<int, QString> byPlace;
+        for (QAbstractButton* button : m_box->findChildren<QAbstractButton*>()) {
+            if (button->isVisible())
+                byPlace[button->mapToGlobal(QPoint()).x()] = button->text();
+        }
+        QStringList texts;
+        for (const auto& [place, text] : byPlace)
+            texts.append(text);
+        return texts;
+    }
+
+    QLabel& label(const char* name) { return *m_box->findChild<QLabel*>(QString::fromLatin1(name)); }
+
+    std::unique_ptr<ParentWindow> m_window = std::make_unique<ParentWindow>();
+    SheetQueue m_sheets;
+    QPointer<QMessageBox> m_box;
+    std::vector<int> m_responses;
+};
+
+TEST_F(AlertTest, showsItsTexts)
+{
+    Alert alert;
+    alert.setMessageText(QStringLiteral("First line.\nSecond line?"));
+    alert.setInformativeText(QStringLiteral("Contact : someone@example.org"));
+    show(alert);
+    EXPECT_EQ(label("qt_msgbox_label").text(), QStringLiteral("First line.\nSecond line?"));
+    EXPECT_TRUE(label("qt_msgbox_label").isVisible());
+    EXPECT_EQ(label("qt_msgbox_informativelabel").text(), QStringLiteral("Contact : someone@example.org"));
+    EXPECT_TRUE(label("qt_msgbox_informativelabel").isVisible());
+    EXPECT_EQ(m_box->windowTitle(), m_window->windowTitle());
+}
+
+TEST_F(AlertTest, takesItsTextsLiterally)
+{
+    Alert alert;
+    alert.setMessageText(QStringLiteral("<b>bold</b> & <i>slanted</i>"));
+    alert.setInformativeText(QStringLiteral("Contact : <b>Help</b> <a href='x'>desk</a>"));
+    show(alert);
+    for (const char* name : {"qt_msgbox_label", "qt_msgbox_informativelabel"}) {
+        EXPECT_EQ(label(name).textFormat(), Qt::PlainText) << name;
+    }
+}
+
+TEST_F(AlertTest, isAWarningWhereNoStyleIsSet)
+{
+    show(alertWithButtons({}));
+    EXPECT_EQ(m_box->icon(), QMessageBox::Warning);
+}
+
+TEST_F(AlertTest, showsTheIconOfItsStyle)
+{
+    Alert alert = alertWithButtons({});
+    alert.setStyle(Alert::Style::Informational);
+    show(alert);
+    EXPECT_EQ(m_box->icon(), QMessageBox::Information);
+    EXPECT_FALSE(label("qt_msgboxex_icon_label").pixmap(Qt::ReturnByValue).isNull());
+}
+
+TEST_F(AlertTest, showsTwoButtonsInTheOrderInWhichTheyWereAdded)
+{
+    show(alertWithButtons(modeButtons()));
+    EXPECT_EQ(shownButtons(), modeButtons());
+}
+
+TEST_F(AlertTest, showsThreeButtonsInTheOrderInWhichTheyWereAdded)
+{
+    show(alertWithButtons(resultButtons()));
+    EXPECT_EQ(shownButtons(), resultButtons());
+}
+
+TEST_F(AlertTest, answersWithThePlaceOfTheClickedButton)
+{
+    for (const QString& text : resultButtons()) {
+        show(alertWithButtons(resultButtons()));
+        realClick(button(text));
+        EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); })) << "the box outlives its answer";
+    }
+    EXPECT_EQ(m_responses, (std::vector{1000, 1001, 1002}));
+    EXPECT_EQ(Alert::firstButtonResponse, 1000);
+    EXPECT_EQ(Alert::secondButtonResponse, 1001);
+    EXPECT_EQ(Alert::thirdButtonResponse, 1002);
+}
+
+TEST_F(AlertTest, returnPressesTheFirstButton)
+{
+    for (const QStringList& buttons : {modeButtons(), resultButtons()}) {
+        show(alertWithButtons(buttons));
+        realKeys("Return");
+        EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
+    }
+    EXPECT_EQ(m_responses, (std::vector{1000, 1000}));
+}
+
+TEST_F(AlertTest, escapePressesOkWhereverItStands)
+{
+    show(alertWithButtons(resultButtons()));
+    realKeys("Escape");
+    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
+    show(alertWithButtons({QStringLiteral("Reveal"), QStringLiteral("OK")}));
+    realKeys("Escape");
+    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
+    EXPECT_EQ(m_responses, (std::vector{1000, 1001}));
+}
+
+TEST_F(AlertTest, escapeAndARequestToCloseDoNothingWhereNoButtonSaysOk)
+{
+    show(alertWithButtons(modeButtons()));
+    realKeys("Escape");
+    m_box->windowHandle()->close();
+    QCoreApplication::processEvents();
+    ASSERT_FALSE(m_box.isNull());
+    EXPECT_TRUE(m_box->isVisible());
+    EXPECT_TRUE(m_responses.empty());
+    realClick(button(QStringLiteral("Transcode")));
+    EXPECT_EQ(m_responses, std::vector{1001});
+}
+
+TEST_F(AlertTest, aRequestToClosePressesOk)
+{
+    show(alertWithButtons(resultButtons()));
+    m_box->windowHandle()->close();
+    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
+    EXPECT_EQ(m_responses, std::vector{1000});
+}
+
+TEST_F(AlertTest, hasAnOkButtonWhereNoneWasAdded)
+{
+    show(alertWithButtons({}));
+    EXPECT_EQ(shownButtons(), QStringList(QStringLiteral("OK")));
+    realKeys("Return");
+    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
+    EXPECT_EQ(m_responses, std::vector{1000});
+}
+
+TEST_F(AlertTest, blocksItsWindowUntilItIsAnswered)
+{
+    show(alertWithButtons({}));
+    EXPECT_EQ(m_box->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(m_box->parentWidget(), m_window.get());
+    realClick(m_window->button());
+    EXPECT_EQ(m_window->clicks(), 0);
+    realClick(button(QStringLiteral("OK")));
+    realClick(m_window->button());
+    EXPECT_EQ(m_window->clicks(), 1);
+}
+
+TEST_F(AlertTest, needsNoHandler)
+{
+    alertWithButtons({}).beginSheetModal(*m_window, m_sheets);
+    const QPointer box = m_window->findChild<QMessageBox*>();
+    ASSERT_FALSE(box.isNull());
+    waitForRealKeyboard(*box);
+    realKeys("Return");
+    EXPECT_TRUE(waitUntil([&] { return box.isNull(); }));
+}
+
+TEST_F(AlertTest, waitsForTheSheetBeforeIt)
+{
+    Alert first = alertWithButtons({});
+    show(first);
+    alertWithButtons(modeButtons()).beginSheetModal(*m_window, m_sheets, [this](int response) {
+        m_responses.push_back(response);
+    });
+    const auto boxes = m_window->findChildren<QMessageBox*>();
+    ASSERT_EQ(boxes.size(), 2);
+    EXPECT_FALSE(boxes.last()->isVisible());
+    realKeys("Return");
+    EXPECT_TRUE(boxes.last()->isVisible());
+}
+
+TEST_F(AlertTest, isNotAnsweredWhenItsWindowGoes)
+{
+    show(alertWithButtons(modeButtons()));
+    m_window.reset();
+    EXPECT_TRUE(m_box.isNull());
+    EXPECT_TRUE(m_responses.empty()) << "nobody pressed a button";
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/InputGate.h"
+
+#include "tests/desktop/ParentWindow.h"
+#include "tests/support/RealInput.h"
+
+#include <QContextMenuEvent>
+#include <QCoreApplication>
+#include <QDragEnterEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QShortcut>
+#include <QTimer>
+#include <QWheelEvent>
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace tarnwell::test
+{
+
+class InputGateTest : public testing::Test
+{
+protected:
+    InputGateTest()
+    {
+        m_field.setGeometry(10, 60, 200, 30);
+        m_field.show();
+        m_field.setFocus();
+    }
+
+    void clickAndType()
+    {
+        realClick(m_window.button());
+        m_field.setFocus();
+        realText("ab");
+        realKeys("BackSpace");
+    }
+
+    ParentWindow m_window;
+    QLineEdit m_field{&m_window};
+};
+
+TEST_F(InputGateTest, inputArrivesWithoutAGate)
+{
+    clickAndType();
+    EXPECT_EQ(m_window.clicks(), 1);
+    EXPECT_EQ(m_field.text(), QStringLiteral("a"));
+}
+
+TEST_F(InputGateTest, clicksAndKeysAreDroppedAndNotKeptForLater)
+{
+    {
+        const InputGate gate;
+        clickAndType();
+        EXPECT_EQ(m_window.clicks(), 0);
+        EXPECT_EQ(m_field.text(), QString());
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(m_window.clicks(), 0);
+    EXPECT_EQ(m_field.text(), QString());
+    clickAndType();
+    EXPECT_EQ(m_window.clicks(), 1);
+    EXPECT_EQ(m_field.text(), QStringLiteral("a"));
+}
+
+TEST_F(InputGateTest, shortcutsAreDropped)
+{
+    int activations = 0;
+    const QShortcut shortcut(
+        QKeySequence(QStringLiteral("Ctrl+L")), &m_window, [&] { ++activations; }, Qt::WindowShortcut);
+    {
+        const InputGate gate;
+        realKeys("ctrl+l");
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(activations, 0);
+    realKeys("ctrl+l");
+    EXPECT_EQ(activations, 1);
+}
+
+TEST_F(InputGateTest, aRequestToCloseTheWindowIsDropped)
+{
+    {
+        const InputGate gate;
+        m_window.windowHandle()->close();
+    }
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(m_window.isVisible());
+    m_window.windowHandle()->close();
+    EXPECT_TRUE(waitUntil([this] { return !m_window.isVisible(); }));
+}
+
+TEST_F(InputGateTest, aGateWithinAGateOpensNothing)
+{
+    const InputGate outer;
+    {
+        const InputGate inner;
+    }
+    clickAndType();
+    EXPECT_EQ(m_window.clicks(), 0);
+    EXPECT_EQ(m_field.text(), QString());
+}
+
+/// Whether it received the last event that was sent to it.
+class Receiver : public QWidget
+{
+public:
+    Receiver() { setAcceptDrops(true); }
+
+    bool receives(QEvent& sent)
+    {
+        m_received.reset();
+        QCoreApplication::sendEvent(this, &sent);
+        return m_received == sent.type();
+    }
+
+protected:
+    bool event(QEvent* received) override
+    {
+        m_received = received->type();
+        received->accept();
+        return true;
+    }
+
+private:
+    std::optional<QEvent::Type> m_received;
+};
+
+TEST_F(InputGateTest, otherKindsOfInputAreDroppedAndNotAccepted)
+{
+    const QMimeData data;
+    const QPoint place(5, 5);
+    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QDragMoveEvent move(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QContextMenuEvent menu(QContextMenuEvent::Mouse, place, place);
+    QWheelEvent wheel(
+        place, place, QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    Receiver receiver;
+    for (QEvent* input : std::initializer_list<QEvent*>{&enter, &move, &drop, &menu, &wheel}) {
+        SCOPED_TRACE(input->type());
+        EXPECT_TRUE(receiver.receives(enter)); // a move or a drop comes only to where a drag has entered
+        EXPECT_TRUE(receiver.receives(*input));
+        EXPECT_TRUE(receiver.receives(enter));
+        const InputGate gate;
+        EXPECT_FALSE(receiver.receives(*input));
+        EXPECT_FALSE(input->isAccepted());
+    }
+}
+
+TEST_F(InputGateTest, timersAndPaintingGoOn)
+{
+    const InputGate gate;
+    Receiver receiver;
+    for (const auto type : {QEvent::Paint, QEvent::Timer, QEvent::UpdateRequest, QEvent::Expose,
+             QEvent::Resize, QEvent::Enter, QEvent::Leave, QEvent::WindowActivate, QEvent::User}) {
+        SCOPED_TRACE(type);
+        QEvent event(type);
+        EXPECT_TRUE(receiver.receives(event));
+    }
+    bool hasFired = false;
+    QTimer::singleShot(0, [&] { hasFired = true; });
+    EXPECT_TRUE(waitUntil([&] { return hasFired; }));
+}
+
+} // namespace tarnwell::test

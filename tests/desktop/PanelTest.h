@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "desktop/Panels.h"
+#include "desktop/PathPanel.h"
+#include "desktop/SheetQueue.h"
+#include "platform/TemporaryDirectory.h"
+#include "tests/desktop/ParentWindow.h"
+
+#include <QMessageBox>
+#include <QModelIndex>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+class QAbstractItemView;
+class QLineEdit;
+
+namespace tarnwell::test
+{
+
+/// A file panel on a window, driven by real keys and clicks, in a folder of the test's own.
+class PanelTest : public QObject, public testing::Test
+{
+protected:
+    PanelTest();
+
+    using Answer = std::optional<std::string>;
+
+    /// Begins the panel in the test's folder and waits until it has the keyboard.
+    void beginOpen();
+    void beginSave(const char* proposedName = "Rotated");
+
+    /// The test's own folder, ending in "/".
+    const std::string& folder() const { return m_folder.path(); }
+    void makeFile(const std::string& name) const;
+    void makeFolder(const std::string& name) const;
+
+    PathPanel& panel() { return *m_panel; }
+    bool isPanelUp() const { return m_panel != nullptr && m_panel->isVisible(); }
+    /// The folder that the panel shows, ending in "/".
+    std::string shownFolder() const;
+    QLineEdit& nameField();
+
+    /// Puts the text into the name field in the place of what is there, by way of the clipboard.
+    void typeName(const QString& name);
+    /// Types the name and presses Return; where that ends the panel, returns when it is gone.
+    void enter(const QString& name);
+
+    /// Clicks the file in the panel's list, once it is listed.
+    void clickInList(const QString& name);
+    void doubleClickInList(const QString& name);
+    /// The panel's own button for going ahead, and the other one.
+    QPushButton& acceptButton();
+    QPushButton& cancelButton();
+
+    /// How a question of the panel's will be answered, by a click; a question that was not announced fails
+    /// the test. The panel asks inside the call that makes it ask.
+    void nextQuestionGets(QMessageBox::StandardButton button) { m_nextAnswer = button; }
+    /// The questions that were asked, with their informative texts.
+    const QStringList& questions() const { return m_questions; }
+
+    /// Waits for the panel's end; what it answered.
+    Answer answer();
+    bool isAnswered() const { return !m_answers.empty(); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void begun();
+    QModelIndex listed(const QString& name);
+    QRect placeInList(const QString& name);
+    QAbstractItemView& list();
+    void answerQuestion(QMessageBox& question);
+    PathHandler collect();
+
+    TemporaryDirectory m_folder;
+    ParentWindow m_window;
+    SheetQueue m_sheets;
+    QPointer<PathPanel> m_panel;
+    std::vector<Answer> m_answers;
+    std::optional<QMessageBox::StandardButton> m_nextAnswer;
+    QStringList m_questions;
+};
+
+} // namespace tarnwell::test

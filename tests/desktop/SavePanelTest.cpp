@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: MIT
+#include "tests/desktop/PanelTest.h"
+
+#include <QLineEdit>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace tarnwell::test
+{
+
+class SavePanelTest : public PanelTest
+{
+};
+
+TEST_F(SavePanelTest, proposesTheNameAndAddsTheExtension)
+{
+    beginSave("Rotated and Flipped");
+    EXPECT_EQ(nameField().text(), QStringLiteral("Rotated and Flipped"));
+    realKeys("Return");
+    EXPECT_EQ(answer(), folder() + "Rotated and Flipped.mp4");
+}
+
+TEST_F(SavePanelTest, isAnsweredByItsButtonToo)
+{
+    beginSave("Flipped");
+    realClick(acceptButton());
+    EXPECT_EQ(answer(), folder() + "Flipped.mp4");
+}
+
+TEST_F(SavePanelTest, takesANameTypedOverTheProposal)
+{
+    beginSave();
+    // The proposal is selected, as it is where one is to be typed over.
+    realText("Holiday");
+    realKeys("Return");
+    EXPECT_EQ(answer(), folder() + "Holiday.mp4");
+}
+
+TEST_F(SavePanelTest, cancelChoosesNothing)
+{
+    beginSave();
+    realClick(cancelButton());
+    EXPECT_EQ(answer(), std::nullopt);
+}
+
+TEST_F(SavePanelTest, escapeChoosesNothing)
+{
+    beginSave();
+    realKeys("Escape");
+    EXPECT_EQ(answer(), std::nullopt);
+}
+
+struct TypedName {
+    const char* description;
+    const char* typed;
+    const char* written;
+};
+
+void PrintTo(const TypedName& name, std::ostream* stream)
+{
+    *stream << name.description;
+}
+
+std::string description(const testing::TestParamInfo<TypedName>& row)
+{
+    return row.param.description;
+}
+
+class SavePanelNameTest : public SavePanelTest, public testing::WithParamInterface<TypedName>
+{
+};
+
+TEST_P(SavePanelNameTest, isTakenAsItIsTyped)
+{
+    beginSave();
+    enter(QString::fromUtf8(GetParam().typed));
+    EXPECT_EQ(answer(), folder() + GetParam().written);
+}
+
+INSTANTIATE_TEST_SUITE_P(names, SavePanelNameTest,
+    testing::Values(TypedName{"withoutExtension", "Clip", "Clip.mp4"},
+        TypedName{"withTheExtension", "Clip.mp4", "Clip.mp4"},
+        TypedName{"withTheExtensionInCapitals", "Clip.MP4", "Clip.MP4"},
+        TypedName{"withADot", "Video 1.2", "Video 1.2.mp4"},
+        TypedName{"withAnotherExtension", "clip.mov", "clip.mov.mp4"},
+        TypedName{"withADotAtItsEnd", "clip.", "clip..mp4"}, TypedName{"withoutAStem", ".mp4", ".mp4"},
+        TypedName{"hidden", ".clip", ".clip.mp4"}, TypedName{"likeAnExtensionWithoutDot", "mp4", "mp4.mp4"},
+        TypedName{"withQuotationMarks", "the \"best\" clip", "the \"best\" clip.mp4"},
+        TypedName{"inQuotationMarks", "\"clip\"", "\"clip\".mp4"},
+        TypedName{"withOneQuotationMark", "19\" screen", "19\" screen.mp4"},
+        TypedName{"withBlanks", "  two  words ", "  two  words .mp4"},
+        TypedName{"withPercentSigns", "100%20%s%1", "100%20%s%1.mp4"},
+        TypedName{"withColons", "a:b::c", "a:b::c.mp4"}, TypedName{"likeAUrl", "file:clip", "file:clip.mp4"},
+        TypedName{"likeAnOption", "-y", "-y.mp4"}, TypedName{"withPatternSigns", "*[a]?{b}", "*[a]?{b}.mp4"},
+        TypedName{"withShellSigns", "$HOME `x`;&'\\", "$HOME `x`;&'\\.mp4"},
+        TypedName{"withATilde", "~clip", "~clip.mp4"},
+        TypedName{"inOtherScripts", "Grüße 動画 עברית", "Grüße 動画 עברית.mp4"},
+        TypedName{"outsideTheBasicPlane", "🎬", "🎬.mp4"},
+        TypedName{"decomposed", "u\u0308ber", "u\u0308ber.mp4"}),
+    description);
+
+TEST_F(SavePanelTest, aPathMayBeTyped)
+{
+    makeFolder("sub");
+    beginSave();
+    enter(QStringLiteral("sub/Clip"));
+    EXPECT_EQ(answer(), folder() + "sub/Clip.mp4");
+}
+
+TEST_F(SavePanelTest, anAbsolutePathMayBeTyped)
+{
+    const TemporaryDirectory other;
+    beginSave();
+    enter(QString::fromStdString(other.path() + "Clip"));
+    EXPECT_EQ(answer(), other.path() + "Clip.mp4");
+}
+
+TEST_F(SavePanelTest, theNameOfAFolderLeadsIntoIt)
+{
+    makeFolder("sub");
+    beginSave();
+    enter(QStringLiteral("sub"));
+    ASSERT_TRUE(isPanelUp());
+    EXPECT_EQ(shownFolder(), folder() + "sub/");
+    EXPECT_FALSE(isAnswered());
+    enter(QStringLiteral("Clip"));
+    EXPECT_EQ(answer(), folder() + "sub/Clip.mp4");
+}
+
+TEST_F(SavePanelTest, theNameOfAFolderWithASlashLeadsIntoIt)
+{
+    makeFolder("sub");
+    beginSave();
+    enter(QStringLiteral("sub/"));
+    EXPECT_EQ(shownFolder(), folder() + "sub/");
+    EXPECT_FALSE(isAnswered());
+}
+
+TEST_F(SavePanelTest, aFolderThatDoesNotExistIsNotChosen)
+{
+    beginSave();
+    enter(QStringLiteral("missing/"));
+    EXPECT_TRUE(isPanelUp());
+    EXPECT_FALSE(isAnswered());
+}
+
+TEST_F(SavePanelTest, noNameChoosesNothing)
+{
+    beginSave();
+    typeName(QStringLiteral("x"));
+    realKeys("BackSpace");
+    realKeys("Return");
+    EXPECT_TRUE(isPanelUp());
+    EXPECT_FALSE(isAnswered());
+}
+
+TEST_F(SavePanelTest, anExistingFileIsReplacedOnlyAfterAYes)
+{
+    makeFile("Rotated.mp4");
+    beginSave();
+    nextQuestionGets(QMessageBox::Yes);
+    realKeys("Return");
+    EXPECT_EQ(answer(), folder() + "Rotated.mp4");
+    ASSERT_EQ(questions().size(), 1);
+    EXPECT_TRUE(questions().first().contains(QStringLiteral("“Rotated.mp4”")));
+}
+
+TEST_F(SavePanelTest, aNoKeepsThePanelOpen)
+{
+    makeFile("Rotated.mp4");
+    beginSave();
+    nextQuestionGets(QMessageBox::No);
+    realKeys("Return");
+    EXPECT_EQ(questions().size(), 1);
+    EXPECT_TRUE(isPanelUp());
+    EXPECT_FALSE(isAnswered());
+    waitForRealKeyboard(panel());
+    enter(QStringLiteral("Other"));
+    EXPECT_EQ(answer(), folder() + "Other.mp4");
+}
+
+TEST_F(SavePanelTest, cancelAfterANoChoosesNothing)
+{
+    makeFile("Rotated.mp4");
+    beginSave();
+    nextQuestionGets(QMessageBox::No);
+    realKeys("Return");
+    waitForRealKeyboard(panel());
+    realKeys("Escape");
+    EXPECT_EQ(answer(), std::nullopt);
+}
+
+TEST_F(SavePanelTest, aFileThatIsPickedFromTheListIsReplacedOnlyAfterAYes)
+{
+    makeFile("Earlier.mp4");
+    beginSave();
+    clickInList(QStringLiteral("Earlier.mp4"));
+    nextQuestionGets(QMessageBox::Yes);
+    realClick(acceptButton());
+    EXPECT_EQ(answer(), folder() + "Earlier.mp4");
+    EXPECT_EQ(questions().size(), 1);
+}
+
+TEST_F(SavePanelTest, aFileOfTheNameWithoutExtensionIsNoObstacle)
+{
+    makeFile("Rotated");
+    beginSave();
+    realKeys("Return");
+    EXPECT_EQ(answer(), folder() + "Rotated.mp4");
+    EXPECT_TRUE(questions().isEmpty());
+}
+
+TEST_F(SavePanelTest, aFolderOfTheFinalNameIsNotReplaced)
+{
+    makeFolder("Rotated.mp4");
+    beginSave();
+    realKeys("Return");
+    EXPECT_TRUE(questions().isEmpty()) << "a folder cannot be replaced";
+    EXPECT_FALSE(isAnswered());
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/SheetQueue.h"
+
+#include "desktop/Sheet.h"
+#include "tests/desktop/ParentWindow.h"
+#include "tests/support/RealInput.h"
+#include "tests/support/Screen.h"
+
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+class SheetQueueTest : public testing::Test
+{
+protected:
+    std::unique_ptr<Sheet> newSheet()
+    {
+        auto sheet = std::make_unique<Sheet>(&m_window);
+        sheet->resize(300, 200);
+        return sheet;
+    }
+
+    ParentWindow m_window;
+    SheetQueue m_sheets;
+};
+
+TEST_F(SheetQueueTest, aSheetAppearsAtOnceWhereNoneIsUp)
+{
+    const auto sheet = newSheet();
+    m_sheets.begin(sheet.get());
+    EXPECT_TRUE(sheet->isVisible());
+}
+
+TEST_F(SheetQueueTest, aSecondSheetWaitsAndAppearsWhenTheFirstEnds)
+{
+    const auto first = newSheet();
+    const auto second = newSheet();
+    m_sheets.begin(first.get());
+    m_sheets.begin(second.get());
+    EXPECT_TRUE(first->isVisible());
+    EXPECT_FALSE(second->isVisible());
+    m_sheets.end(first.get());
+    EXPECT_FALSE(first->isVisible());
+    EXPECT_TRUE(second->isVisible());
+}
+
+TEST_F(SheetQueueTest, threeSheetsAppearInTheOrderInWhichTheyBegan)
+{
+    std::vector<std::unique_ptr<Sheet>> sheets;
+    for (int i = 0; i < 3; ++i) {
+        sheets.push_back(newSheet());
+        m_sheets.begin(sheets.back().get());
+    }
+    for (std::size_t shown = 0; shown < sheets.size(); ++shown) {
+        for (std::size_t i = 0; i < sheets.size(); ++i)
+            EXPECT_EQ(sheets[i]->isVisible(), i == shown) << i << " while " << shown << " is up";
+        m_sheets.end(sheets[shown].get());
+    }
+}
+
+TEST_F(SheetQueueTest, aWaitingSheetThatIsEndedNeverAppears)
+{
+    const auto first = newSheet();
+    const auto second = newSheet();
+    const auto third = newSheet();
+    std::optional<int> result;
+    m_sheets.begin(first.get());
+    m_sheets.begin(second.get(), [&](int its) { result = its; });
+    m_sheets.begin(third.get());
+    m_sheets.end(second.get());
+    EXPECT_EQ(result, QDialog::Accepted);
+    EXPECT_TRUE(first->isVisible());
+    m_sheets.end(first.get());
+    EXPECT_FALSE(second->isVisible());
+    EXPECT_TRUE(third->isVisible());
+}
+
+TEST_F(SheetQueueTest, aShownSheetThatIsDestroyedLetsTheNextOneAppear)
+{
+    auto first = newSheet();
+    const auto second = newSheet();
+    m_sheets.begin(first.get());
+    m_sheets.begin(second.get());
+    first.reset();
+    EXPECT_TRUE(second->isVisible());
+}
+
+TEST_F(SheetQueueTest, aWaitingSheetThatIsDestroyedLeavesTheQueue)
+{
+    const auto first = newSheet();
+    auto second = newSheet();
+    const auto third = newSheet();
+    m_sheets.begin(first.get());
+    m_sheets.begin(second.get());
+    m_sheets.begin(third.get());
+    second.reset();
+    EXPECT_TRUE(first->isVisible());
+    EXPECT_FALSE(third->isVisible());
+    m_sheets.end(first.get());
+    EXPECT_TRUE(third->isVisible());
+}
+
+TEST_F(SheetQueueTest, aSheetThatBeginsTwiceStaysWhereItIs)
+{
+    const auto first = newSheet();
+    const auto second = newSheet();
+    int ends = 0;
+    m_sheets.begin(first.get(), [&](int) { ++ends; });
+    m_sheets.begin(second.get(), [&](int) { ++ends; });
+    m_sheets.begin(first.get(), [&](int) { ++ends; });
+    m_sheets.begin(second.get(), [&](int) { ++ends; });
+    m_sheets.end(first.get());
+    EXPECT_TRUE(second->isVisible());
+    m_sheets.end(second.get());
+    EXPECT_FALSE(first->isVisible());
+    EXPECT_FALSE(second->isVisible());
+    EXPECT_EQ(ends, 2);
+}
+
+TEST_F(SheetQueueTest, aSheetCanBeginAgainOnceItHasEnded)
+{
+    const auto sheet = newSheet();
+    int ends = 0;
+    for (int round = 1; round <= 3; ++round) {
+        m_sheets.begin(sheet.get(), [&](int) { ++ends; });
+        EXPECT_TRUE(sheet->isVisible());
+        m_sheets.end(sheet.get());
+        EXPECT_EQ(ends, round);
+    }
+}
+
+TEST_F(SheetQueueTest, completionComesWithTheResultWhenTheSheetHasGone)
+{
+    const auto sheet = newSheet();
+    std::optional<int> result;
+    m_sheets.begin(sheet.get(), [&](int its) {
+        EXPECT_FALSE(sheet->isVisible());
+        result = its;
+    });
+    sheet->done(7);
+    EXPECT_EQ(result, 7);
+}
+
+TEST_F(SheetQueueTest, completionMayBeginASheet)
+{
+    const auto first = newSheet();
+    const auto second = newSheet();
+    const auto third = newSheet();
+    m_sheets.begin(first.get(), [&](int) { m_sheets.begin(third.get()); });
+    m_sheets.begin(second.get());
+    m_sheets.end(first.get());
+    EXPECT_TRUE(second->isVisible());
+    EXPECT_FALSE(third->isVisible());
+    m_sheets.end(second.get());
+    EXPECT_TRUE(third->isVisible());
+}
+
+TEST_F(SheetQueueTest, completionMayBeginTheSameSheet)
+{
+    const auto sheet = newSheet();
+    m_sheets.begin(sheet.get(), [&](int) { m_sheets.begin(sheet.get()); });
+    m_sheets.end(sheet.get());
+    EXPECT_TRUE(sheet->isVisible());
+}
+
+TEST_F(SheetQueueTest, aSheetBlocksItsWindowUntilTheLastHasEnded)
+{
+    const auto first = newSheet();
+    const auto second = newSheet();
+    m_sheets.begin(first.get());
+    m_sheets.begin(second.get());
+    waitForRealKeyboard(*first);
+    realClick(m_window.button());
+    EXPECT_EQ(m_window.clicks(), 0);
+    m_sheets.end(first.get());
+    waitForRealKeyboard(*second);
+    realClick(m_window.button());
+    EXPECT_EQ(m_window.clicks(), 0);
+    m_sheets.end(second.get());
+    realClick(m_window.button());
+    EXPECT_EQ(m_window.clicks(), 1);
+}
+
+TEST_F(SheetQueueTest, aSheetIsOnTheScreenWhenItsPaintingHasBeenWaitedFor)
+{
+    const auto sheet = newSheet();
+    QPalette palette = sheet->palette();
+    palette.setColor(QPalette::Window, Qt::magenta);
+    sheet->setPalette(palette);
+    m_sheets.begin(sheet.get());
+    m_sheets.waitUntilPainted(sheet.get());
+    // Nothing of the event loop runs from here on.
+    EXPECT_TRUE(sheet->windowHandle()->isExposed());
+    EXPECT_EQ(colourOnScreen(sheet->mapToGlobal(sheet->rect().center())), QColor(Qt::magenta));
+}
+
+TEST_F(SheetQueueTest, aWaitingSheetIsNotWaitedFor)
+{
+    const auto first = newSheet();
+    const auto second = newSheet();
+    m_sheets.begin(first.get());
+    m_sheets.begin(second.get());
+    m_sheets.waitUntilPainted(second.get());
+    EXPECT_TRUE(first->isVisible());
+    EXPECT_FALSE(second->isVisible());
+}
+
+} // namespace tarnwell::test

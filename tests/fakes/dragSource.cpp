@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+// Another program to drag from: a magenta window in the screen's corner, above all others. A drag that begins
+// in it carries what the arguments say, each a type and a text. It says on standard output what becomes of
+// the drag: "ready" when the window is there, "action N" whenever the target's answer changes, "end N" with
+// the action done.
+#include <QApplication>
+#include <QDrag>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QWidget>
+
+#include <cstdio>
+
+namespace
+{
+
+void say(const char* what)
+{
+    std::puts(what);
+    std::fflush(stdout);
+}
+
+void say(const char* what, Qt::DropAction action)
+{
+    std::printf("%s %d\n", what, static_cast<int>(action));
+    std::fflush(stdout);
+}
+
+class Source : public QWidget
+{
+public:
+    Source()
+        : QWidget(nullptr, Qt::X11BypassWindowManagerHint)
+    {
+        setGeometry(0, 0, 120, 100);
+        setPalette(QPalette(Qt::magenta));
+        setAutoFillBackground(true);
+    }
+
+protected:
+    void mouseMoveEvent(QMouseEvent* /*event*/) override
+    {
+        auto* drag = new QDrag(this);
+        auto* contents = new QMimeData;
+        const QStringList arguments = QCoreApplication::arguments();
+        for (int i = 1; i + 1 < arguments.size(); i += 2)
+            contents->setData(arguments[i], arguments[i + 1].toUtf8());
+        drag->setMimeData(contents);
+        connect(drag, &QDrag::actionChanged, drag, [](Qt::DropAction action) { say("action", action); });
+        say("end", drag->exec(Qt::CopyAction));
+    }
+
+    void paintEvent(QPaintEvent* event) override
+    {
+        QWidget::paintEvent(event);
+        if (!m_isShown)
+            QMetaObject::invokeMethod(
+                this, [] { say("ready"); }, Qt::QueuedConnection);
+        m_isShown = true;
+    }
+
+private:
+    bool m_isShown = false;
+};
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    Source source;
+    source.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+#include "tests/platform/ProcessTestSetup.h"
+#include "tests/support/Files.h"
+
+#include <csignal>
+#include <filesystem>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tarnwell::test
+{
+
+class ProcessTest : public ProcessTestSetup
+{
+protected:
+    std::string run(const std::string& script)
+    {
+        setScript(script);
+        launch();
+        std::string text = printed();
+        m_process->waitUntilExit();
+        return text;
+    }
+
+    /// What follows "name:" in what the system says of the child.
+    std::string childStatus(const std::string& name)
+    {
+        std::istringstream status(run("print-file /proc/self/status"));
+        for (std::string line; std::getline(status, line);) {
+            if (line.starts_with(name + ":\t"))
+                return line.substr(name.size() + 2);
+        }
+        ADD_FAILURE() << "no " << name;
+        return {};
+    }
+};
+
+TEST_F(ProcessTest, argumentsArriveInOrderAndUnchanged)
+{
+    const std::vector<std::string> arguments = {"-i", "", "a b", "'\"$HOME`ls`;\\", "line\nfeed", "50%", "-y",
+        "/caf\xC3\xA9/\xFF\xFE.mp4", std::string(100000, 'x')};
+    m_process->setArguments(arguments);
+    run("record " + path("arguments"));
+    EXPECT_EQ(recordedArguments(path("arguments")), arguments);
+}
+
+TEST_F(ProcessTest, aProgramMayHaveNoArguments)
+{
+    run("record " + path("arguments"));
+    EXPECT_TRUE(exists(path("arguments")));
+    EXPECT_TRUE(recordedArguments(path("arguments")).empty());
+}
+
+TEST_F(ProcessTest, eachStreamHasItsOwnPipe)
+{
+    const auto errors = std::make_shared<Pipe>();
+    m_process->setStandardError(errors);
+    EXPECT_EQ(run("print to output\nerror to error"), "to output");
+    EXPECT_EQ(errors->fileHandleForReading()->readDataToEndOfFile(), "to error");
+}
+
+TEST_F(ProcessTest, streamsWithoutAPipeAreTheApplicationsOwn)
+{
+    m_process->setStandardOutput(nullptr);
+    m_output->closeWriting();
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    run("print to output\nerror to error");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "to output");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "to error");
+}
+
+TEST_F(ProcessTest, theLaunchGivesTheWritingEndsAway)
+{
+    const auto errors = std::make_shared<Pipe>();
+    m_process->setStandardError(errors);
+    run("exit 0");
+    EXPECT_EQ(m_output->writingDescriptor(), -1);
+    EXPECT_EQ(errors->writingDescriptor(), -1);
+}
+
+TEST_F(ProcessTest, destroyingItDoesNotEndTheChild)
+{
+    setScript("print ready\nwait-for " + path("go") + "\nprint  and still there");
+    launch();
+    EXPECT_EQ(nextPrinted(), "ready");
+    m_process.reset();
+    writeFile(path("go"), "");
+    EXPECT_EQ(printed(), " and still there");
+}
+
+TEST_F(ProcessTest, aChildMayLeaveTheGroup)
+{
+    m_process->setGroup(Process::Group::Own);
+    setScript("record-pid " + path("pid") + "\nprint-file /proc/self/stat");
+    launch();
+    std::istringstream fields(printed());
+    m_process->waitUntilExit();
+    std::string number;
+    std::string name;
+    std::string state;
+    pid_t parent = 0;
+    pid_t group = 0;
+    fields >> number >> name >> state >> parent >> group;
+    EXPECT_EQ(parent, ::getpid());
+    EXPECT_EQ(std::to_string(group), contentsOf(path("pid")));
+    EXPECT_NE(group, ::getpgrp());
+}
+
+TEST_F(ProcessTest, aChildSharesTheGroupOtherwise)
+{
+    std::istringstream fields(run("print-file /proc/self/stat"));
+    std::string number;
+    std::string name;
+    std::string state;
+    pid_t parent = 0;
+    pid_t group = 0;
+    fields >> number >> name >> state >> parent >> group;
+    EXPECT_EQ(group, ::getpgrp());
+}
+
+TEST_F(ProcessTest, theChildBlocksNoSignalThatItsParentBlocks)
+{
+    sigset_t blocked;
+    sigset_t before;
+    ::sigemptyset(&blocked);
+    ::sigaddset(&blocked, SIGTERM);
+    ::sigaddset(&blocked, SIGUSR1);
+    ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
+    const std::string mask = childStatus("SigBlk");
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    EXPECT_EQ(mask, "0000000000000000");
+}
+
+TEST_F(ProcessTest, theChildHoldsNoEndOfAPipeButItsOwnStream)
+{
+    const Pipe other;
+    struct stat ours = {};
+    ASSERT_EQ(::fstat(m_output->writingDescriptor(), &ours), 0);
+    struct stat others = {};
+    ASSERT_EQ(::fstat(other.writingDescriptor(), &others), 0);
+    setScript("record-pid " + path("pid") + "\nprint ready\nwait-for " + path("go"));
+    launch();
+    EXPECT_EQ(nextPrinted(), "ready");
+    std::vector<std::string> holders;
+    const std::string descriptors = "/proc/" + contentsOf(path("pid")) + "/fd/";
+    for (const auto& name : namesIn(descriptors)) {
+        struct stat status = {};
+        ASSERT_EQ(::stat((descriptors + name).c_str(), &status), 0);
+        if (status.st_ino == ours.st_ino)
+            holders.push_back(name);
+        EXPECT_FALSE(status.st_ino == others.st_ino && status.st_dev == others.st_dev) << name;
+    }
+    EXPECT_EQ(holders, std::vector<std::string>{"1"});
+    writeFile(path("go"), "");
+    m_process->waitUntilExit();
+}
+
+TEST_F(ProcessTest, theChildWorksInTheSameFolderAndEnvironment)
+{
+    ::setenv("TARNWELL_TEST_VALUE", "inherited", 1);
+    const std::string environment = run("print-file /proc/self/environ");
+    ::unsetenv("TARNWELL_TEST_VALUE");
+    EXPECT_NE(environment.find("TARNWELL_TEST_VALUE=inherited"), std::string::npos);
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "util/Decimal.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+struct ParseCase {
+    std::string name;
+    std::string text;
+    std::optional<double> expected;
+};
+
+} // namespace
+
+class ParseDecimalTest : public testing::TestWithParam<ParseCase>
+{
+};
+
+TEST_P(ParseDecimalTest, readsTheWholeTextOrNothing)
+{
+    EXPECT_EQ(parseDecimal(GetParam().text), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Numbers, ParseDecimalTest,
+    testing::Values(ParseCase{"integer", "90", 90}, ParseCase{"fraction", "12.480000", 12.48},
+        ParseCase{"negative", "-90", -90}, ParseCase{"plus", "+7.5", 7.5},
+        ParseCase{"leadingZeros", "007", 7}, ParseCase{"noWholePart", ".5", 0.5},
+        ParseCase{"noFraction", "5.", 5}, ParseCase{"exponent", "1e3", 1000},
+        ParseCase{"capitalExponent", "1E-2", 0.01}, ParseCase{"negativeZero", "-0", -0.0},
+        ParseCase{"beyondIntegers", "18446744073709551616", 18446744073709551616.0}),
+    [](const auto& row) { return row.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(Others, ParseDecimalTest,
+    testing::Values(ParseCase{"empty", "", std::nullopt}, ParseCase{"word", "abc", std::nullopt},
+        ParseCase{"notApplicable", "N/A", std::nullopt}, ParseCase{"numberAndWord", "12abc", std::nullopt},
+        ParseCase{"blankBefore", " 12", std::nullopt}, ParseCase{"blankBehind", "12 ", std::nullopt},
+        ParseCase{"lineFeed", "12\n", std::nullopt}, ParseCase{"comma", "12,5", std::nullopt},
+        ParseCase{"twoPoints", "1.2.3", std::nullopt}, ParseCase{"hexadecimal", "0x10", std::nullopt},
+        ParseCase{"hexadecimalDigits", "A0", std::nullopt}, ParseCase{"infinity", "inf", std::nullopt},
+        ParseCase{"infinityInFull", "INFINITY", std::nullopt}, ParseCase{"notANumber", "nan", std::nullopt},
+        ParseCase{"signAlone", "-", std::nullopt}, ParseCase{"plusAlone", "+", std::nullopt},
+        ParseCase{"twoSigns", "+-5", std::nullopt}, ParseCase{"twoMinuses", "--5", std::nullopt},
+        ParseCase{"twoPluses", "++5", std::nullopt}, ParseCase{"pointAlone", ".", std::nullopt},
+        ParseCase{"exponentAlone", "e5", std::nullopt}, ParseCase{"openExponent", "1e", std::nullopt},
+        ParseCase{"fraction", "16/9", std::nullopt}, ParseCase{"clock", "00:01", std::nullopt},
+        ParseCase{"zeroByte", std::string("1\0", 2), std::nullopt},
+        ParseCase{"arabicDigits", "\xD9\xA1\xD9\xA2", std::nullopt}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(ParseIntegerTest, theWholeRangeIsRead)
+{
+    EXPECT_EQ(parseInteger("0"), 0);
+    EXPECT_EQ(parseInteger("-90"), -90);
+    EXPECT_EQ(parseInteger("+270"), 270);
+    EXPECT_EQ(parseInteger("9223372036854775807"), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(parseInteger("-9223372036854775808"), std::numeric_limits<std::int64_t>::min());
+}
+
+TEST(ParseIntegerTest, otherTextsAreNothing)
+{
+    for (const auto* text : {"", "9223372036854775808", "-9223372036854775809", "12.0", "1e3", " 1", "1 ",
+             "0x1", "-", "+-1", "90 degrees"})
+        EXPECT_FALSE(parseInteger(text)) << '"' << text << '"';
+}
+
+} // namespace tarnwell::test

@@ -21,9 +21,10 @@ QImage emptyImage(const QImage& like, QSize size)
     return image;
 }
 
-QSize canvasSize(QSizeF size, const QTransform& rotation)
+// The size as a vector, turned; for quarter turns that is the box around the turned picture.
+QSize canvasSize(QSizeF size, double angle)
 {
-    const QPointF turned = rotation.map(QPointF(size.width(), size.height()));
+    const QPointF turned = QTransform().rotate(angle).map(QPointF(size.width(), size.height()));
     return {static_cast<int>(std::lround(std::abs(turned.x()))), static_cast<int>(std::lround(std::abs(turned.y())))};
 }
 
@@ -35,7 +36,7 @@ QImage rotateImage(const QImage& source, double angle)
         return {};
     // Screen coordinates grow downwards: counterclockwise is negative here.
     const QTransform rotation = QTransform().rotate(-angle);
-    QImage turned = emptyImage(source, canvasSize(source.size(), rotation));
+    QImage turned = emptyImage(source, canvasSize(source.size(), angle));
     const QPointF centre(turned.width() / 2.0, turned.height() / 2.0);
     QPainter painter(&turned);
     painter.setCompositionMode(QPainter::CompositionMode_Source);

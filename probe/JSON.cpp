@@ -5,8 +5,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 
 namespace tarnwell
 {
@@ -28,13 +30,13 @@ std::string decimalText(const nlohmann::json& number)
 
 std::int64_t truncatedNumber(const nlohmann::json& number)
 {
-    if (number.is_number_integer() && !number.is_number_unsigned())
+    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+    // Integers are taken as such: a double would round those of more than 53 bits.
+    if (number.is_number_unsigned())
+        return static_cast<std::int64_t>(std::min(number.get<std::uint64_t>(), largest));
+    if (number.is_number_integer())
         return number.get<std::int64_t>();
-    const auto value = number.get<double>();
-    // Unsigned numbers that fit are exact; a double would round those of more than 53 bits.
-    if (number.is_number_unsigned() && value < static_cast<double>(INT64_MAX))
-        return static_cast<std::int64_t>(number.get<std::uint64_t>());
-    return truncated(value);
+    return truncated(number.get<double>());
 }
 
 } // namespace

@@ -1,8 +1,39 @@
 // SPDX-License-Identifier: MIT
-// The probe tool: prints ffprobe's report on one file.
-#include "tools/BecomeProgram.h"
+// The probe tool: prints ffprobe's report on one file, with the rotation that a decoder will really apply.
+#include "tools/Child.h"
+#include "tools/Report.h"
 
-int main(int /*argc*/, char* argv[])
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace
 {
-    return becomeProgram(TARNWELL_FFMPEG_FOLDER "/ffprobe", argv);
+
+// Whoever reads may go away at any time; what cannot be written is not wanted.
+void writeAll(const std::string& text)
+{
+    for (std::size_t done = 0; done < text.size();) {
+        const ssize_t count = ::write(STDOUT_FILENO, text.data() + done, text.size() - done);
+        if (count <= 0)
+            return;
+        done += static_cast<std::size_t>(count);
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    ChildPlan ffprobe;
+    ffprobe.program = pathOfTool("ffprobe");
+    ffprobe.arguments.assign(argv + 1, argv + argc);
+    ffprobe.standardError = STDERR_FILENO;
+    int status = 0;
+    const std::string report = outputOfChild(ffprobe, status);
+    writeAll(withTrueRotation(report));
+    return status;
 }

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "tools/Child.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr int cannotBeRun = 127;
+constexpr int signalBase = 128;
+
+void sayThatItCannotBeRun(const char* program)
+{
+    std::fprintf(stderr, "tarnwell: %s cannot be run: %s. Please install the package ffmpeg.\n", program,
+        std::strerror(errno));
+}
+
+// The null device stands in for what is not given. The descriptors that are given lie above the standard ones.
+void giveStream(int descriptor, int stream)
+{
+    const int source = descriptor >= 0 ? descriptor : ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    ::dup2(source, stream);
+}
+
+// Whoever started this program may have left it descriptors of its own. Kernels before 5.11 cannot do this.
+void closeTheRestOnExec()
+{
+    constexpr unsigned int onExec = 4; // CLOSE_RANGE_CLOEXEC
+    ::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, onExec);
+}
+
+void resetSignals()
+{
+    sigset_t none;
+    sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    std::signal(SIGPIPE, SIG_DFL);
+}
+
+[[noreturn]] void becomeTool(const ChildPlan& plan, char* const arguments[], pid_t parent)
+{
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent) // it ended before that was said
+        ::_exit(cannotBeRun);
+    resetSignals();
+    const int ownError = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    giveStream(-1, STDIN_FILENO);
+    giveStream(plan.standardOutput, STDOUT_FILENO);
+    giveStream(plan.standardError, STDERR_FILENO);
+    closeTheRestOnExec();
+    if (plan.kept >= 0)
+        ::fcntl(plan.kept, F_SETFD, 0);
+    ::execv(plan.program.c_str(), arguments);
+    ::dup2(ownError, STDERR_FILENO);
+    sayThatItCannotBeRun(plan.program.c_str());
+    ::_exit(cannotBeRun);
+}
+
+} // namespace
+
+pid_t startChild(const ChildPlan& plan)
+{
+    std::vector<std::string> texts = {plan.program};
+    texts.insert(texts.end(), plan.arguments.begin(), plan.arguments.end());
+    std::vector<char*> pointers;
+    for (auto& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    const pid_t parent = ::getpid();
+    const pid_t child = ::fork();
+    if (child == 0)
+        becomeTool(plan, pointers.data(), parent);
+    return child;
+}
+
+int waitForChild(pid_t child)
+{
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR)
+            return cannotBeRun;
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : signalBase + WTERMSIG(status);
+}
+
+std::string outputOfChild(ChildPlan plan, int& status)
+{
+    int ends[2] = {-1, -1};
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
+        status = cannotBeRun;
+        return {};
+    }
+    plan.standardOutput = ends[1];
+    const pid_t child = startChild(plan);
+    ::close(ends[1]);
+    std::string output;
+    constexpr std::size_t blockSize = 65536;
+    std::string block(blockSize, '\0');
+    for (ssize_t count = 1; child > 0 && count != 0;) {
+        count = ::read(ends[0], block.data(), block.size());
+        if (count > 0)
+            output.append(block, 0, static_cast<std::size_t>(count));
+        else if (count < 0 && errno != EINTR)
+            break;
+    }
+    ::close(ends[0]);
+    status = child > 0 ? waitForChild(child) : cannotBeRun;
+    return output;
+}
+
+std::string pathOfTool(const std::string& name)
+{
+    constexpr std::size_t longestPath = 4096;
+    std::string self(longestPath, '\0');
+    const ssize_t length = ::readlink("/proc/self/exe", self.data(), self.size());
+    self.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    const std::string beside = self.substr(0, self.rfind('/') + 1) + name;
+    return ::access(beside.c_str(), X_OK) == 0 ? beside : TARNWELL_FFMPEG_FOLDER "/" + name;
+}

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+/// What a child process is to run, and on which descriptors. -1 stands for the null device; standard input always is.
+struct ChildPlan {
+    std::string program;
+    std::vector<std::string> arguments;
+    int standardOutput = -1;
+    int standardError = -1;
+    int kept = -1; // one more descriptor that the child finds under the same number
+};
+
+/// Starts the child; it ends with this process, however that ends. -1 where no process could be made. A program that
+/// cannot be run makes the child exit with 127 after it has said so on this process's standard error.
+pid_t startChild(const ChildPlan& plan);
+
+/// Waits for the child's end: its exit status, or 128 and the signal's number.
+int waitForChild(pid_t child);
+
+/// Runs the child to its end; all it printed on standard output. `status` gets what waitForChild gives.
+std::string outputOfChild(ChildPlan plan, int& status);
+
+/// The path of ffmpeg or ffprobe: the one beside this program where there is one, else the system's.
+std::string pathOfTool(const std::string& name);

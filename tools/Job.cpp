@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "tools/Job.h"
+
+#include <cstdlib>
+
+namespace
+{
+
+using Arguments = std::vector<std::string>;
+
+// The encoder that MP4 stands for takes no odd width or height: a last line that has no partner is left out.
+const std::string evenSize = "crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0";
+
+const std::string rotatePrefix = "rotate=";
+
+/// Whether the list is the pattern; "*" stands for any one argument.
+bool matches(const Arguments& arguments, const Arguments& pattern)
+{
+    if (arguments.size() != pattern.size())
+        return false;
+    for (std::size_t place = 0; place < pattern.size(); ++place) {
+        if (pattern[place] != "*" && pattern[place] != arguments[place])
+            return false;
+    }
+    return true;
+}
+
+std::optional<Job> readStill(const Arguments& list)
+{
+    if (!matches(list, {"-v", "quiet", "-ss", "*", "-i", "*", "-frames:v", "1", "-y", "*"}))
+        return std::nullopt;
+    Job job;
+    job.kind = Job::Kind::Still;
+    job.position = list[3];
+    job.input = list[5];
+    job.output = list[9];
+    return job;
+}
+
+std::optional<Job> readFixFlag(const Arguments& list)
+{
+    if (!matches(list, {"-i", "*", "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "*", "-y", "*"})
+        || list[7].rfind(rotatePrefix, 0) != 0)
+        return std::nullopt;
+    Job job;
+    job.kind = Job::Kind::FixFlag;
+    job.input = list[1];
+    job.rotation = std::atof(list[7].c_str() + rotatePrefix.size());
+    job.output = list[9];
+    return job;
+}
+
+std::optional<Job> readTranscode(const Arguments& list)
+{
+    const bool isFiltered = matches(
+        list, {"-i", "*", "-pix_fmt", "yuv420p", "-vf", "*", "-metadata:s:v", "rotate=0", "-y", "*"});
+    if (!isFiltered && !matches(list, {"-i", "*", "-pix_fmt", "yuv420p", "-metadata:s:v", "rotate=0", "-y", "*"}))
+        return std::nullopt;
+    Job job;
+    job.kind = Job::Kind::Transcode;
+    job.input = list[1];
+    job.filters = isFiltered ? list[5] : "";
+    job.output = list.back();
+    return job;
+}
+
+void append(Arguments& list, const Arguments& more)
+{
+    list.insert(list.end(), more.begin(), more.end());
+}
+
+// Without the protocol's name a path could be taken for another protocol.
+std::string asFile(const std::string& path)
+{
+    return "file:" + path;
+}
+
+} // namespace
+
+std::optional<Job> readJob(const std::vector<std::string>& arguments)
+{
+    if (auto job = readStill(arguments))
+        return job;
+    if (auto job = readFixFlag(arguments))
+        return job;
+    return readTranscode(arguments);
+}
+
+std::vector<std::string> ffmpegArguments(const Job& job, const Target& target)
+{
+    Arguments list = {"-nostdin", "-hide_banner", "-v", job.kind == Job::Kind::Still ? "quiet" : "error"};
+    if (job.kind == Job::Kind::Still) {
+        if (!job.position.empty())
+            append(list, {"-ss", job.position});
+        append(list, {"-i", asFile(job.input), "-frames:v", "1", "-update", "1"});
+    } else {
+        append(list, {"-nostats", "-progress", "pipe:1", "-i", asFile(job.input)});
+    }
+    if (job.kind == Job::Kind::FixFlag)
+        append(list, {"-c:v", "copy", "-c:a", "copy"});
+    if (job.kind == Job::Kind::Transcode)
+        append(list, {"-pix_fmt", "yuv420p", "-vf", job.filters.empty() ? evenSize : job.filters + "," + evenSize,
+                         "-metadata:s:v", "rotate=0"});
+    if (!target.container.empty())
+        append(list, {"-f", target.container});
+    append(list, {"-y", target.path});
+    return list;
+}

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+/// A file that appears at its place whole or not at all. Until it is finished it has no name, or on file systems
+/// that cannot do that a hidden one of its own beside its place; whatever stands at the place stays untouched.
+class OutputFile
+{
+public:
+    explicit OutputFile(std::string path);
+    /// What is not finished vanishes.
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    bool isOpen() const { return m_descriptor >= 0; }
+    int descriptor() const { return m_descriptor; }
+
+    /// A path by which a child that keeps the descriptor can write the file.
+    std::string writablePath() const;
+
+    /// Throws away what was written so far.
+    void empty() const;
+    bool isEmpty() const;
+
+    /// Brings the data to the disk and the file to its place, over what stands there. False where that failed; then
+    /// nothing has changed.
+    bool finish();
+
+private:
+    void openNameless();
+    void openHidden();
+    bool linkHidden();
+
+    std::string m_path;
+    std::string m_hiddenPath; // empty while the file has no name
+    int m_descriptor = -1;
+};
+
+/// Renames what stands at `path` to a name that says so, "NAME (WORD).EXTENSION", counting on where that is taken.
+/// The new path; empty where nothing was there or it could not be renamed. Never over another file.
+std::string putAside(const std::string& path, const std::string& word);
+
+/// Whether both paths name one and the same directory entry, however they are spelled.
+bool isSameEntry(const std::string& left, const std::string& right);

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "tools/Placeholder.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace
+{
+
+constexpr int largestSide = 65500;
+constexpr int blockSide = 8;
+constexpr std::size_t tableSize = 64;
+
+void appendShort(std::string& bytes, int number)
+{
+    bytes += static_cast<char>(static_cast<unsigned>(number) >> 8U & 0xFFU);
+    bytes += static_cast<char>(static_cast<unsigned>(number) & 0xFFU);
+}
+
+void appendSegment(std::string& bytes, char marker, const std::string& content)
+{
+    bytes += '\xFF';
+    bytes += marker;
+    appendShort(bytes, static_cast<int>(content.size()) + 2);
+    bytes += content;
+}
+
+// A table with one code, a single 0 bit, for the symbol 0: "no difference" for the mean, "nothing follows" for the rest.
+std::string codeTable(char kind)
+{
+    std::string table(1, kind);
+    table += '\x01';
+    table.append(15, '\0');
+    table += '\0';
+    return table;
+}
+
+std::string frameHeader(int width, int height)
+{
+    std::string frame(1, '\x08');
+    appendShort(frame, height);
+    appendShort(frame, width);
+    return frame + std::string("\x01\x01\x11\x00", 4);
+}
+
+} // namespace
+
+std::string placeholderPicture(int width, int height)
+{
+    width = std::clamp(width, 1, largestSide);
+    height = std::clamp(height, 1, largestSide);
+    std::string picture = "\xFF\xD8";
+    appendSegment(picture, '\xDB', std::string(1, '\0') + std::string(tableSize, '\1'));
+    appendSegment(picture, '\xC0', frameHeader(width, height));
+    appendSegment(picture, '\xC4', codeTable('\x00'));
+    appendSegment(picture, '\xC4', codeTable('\x10'));
+    appendSegment(picture, '\xDA', std::string("\x01\x01\x00\x00\x3F\x00", 6));
+    // Two 0 bits a block; the last byte is filled up with ones.
+    const auto across = static_cast<std::uint64_t>((width + blockSide - 1) / blockSide);
+    const auto down = static_cast<std::uint64_t>((height + blockSide - 1) / blockSide);
+    const std::uint64_t bits = 2 * across * down;
+    picture.append(bits / 8, '\0');
+    if (bits % 8 != 0)
+        picture += static_cast<char>(0xFFU >> bits % 8);
+    return picture + "\xFF\xD9";
+}

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "tools/Report.h"
+
+#include <nlohmann/json.hpp>
+
+namespace
+{
+
+using Json = nlohmann::ordered_json; // keeps the report's order
+
+constexpr int indentation = 4;
+constexpr const char* rotateTag = "rotate";
+
+Json parsed(const std::string& report)
+{
+    constexpr bool mayThrow = false;
+    return Json::parse(report, nullptr, mayThrow);
+}
+
+bool isText(const Json& object, const char* member, const char* text)
+{
+    const auto entry = object.find(member);
+    return entry != object.end() && entry->is_string() && entry->get_ref<const std::string&>() == text;
+}
+
+bool isVideo(const Json& stream)
+{
+    return stream.is_object() && isText(stream, "codec_type", "video");
+}
+
+std::optional<DisplayMatrix> matrixOf(const Json& stream)
+{
+    const auto list = stream.find("side_data_list");
+    if (list == stream.end() || !list->is_array())
+        return std::nullopt;
+    for (const Json& data : *list) {
+        if (!data.is_object() || !isText(data, "side_data_type", "Display Matrix"))
+            continue;
+        const auto numbers = data.find("displaymatrix");
+        if (numbers != data.end() && numbers->is_string())
+            return parseDisplayMatrix(numbers->get_ref<const std::string&>());
+    }
+    return std::nullopt;
+}
+
+void setTrueRotation(Json& stream)
+{
+    const auto matrix = matrixOf(stream);
+    if (matrix) {
+        if (!stream.contains("tags") || !stream["tags"].is_object())
+            stream["tags"] = Json::object();
+        stream["tags"][rotateTag] = std::to_string(rotationTag(*matrix));
+    } else if (stream.contains("tags") && stream["tags"].is_object()) {
+        stream["tags"].erase(rotateTag);
+    }
+}
+
+int integerOf(const Json& stream, const char* member)
+{
+    const auto entry = stream.find(member);
+    return entry != stream.end() && entry->is_number_integer() ? entry->get<int>() : 0;
+}
+
+} // namespace
+
+std::string withTrueRotation(const std::string& report)
+{
+    Json json = parsed(report);
+    if (!json.is_object() || !json.contains("streams") || !json["streams"].is_array())
+        return report;
+    bool hasVideo = false;
+    for (Json& stream : json["streams"]) {
+        if (!isVideo(stream))
+            continue;
+        setTrueRotation(stream);
+        hasVideo = true;
+    }
+    if (!hasVideo)
+        return report;
+    constexpr bool ensureAscii = false;
+    return json.dump(indentation, ' ', ensureAscii, Json::error_handler_t::replace) + '\n';
+}
+
+VideoFacts videoFactsOf(const std::string& report)
+{
+    const Json json = parsed(report);
+    if (!json.is_object() || !json.contains("streams") || !json["streams"].is_array())
+        return {};
+    VideoFacts facts;
+    for (const Json& stream : json["streams"]) {
+        if (!isVideo(stream))
+            continue;
+        const bool isPicture = isText(stream, "avg_frame_rate", "0/0"); // as cover pictures are
+        if (!isPicture || facts.width == 0)
+            facts = {matrixOf(stream), integerOf(stream, "width"), integerOf(stream, "height")};
+        if (!isPicture)
+            break;
+    }
+    return facts;
+}

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+#include "tools/TrackMatrix.h"
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+using Offset = std::int64_t;
+
+constexpr Offset shortHeader = 8;
+constexpr Offset longHeader = 16;
+constexpr std::uint32_t sizeFollows = 1;
+constexpr std::uint32_t reachesToTheEnd = 0;
+
+// Within a track header of version 0: matrix, then width and height. Version 1 has three longer times before it.
+constexpr Offset matrixOffset = 40;
+constexpr Offset longerTimes = 12;
+constexpr Offset matrixSize = 36;
+// Within a handler box: four bytes of version and four unused ones, then the kind.
+constexpr Offset handlerKindOffset = 8;
+
+struct Box {
+    std::string type;
+    Offset content = 0; // where it begins in the file
+    Offset end = 0;
+};
+
+std::string bytesAt(int descriptor, Offset offset, std::size_t count)
+{
+    std::string bytes(count, '\0');
+    const ssize_t got = ::pread(descriptor, bytes.data(), count, offset);
+    bytes.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
+    return bytes;
+}
+
+std::uint64_t bigEndian(const std::string& bytes)
+{
+    std::uint64_t number = 0;
+    for (const char byte : bytes)
+        number = number << 8U | static_cast<unsigned char>(byte);
+    return number;
+}
+
+/// The box at `offset`; one whose end does not lie behind its content is broken, or not there.
+Box boxAt(int descriptor, Offset offset, Offset end)
+{
+    const std::string header = bytesAt(descriptor, offset, shortHeader);
+    if (header.size() < static_cast<std::size_t>(shortHeader))
+        return {};
+    Box box{header.substr(4), offset + shortHeader, 0};
+    std::uint64_t size = bigEndian(header.substr(0, 4));
+    if (size == sizeFollows) {
+        size = bigEndian(bytesAt(descriptor, box.content, longHeader - shortHeader));
+        box.content = offset + longHeader;
+    }
+    if (size == reachesToTheEnd)
+        box.end = end;
+    else if (size <= static_cast<std::uint64_t>(end - offset))
+        box.end = offset + static_cast<Offset>(size);
+    return box;
+}
+
+/// Calls `visit` for each box between the offsets; whether they are whole boxes up to the end.
+bool forEachBox(int descriptor, Offset begin, Offset end, const std::function<void(const Box&)>& visit)
+{
+    while (begin < end) {
+        const Box box = boxAt(descriptor, begin, end);
+        if (box.end < box.content || box.content == 0)
+            return false;
+        visit(box);
+        begin = box.end;
+    }
+    return true;
+}
+
+/// The first box of that type between the offsets.
+Box findBox(int descriptor, const Box& parent, const std::string& type)
+{
+    Box found;
+    forEachBox(descriptor, parent.content, parent.end, [&](const Box& box) {
+        if (found.content == 0 && box.type == type)
+            found = box;
+    });
+    return found;
+}
+
+Box wholeFile(int descriptor)
+{
+    struct stat status = {};
+    return {"", 0, ::fstat(descriptor, &status) == 0 ? static_cast<Offset>(status.st_size) : 0};
+}
+
+bool isVideoTrack(int descriptor, const Box& track)
+{
+    const Box handler = findBox(descriptor, findBox(descriptor, track, "mdia"), "hdlr");
+    return handler.content != 0 && bytesAt(descriptor, handler.content + handlerKindOffset, 4) == "vide";
+}
+
+void appendFixed(std::string& bytes, double value, int fractionBits)
+{
+    const auto number = static_cast<std::uint32_t>(std::lround(std::ldexp(value, fractionBits)));
+    for (int shift = 24; shift >= 0; shift -= 8)
+        bytes += static_cast<char>(number >> static_cast<unsigned>(shift) & 0xFFU);
+}
+
+/// The matrix as a track header holds it, with the shift that brings the turned picture back to the origin.
+std::string matrixBytes(const DisplayMatrix& m, double width, double height)
+{
+    constexpr int fixed = 16;
+    constexpr int perspective = 30;
+    const double left = std::min({0.0, m.a * width, m.c * height, m.a * width + m.c * height});
+    const double top = std::min({0.0, m.b * width, m.d * height, m.b * width + m.d * height});
+    std::string bytes;
+    const std::array<double, 6> rows = {m.a, m.b, m.c, m.d, -left, -top};
+    for (std::size_t row = 0; row < 3; ++row) {
+        appendFixed(bytes, rows[2 * row], fixed);
+        appendFixed(bytes, rows[2 * row + 1], fixed);
+        appendFixed(bytes, row == 2 ? 1 : 0, perspective);
+    }
+    return bytes;
+}
+
+bool writeMatrixOfTrack(int descriptor, const Box& track, const DisplayMatrix& matrix)
+{
+    const Box header = findBox(descriptor, track, "tkhd");
+    if (header.content == 0)
+        return false;
+    const bool isLong = bytesAt(descriptor, header.content, 1) == std::string(1, '\1');
+    const Offset place = header.content + matrixOffset + (isLong ? longerTimes : 0);
+    const std::string size = bytesAt(descriptor, place + matrixSize, 8);
+    if (place + matrixSize + 8 > header.end || size.size() != 8)
+        return false;
+    constexpr double one = 65536;
+    const std::string bytes = matrixBytes(matrix, static_cast<double>(bigEndian(size.substr(0, 4))) / one,
+        static_cast<double>(bigEndian(size.substr(4))) / one);
+    return ::pwrite(descriptor, bytes.data(), bytes.size(), place) == matrixSize;
+}
+
+} // namespace
+
+bool isCompleteMovie(int descriptor)
+{
+    const Box file = wholeFile(descriptor);
+    return findBox(descriptor, file, "moov").content != 0
+        && forEachBox(descriptor, file.content, file.end, [](const Box&) { });
+}
+
+bool writeTrackMatrix(int descriptor, const DisplayMatrix& matrix)
+{
+    const Box movie = findBox(descriptor, wholeFile(descriptor), "moov");
+    bool written = false;
+    bool failed = false;
+    forEachBox(descriptor, movie.content, movie.end, [&](const Box& box) {
+        if (box.type != "trak" || !isVideoTrack(descriptor, box))
+            return;
+        written = true;
+        failed = failed || !writeMatrixOfTrack(descriptor, box, matrix);
+    });
+    return written && !failed;
+}

@@ -2,6 +2,7 @@
 #include "app/AppDelegate.h"
 
 #include "app/DragAndDropFileInNSImageView.h"
+#include "desktop/InputGate.h"
 #include "platform/DispatchQueue.h"
 #include "platform/Process.h"
 #include "platform/ProgramStops.h"

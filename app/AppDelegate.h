@@ -22,6 +22,7 @@ namespace tarnwell
 class DispatchQueue;
 class FileHandle;
 class FileProbe;
+class InputGate;
 class Process;
 
 /// The one controller: holds what is known of the one open video and receives every action of the user. An action
@@ -108,6 +109,7 @@ private:
     std::optional<bool> isProcessCancelledByUser; // absent before the first export
     std::optional<QImage> currentImage;           // the still of the open video, as extracted
     OrientationState m_orientation;
+    std::unique_ptr<InputGate> m_gateBeforeSheet; // from an export's start until its sheet is up
 };
 
 } // namespace tarnwell

@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/SupportAddress.h"
 #include "desktop/Alert.h"
+#include "desktop/InputGate.h"
 #include "desktop/PathText.h"
 #include "desktop/ProgressBarMode.h"
 #include "desktop/Workspace.h"
@@ -75,6 +76,7 @@ ArgumentList AppDelegate::transcodeArguments(const std::string& inputPath, const
 void AppDelegate::startCreatorRun(const std::string& outputPath, const ArgumentList& arguments)
 {
     isProcessCancelledByUser = false;
+    m_gateBeforeSheet = std::make_unique<InputGate>();
     asyncUserInitiated([self = shared_from_this(), outputPath, arguments] { self->runCreator(outputPath, arguments); });
 }
 
@@ -126,6 +128,7 @@ void AppDelegate::showProgressSheet()
     required(m_outlets.progressCancel).show();
     required(m_outlets.progressCancel).setEnabled(false); // until there is an encoder that it can end
     required(m_outlets.sheets).begin(&required(m_outlets.progressWindow));
+    m_gateBeforeSheet.reset();
 }
 
 void AppDelegate::hideProgressSheet()

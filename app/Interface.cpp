@@ -2,6 +2,7 @@
 #include "app/Interface.h"
 
 #include "app/AppDelegate.h"
+#include "desktop/InputGate.h"
 #include "desktop/SymbolIcon.h"
 
 #include "ui_HelpSheet.h"
@@ -32,6 +33,7 @@ void giveSymbols(const QMainWindow& window)
 Interface::Interface()
     : m_progressWindow(&m_window)
     , m_helpWindow(&m_window)
+    , m_sheets(m_window)
     , m_main(std::make_unique<Ui::MainWindow>())
     , m_progress(std::make_unique<Ui::ProgressSheet>())
     , m_help(std::make_unique<Ui::HelpSheet>())
@@ -47,6 +49,7 @@ void Interface::setUpWindow()
 {
     m_main->setupUi(&m_window);
     giveSymbols(m_window);
+    m_window.setWindowIcon(QIcon(QStringLiteral(":/icon/org.tarnwell.Tarnwell.svg")));
     m_window.resize(m_window.size().boundedTo(m_window.screen()->availableSize()));
 }
 
@@ -66,8 +69,7 @@ void Interface::setUpSheets()
     m_help->setupUi(&m_helpWindow);
     m_helpWindow.setEscapeButton(m_help->helpOK);
     // A window blocked by its sheet takes no shortcuts, but leaving must be possible during a long export.
-    m_progressWindow.addAction(m_main->quitMenuBTN);
-    m_helpWindow.addAction(m_main->quitMenuBTN);
+    m_sheets.addActionOfEverySheet(m_main->quitMenuBTN);
 }
 
 Outlets Interface::outlets()
@@ -90,10 +92,18 @@ Outlets Interface::outlets()
     return outlets;
 }
 
+bool Interface::takesActions() const
+{
+    return !m_sheets.isBusy() && !InputGate::isClosed();
+}
+
 void Interface::connectActions(AppDelegate& delegate)
 {
-    const auto tell = [&delegate](QAction* action, void (AppDelegate::*entry)()) {
-        QObject::connect(action, &QAction::triggered, &delegate, entry);
+    const auto tell = [this, &delegate](QAction* action, void (AppDelegate::*entry)()) {
+        QObject::connect(action, &QAction::triggered, &delegate, [this, &delegate, entry] {
+            if (takesActions())
+                (delegate.*entry)();
+        });
     };
     tell(m_main->openMenuBTN, &AppDelegate::openMenuBTNClicked);
     tell(m_main->openToolBarBTN, &AppDelegate::openToolBarBTNClicked);

@@ -32,10 +32,13 @@ public:
 
     Outlets outlets();
 
-    /// From now on every control tells `delegate` what the user does. It must outlive the interface.
+    /// From now on every control tells `delegate` what the user does, unless a sheet is up or the program is at
+    /// work: assistive tools and global menus reach a control by other ways than events. Controls of an interface that
+    /// outlives the delegate tell nobody.
     void connectActions(AppDelegate& delegate);
 
 private:
+    bool takesActions() const;
     void setUpWindow();
     void setUpSheets();
     void setUpToolBar();

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "app/StillFrame.h"
 
-#include "desktop/PathText.h"
 #include "orientation/PosterFrame.h"
 #include "platform/Process.h"
 #include "platform/ProgramStops.h"
 #include "platform/TemporaryDirectory.h"
 #include "probe/FileProbe.h"
 
-#include <QFile>
+#include <QBuffer>
+#include <QByteArray>
 #include <QImageReader>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
 
 namespace tarnwell
 {
@@ -20,10 +24,15 @@ namespace
 // A still of the largest video that decoders take, 16384 x 16384, is a GiB.
 constexpr int largestPictureInMebibytes = 4096;
 
+/// Null for what is no picture, or not there. Reads the bytes itself: the path need not be text in any encoding.
 QImage loadPicture(const std::string& path)
 {
     QImageReader::setAllocationLimit(largestPictureInMebibytes);
-    return QImageReader(textOfPath(path)).read();
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    QBuffer buffer(&data);
+    return QImageReader(&buffer).read();
 }
 
 QImage pictureMadeBy(const std::string& creatorPath, const FileProbe& probe, const BlockingWait& wait)
@@ -34,9 +43,12 @@ QImage pictureMadeBy(const std::string& creatorPath, const FileProbe& probe, con
     creator.setExecutable(creatorPath);
     creator.setArguments(posterFrameArguments(probe.duration, required(probe.fileFullPath), stillPath));
     creator.launch(); // one that does not start leaves no picture, which is found out below
-    wait([&] { creator.waitUntilExit(); });
-    QImage picture = loadPicture(stillPath);
-    QFile::remove(textOfPath(stillPath));
+    QImage picture;
+    wait([&] {
+        creator.waitUntilExit();
+        picture = loadPicture(stillPath); // here, because a large one takes its time
+    });
+    std::remove(stillPath.c_str());
     return picture;
 }
 

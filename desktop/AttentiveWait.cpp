@@ -6,10 +6,26 @@
 
 #include <QEventLoop>
 
+#include <system_error>
 #include <thread>
 
 namespace tarnwell
 {
+
+namespace
+{
+
+/// No thread where the system has none to give.
+std::thread startThread(std::function<void()> work)
+{
+    try {
+        return std::thread(std::move(work));
+    } catch (const std::system_error&) {
+        return {};
+    }
+}
+
+} // namespace
 
 void waitAttentively(const std::function<void()>& blockingCall)
 {
@@ -20,10 +36,14 @@ void waitAttentively(const std::function<void()>& blockingCall)
         return;
     }
     const InputGate gate;
-    std::thread helper([&] {
+    std::thread helper = startThread([&] {
         blockingCall();
         finished.ring();
     });
+    if (!helper.joinable()) {
+        blockingCall();
+        return;
+    }
     loop.exec();
     helper.join();
 }

@@ -4,7 +4,6 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QHash>
-#include <QProcess>
 #include <QStandardPaths>
 
 namespace tarnwell
@@ -41,6 +40,53 @@ bool isApplicationNamed(const Entry& entry, const QString& name)
         && entry.value(QStringLiteral("Hidden")) != QStringLiteral("true");
 }
 
+/// Blanks part words, but not within quotation marks, where a backslash takes its follower literally.
+QStringList wordsOf(const QString& exec)
+{
+    QStringList words;
+    bool isWord = false;
+    bool isQuoted = false;
+    for (qsizetype place = 0; place < exec.size(); ++place) {
+        QChar letter = exec.at(place);
+        const bool isMark = letter == QLatin1Char('"');
+        if (isMark)
+            isQuoted = !isQuoted;
+        if (!isQuoted && letter.isSpace()) {
+            isWord = false;
+            continue;
+        }
+        if (!isWord)
+            words.append(QString());
+        isWord = true;
+        if (isMark)
+            continue;
+        if (isQuoted && letter == QLatin1Char('\\') && place + 1 < exec.size())
+            letter = exec.at(++place);
+        words.last().append(letter);
+    }
+    return words;
+}
+
+/// The word with its field codes filled in: a file as path or address, a percent sign, nothing for all others.
+QString withFile(const QString& word, const QUrl& file)
+{
+    QString filled;
+    for (qsizetype place = 0; place < word.size(); ++place) {
+        if (word.at(place) != QLatin1Char('%') || place + 1 == word.size()) {
+            filled.append(word.at(place));
+            continue;
+        }
+        const char code = word.at(++place).toLower().toLatin1();
+        if (code == 'f')
+            filled.append(file.toLocalFile());
+        else if (code == 'u')
+            filled.append(QString::fromUtf8(file.toEncoded()));
+        else if (code == '%')
+            filled.append(QLatin1Char('%'));
+    }
+    return filled;
+}
+
 } // namespace
 
 QStringList commandOfApplicationNamed(const QString& name, const QUrl& file)
@@ -59,13 +105,11 @@ QStringList commandOfApplicationNamed(const QString& name, const QUrl& file)
 QStringList commandOfExecText(const QString& exec, const QUrl& file)
 {
     QStringList command;
-    for (const QString& word : QProcess::splitCommand(exec)) {
-        if (word == QStringLiteral("%f") || word == QStringLiteral("%F"))
-            command.append(file.toLocalFile());
-        else if (word == QStringLiteral("%u") || word == QStringLiteral("%U"))
-            command.append(QString::fromUtf8(file.toEncoded()));
-        else if (!word.startsWith(QLatin1Char('%')))
-            command.append(word);
+    for (const QString& word : wordsOf(exec)) {
+        const QString filled = withFile(word, file);
+        // A word that was nothing but codes for something else is left out.
+        if (!filled.isEmpty() || word.isEmpty())
+            command.append(filled);
     }
     return command;
 }

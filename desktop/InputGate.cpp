@@ -10,6 +10,8 @@ namespace tarnwell
 namespace
 {
 
+int closedGates = 0;
+
 bool isInput(QEvent::Type type)
 {
     switch (type) {
@@ -46,7 +48,18 @@ bool isInput(QEvent::Type type)
 
 InputGate::InputGate()
 {
+    ++closedGates;
     QCoreApplication::instance()->installEventFilter(this);
+}
+
+InputGate::~InputGate()
+{
+    --closedGates;
+}
+
+bool InputGate::isClosed()
+{
+    return closedGates > 0;
 }
 
 bool InputGate::eventFilter(QObject* /*watched*/, QEvent* event)

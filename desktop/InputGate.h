@@ -14,6 +14,10 @@ class InputGate : public QObject
 
 public:
     InputGate();
+    ~InputGate() override;
+
+    /// Whether one lives.
+    static bool isClosed();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 };

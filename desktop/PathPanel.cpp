@@ -25,6 +25,25 @@ QString withOutputExtension(const QString& path)
     return path.endsWith(ending, Qt::CaseInsensitive) ? path : path + ending;
 }
 
+QString withHomeFolder(const QString& text)
+{
+    return text.startsWith(QStringLiteral("~/")) ? QDir::homePath() + text.mid(1) : text;
+}
+
+QMessageBox* openBox(QWidget* parent, const QString& text, QMessageBox::StandardButtons buttons)
+{
+    auto* box = new QMessageBox(QMessageBox::Warning, parent->windowTitle(), text, buttons, parent, Qt::Sheet);
+    box->setTextFormat(Qt::PlainText);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+    return box;
+}
+
+void sayThatFolderIsMissing(QWidget* panel, const QString& folder)
+{
+    openBox(panel, QFileDialog::tr("The folder “%1” does not exist.").arg(folder), QMessageBox::Ok);
+}
+
 } // namespace
 
 PathPanel::PathPanel(QWidget* window)
@@ -56,7 +75,7 @@ QString PathPanel::typedPath() const
     const QStringList rows = selectedFiles();
     if (rows.size() == 1 && QFileInfo(rows.first()).fileName() == field->text())
         return rows.first();
-    return directory().absoluteFilePath(field->text());
+    return directory().absoluteFilePath(withHomeFolder(field->text()));
 }
 
 void PathPanel::acceptPath(const QString& path)
@@ -96,20 +115,36 @@ SavePanel::SavePanel(QWidget* window, const QString& name)
 
 void SavePanel::accept()
 {
-    if (!hasNameField()) {
+    if (hasNameField())
+        acceptTyped(typedPath());
+    else
+        acceptNativeChoice();
+}
+
+// A native dialog has asked about replacing the very file that was chosen; what the extension makes of it is another.
+void SavePanel::acceptNativeChoice()
+{
+    const QStringList files = selectedFiles();
+    const QString output = files.isEmpty() ? QString() : withOutputExtension(files.first());
+    if (files.isEmpty() || output == files.first())
         QFileDialog::accept();
-        return;
-    }
-    const QString path = typedPath();
+    else
+        acceptTyped(output);
+}
+
+void SavePanel::acceptTyped(const QString& path)
+{
     // Qt's own reading would add the extension to a folder's name.
     if (QFileInfo(path).isDir()) {
         showFolder(path);
         return;
     }
-    if (path.isEmpty() || !QFileInfo(path).dir().exists())
+    if (path.isEmpty())
         return;
     const QString output = withOutputExtension(path);
-    if (QFileInfo(output).isDir())
+    if (!QFileInfo(output).dir().exists())
+        sayThatFolderIsMissing(this, QFileInfo(output).path());
+    else if (QFileInfo(output).isDir())
         showFolder(output);
     else if (QFileInfo::exists(output))
         askBeforeReplacing(output);
@@ -127,16 +162,12 @@ void SavePanel::askBeforeReplacing(const QString& path)
 {
     const QString question
         = tr("“%1” already exists.\nDo you want to replace it?").arg(QFileInfo(path).fileName());
-    auto* box = new QMessageBox(
-        QMessageBox::Warning, windowTitle(), question, QMessageBox::Yes | QMessageBox::No, this, Qt::Sheet);
-    box->setTextFormat(Qt::PlainText);
+    QMessageBox* box = openBox(this, question, QMessageBox::Yes | QMessageBox::No);
     box->setDefaultButton(QMessageBox::No);
-    box->setAttribute(Qt::WA_DeleteOnClose);
     connect(box, &QDialog::finished, this, [this, path](int answer) {
         if (answer == QMessageBox::Yes)
             acceptPath(path);
     });
-    box->open();
 }
 
 } // namespace tarnwell

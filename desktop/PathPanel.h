@@ -13,7 +13,7 @@ namespace tarnwell
 /// marks and leaves a name with any dot in it without the extension. A desktop's native dialog answers for itself.
 class PathPanel : public QFileDialog
 {
-    Q_OBJECT
+    // No Q_OBJECT here and below: Qt gives up a desktop's native dialog for any class that bears another name.
 
 public:
     explicit PathPanel(QWidget* window);
@@ -24,6 +24,7 @@ public:
 protected:
     /// What stands in the name field as an absolute path; empty where the dialog has no such field.
     QString typedPath() const;
+    /// Whether it is Qt's own dialog, whose name field can be read.
     bool hasNameField() const;
     void acceptPath(const QString& path);
 
@@ -34,8 +35,6 @@ private:
 /// Picks one existing file of any type.
 class OpenPanel : public PathPanel
 {
-    Q_OBJECT
-
 public:
     explicit OpenPanel(QWidget* window);
 
@@ -46,8 +45,6 @@ protected:
 /// Picks the place of a new MP4 file and asks before one is replaced.
 class SavePanel : public PathPanel
 {
-    Q_OBJECT
-
 public:
     SavePanel(QWidget* window, const QString& name);
 
@@ -55,6 +52,8 @@ protected:
     void accept() override;
 
 private:
+    void acceptNativeChoice();
+    void acceptTyped(const QString& path);
     void askBeforeReplacing(const QString& path);
     void showFolder(const QString& path);
 

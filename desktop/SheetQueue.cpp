@@ -6,7 +6,10 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDialog>
+#include <QEvent>
 #include <QEventLoop>
+#include <QTimer>
+#include <QWidget>
 #include <QWindow>
 
 #include <algorithm>
@@ -28,11 +31,35 @@ bool isOnScreen(const QDialog& sheet)
 
 } // namespace
 
+SheetQueue::SheetQueue(QWidget& window)
+    : m_window(window)
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+void SheetQueue::addActionOfEverySheet(QAction* action)
+{
+    m_actions.append(action);
+}
+
+// Qt refuses a drag that comes to a blocked window, but lets one drop that hovered there before the sheet came.
+bool SheetQueue::eventFilter(QObject* watched, QEvent* event)
+{
+    if (m_entries.empty() || (event->type() != QEvent::DragEnter && event->type() != QEvent::Drop))
+        return false;
+    const auto* target = qobject_cast<QWidget*>(watched);
+    if (target == nullptr || target->window() != &m_window)
+        return false;
+    event->ignore();
+    return true;
+}
+
 void SheetQueue::begin(QDialog* sheet, Completion completion)
 {
     if (find(sheet) != m_entries.end())
         return;
     m_entries.push_back({sheet, std::move(completion)});
+    sheet->addActions(m_actions);
     connect(sheet, &QDialog::finished, this, [this, sheet](int result) { remove(sheet, result); });
     connect(sheet, &QObject::destroyed, this, [this, sheet] { forget(sheet); });
     if (m_entries.size() == 1)
@@ -53,8 +80,10 @@ void SheetQueue::waitUntilPainted(QDialog* sheet)
         return;
     const InputGate gate;
     const QDeadlineTimer deadline(longestWaitForScreen);
+    QTimer wakeUp; // so that waiting for events ends even where none comes
+    wakeUp.start(exposureCheckInterval);
     while (!isOnScreen(*sheet) && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, static_cast<int>(exposureCheckInterval.count()));
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     sheet->repaint();
 }
 

@@ -13,6 +13,7 @@
 #include <QUrl>
 #include <QVariantMap>
 
+#include <algorithm>
 #include <functional>
 
 #include <fcntl.h>
@@ -43,6 +44,14 @@ void callOr(const QDBusMessage& call, const std::function<void()>& otherwise)
         if (QDBusPendingReply<>(*watcher).isError())
             otherwise();
         watcher->deleteLater();
+    });
+}
+
+bool passesFile(const QStringList& command, const QUrl& file)
+{
+    const QString address = QString::fromUtf8(file.toEncoded());
+    return std::any_of(command.begin(), command.end(), [&](const QString& word) {
+        return word.contains(file.toLocalFile()) || word.contains(address);
     });
 }
 
@@ -80,7 +89,9 @@ void activateFileViewerSelecting(const FileURL& file)
 
 void openFileWithApplication(const FileURL& file, const QString& applicationName)
 {
-    const QStringList command = commandOfApplicationNamed(applicationName, urlOf(file));
+    QStringList command = commandOfApplicationNamed(applicationName, urlOf(file));
+    if (!command.isEmpty() && !passesFile(command, urlOf(file)))
+        command.append(urlOf(file).toLocalFile()); // an entry need not say where a file goes
     if (command.isEmpty() || !QProcess::startDetached(command.first(), command.mid(1)))
         QDesktopServices::openUrl(urlOf(file));
 }

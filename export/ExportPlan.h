@@ -35,7 +35,7 @@ ArgumentList transcodeArgumentList(
 /// The line that says which orientation an export starts from.
 std::string orientationLine(const OrientationState& state);
 
-/// The line that shows a list: ["first", "second"].
+/// The line that shows a list: ["first", "second"]. The elements' bytes stand there as they are.
 std::string argumentListLine(const ArgumentList& arguments);
 
 } // namespace tarnwell

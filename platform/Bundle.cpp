@@ -12,7 +12,8 @@ namespace tarnwell
 namespace
 {
 
-constexpr std::string_view resourceFolders[] = {"", "/../libexec/tarnwell", "/../share/tarnwell"};
+// The folder of the executable comes last: where that is a folder of many programs, another one may bear the name.
+constexpr std::string_view resourceFolders[] = {"/../libexec/tarnwell", "/../share/tarnwell", ""};
 constexpr std::string_view imageExtension = ".png";
 
 } // namespace

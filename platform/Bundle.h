@@ -8,8 +8,8 @@
 namespace tarnwell
 {
 
-/// The files that belong to the application and stand around its executable: the tools beside it or in
-/// ../libexec/tarnwell, the pictures in ../share/tarnwell. The build tree and an installed tree look alike.
+/// The files that belong to the application and stand around its executable: the tools in
+/// ../libexec/tarnwell, the pictures in ../share/tarnwell, or either beside it. The build tree and an installed tree look alike.
 class Bundle
 {
 public:

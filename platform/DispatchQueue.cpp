@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/DispatchQueue.h"
 
+#include "platform/ProgramStops.h"
+
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -67,7 +70,11 @@ void DispatchQueue::close()
 
 void asyncUserInitiated(DispatchQueue::Work work)
 {
-    std::thread(std::move(work)).detach();
+    try {
+        std::thread(std::move(work)).detach();
+    } catch (const std::system_error&) {
+        programStops(); // nobody would ever learn that the work was not done
+    }
 }
 
 } // namespace tarnwell

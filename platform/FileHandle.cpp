@@ -2,7 +2,9 @@
 #include "platform/FileHandle.h"
 
 #include <cerrno>
+#include <system_error>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -54,7 +56,13 @@ std::string FileHandle::readDataToEndOfFile()
 
 void FileHandle::setReadabilityHandler(ReadabilityHandler handler)
 {
-    std::thread([self = shared_from_this(), handler = std::move(handler)] { self->deliver(handler); }).detach();
+    try {
+        std::thread([self = shared_from_this(), handler = std::move(handler)] { self->deliver(handler); }).detach();
+    } catch (const std::system_error&) {
+        // Nobody reads: the writer is to learn that rather than to wait for ever.
+        m_atEnd = true;
+        ::close(std::exchange(m_descriptor, -1));
+    }
 }
 
 void FileHandle::deliver(const ReadabilityHandler& handler)

@@ -18,6 +18,7 @@ void prepareStandardStreams()
     if (descriptor >= 0)
         ::close(descriptor);
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGCHLD, SIG_DFL);
 }
 
 } // namespace tarnwell

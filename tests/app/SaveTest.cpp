@@ -3,6 +3,7 @@
 #include "tests/support/StandInTest.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
 
@@ -21,6 +22,11 @@ protected:
     }
 
     std::vector<std::string> createdArguments() { return recordedArguments(folder() + "created"); }
+
+    void waitForResult()
+    {
+        ASSERT_TRUE(waitUntil([this] { return isAlertShown() && shownAlert()->text().endsWith(QStringLiteral("!")); }));
+    }
 
     void finish()
     {
@@ -123,8 +129,13 @@ TEST_F(SaveTest, theInputUnderAnotherSpellingIsPassedOn)
     openVideo();
     expectExport();
     std::filesystem::create_directory_symlink(folder(), folder() + "link");
-    for (const std::string& output : {folder() + "CLIP.mp4", folder() + "link/other.mp4"}) {
+    for (const std::string& output : {folder() + "CLIP.mp4", folder() + "link/clip.mp4"}) {
+        const bool isThere = exists(output);
         saveByPanel(output);
+        if (isThere)
+            answer(shownAlert(), "&Yes");
+        ASSERT_TRUE(waitUntil([] { return QApplication::activeWindow() != nullptr; }));
+        waitForResult();
         finish();
         const std::vector<std::string> arguments = createdArguments();
         EXPECT_EQ(arguments.at(1), folder() + "clip.mp4");

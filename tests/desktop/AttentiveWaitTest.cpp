@@ -3,6 +3,7 @@
 
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/DragSource.h"
+#include "tests/support/EventCounter.h"
 #include "tests/support/RealInput.h"
 #include "tests/support/Screen.h"
 
@@ -16,7 +17,9 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace tarnwell::test
@@ -208,7 +211,31 @@ TEST(AttentiveWaitTest, aDropIsRefusedAndNotKeptForLater)
     source.dragTo(place);
     source.waitUntilAccepted();
     EXPECT_TRUE(source.drop());
-    EXPECT_EQ(window.drops(), 1);
+    EXPECT_TRUE(waitUntil([&] { return window.drops() == 1; }));
+}
+
+TEST(AttentiveWaitTest, aDragThatHoversAlreadyCannotBeDropped)
+{
+    BusyWindow window;
+    DragSource source("file:///dropped");
+    source.dragTo(screenPosition(window));
+    source.waitUntilAccepted();
+    waitAttentively([&] {
+        std::optional<EventCounter> arrivals;
+        const auto onMainThread = [&](const std::function<void()>& work) {
+            QMetaObject::invokeMethod(&window, work, Qt::BlockingQueuedConnection);
+        };
+        onMainThread([&] { arrivals.emplace(*QCoreApplication::instance(), QEvent::Drop); });
+        realRelease();
+        int count = 0;
+        const auto end = std::chrono::steady_clock::now() + longestWait;
+        while (count == 0 && std::chrono::steady_clock::now() < end)
+            onMainThread([&] { count = arrivals->count(); });
+        EXPECT_GT(count, 0);
+        onMainThread([&] { arrivals.reset(); });
+    });
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window.drops(), 0);
 }
 
 TEST(AttentiveWaitTest, mayBeCalledInsideAClick)

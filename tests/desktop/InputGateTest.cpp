@@ -95,10 +95,12 @@ TEST_F(InputGateTest, aRequestToCloseTheWindowIsDropped)
 
 TEST_F(InputGateTest, aGateWithinAGateOpensNothing)
 {
+    EXPECT_FALSE(InputGate::isClosed());
     const InputGate outer;
     {
         const InputGate inner;
     }
+    EXPECT_TRUE(InputGate::isClosed());
     clickAndType();
     EXPECT_EQ(m_window.clicks(), 0);
     EXPECT_EQ(m_field.text(), QString());

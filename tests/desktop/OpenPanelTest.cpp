@@ -156,6 +156,7 @@ TEST_F(OpenPanelTest, aMissingFileIsNotChosen)
     beginOpen();
     nextQuestionGets(QMessageBox::Ok);
     enter(QStringLiteral("missing.mp4"));
+    waitForAnsweredQuestion();
     EXPECT_EQ(questions().size(), 1);
     EXPECT_TRUE(isPanelUp());
     EXPECT_FALSE(isAnswered());

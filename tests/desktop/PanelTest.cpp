@@ -159,11 +159,24 @@ void PanelTest::answerQuestion(QMessageBox& question)
     EXPECT_TRUE(m_nextAnswer) << "unexpected: " << question.text().toStdString();
     waitForRealKeyboard(question);
     QAbstractButton* button = m_nextAnswer ? question.button(*m_nextAnswer) : nullptr;
-    m_nextAnswer.reset();
     if (button != nullptr)
         realClick(*button);
     else
         question.reject();
+    m_nextAnswer.reset();
+}
+
+void PanelTest::waitForAnsweredQuestion()
+{
+    EXPECT_TRUE(waitUntil([this] { return !m_questions.isEmpty() && !m_nextAnswer; })) << "nothing was asked";
+    if (isPanelUp())
+        waitForRealKeyboard(*m_panel);
+}
+
+void PanelTest::forgetAnswers()
+{
+    m_answers.clear();
+    m_questions.clear();
 }
 
 PanelTest::Answer PanelTest::answer()

@@ -62,14 +62,18 @@ protected:
     QPushButton& cancelButton();
 
     /// How a question of the panel's will be answered, by a click; a question that was not announced fails
-    /// the test. The panel asks inside the call that makes it ask.
+    /// the test. The panel may ask inside the
+    /// call that makes it ask.
     void nextQuestionGets(QMessageBox::StandardButton button) { m_nextAnswer = button; }
+    /// Waits until it has been answered and the panel, if it is still up, has the keyboard again.
+    void waitForAnsweredQuestion();
     /// The questions that were asked, with their informative texts.
     const QStringList& questions() const { return m_questions; }
 
     /// Waits for the panel's end; what it answered.
     Answer answer();
     bool isAnswered() const { return !m_answers.empty(); }
+    void forgetAnswers();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -83,7 +87,7 @@ private:
 
     TemporaryDirectory m_folder;
     ParentWindow m_window;
-    SheetQueue m_sheets;
+    SheetQueue m_sheets{m_window};
     QPointer<PathPanel> m_panel;
     std::vector<Answer> m_answers;
     std::optional<QMessageBox::StandardButton> m_nextAnswer;

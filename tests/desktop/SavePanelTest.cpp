@@ -138,12 +138,31 @@ TEST_F(SavePanelTest, theNameOfAFolderWithASlashLeadsIntoIt)
     EXPECT_FALSE(isAnswered());
 }
 
-TEST_F(SavePanelTest, aFolderThatDoesNotExistIsNotChosen)
+TEST_F(SavePanelTest, aMissingFolderIsSaidAndNotChosen)
 {
+    for (const char* name : {"missing/", "missing/Clip"}) {
+        SCOPED_TRACE(name);
+        beginSave();
+        nextQuestionGets(QMessageBox::Ok);
+        enter(QString::fromLatin1(name));
+        waitForAnsweredQuestion();
+        EXPECT_TRUE(questions().last().contains(QStringLiteral("missing")));
+        EXPECT_FALSE(isAnswered());
+        realKeys("Escape");
+        EXPECT_EQ(answer(), std::nullopt);
+        forgetAnswers();
+    }
+}
+
+TEST_F(SavePanelTest, thePersonalFolderMayBeTypedAsATilde)
+{
+    const TemporaryDirectory home;
+    const QByteArray usual = qgetenv("HOME");
+    qputenv("HOME", QByteArray::fromStdString(home.path()));
     beginSave();
-    enter(QStringLiteral("missing/"));
-    EXPECT_TRUE(isPanelUp());
-    EXPECT_FALSE(isAnswered());
+    enter(QStringLiteral("~/Clip"));
+    EXPECT_EQ(answer(), home.path() + "Clip.mp4");
+    qputenv("HOME", usual);
 }
 
 TEST_F(SavePanelTest, noNameChoosesNothing)
@@ -173,10 +192,10 @@ TEST_F(SavePanelTest, aNoKeepsThePanelOpen)
     beginSave();
     nextQuestionGets(QMessageBox::No);
     realKeys("Return");
+    waitForAnsweredQuestion();
     EXPECT_EQ(questions().size(), 1);
     EXPECT_TRUE(isPanelUp());
     EXPECT_FALSE(isAnswered());
-    waitForRealKeyboard(panel());
     enter(QStringLiteral("Other"));
     EXPECT_EQ(answer(), folder() + "Other.mp4");
 }
@@ -187,7 +206,7 @@ TEST_F(SavePanelTest, cancelAfterANoChoosesNothing)
     beginSave();
     nextQuestionGets(QMessageBox::No);
     realKeys("Return");
-    waitForRealKeyboard(panel());
+    waitForAnsweredQuestion();
     realKeys("Escape");
     EXPECT_EQ(answer(), std::nullopt);
 }

@@ -3,9 +3,15 @@
 
 #include "desktop/Sheet.h"
 #include "tests/desktop/ParentWindow.h"
+#include "tests/support/DragSource.h"
+#include "tests/support/EventCounter.h"
 #include "tests/support/RealInput.h"
 #include "tests/support/Screen.h"
 
+#include <QAction>
+#include <QCoreApplication>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QWindow>
 
 #include <gtest/gtest.h>
@@ -28,7 +34,7 @@ protected:
     }
 
     ParentWindow m_window;
-    SheetQueue m_sheets;
+    SheetQueue m_sheets{m_window};
 };
 
 TEST_F(SheetQueueTest, aSheetAppearsAtOnceWhereNoneIsUp)
@@ -210,6 +216,104 @@ TEST_F(SheetQueueTest, aWaitingSheetIsNotWaitedFor)
     m_sheets.waitUntilPainted(second.get());
     EXPECT_TRUE(first->isVisible());
     EXPECT_FALSE(second->isVisible());
+}
+
+TEST_F(SheetQueueTest, isBusyUntilItsLastSheetHasEnded)
+{
+    const auto first = newSheet();
+    const auto second = newSheet();
+    EXPECT_FALSE(m_sheets.isBusy());
+    m_sheets.begin(first.get());
+    m_sheets.begin(second.get());
+    m_sheets.end(first.get());
+    EXPECT_TRUE(m_sheets.isBusy());
+    m_sheets.end(second.get());
+    EXPECT_FALSE(m_sheets.isBusy());
+}
+
+TEST_F(SheetQueueTest, anActionOfEverySheetWorksInEachOfThem)
+{
+    QAction help;
+    help.setShortcut(Qt::Key_F1);
+    int calls = 0;
+    QObject::connect(&help, &QAction::triggered, &help, [&] { ++calls; });
+    m_sheets.addActionOfEverySheet(&help);
+    const auto first = newSheet();
+    const auto second = newSheet();
+    m_sheets.begin(first.get());
+    m_sheets.begin(second.get());
+    for (Sheet* sheet : {first.get(), second.get()}) {
+        waitForRealKeyboard(*sheet);
+        const int earlier = calls;
+        realKeys("F1");
+        EXPECT_EQ(calls, earlier + 1);
+        m_sheets.end(sheet);
+    }
+}
+
+/// Takes drops on all of the window but its button.
+class DropArea : public QWidget
+{
+public:
+    explicit DropArea(QWidget& window)
+        : QWidget(&window)
+    {
+        setAcceptDrops(true);
+        setGeometry(0, 50, window.width(), window.height() - 50);
+        show();
+    }
+
+    /// Where no sheet is.
+    QPoint freePlace() { return screenPosition(*this, rect().bottomLeft() + QPoint(30, -30)); }
+    int drops() const { return m_drops; }
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override { event->acceptProposedAction(); }
+
+    void dropEvent(QDropEvent* event) override
+    {
+        ++m_drops;
+        event->acceptProposedAction();
+    }
+
+private:
+    int m_drops = 0;
+};
+
+TEST_F(SheetQueueTest, nothingCanBeDroppedOnTheWindowWhileASheetIsUp)
+{
+    DropArea area(m_window);
+    const auto sheet = newSheet();
+    m_sheets.begin(sheet.get());
+    waitForRealKeyboard(*sheet);
+    {
+        DragSource source("file:///clip");
+        source.dragTo(area.freePlace());
+        EXPECT_FALSE(source.drop());
+    }
+    m_sheets.end(sheet.get());
+    EXPECT_EQ(area.drops(), 0);
+    DragSource source("file:///clip");
+    source.dragTo(area.freePlace());
+    source.waitUntilAccepted();
+    EXPECT_TRUE(source.drop());
+    EXPECT_TRUE(waitUntil([&] { return area.drops() == 1; }));
+}
+
+TEST_F(SheetQueueTest, aDragThatHoversWhenASheetComesCannotBeDropped)
+{
+    DropArea area(m_window);
+    DragSource source("file:///clip");
+    source.dragTo(area.freePlace());
+    source.waitUntilAccepted();
+    const auto sheet = newSheet();
+    m_sheets.begin(sheet.get());
+    m_sheets.waitUntilPainted(sheet.get());
+    const EventCounter arrivals(*m_window.windowHandle(), QEvent::Drop);
+    source.drop();
+    EXPECT_TRUE(waitUntil([&] { return arrivals.count() == 1; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(area.drops(), 0);
 }
 
 } // namespace tarnwell::test

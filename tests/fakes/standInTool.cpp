@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Stands in for sniffer or creator. It is called by a link whose path is argv[0], and does what the script beside
-// that link says, line by line; see tests/support/StandInTools.h for the commands.
+// Stands in for sniffer or creator. It is called by a link whose path is argv[0], and does what the script
+// beside that link says, line by line; see tests/support/StandInTools.h for the commands.
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -13,8 +15,9 @@
 #include <map>
 #include <string>
 #include <thread>
-
 #include <unistd.h>
+
+extern char** environ;
 
 namespace
 {
@@ -81,14 +84,71 @@ void record(const std::string& path)
     leaveFile(path, all);
 }
 
-void flood(const std::string& bytes)
+void flood(int descriptor, const std::string& bytes)
 {
     const std::string block(65536, 'x');
     for (auto left = std::stoull(bytes); left > 0;) {
         const auto count = std::min<unsigned long long>(left, block.size());
-        writeAll(STDOUT_FILENO, block.substr(0, count));
+        writeAll(descriptor, block.substr(0, count));
         left -= count;
     }
+}
+
+std::string hexadecimal(const std::string& bytes)
+{
+    const std::string digits = "0123456789abcdef";
+    std::string text;
+    for (const char byte : bytes) {
+        text += digits[static_cast<unsigned char>(byte) / 16];
+        text += digits[static_cast<unsigned char>(byte) % 16];
+    }
+    return text;
+}
+
+void say(const std::string& line)
+{
+    writeAll(STDERR_FILENO, line + "\n");
+}
+
+void sayDescriptors()
+{
+    constexpr int highest = 1024;
+    for (int descriptor = 0; descriptor < highest; ++descriptor) {
+        if (::fcntl(descriptor, F_GETFD) < 0)
+            continue;
+        std::string target(4096, '\0');
+        const auto length = ::readlink(
+            ("/proc/self/fd/" + std::to_string(descriptor)).c_str(), target.data(), target.size());
+        target.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+        say("descriptor " + std::to_string(descriptor) + " " + target);
+    }
+}
+
+// Written straight into what is there, as a tool does that makes a file.
+void writeOutput(const std::string& bytes)
+{
+    const int output
+        = ::open(toolArguments[toolArgumentCount - 1], O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (output < 0)
+        say("the output cannot be opened");
+    writeAll(output, bytes);
+    ::close(output);
+}
+
+void floodOutput(const std::string& bytes)
+{
+    const int output
+        = ::open(toolArguments[toolArgumentCount - 1], O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    flood(output, bytes);
+    ::close(output);
+}
+
+std::string lastWords;
+
+void sayLastWords(int)
+{
+    say(lastWords);
+    std::_Exit(255);
 }
 
 std::string terminationFile;
@@ -110,7 +170,29 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
     {"print-file", [](const Words& path) { writeAll(STDOUT_FILENO, contentsOf(path)); }},
     {"print", [](const Words& text) { writeAll(STDOUT_FILENO, unescaped(text)); }},
     {"error", [](const Words& text) { writeAll(STDERR_FILENO, unescaped(text)); }},
-    {"flood", flood},
+    {"flood", [](const Words& count) { flood(STDOUT_FILENO, count); }},
+    {"flood-error", [](const Words& count) { flood(STDERR_FILENO, count); }},
+    {"flood-output", floodOutput},
+    {"write-output", [](const Words& text) { writeOutput(unescaped(text)); }},
+    {"write-output-file", [](const Words& path) { writeOutput(contentsOf(path)); }},
+    {"say-arguments",
+        [](const Words&) {
+            for (int index = 1; index < toolArgumentCount; ++index)
+                say("argument " + hexadecimal(toolArguments[index]));
+        }},
+    {"say-environment",
+        [](const Words&) {
+            for (char** variable = environ; *variable != nullptr; ++variable)
+                say("variable " + hexadecimal(*variable));
+        }},
+    {"say-descriptors", [](const Words&) { sayDescriptors(); }},
+    {"say-pid", [](const Words&) { say("pid " + std::to_string(::getpid())); }},
+    {"say-on-termination",
+        [](const Words& text) {
+            lastWords = text;
+            std::signal(SIGTERM, sayLastWords);
+        }},
+    {"close", [](const Words& descriptor) { ::close(std::stoi(descriptor)); }},
     {"record", record},
     {"record-pid", [](const Words& path) { leaveFile(path, std::to_string(::getpid())); }},
     {"copy", [](const Words& path) { leaveFile(toolArguments[toolArgumentCount - 1], contentsOf(path)); }},
@@ -122,7 +204,8 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
         }},
     {"ignore-termination", [](const Words&) { std::signal(SIGTERM, SIG_IGN); }},
     {"wait-for", waitForFile},
-    {"sleep", [](const Words& count) { std::this_thread::sleep_for(std::chrono::milliseconds(std::stol(count))); }},
+    {"sleep",
+        [](const Words& count) { std::this_thread::sleep_for(std::chrono::milliseconds(std::stol(count))); }},
     {"hang",
         [](const Words&) {
             for (;;)
@@ -136,6 +219,37 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
     {"exit", [](const Words& status) { std::_Exit(std::stoi(status)); }},
 };
 
+bool hasArgument(const std::string& argument)
+{
+    return std::find(toolArguments + 1, toolArguments + toolArgumentCount, argument)
+        != toolArguments + toolArgumentCount;
+}
+
+std::string firstWord(const std::string& line)
+{
+    return line.substr(0, line.find(' '));
+}
+
+std::string otherWords(const std::string& line)
+{
+    const auto blank = line.find(' ');
+    return blank == std::string::npos ? std::string() : line.substr(blank + 1);
+}
+
+/// False where there is no such command.
+bool perform(const std::string& line)
+{
+    const std::string name = firstWord(line);
+    const std::string words = otherWords(line);
+    if (name == "with" || name == "without")
+        return hasArgument(firstWord(words)) != (name == "with") || perform(otherWords(words));
+    const auto command = commands.find(name);
+    if (command == commands.end())
+        return false;
+    command->second(words);
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -145,13 +259,10 @@ int main(int argc, char* argv[])
     const std::string link = argv[0];
     std::ifstream script(link + ".script");
     for (std::string line; std::getline(script, line);) {
-        const auto blank = line.find(' ');
-        const auto command = commands.find(line.substr(0, blank));
-        if (command == commands.end()) {
+        if (!perform(line)) {
             std::cerr << "standInTool: unknown command: " << line << '\n';
             return 2;
         }
-        command->second(blank == std::string::npos ? std::string() : line.substr(blank + 1));
     }
     return 0;
 }

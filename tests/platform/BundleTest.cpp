@@ -55,12 +55,11 @@ TEST_F(BundleTest, aSharedResourceIsFound)
     expectFound(bundle().pathForResource("sniffer"), "share/tarnwell/sniffer");
 }
 
-TEST_F(BundleTest, aResourceBesideTheExecutableComesFirst)
+TEST_F(BundleTest, anotherProgramOfThatNameBesideTheExecutableComesLast)
 {
     put("bin/sniffer");
-    put("libexec/tarnwell/sniffer");
     put("share/tarnwell/sniffer");
-    expectFound(bundle().pathForResource("sniffer"), "bin/sniffer");
+    expectFound(bundle().pathForResource("sniffer"), "share/tarnwell/sniffer");
 }
 
 TEST_F(BundleTest, theToolsFolderComesBeforeTheSharedOne)

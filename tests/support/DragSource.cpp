@@ -30,6 +30,11 @@ void DragSource::dragTo(QPoint screenPosition)
     realDrag(place.center(), screenPosition);
 }
 
+void DragSource::moveTo(QPoint screenPosition)
+{
+    realMove(screenPosition);
+}
+
 void DragSource::waitUntilAccepted()
 {
     waitForLine(QStringLiteral("action 1"));

@@ -27,9 +27,12 @@ public:
 
     /// Begins a drag and moves it to that place of the screen; the button stays pressed.
     void dragTo(QPoint screenPosition);
+    /// Moves the drag on.
+    void moveTo(QPoint screenPosition);
     /// Waits until the target has said that it would take a copy.
     void waitUntilAccepted();
-    /// Releases the button; whether a copy was taken.
+    /// Releases the button; whether the target had agreed to a copy. If so, the drop arrives at the target
+    /// later.
     bool drop();
 
 private:

@@ -277,6 +277,11 @@ void realDrag(QPoint from, QPoint to)
         {});
 }
 
+void realMove(QPoint screenPosition)
+{
+    send(moveCommand(screenPosition), {});
+}
+
 void realRelease()
 {
     send({QStringLiteral("mouseup"), QStringLiteral("1")}, {});

@@ -40,6 +40,7 @@ void realClickAt(QPoint screenPosition);
 /// Presses the button in one place and moves to another, be they windows of other programs. The button stays
 /// pressed until realRelease.
 void realDrag(QPoint from, QPoint to);
+void realMove(QPoint screenPosition);
 void realRelease();
 
 /// The place on the screen. Main thread.

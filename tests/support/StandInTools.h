@@ -24,6 +24,18 @@ namespace tarnwell::test
 /// ignore-termination          from now on a SIGTERM does nothing
 /// sleep MILLISECONDS, hang    waits; for ever
 /// die SIGNAL, exit STATUS     ends
+///
+/// For a stand-in that may write nowhere but to its streams and its output:
+///
+/// say-arguments, say-environment, say-descriptors, say-pid
+///                             lines on standard error: "argument HEX", "variable HEX", "descriptor N TARGET", "pid N"
+/// say-on-termination TEXT     from now on a SIGTERM writes the line to standard error and exits with 255
+/// write-output TEXT, write-output-file PATH, flood-output N
+///                             writes into the file that the last argument names
+/// flood-error N               writes N bytes to standard error
+/// close N                     closes the descriptor
+/// with WORD COMMAND, without WORD COMMAND
+///                             does the command only where the word is among the arguments, or is not
 class StandInTools
 {
 public:

@@ -17,6 +17,8 @@
 #include <QTest>
 #include <QToolBar>
 
+#include <algorithm>
+
 namespace tarnwell::test
 {
 
@@ -34,6 +36,13 @@ Dialog* shownDialog()
             return dialog;
     }
     return nullptr;
+}
+
+/// A box that is new on the screen may not have given its buttons a size yet; a click would miss them.
+bool isLaidOut(const QMessageBox& box)
+{
+    const auto buttons = box.buttons();
+    return std::none_of(buttons.begin(), buttons.end(), [](const auto* button) { return button->size().isEmpty(); });
 }
 
 constexpr const char* temporaryFolderVariable = "TMPDIR";
@@ -123,8 +132,10 @@ QMessageBox* WindowTest::shownAlert()
 {
     EXPECT_TRUE(waitUntil([] { return shownDialog<QMessageBox>() != nullptr; })) << "no alert came";
     auto* alert = shownDialog<QMessageBox>();
-    if (alert != nullptr)
+    if (alert != nullptr) {
         waitForKeyboard(*alert);
+        EXPECT_TRUE(waitUntil([alert] { return isLaidOut(*alert); }));
+    }
     return alert;
 }
 

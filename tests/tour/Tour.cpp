@@ -43,6 +43,11 @@ protected:
         const QStringList arguments = QApplication::arguments();
         m_results = arguments.size() > 1 ? pathOfText(arguments.at(1)) + "/" : folder();
         std::filesystem::create_directories(m_results);
+        // What an earlier tour left would have the panel ask about replacing it.
+        for (const auto& name : namesIn(m_results)) {
+            if (name.ends_with(".mp4") || name.ends_with(".png"))
+                std::filesystem::remove(m_results + name);
+        }
         makeSampleVideo(sample(), sampleVideo);
     }
 

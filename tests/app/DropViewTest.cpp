@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+#include "app/DragAndDropFileInNSImageView.h"
+#include "platform/FileURL.h"
+#include "platform/NotificationCenter.h"
+#include "platform/TemporaryDirectory.h"
+#include "tests/support/DragSource.h"
+#include "tests/support/EventCounter.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealInput.h"
+#include "tests/support/SilentStop.h"
+#include "tests/support/WindowTest.h"
+
+#include <QMimeData>
+
+#include <gtest/gtest.h>
+
+#include <any>
+#include <csignal>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+class DropViewTest : public testing::Test
+{
+protected:
+    std::string makeFile(const std::string& name) const
+    {
+        writeFile(m_folder.path() + name, "no video at all");
+        return m_folder.path() + name;
+    }
+
+    std::string makeFolder(const std::string& name) const
+    {
+        std::filesystem::create_directory(m_folder.path() + name);
+        return m_folder.path() + name;
+    }
+
+    static std::string uriList(const std::vector<std::string>& paths)
+    {
+        std::string list;
+        for (const std::string& path : paths)
+            list += FileURL(path).absoluteString() + "\r\n";
+        return list;
+    }
+
+    static std::unique_ptr<QMimeData> dragOf(const std::vector<std::string>& paths)
+    {
+        auto data = std::make_unique<QMimeData>();
+        data->setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString(uriList(paths)));
+        return data;
+    }
+
+    Qt::DropAction entering(const std::vector<std::string>& paths)
+    {
+        return m_view.draggingEntered(*dragOf(paths));
+    }
+    bool performing(const std::vector<std::string>& paths)
+    {
+        return m_view.performDragOperation(*dragOf(paths));
+    }
+
+    TemporaryDirectory m_folder;
+    DragAndDropFileInNSImageView m_view;
+    std::vector<Notification> m_notifications;
+    NotificationCenter::Observation m_observation = NotificationCenter::defaultCenter().addObserver(
+        "FileAddedByDragAnadDrop", [this](const Notification& each) { m_notifications.push_back(each); });
+};
+
+TEST_F(DropViewTest, hasNoFileBeforeTheFirstDrop)
+{
+    EXPECT_EQ(m_view.filePath(), std::nullopt);
+    EXPECT_TRUE(m_view.image().isNull());
+}
+
+TEST_F(DropViewTest, offersACopyOfAnExistingFileWhateverItIs)
+{
+    EXPECT_EQ(entering({makeFile("clip.mp4")}), Qt::CopyAction);
+    EXPECT_EQ(entering({makeFile("letter.txt")}), Qt::CopyAction);
+    EXPECT_EQ(entering({makeFile("my 100% \"clip\" ä\n")}), Qt::CopyAction);
+    EXPECT_EQ(entering({makeFile("bytes \xff\xfe")}), Qt::CopyAction);
+}
+
+TEST_F(DropViewTest, refusesAFolder)
+{
+    EXPECT_EQ(entering({makeFolder("folder")}), Qt::IgnoreAction);
+    EXPECT_EQ(entering({makeFolder("folder.mp4") + "/"}), Qt::IgnoreAction);
+    std::filesystem::create_directory_symlink(m_folder.path() + "folder", m_folder.path() + "link");
+    EXPECT_EQ(entering({m_folder.path() + "link"}), Qt::IgnoreAction);
+}
+
+TEST_F(DropViewTest, refusesAFileThatIsMissing)
+{
+    EXPECT_EQ(entering({m_folder.path() + "missing.mp4"}), Qt::IgnoreAction);
+    std::filesystem::create_symlink(m_folder.path() + "missing.mp4", m_folder.path() + "dangling.mp4");
+    EXPECT_EQ(entering({m_folder.path() + "dangling.mp4"}), Qt::IgnoreAction);
+}
+
+TEST_F(DropViewTest, refusesADragWithoutAFile)
+{
+    QMimeData text;
+    text.setText(QString::fromStdString(makeFile("clip.mp4")));
+    EXPECT_EQ(m_view.draggingEntered(text), Qt::IgnoreAction);
+    QMimeData empty;
+    empty.setData(QStringLiteral("text/uri-list"), "");
+    EXPECT_EQ(m_view.draggingEntered(empty), Qt::IgnoreAction);
+    QMimeData remote;
+    remote.setData(QStringLiteral("text/uri-list"), "http://example.org/clip.mp4\r\n");
+    EXPECT_EQ(m_view.draggingEntered(remote), Qt::IgnoreAction);
+    for (const QMimeData* drag : {&text, &empty, &remote})
+        EXPECT_FALSE(m_view.performDragOperation(*drag));
+    EXPECT_EQ(m_view.filePath(), std::nullopt);
+    EXPECT_TRUE(m_notifications.empty());
+}
+
+TEST_F(DropViewTest, theFirstOfSeveralDecides)
+{
+    const std::string file = makeFile("clip.mp4");
+    const std::string folder = makeFolder("folder");
+    EXPECT_EQ(entering({file, folder, m_folder.path() + "missing"}), Qt::CopyAction);
+    EXPECT_EQ(entering({folder, file, file}), Qt::IgnoreAction);
+    EXPECT_EQ(entering({m_folder.path() + "missing", file, file}), Qt::IgnoreAction);
+}
+
+TEST_F(DropViewTest, aDragThatOnlyEntersIsNotAnnounced)
+{
+    entering({makeFile("clip.mp4")});
+    EXPECT_TRUE(m_notifications.empty());
+    EXPECT_EQ(m_view.filePath(), std::nullopt);
+}
+
+TEST_F(DropViewTest, announcesTheFirstFileOnce)
+{
+    const std::string path = makeFile("clip.mp4");
+    EXPECT_TRUE(performing({path, makeFile("second.mp4"), makeFile("third.mp4")}));
+    ASSERT_EQ(m_notifications.size(), 1u);
+    const Notification& notification = m_notifications.front();
+    EXPECT_EQ(notification.name, "FileAddedByDragAnadDrop");
+    EXPECT_EQ(notification.sender, nullptr);
+    ASSERT_EQ(notification.userInfo.size(), 1u);
+    EXPECT_EQ(std::any_cast<FileURL>(notification.userInfo.at("key")), FileURL(path));
+    EXPECT_EQ(m_view.filePath(), path);
+}
+
+TEST_F(DropViewTest, hasTheFileBeforeItIsAnnouncedOnTheSameThread)
+{
+    const std::string path = makeFile("clip.mp4");
+    std::optional<std::string> announced;
+    std::thread::id thread;
+    const auto observation
+        = NotificationCenter::defaultCenter().addObserver(fileDroppedNotification, [&](const Notification&) {
+              announced = m_view.filePath();
+              thread = std::this_thread::get_id();
+          });
+    EXPECT_TRUE(performing({path}));
+    EXPECT_EQ(announced, path) << "it is announced before the drop is answered";
+    EXPECT_EQ(thread, std::this_thread::get_id());
+}
+
+TEST_F(DropViewTest, keepsTheFileThoughNobodyListens)
+{
+    m_observation.reset();
+    const std::string path = makeFile("clip.mp4");
+    EXPECT_TRUE(performing({path}));
+    EXPECT_EQ(m_view.filePath(), path);
+    EXPECT_TRUE(m_notifications.empty());
+}
+
+TEST_F(DropViewTest, aDropIsNotAskedForItsExistenceAgain)
+{
+    const std::string missing = m_folder.path() + "gone meanwhile.mp4";
+    EXPECT_TRUE(performing({missing}));
+    ASSERT_EQ(m_notifications.size(), 1u);
+    EXPECT_EQ(m_view.filePath(), missing);
+}
+
+TEST_F(DropViewTest, everyDropReplacesTheFileAndOnlyADropDoes)
+{
+    performing({makeFile("first.mp4")});
+    performing({makeFile("second.mp4")});
+    EXPECT_EQ(m_view.filePath(), m_folder.path() + "second.mp4");
+    QMimeData text;
+    text.setText(QStringLiteral("text"));
+    EXPECT_FALSE(m_view.performDragOperation(text));
+    EXPECT_EQ(m_view.filePath(), m_folder.path() + "second.mp4");
+    EXPECT_EQ(m_notifications.size(), 2u);
+}
+
+TEST_F(DropViewTest, theBytesOfANameArriveUnchanged)
+{
+    const std::string path = makeFile("a b%20\"#?\n\xc3\xa4 u\xcc\x88 \xff.mp4");
+    EXPECT_TRUE(performing({path}));
+    EXPECT_EQ(m_view.filePath(), path);
+    EXPECT_EQ(std::any_cast<FileURL>(m_notifications.at(0).userInfo.at("key")).path(), path);
+}
+
+TEST_F(DropViewTest, doesNotShowAPictureByItself)
+{
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    m_view.setImage(picture);
+    performing({makeFile("clip.mp4")});
+    EXPECT_EQ(m_view.image(), picture);
+}
+
+/// Drags of another program, from its window into this one's by the mouse.
+class RealDropTest : public DropViewTest
+{
+protected:
+    RealDropTest()
+    {
+        m_view.resize(1000, 800);
+        m_view.show();
+        waitForRealKeyboard(m_view);
+    }
+
+    QPoint target() { return screenPosition(m_view); }
+};
+
+TEST_F(RealDropTest, aFileIsTaken)
+{
+    const std::string path = makeFile("my clip \xc3\xa4.mp4");
+    DragSource source(uriList({path}));
+    source.dragTo(target());
+    source.waitUntilAccepted();
+    EXPECT_TRUE(m_notifications.empty());
+    EXPECT_TRUE(source.drop());
+    ASSERT_TRUE(waitUntil([this] { return m_notifications.size() == 1; }));
+    EXPECT_EQ(m_view.filePath(), path);
+}
+
+TEST_F(RealDropTest, aFolderAndAMissingFileAreRefused)
+{
+    for (const std::string& path : {makeFolder("folder"), m_folder.path() + "missing.mp4"}) {
+        SCOPED_TRACE(path);
+        const EventCounter entries(m_view, QEvent::DragEnter);
+        DragSource source(uriList({path, makeFile("clip.mp4")}));
+        source.dragTo(target());
+        EXPECT_TRUE(waitUntil([&] { return entries.count() > 0; }));
+        EXPECT_FALSE(source.drop());
+    }
+    EXPECT_TRUE(m_notifications.empty());
+    EXPECT_EQ(m_view.filePath(), std::nullopt);
+}
+
+TEST_F(RealDropTest, aDragThatLeavesAgainIsNotAnnounced)
+{
+    const EventCounter departures(m_view, QEvent::DragLeave);
+    DragSource source(uriList({makeFile("clip.mp4")}));
+    source.dragTo(target());
+    source.waitUntilAccepted();
+    source.moveTo(DragSource::place.center());
+    EXPECT_TRUE(waitUntil([&] { return departures.count() > 0; }));
+    EXPECT_FALSE(source.drop());
+    EXPECT_TRUE(m_notifications.empty());
+}
+
+class DropViewDeathTest : public testing::Test
+{
+};
+
+TEST_F(DropViewDeathTest, cannotBeMadeFromAFrame)
+{
+    EXPECT_SILENT_STOP(DragAndDropFileInNSImageView(QRect(0, 0, 10, 10)));
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/SingleInstance.h"
+
+#include "tests/desktop/BusService.h"
+#include "tests/support/WindowTest.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+QString name()
+{
+    return QStringLiteral("org.tarnwell.Tarnwell");
+}
+
+QString path()
+{
+    return QStringLiteral("/org/tarnwell/Tarnwell");
+}
+
+QDBusMessage callOf(const char* member)
+{
+    return QDBusMessage::createMethodCall(
+        name(), path(), QStringLiteral("org.freedesktop.Application"), QString::fromLatin1(member));
+}
+
+} // namespace
+
+class SingleInstanceTest : public testing::Test
+{
+protected:
+    ~SingleInstanceTest() override { QDBusConnection::sessionBus().unregisterService(name()); }
+
+    /// The answer of another connection's call to the instance, which answers on this thread.
+    QDBusMessage answerTo(const QDBusMessage& call)
+    {
+        const QString connection = QStringLiteral("caller");
+        std::optional<QDBusMessage> answer;
+        {
+            QDBusPendingCallWatcher watcher(
+                QDBusConnection::connectToBus(QDBusConnection::SessionBus, connection).asyncCall(call));
+            EXPECT_TRUE(waitUntil([&] { return watcher.isFinished(); }));
+            answer = watcher.reply();
+        }
+        QDBusConnection::disconnectFromBus(connection);
+        return *answer;
+    }
+
+    int m_reopens = 0;
+    SingleInstance m_instance{[this] { ++m_reopens; }};
+};
+
+TEST_F(SingleInstanceTest, theFirstOneOwnsTheName)
+{
+    EXPECT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    const QDBusReply<QString> owner = QDBusConnection::sessionBus().interface()->serviceOwner(name());
+    EXPECT_EQ(owner.value(), QDBusConnection::sessionBus().baseService());
+    EXPECT_EQ(m_reopens, 0);
+}
+
+TEST_F(SingleInstanceTest, theFirstOneReopensWheneverALaterOneAsks)
+{
+    ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    QDBusMessage activate = callOf("Activate");
+    activate << QVariantMap{{QStringLiteral("desktop-startup-id"), QStringLiteral("x")}};
+    EXPECT_EQ(answerTo(activate).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(m_reopens, 1);
+    QDBusMessage open = callOf("Open");
+    open << QStringList(QStringLiteral("file:///clip.mp4")) << QVariantMap();
+    EXPECT_EQ(answerTo(open).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(m_reopens, 2);
+}
+
+TEST_F(SingleInstanceTest, anActionChangesNothing)
+{
+    ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    QDBusMessage action = callOf("ActivateAction");
+    action << QStringLiteral("play") << QVariantList() << QVariantMap();
+    EXPECT_EQ(answerTo(action).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(m_reopens, 0);
+}
+
+TEST_F(SingleInstanceTest, aSecondProcessAsksTheFirstToReopenAndLeaves)
+{
+    ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    QProcess second;
+    second.start(QStringLiteral(TARNWELL_BUILD_FOLDER "/bin/tarnwell"), QStringList());
+    EXPECT_TRUE(waitUntil([&] { return second.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(second.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_EQ(second.readAll(), QByteArray());
+    EXPECT_EQ(m_reopens, 1);
+}
+
+TEST_F(SingleInstanceTest, aLaterOneAsksTheOwnerToComeForward)
+{
+    const BusService first(name(), path(), BusService::emptyReply);
+    EXPECT_EQ(m_instance.claim(), SingleInstance::Role::Later);
+    ASSERT_EQ(first.calls().size(), 1);
+    const QDBusMessage call = first.calls().first();
+    EXPECT_EQ(call.path(), path());
+    EXPECT_EQ(call.interface(), QStringLiteral("org.freedesktop.Application"));
+    EXPECT_EQ(call.member(), QStringLiteral("Activate"));
+    EXPECT_EQ(call.signature(), QStringLiteral("a{sv}"));
+    EXPECT_EQ(m_reopens, 0);
+}
+
+TEST_F(SingleInstanceTest, isTheFirstWhereTheOwnerIsAnotherProgram)
+{
+    const BusService stranger(name(), QStringLiteral("/elsewhere"), BusService::emptyReply);
+    EXPECT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    EXPECT_TRUE(stranger.calls().isEmpty());
+}
+
+TEST_F(SingleInstanceTest, isTheFirstWhereTheOwnerRefuses)
+{
+    const BusService owner(name(), path(), BusService::refusal);
+    EXPECT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    EXPECT_EQ(owner.calls().size(), 1);
+}
+
+TEST_F(SingleInstanceTest, isTheFirstWhereTheOwnerNeverAnswers)
+{
+    const BusService owner(name(), path(), BusService::silence);
+    EXPECT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    EXPECT_EQ(owner.calls().size(), 1);
+}
+
+TEST_F(SingleInstanceTest, theNameIsFreeAgainWhenItsOwnerHasGone)
+{
+    {
+        const BusService first(name(), path(), BusService::emptyReply);
+        EXPECT_EQ(m_instance.claim(), SingleInstance::Role::Later);
+    }
+    SingleInstance next([] {});
+    EXPECT_EQ(next.claim(), SingleInstance::Role::First);
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/Workspace.h"
+
+#include "tests/desktop/BusService.h"
+#include "tests/desktop/DataFolders.h"
+#include "tests/support/EventCounter.h"
+#include "tests/support/WindowTest.h"
+
+#include <QDBusObjectPath>
+#include <QDBusUnixFileDescriptor>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <sys/stat.h>
+#include <utility>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+QString fileManagerName()
+{
+    return QStringLiteral("org.freedesktop.FileManager1");
+}
+
+QString fileManagerPath()
+{
+    return QStringLiteral("/org/freedesktop/FileManager1");
+}
+
+QString portalName()
+{
+    return QStringLiteral("org.freedesktop.portal.Desktop");
+}
+
+QString portalPath()
+{
+    return QStringLiteral("/org/freedesktop/portal/desktop");
+}
+
+QDBusMessage requestHandle(const QDBusMessage& call)
+{
+    return call.createReply(
+        QVariant::fromValue(QDBusObjectPath(QStringLiteral("/org/freedesktop/portal/desktop/request/1"))));
+}
+
+/// Whether the descriptor in the call is one of that file.
+bool refersTo(const QVariant& descriptor, const std::string& path)
+{
+    struct stat carried = {};
+    struct stat meant = {};
+    return ::fstat(descriptor.value<QDBusUnixFileDescriptor>().fileDescriptor(), &carried) == 0
+        && ::stat(path.c_str(), &meant) == 0 && carried.st_ino == meant.st_ino
+        && carried.st_dev == meant.st_dev;
+}
+
+} // namespace
+
+class WorkspaceTest : public testing::Test
+{
+protected:
+    std::string makeFile(const std::string& name) const
+    {
+        writeFile(m_folder.path() + name, "contents");
+        return m_folder.path() + name;
+    }
+
+    QUrl folderUrl() const { return QUrl::fromLocalFile(QString::fromStdString(m_folder.path())); }
+
+    TemporaryDirectory m_folder;
+    UrlCatcher m_opened;
+};
+
+class RevealTest : public WorkspaceTest
+{
+};
+
+TEST_F(RevealTest, asksTheFileManagerOnceForExactlyTheFile)
+{
+    const std::string path = makeFile("clip.mp4");
+    makeFile("other.mp4");
+    const BusService fileManager(fileManagerName(), fileManagerPath(), BusService::emptyReply);
+    const BusService portal(portalName(), portalPath(), requestHandle);
+    activateFileViewerSelecting(FileURL(path));
+    ASSERT_TRUE(waitUntil([&] { return !fileManager.calls().isEmpty(); }));
+    // The answer of a second request shows that nothing came after the first one's.
+    activateFileViewerSelecting(FileURL(m_folder.path() + "other.mp4"));
+    ASSERT_TRUE(waitUntil([&] { return fileManager.calls().size() >= 2; }));
+    const auto calls = fileManager.calls();
+    ASSERT_EQ(calls.size(), 2);
+    const QDBusMessage& call = calls.first();
+    EXPECT_EQ(call.interface(), fileManagerName());
+    EXPECT_EQ(call.member(), QStringLiteral("ShowItems"));
+    EXPECT_EQ(call.signature(), QStringLiteral("ass"));
+    EXPECT_EQ(call.arguments().at(0).toStringList(), QStringList(QString::fromStdString("file://" + path)));
+    EXPECT_EQ(call.arguments().at(1).toString(), QString());
+    EXPECT_TRUE(portal.calls().isEmpty());
+    EXPECT_TRUE(m_opened.urls().isEmpty());
+}
+
+TEST_F(RevealTest, oddCharactersArePercentEncodedInTheAddress)
+{
+    const std::string path = m_folder.path() + "a b%20\"#?\n\xc3\xa4\xff.mp4";
+    const BusService fileManager(fileManagerName(), fileManagerPath(), BusService::emptyReply);
+    activateFileViewerSelecting(FileURL(path));
+    ASSERT_TRUE(waitUntil([&] { return !fileManager.calls().isEmpty(); }));
+    const QString expected = QString::fromStdString("file://" + m_folder.path())
+        + QStringLiteral("a%20b%2520%22%23%3F%0A%C3%A4%FF.mp4");
+    EXPECT_EQ(fileManager.calls().first().arguments().at(0).toStringList(), QStringList(expected));
+}
+
+TEST_F(RevealTest, returnsAtOnceHoweverLongTheFileManagerTakes)
+{
+    std::optional<BusService> fileManager(
+        std::in_place, fileManagerName(), fileManagerPath(), BusService::silence);
+    activateFileViewerSelecting(FileURL(makeFile("clip.mp4")));
+    ASSERT_TRUE(waitUntil([&] { return !fileManager->calls().isEmpty(); }));
+    EXPECT_TRUE(m_opened.urls().isEmpty());
+    fileManager.reset(); // as one that crashes over the request
+    EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
+    EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
+}
+
+TEST_F(RevealTest, asksThePortalWhereThereIsNoFileManager)
+{
+    const std::string path = makeFile("clip.mp4");
+    const BusService portal(portalName(), portalPath(), requestHandle);
+    activateFileViewerSelecting(FileURL(path));
+    ASSERT_TRUE(waitUntil([&] { return !portal.calls().isEmpty(); }));
+    const QDBusMessage call = portal.calls().first();
+    EXPECT_EQ(call.interface(), QStringLiteral("org.freedesktop.portal.OpenURI"));
+    EXPECT_EQ(call.member(), QStringLiteral("OpenDirectory"));
+    EXPECT_EQ(call.signature(), QStringLiteral("sha{sv}"));
+    EXPECT_TRUE(refersTo(call.arguments().at(1), path));
+    EXPECT_TRUE(m_opened.urls().isEmpty());
+}
+
+TEST_F(RevealTest, asksThePortalWhereTheFileManagerRefuses)
+{
+    const BusService fileManager(fileManagerName(), fileManagerPath(), BusService::refusal);
+    const BusService portal(portalName(), portalPath(), requestHandle);
+    activateFileViewerSelecting(FileURL(makeFile("clip.mp4")));
+    EXPECT_TRUE(waitUntil([&] { return portal.calls().size() == 1; }));
+    EXPECT_EQ(fileManager.calls().size(), 1);
+}
+
+TEST_F(RevealTest, opensTheFolderWhereNobodyCanSelect)
+{
+    activateFileViewerSelecting(FileURL(makeFile("clip.mp4")));
+    EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
+    EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
+}
+
+TEST_F(RevealTest, opensTheFolderWhereThePortalRefuses)
+{
+    const BusService portal(portalName(), portalPath(), BusService::refusal);
+    activateFileViewerSelecting(FileURL(makeFile("clip.mp4")));
+    EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
+    EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
+    EXPECT_EQ(portal.calls().size(), 1);
+}
+
+TEST_F(RevealTest, opensTheFolderOfAFileThatIsGoneWhereThereIsOnlyThePortal)
+{
+    const BusService portal(portalName(), portalPath(), requestHandle);
+    activateFileViewerSelecting(FileURL(m_folder.path() + "gone.mp4"));
+    EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
+    EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
+}
+
+class OpenWithTest : public WorkspaceTest
+{
+protected:
+    /// An application of that name; it writes its arguments down, one a line.
+    void addPlayer(const std::string& codes)
+    {
+        const std::string program = m_folder.path() + "player";
+        // Renamed only when it is complete: the test waits for the file.
+        writeFile(program,
+            "#!/bin/sh\nprintf '%s\\n' \"$@\" >'" + recordPath() + ".part'\nmv '" + recordPath() + ".part' '"
+                + recordPath() + "'\n");
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        m_folders.addUserEntry("player.desktop",
+            "[Desktop Entry]\nType=Application\nName=QuickTime Player\nExec=" + program + " " + codes + "\n");
+    }
+
+    std::string recordPath() const { return m_folder.path() + "arguments"; }
+
+    static QString player() { return QStringLiteral("QuickTime Player"); }
+
+    DataFolders m_folders;
+};
+
+TEST_F(OpenWithTest, startsTheApplicationOfThatNameWithThePath)
+{
+    addPlayer("--play %f");
+    const std::string path = makeFile("my \"clip\" $HOME.mp4");
+    openFileWithApplication(FileURL(path), player());
+    ASSERT_TRUE(waitUntil([this] { return exists(recordPath()); }));
+    EXPECT_EQ(contentsOf(recordPath()), "--play\n" + path + "\n");
+    EXPECT_TRUE(m_opened.urls().isEmpty());
+}
+
+TEST_F(OpenWithTest, startsTheApplicationOfThatNameWithTheAddress)
+{
+    addPlayer("%U");
+    openFileWithApplication(FileURL(makeFile("my clip ä.mp4")), player());
+    ASSERT_TRUE(waitUntil([this] { return exists(recordPath()); }));
+    EXPECT_EQ(contentsOf(recordPath()), "file://" + m_folder.path() + "my%20clip%20%C3%A4.mp4\n");
+}
+
+TEST_F(OpenWithTest, usesTheDefaultApplicationWhereNoneBearsTheName)
+{
+    const std::string path = makeFile("my clip.mp4");
+    openFileWithApplication(FileURL(path), player());
+    EXPECT_EQ(m_opened.urls(), QList<QUrl>{QUrl::fromLocalFile(QString::fromStdString(path))});
+}
+
+TEST_F(OpenWithTest, usesTheDefaultApplicationWhereTheNamedOneCannotBeStarted)
+{
+    m_folders.addUserEntry("player.desktop",
+        "[Desktop Entry]\nType=Application\nName=QuickTime Player\nExec=" + m_folder.path() + "missing %f\n");
+    const std::string path = makeFile("clip.mp4");
+    openFileWithApplication(FileURL(path), player());
+    EXPECT_EQ(m_opened.urls(), QList<QUrl>{QUrl::fromLocalFile(QString::fromStdString(path))});
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: MIT
+// What the nine numbers of a display matrix are read as.
+#include "tests/tools/MatrixText.h"
+#include "tools/Rotation.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+struct Orientation {
+    const char* name;
+    int a;
+    int b;
+    int c;
+    int d;
+    int tag;
+    bool mirrored;
+};
+
+const std::vector<Orientation> orientations = {
+    {"as coded", 1, 0, 0, 1, 0, false},
+    {"a quarter turn to the right", 0, 1, -1, 0, 90, false},
+    {"a half turn", -1, 0, 0, -1, 180, false},
+    {"a quarter turn to the left", 0, -1, 1, 0, 270, false},
+    {"top and bottom exchanged", 1, 0, 0, -1, 0, true},
+    {"left and right exchanged", -1, 0, 0, 1, 180, true},
+    {"mirrored at the falling diagonal", 0, 1, 1, 0, 90, true},
+    {"mirrored at the rising diagonal", 0, -1, -1, 0, 270, true},
+};
+
+const DisplayMatrix unmoved;
+
+void expectNear(const DisplayMatrix& actual, const DisplayMatrix& expected)
+{
+    constexpr double rounding = 1e-9;
+    EXPECT_NEAR(actual.a, expected.a, rounding);
+    EXPECT_NEAR(actual.b, expected.b, rounding);
+    EXPECT_NEAR(actual.c, expected.c, rounding);
+    EXPECT_NEAR(actual.d, expected.d, rounding);
+}
+
+DisplayMatrix matrixOf(const Orientation& orientation)
+{
+    return {static_cast<double>(orientation.a), static_cast<double>(orientation.b),
+        static_cast<double>(orientation.c), static_cast<double>(orientation.d)};
+}
+
+} // namespace
+
+TEST(DisplayMatrixTest, everyOrientationIsReadFromItsNineNumbers)
+{
+    for (const auto& row : orientations) {
+        SCOPED_TRACE(row.name);
+        const auto matrix = parseDisplayMatrix(matrixText(row.a, row.b, row.c, row.d));
+        ASSERT_TRUE(matrix);
+        expectNear(*matrix, matrixOf(row));
+        EXPECT_EQ(rotationTag(*matrix), row.tag);
+        EXPECT_EQ(isMirrored(*matrix), row.mirrored);
+    }
+}
+
+TEST(DisplayMatrixTest, aTurnByAnyAngleIsReadInWholeDegrees)
+{
+    for (const int degrees : {1, 45, 89, 91, 135, 200, 271, 359}) {
+        SCOPED_TRACE(degrees);
+        const DisplayMatrix turn = turnedLeft(360 - degrees);
+        const auto matrix = parseDisplayMatrix(matrixText(turn.a, turn.b, turn.c, turn.d));
+        ASSERT_TRUE(matrix);
+        EXPECT_EQ(rotationTag(*matrix), degrees);
+        EXPECT_FALSE(isMirrored(*matrix));
+    }
+}
+
+TEST(DisplayMatrixTest, whereThePictureIsMovedToDoesNotCount)
+{
+    auto numbers = matrixNumbers(0, 1, -1, 0);
+    numbers[6] = 480LL * 65536;
+    numbers[7] = -7;
+    const auto matrix = parseDisplayMatrix(textOfNumbers(numbers));
+    ASSERT_TRUE(matrix);
+    EXPECT_EQ(rotationTag(*matrix), 90);
+}
+
+TEST(DisplayMatrixTest, aMatrixThatIsOffByOneUnitIsRead)
+{
+    auto numbers = matrixNumbers(1, 0, 0, 1);
+    numbers[0] = 65535;
+    numbers[1] = 1;
+    const auto matrix = parseDisplayMatrix(textOfNumbers(numbers));
+    ASSERT_TRUE(matrix);
+    EXPECT_EQ(rotationTag(*matrix), 0);
+}
+
+TEST(DisplayMatrixTest, matricesThatChangeThePictureOtherwiseAreRefused)
+{
+    struct Row {
+        const char* name;
+        std::vector<long long> numbers;
+    };
+    const long long one = 65536;
+    const long long last = 1073741824;
+    const std::vector<Row> rows = {
+        {"all zero", {0, 0, 0, 0, 0, 0, 0, 0, 0}},
+        {"all zero but the last", {0, 0, 0, 0, 0, 0, 0, 0, last}},
+        {"larger", {2 * one, 0, 0, 0, 2 * one, 0, 0, 0, last}},
+        {"smaller", {one / 2, 0, 0, 0, one / 2, 0, 0, 0, last}},
+        {"wider", {2 * one, 0, 0, 0, one, 0, 0, 0, last}},
+        {"turned and larger", {0, 2 * one, 0, -2 * one, 0, 0, 0, 0, last}},
+        {"skewed", {one, 0, 0, one, one, 0, 0, 0, last}},
+        {"skewed without getting larger", {one, 0, 0, 46341, 46341, 0, 0, 0, last}},
+        {"both axes the same", {one, 0, 0, one, 0, 0, 0, 0, last}},
+        {"bent to the side", {one, 0, 1, 0, one, 0, 0, 0, last}},
+        {"bent downwards", {one, 0, 0, 0, one, 1, 0, 0, last}},
+        {"without a unit", {one, 0, 0, 0, one, 0, 0, 0, 0}},
+        {"with another unit", {one, 0, 0, 0, one, 0, 0, 0, one}},
+        {"the smallest numbers", std::vector<long long>(9, -2147483648LL)},
+        {"the largest numbers", std::vector<long long>(9, 2147483647LL)},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_FALSE(parseDisplayMatrix(textOfNumbers(row.numbers)));
+    }
+}
+
+TEST(DisplayMatrixTest, textsThatAreNoMatrixAreRefused)
+{
+    const std::string good = matrixText(1, 0, 0, 1);
+    const auto with = [&good](const std::string& from, const std::string& to) {
+        std::string text = good;
+        return text.replace(text.find(from), from.size(), to);
+    };
+    struct Row {
+        const char* name;
+        std::string text;
+    };
+    const std::vector<Row> rows = {
+        {"empty", ""},
+        {"a line's end", "\n"},
+        {"words", "no matrix at all"},
+        {"eight numbers", good.substr(0, good.rfind(' '))},
+        {"ten numbers", good + " 0"},
+        {"a row twice", good + good},
+        {"not a number", with("65536", "nan")},
+        {"a negative one that is not a number", with("65536", "-nan")},
+        {"endless", with("65536", "inf")},
+        {"a fraction", with("65536", "65536.0")},
+        {"a number with a tail", with("65536", "65536x")},
+        {"a number that is too long", with("65536", "99999999999999999999")},
+        {"rows without numbers", "00000000:\n00000001:\n00000002:\n"},
+    };
+    ASSERT_TRUE(parseDisplayMatrix(good));
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_FALSE(parseDisplayMatrix(row.text));
+    }
+}
+
+TEST(TurnTest, quarterTurnsToTheLeftCountTheOtherWayRound)
+{
+    for (const int degrees : {0, 90, 180, 270, 360, 450, 720}) {
+        SCOPED_TRACE(degrees);
+        EXPECT_EQ(rotationTag(turnedLeft(degrees)), (720 - degrees) % 360);
+        EXPECT_EQ(rotationTag(turnedLeft(-degrees)), degrees % 360);
+        EXPECT_FALSE(isMirrored(turnedLeft(degrees)));
+    }
+}
+
+TEST(TurnTest, aQuarterTurnToTheLeftBringsTheRightSideUp)
+{
+    // Point (1, 0), the right side, is shown at (a, b): above the origin, where y is negative.
+    expectNear(turnedLeft(90), {0, -1, 1, 0});
+}
+
+TEST(TurnTest, aTurnAfterAnyOrientationTurnsWhatIsShown)
+{
+    const std::vector<DisplayMatrix> turns = {{1, 0, 0, 1}, {0, -1, 1, 0}, {-1, 0, 0, -1}, {0, 1, -1, 0}};
+    for (const auto& row : orientations) {
+        for (std::size_t quarters = 0; quarters < turns.size(); ++quarters) {
+            SCOPED_TRACE(std::string(row.name) + ", then quarter turns: " + std::to_string(quarters));
+            const DisplayMatrix shown = matrixOf(row);
+            const DisplayMatrix turn = turns[quarters];
+            // Where (1, 0) and (0, 1) go, one step after the other.
+            const DisplayMatrix expected = {
+                shown.a * turn.a + shown.b * turn.c,
+                shown.a * turn.b + shown.b * turn.d,
+                shown.c * turn.a + shown.d * turn.c,
+                shown.c * turn.b + shown.d * turn.d,
+            };
+            expectNear(combined(shown, turnedLeft(90.0 * static_cast<double>(quarters))), expected);
+        }
+    }
+}
+
+TEST(TurnTest, theOrderOfMirrorAndTurnMatters)
+{
+    const DisplayMatrix mirror = {-1, 0, 0, 1};
+    expectNear(combined(mirror, turnedLeft(90)), {0, 1, 1, 0});
+    expectNear(combined(turnedLeft(90), mirror), {0, -1, -1, 0});
+}
+
+TEST(TurnTest, fourQuarterTurnsAndTwoMirrorsChangeNothing)
+{
+    DisplayMatrix turned;
+    for (int quarter = 0; quarter < 4; ++quarter)
+        turned = combined(turned, turnedLeft(90));
+    expectNear(turned, unmoved);
+    for (const auto& row : orientations) {
+        if (row.mirrored)
+            expectNear(combined(matrixOf(row), matrixOf(row)), unmoved);
+    }
+}
+
+} // namespace tarnwell::test

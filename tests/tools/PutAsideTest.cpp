@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+// Which names files are put aside under, and when two paths mean one entry.
+#include "platform/TemporaryDirectory.h"
+#include "tests/support/Files.h"
+#include "tools/OutputFile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+using Names = std::vector<std::string>;
+
+} // namespace
+
+class PutAsideTest : public testing::Test
+{
+protected:
+    std::string at(const std::string& name) const { return m_folder.path() + name; }
+    const std::string& folder() const { return m_folder.path(); }
+
+private:
+    TemporaryDirectory m_folder;
+};
+
+class SameEntryTest : public PutAsideTest
+{
+};
+
+TEST_F(PutAsideTest, theWordStandsBeforeTheExtension)
+{
+    struct Row {
+        const char* name;
+        const char* aside;
+    };
+    const std::vector<Row> rows = {
+        {"Rotated.mp4", "Rotated (previous).mp4"},
+        {"two.dots.mp4", "two.dots (previous).mp4"},
+        {"none", "none (previous)"},
+        {".hidden", ".hidden (previous)"},
+        {".hidden.mp4", ".hidden (previous).mp4"},
+        {"dot at the end.", "dot at the end (previous)."},
+        {"a (previous).mp4", "a (previous) (previous).mp4"},
+        {"new\nline \xFF.mp4", "new\nline \xFF (previous).mp4"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        writeFile(at(row.name), row.name);
+        EXPECT_EQ(putAside(at(row.name), "previous"), at(row.aside));
+        EXPECT_FALSE(exists(at(row.name)));
+        EXPECT_EQ(contentsOf(at(row.aside)), row.name);
+    }
+}
+
+TEST_F(PutAsideTest, aDotInTheFoldersNameIsNoExtension)
+{
+    std::filesystem::create_directory(at("a.b"));
+    writeFile(at("a.b/clip"), "clip");
+    EXPECT_EQ(putAside(at("a.b/clip"), "original"), at("a.b/clip (original)"));
+}
+
+TEST_F(PutAsideTest, takenNamesAreCountedOn)
+{
+    for (int run = 1; run <= 4; ++run) {
+        writeFile(at("out.mp4"), std::to_string(run));
+        EXPECT_NE(putAside(at("out.mp4"), "previous"), "");
+    }
+    EXPECT_EQ(namesIn(folder()),
+        Names(
+            {"out (previous 2).mp4", "out (previous 3).mp4", "out (previous 4).mp4", "out (previous).mp4"}));
+    EXPECT_EQ(contentsOf(at("out (previous).mp4")), "1");
+    EXPECT_EQ(contentsOf(at("out (previous 4).mp4")), "4");
+}
+
+TEST_F(PutAsideTest, foldersAndBrokenLinksTakeNamesToo)
+{
+    std::filesystem::create_directory(at("out (previous).mp4"));
+    std::filesystem::create_symlink(at("nowhere"), at("out (previous 2).mp4"));
+    writeFile(at("out.mp4"), "older");
+    EXPECT_EQ(putAside(at("out.mp4"), "previous"), at("out (previous 3).mp4"));
+    EXPECT_TRUE(std::filesystem::is_symlink(at("out (previous 2).mp4")));
+    EXPECT_EQ(contentsOf(at("out (previous 3).mp4")), "older");
+}
+
+TEST_F(PutAsideTest, aGapIsFilled)
+{
+    writeFile(at("out (previous).mp4"), "first");
+    writeFile(at("out (previous 3).mp4"), "third");
+    writeFile(at("out.mp4"), "older");
+    EXPECT_EQ(putAside(at("out.mp4"), "previous"), at("out (previous 2).mp4"));
+}
+
+TEST_F(PutAsideTest, aLinkIsPutAsideItself)
+{
+    writeFile(at("original.mp4"), "original");
+    std::filesystem::create_symlink("original.mp4", at("out.mp4"));
+    EXPECT_EQ(putAside(at("out.mp4"), "previous"), at("out (previous).mp4"));
+    EXPECT_TRUE(std::filesystem::is_symlink(at("out (previous).mp4")));
+    EXPECT_EQ(contentsOf(at("original.mp4")), "original");
+}
+
+TEST_F(PutAsideTest, nothingHappensWhereNothingIs)
+{
+    EXPECT_EQ(putAside(at("out.mp4"), "previous"), "");
+    EXPECT_EQ(putAside(at("nowhere/out.mp4"), "previous"), "");
+    EXPECT_EQ(namesIn(folder()), Names());
+}
+
+TEST_F(PutAsideTest, aNameThatWouldBeTooLongIsLeft)
+{
+    const std::string name(255, 'x');
+    writeFile(at(name), "older");
+    EXPECT_EQ(putAside(at(name), "previous"), "");
+    EXPECT_EQ(contentsOf(at(name)), "older");
+}
+
+TEST_F(PutAsideTest, aFolderIsLeftWhereItIs)
+{
+    std::filesystem::create_directory(at("out.mp4"));
+    EXPECT_EQ(putAside(at("out.mp4"), "previous"), "");
+    EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
+}
+
+TEST_F(SameEntryTest, aPathIsTheSameAsItselfHoweverItIsSpelled)
+{
+    writeFile(at("a.mp4"), "a");
+    std::filesystem::create_directory(at("sub"));
+    std::filesystem::create_directory_symlink(folder(), at("linked"));
+    for (const char* spelling :
+        {"a.mp4", "./a.mp4", "sub/../a.mp4", "/a.mp4", "linked/a.mp4", "linked/linked/a.mp4"}) {
+        EXPECT_TRUE(isSameEntry(at("a.mp4"), at(spelling))) << spelling;
+        EXPECT_TRUE(isSameEntry(at(spelling), at("a.mp4"))) << spelling;
+    }
+}
+
+TEST_F(SameEntryTest, twoNamesOfOneFileAreTwoEntries)
+{
+    writeFile(at("a.mp4"), "a");
+    std::filesystem::create_directory(at("sub"));
+    std::filesystem::create_hard_link(at("a.mp4"), at("b.mp4"));
+    std::filesystem::create_hard_link(at("a.mp4"), at("sub/a.mp4"));
+    std::filesystem::create_symlink("a.mp4", at("c.mp4"));
+    std::filesystem::create_symlink("../a.mp4", at("sub/c.mp4"));
+    for (const char* other : {"b.mp4", "sub/a.mp4", "c.mp4", "sub/c.mp4"}) {
+        EXPECT_FALSE(isSameEntry(at("a.mp4"), at(other))) << other;
+        EXPECT_FALSE(isSameEntry(at(other), at("a.mp4"))) << other;
+    }
+}
+
+TEST_F(SameEntryTest, otherFilesAreNot)
+{
+    writeFile(at("a.mp4"), "a");
+    writeFile(at("b.mp4"), "a");
+    std::filesystem::create_directory(at("sub"));
+    writeFile(at("sub/a.mp4"), "a");
+    for (const char* other : {"b.mp4", "sub/a.mp4", "A.mp4", "not there.mp4", "nowhere/a.mp4", ""})
+        EXPECT_FALSE(isSameEntry(at("a.mp4"), at(other))) << other;
+}
+
+TEST_F(SameEntryTest, whatIsNotThereIsTheSameAsNothing)
+{
+    EXPECT_FALSE(isSameEntry(at("none.mp4"), at("none.mp4")));
+}
+
+} // namespace tarnwell::test

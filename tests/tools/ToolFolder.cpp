@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "tests/tools/ToolFolder.h"
+
+#include "tests/support/Files.h"
+
+#include <filesystem>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+const std::string buildFolder = TARNWELL_BUILD_FOLDER;
+
+// A link is not enough: a program finds what is beside the file itself.
+void copyProgram(const std::string& from, const std::string& to)
+{
+    std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing);
+}
+
+} // namespace
+
+ToolFolder::ToolFolder()
+{
+    copyProgram(buildFolder + "/libexec/tarnwell/creator", creator());
+    copyProgram(buildFolder + "/libexec/tarnwell/sniffer", sniffer());
+}
+
+std::string ToolFolder::addData(const std::string& name, const std::string& contents)
+{
+    writeFile(m_tools.path() + name, contents);
+    return m_tools.path() + name;
+}
+
+void ToolFolder::setTool(const std::string& name, const std::string& script)
+{
+    if (!exists(m_tools.path() + name))
+        copyProgram(buildFolder + "/tests/standInTool", m_tools.path() + name);
+    writeFile(m_tools.path() + name + ".script", script);
+}
+
+void ToolFolder::breakTool(const std::string& name)
+{
+    writeFile(m_tools.path() + name,
+        std::string("\x7F"
+                    "ELF and no more"));
+    std::filesystem::permissions(m_tools.path() + name, std::filesystem::perms::owner_all);
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/TemporaryDirectory.h"
+
+#include <string>
+
+namespace tarnwell::test
+{
+
+/// Copies of the built sniffer and creator, in a folder of their own, beside which they find stand-ins for
+/// ffprobe and ffmpeg; and another folder for videos.
+class ToolFolder
+{
+public:
+    ToolFolder();
+
+    std::string creator() const { return m_tools.path() + "creator"; }
+    std::string sniffer() const { return m_tools.path() + "sniffer"; }
+
+    /// What the stand-in does from its next run on; see tests/support/StandInTools.h. Until then there is
+    /// none, and that of the system is used.
+    void setFfmpeg(const std::string& script) { setTool("ffmpeg", script); }
+    void setFfprobe(const std::string& script) { setTool("ffprobe", script); }
+
+    /// Makes it a file that may be run and is no program.
+    void breakFfmpeg() { breakTool("ffmpeg"); }
+    void breakFfprobe() { breakTool("ffprobe"); }
+
+    /// Makes a file beside the tools, where a stand-in may read it; its path.
+    std::string addData(const std::string& name, const std::string& contents);
+
+    /// A path in the folder of videos.
+    std::string at(const std::string& name) const { return m_videos.path() + name; }
+    /// The folder of videos, with a "/" at its end.
+    const std::string& videos() const { return m_videos.path(); }
+
+private:
+    void setTool(const std::string& name, const std::string& script);
+    void breakTool(const std::string& name);
+
+    TemporaryDirectory m_tools;
+    TemporaryDirectory m_videos;
+};
+
+} // namespace tarnwell::test

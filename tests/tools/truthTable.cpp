@@ -1,0 +1,387 @@
+// SPDX-License-Identifier: MIT
+// Whether what people saw is what they get, whatever FFmpeg is installed: for inputs with every rotation and
+// mirror that a container can carry, each of the 16 changes, shown as the window shows it, against both ways
+// to save it.
+//
+//   truthTable TOOLS_FOLDER WORK_FOLDER
+#include "tests/tools/TruthPictures.h"
+#include "tests/tools/TruthTools.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr double agreement = 4; // grey levels: what two lossy encodings may differ by
+constexpr double distinction = 10; // what another orientation differs by at least
+constexpr int fullTurn = 360;
+constexpr int unusable = 2;
+const std::string beyondTheEnd = "999.5";
+const std::string beginning; // no position at all
+
+struct Shape {
+    std::string name;
+    Recipe recipe;
+};
+
+struct Flag {
+    std::string name;
+    Matrix matrix;
+    int tag = 0; // clockwise degrees, as decoders reckon them
+};
+
+const std::vector<Flag> flags = {
+    {"rotation 0", {1, 0, 0, 1}, 0},
+    {"rotation 90", {0, -1, 1, 0}, 270},
+    {"rotation 180", {-1, 0, 0, -1}, 180},
+    {"rotation 270", {0, 1, -1, 0}, 90},
+    {"left and right exchanged", {-1, 0, 0, 1}, 180},
+    {"top and bottom exchanged", {1, 0, 0, -1}, 0},
+    {"mirrored along the falling diagonal", {0, 1, 1, 0}, 90},
+    {"mirrored along the rising diagonal", {0, -1, -1, 0}, 270},
+};
+
+/// One of the 16 changes, and how it is asked for.
+struct Change {
+    int quarterTurns = 0;
+    bool vertical = false;
+    bool horizontal = false;
+
+    std::string name() const
+    {
+        return std::to_string(quarterTurns * 90) + " to the left"
+            + (vertical ? ", top and bottom exchanged" : "")
+            + (horizontal ? ", left and right exchanged" : "");
+    }
+
+    std::string filters() const
+    {
+        const std::vector<std::string> turns = {"", "transpose=2", "transpose=2,transpose=2", "transpose=1"};
+        std::string chain = turns.at(static_cast<std::size_t>(quarterTurns));
+        for (const char* mirror : {vertical ? "vflip" : "", horizontal ? "hflip" : ""})
+            chain += std::string(chain.empty() || *mirror == '\0' ? "" : ",") + mirror;
+        return chain;
+    }
+
+    /// Of a change that a rotation flag can say; both mirrors together are half a turn.
+    int turnsOfFlag() const { return (quarterTurns + (vertical ? 2 : 0)) % 4; }
+};
+
+std::vector<Change> allChanges()
+{
+    std::vector<Change> changes;
+    for (int turns = 0; turns < 4; ++turns) {
+        for (const bool vertical : {false, true}) {
+            for (const bool horizontal : {false, true})
+                changes.push_back({turns, vertical, horizontal});
+        }
+    }
+    return changes;
+}
+
+Picture previewOf(const Picture& still, const Change& change)
+{
+    Picture preview = still;
+    for (int turn = 0; turn < change.quarterTurns; ++turn)
+        preview = turnedLeft(preview);
+    return mirrored(preview, change.vertical, change.horizontal);
+}
+
+/// Counts the cells, names those that disagree, and sums up each group.
+class Tally
+{
+public:
+    /// In a group whose mirror this FFmpeg itself does not show, pictures may differ; they are counted apart.
+    void beginGroup(const std::string& name, bool isMirrorLost)
+    {
+        m_group = name;
+        m_isMirrorLost = isMirrorLost;
+        m_cellsBefore = m_agreeing + m_disagreeing + m_notKept;
+        m_agreeingBefore = m_agreeing;
+    }
+
+    void endGroup() const
+    {
+        std::cout << m_group << ": " << m_agreeing - m_agreeingBefore << " of "
+                  << m_agreeing + m_disagreeing + m_notKept - m_cellsBefore << " cells agree" << std::endl;
+    }
+
+    void add(const std::string& cell, bool agrees, const std::string& instead)
+    {
+        ++(agrees ? m_agreeing : m_disagreeing);
+        if (!agrees)
+            std::cout << "  disagrees: " << m_group << ": " << cell << ": " << instead << std::endl;
+    }
+
+    void addPictures(const std::string& cell, const Picture& is, const Picture& shouldBe, int spareLines = 0)
+    {
+        const double difference = meanDifference(is, shouldBe);
+        const bool agrees = difference < agreement && haveSameSize(is, shouldBe, spareLines);
+        const std::string instead = sizeOf(is) + " for " + sizeOf(shouldBe) + ", they differ by "
+            + std::to_string(difference) + " grey levels";
+        if (agrees || !m_isMirrorLost || is.isEmpty()) {
+            add(cell, agrees, instead);
+            return;
+        }
+        ++m_notKept;
+        std::cout << "  not kept here: " << m_group << ": " << cell << ": " << instead << std::endl;
+    }
+
+    bool isClean() const { return m_agreeing > 0 && m_disagreeing == 0; }
+
+    void sumUp() const
+    {
+        if (m_notKept > 0)
+            std::cout << m_notKept
+                      << " cells of mirrored inputs are not kept here, as this FFmpeg ignores mirrors\n";
+        std::cout << m_agreeing << " cells agree, " << m_disagreeing << " disagree" << std::endl;
+    }
+
+private:
+    static std::string sizeOf(const Picture& picture)
+    {
+        return picture.isEmpty() ? "no picture"
+                                 : std::to_string(picture.width) + "x" + std::to_string(picture.height);
+    }
+
+    std::string m_group;
+    bool m_isMirrorLost = false;
+    int m_agreeing = 0;
+    int m_disagreeing = 0;
+    int m_notKept = 0;
+    int m_agreeingBefore = 0;
+    int m_cellsBefore = 0;
+};
+
+/// One input, and everything that the two tools make of it.
+class Group
+{
+public:
+    Group(Tally& tally, std::string toolsFolder, std::string workFolder)
+        : m_tally(tally)
+        , m_creator(toolsFolder + "/creator")
+        , m_sniffer(std::move(toolsFolder) + "/sniffer")
+        , m_folder(std::move(workFolder))
+        , m_input(m_folder + "/input.mp4")
+        , m_output(m_folder + "/output.mp4")
+        , m_stillPath(m_folder + "/still.jpg")
+    {
+    }
+
+    void check(const std::string& movie, const Shape& shape, const Flag& flag)
+    {
+        const auto namesBefore = namesIn(m_folder);
+        m_numbers = [&](const Matrix& matrix) {
+            return numbersOf(matrix, shape.recipe.width, shape.recipe.height);
+        };
+        const std::string bytes = withMatrix(movie, m_numbers(flag.matrix));
+        writeFile(m_input, bytes);
+        checkReport(flag);
+        checkStills(flag);
+        for (const Change& change : allChanges()) {
+            checkTranscode(change);
+            if (change.vertical == change.horizontal)
+                checkFlag(change, flag);
+        }
+        m_tally.add("the input's bytes", readFile(m_input) == bytes, "they have changed");
+        std::filesystem::remove(m_input);
+        checkLeftovers(namesBefore);
+    }
+
+private:
+    void checkReport(const Flag& flag)
+    {
+        const Outcome outcome = run({m_sniffer, "-v", "quiet", "-print_format", "json", "-show_format",
+            "-show_streams", "-show_chapters", "-show_error", m_input});
+        m_tag = std::atoi(textMember(outcome.output, "rotate").c_str());
+        m_tally.add("the rotate tag", outcome.status == 0 && m_tag == flag.tag,
+            "it is " + std::to_string(m_tag) + " for " + std::to_string(flag.tag) + ", exit status "
+                + std::to_string(outcome.status));
+        const auto format = outcome.output.find("\"format\"");
+        const std::string duration
+            = textMember(outcome.output.substr(std::min(format, outcome.output.size())), "duration");
+        m_middle = std::to_string(std::atof(duration.c_str()) / 2);
+    }
+
+    Picture still(const std::string& position)
+    {
+        const Outcome outcome = run(
+            {m_creator, "-v", "quiet", "-ss", position, "-i", m_input, "-frames:v", "1", "-y", m_stillPath});
+        m_tally.add("the still at " + position + " goes well",
+            outcome.status == 0 && outcome.complaints.empty(),
+            "exit status " + std::to_string(outcome.status) + ", " + outcome.complaints);
+        Picture picture = decodedFrame(m_stillPath, beginning);
+        std::filesystem::remove(m_stillPath);
+        return picture;
+    }
+
+    void checkStills(const Flag& flag)
+    {
+        m_still = still(m_middle);
+        m_tally.addPictures("the still from the middle", m_still,
+            shownBy(flag.matrix, decodedFrame(m_input, m_middle, Rotation::Ignored)));
+        m_tally.addPictures("the still from beyond the end", still(beyondTheEnd),
+            shownBy(flag.matrix, decodedFrame(m_input, beginning, Rotation::Ignored)));
+        // Else nothing here could disagree.
+        double nearest = distinction;
+        for (const Change& change : allChanges()) {
+            if (change.vertical || change.quarterTurns + change.horizontal == 0)
+                continue; // twins of the others, and the still itself
+            nearest = std::min(nearest, meanDifference(previewOf(m_still, change), m_still));
+        }
+        m_tally.add("the previews can be told apart", nearest >= distinction,
+            "two differ by " + std::to_string(nearest) + " grey levels");
+    }
+
+    /// What creator makes, as any player shows it.
+    Picture made(const std::string& cell, const Command& arguments)
+    {
+        Command command = {m_creator};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        const Outcome outcome = run(command);
+        m_tally.add(cell + ": goes well", outcome.status == 0 && isStatus(outcome.complaints),
+            "exit status " + std::to_string(outcome.status) + ", standard error \"" + outcome.complaints
+                + "\"");
+        return decodedFrame(m_output, m_middle);
+    }
+
+    /// Whether there are whole lines "time=HH:MM:SS.hh", at least one, and no others.
+    static bool isStatus(const std::string& text)
+    {
+        const std::string form = "time=00:00:00.00\n";
+        for (std::size_t place = 0; place < text.size(); ++place) {
+            const char expected = form[place % form.size()];
+            const bool isDigit = text[place] >= '0' && text[place] <= '9';
+            if (expected == '0' ? !isDigit : text[place] != expected)
+                return false;
+        }
+        return !text.empty() && text.size() % form.size() == 0;
+    }
+
+    void checkTranscode(const Change& change)
+    {
+        Command arguments = {"-i", m_input, "-pix_fmt", "yuv420p"};
+        if (!change.filters().empty())
+            arguments.insert(arguments.end(), {"-vf", change.filters()});
+        arguments.insert(arguments.end(), {"-metadata:s:v", "rotate=0", "-y", m_output});
+        const std::string cell = "transcoded, " + change.name();
+        // Encoders of this kind take even sides only.
+        m_tally.addPictures(cell, made(cell, arguments), previewOf(m_still, change), 1);
+        std::filesystem::remove(m_output);
+    }
+
+    void checkFlag(const Change& change, const Flag& flag)
+    {
+        const int rotation = change.turnsOfFlag() * 90 - m_tag;
+        const std::string cell = "flag, " + change.name();
+        m_tally.addPictures(cell,
+            made(cell,
+                {"-i", m_input, "-c:v", "copy", "-c:a", "copy", "-metadata:s:v",
+                    "rotate=" + std::to_string(rotation), "-y", m_output}),
+            previewOf(m_still, change));
+        const MatrixNumbers is = reportedMatrix(m_output);
+        m_tally.add(cell + ": the matrix",
+            is == m_numbers(combined(flag.matrix, quarterTurnsLeft(change.turnsOfFlag()))), textOf(is));
+        std::filesystem::remove(m_output);
+    }
+
+    static std::string textOf(const MatrixNumbers& numbers)
+    {
+        std::string text = "it is";
+        for (const auto number : numbers)
+            text += " " + std::to_string(number);
+        return text;
+    }
+
+    void checkLeftovers(const std::set<std::string>& namesBefore)
+    {
+        std::string left;
+        for (const auto& name : namesIn(m_folder))
+            left += namesBefore.count(name) == 0 ? " " + name : "";
+        m_tally.add("nothing is left over", left.empty(), "there is" + left);
+    }
+
+    Tally& m_tally;
+    std::string m_creator;
+    std::string m_sniffer;
+    std::string m_folder;
+    std::string m_input;
+    std::string m_output;
+    std::string m_stillPath;
+    std::function<MatrixNumbers(const Matrix&)> m_numbers; // for the coded size
+    std::string m_middle;
+    int m_tag = 0;
+    Picture m_still;
+};
+
+std::string movieOf(const Shape& shape, const std::string& folder)
+{
+    const std::string path = folder + "/movie.mp4";
+    makeMovie(path, shape.recipe);
+    const std::string movie = readFile(path);
+    std::filesystem::remove(path);
+    if (withMatrix(movie, {}).empty()) {
+        std::cerr << "truthTable: ffmpeg made no usable movie, " << shape.name << "\n";
+        std::exit(unusable);
+    }
+    return movie;
+}
+
+/// Whether the installed FFmpeg shows the picture of a mirrored input as if it were not.
+bool ignoresMirrors(const Shape& shape, const std::string& folder)
+{
+    const std::string path = folder + "/mirrored.mp4";
+    const Matrix matrix = {1, 0, 0, -1};
+    writeFile(
+        path, withMatrix(movieOf(shape, folder), numbersOf(matrix, shape.recipe.width, shape.recipe.height)));
+    const Picture shown = decodedFrame(path, beginning);
+    const Picture coded = decodedFrame(path, beginning, Rotation::Ignored);
+    std::filesystem::remove(path);
+    const bool ignored = meanDifference(shown, coded) < agreement;
+    std::cout << "When it decodes, it " << (ignored ? "ignores" : "obeys") << " a mirror." << std::endl;
+    return ignored;
+}
+
+int fillTable(const std::string& toolsFolder, const std::string& workFolder)
+{
+    std::filesystem::create_directories(workFolder);
+    const std::string encoder = hasEncoder("libx264") ? "libx264" : "mpeg4";
+    const std::vector<Shape> shapes = {{"landscape, " + encoder, {192, 128, encoder}},
+        {"portrait, " + encoder, {128, 192, encoder}}, {"odd sides, mpeg4", {161, 121, "mpeg4"}}};
+    std::cout << ffmpegVersion() << std::endl;
+    const bool mirrorsAreLost = ignoresMirrors(shapes.front(), workFolder);
+    Tally tally;
+    for (const Shape& shape : shapes) {
+        const std::string movie = movieOf(shape, workFolder);
+        for (const Flag& flag : flags) {
+            tally.beginGroup(shape.name + ", " + flag.name, mirrorsAreLost && isMirrored(flag.matrix));
+            Group(tally, toolsFolder, workFolder).check(movie, shape, flag);
+            tally.endGroup();
+        }
+    }
+    tally.sumUp();
+    return tally.isClean() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace
+
+} // namespace tarnwell::test
+
+int main(int argc, char* argv[])
+{
+    if (argc != 3) {
+        std::cerr << "usage: truthTable TOOLS_FOLDER WORK_FOLDER\n";
+        return tarnwell::test::unusable;
+    }
+    return tarnwell::test::fillTable(argv[1], argv[2]);
+}

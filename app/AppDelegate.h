@@ -36,34 +36,30 @@ public:
     AppDelegate(Outlets outlets, ToolContext tools, std::shared_ptr<DispatchQueue> mainQueue);
     ~AppDelegate() override;
 
-    // Start, end and return of the application (AppDelegate.cpp)
+    // AppDelegate.cpp
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
     bool applicationShouldTerminateAfterLastWindowClosed();
     void helpBTNClicked();
     void okBTNInsideHelpWindowClicked();
-
-    // Open and analyse (AppDelegateOpen.cpp)
+    // AppDelegateOpen.cpp
     void openMenuBTNClicked();
     void openToolBarBTNClicked();
     void fileAddedByDragAndDrop(const Notification& notification);
     void analyzeFile(const FileURL& url);
     QImage extractPosterFrame(const FileProbe& probe);
-
-    // Orientation (AppDelegateOrientation.cpp)
+    // AppDelegateOrientation.cpp
     void leftRotateBTNClicked();
     void rightRotateBTNClicked();
     void vFlip();
     void hFlip();
     void resetBTNClicked();
     void updatePreview();
-
-    // Save (AppDelegateSave.cpp)
+    // AppDelegateSave.cpp
     void saveMenuBTNClicked();
     void saveToolBarBTNClicked();
-
-    // Export (AppDelegateExport.cpp); paths are raw bytes
+    // AppDelegateExport.cpp; paths are raw bytes
     void chooseExportMode(const std::string& inputPath, const std::string& outputPath);
     void exportModeChosen(int response, const std::string& inputPath, const std::string& outputPath);
     void startCreatorRun(const std::string& outputPath, const std::vector<std::string>& arguments);
@@ -74,16 +70,13 @@ public:
 private:
     void registerForDropNotification();
     void setEditingControlsEnabled(bool enabled);
-
     void openFilePanel();
     void showAnalysisProgress();
     void hideAnalysisProgress();
     void acceptFile(const FileProbe& probe);
     void refuseFile(const std::string& messageText, const std::string& informativeText);
-
     void presentSavePanel();
     void saveTo(const std::string& outputPath);
-
     std::vector<std::string> fixFlagArguments(const std::string& inputPath, const std::string& outputPath);
     std::vector<std::string> transcodeArguments(const std::string& inputPath, const std::string& outputPath);
     /// On a background thread of the run's own, until the encoder has exited.
@@ -94,8 +87,6 @@ private:
     void finishCreatorRun(const std::string& outputPath);
     void showProgressSheet();
     void hideProgressSheet();
-    void showFailureAlert();
-    void showSuccessAlert(const std::shared_ptr<const FileProbe>& outputProbe);
 
     Outlets m_outlets;
     ToolContext m_tools;

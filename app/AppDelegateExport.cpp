@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Export: the choice of the mode, the encoder's run in the background with its progress, and the result.
+#include "app/Alerts.h"
 #include "app/AppDelegate.h"
-#include "app/SupportAddress.h"
-#include "desktop/Alert.h"
 #include "desktop/InputGate.h"
-#include "desktop/PathText.h"
 #include "desktop/ProgressBarMode.h"
 #include "desktop/Workspace.h"
 #include "export/ExportPlan.h"
 #include "export/Progress.h"
-#include "export/ResultTexts.h"
 #include "platform/Diagnostics.h"
 #include "platform/DispatchQueue.h"
 #include "platform/FileHandle.h"
@@ -30,18 +27,7 @@ void AppDelegate::chooseExportMode(const std::string& inputPath, const std::stri
         startCreatorRun(outputPath, transcodeArguments(inputPath, outputPath));
         return;
     }
-    Alert alert;
-    alert.setMessageText(QStringLiteral("Fix Flag mode Available!"));
-    alert.setInformativeText(
-        QStringLiteral("\nFix Flag (Quick): Only the orientation flag (rotation tag) in the metadata of the video "
-                       "file is changed, so that the video plays fine in iOS, QuickTime & VLC video players without "
-                       "any need for transcoding which saves a tremendous amount of encoding time for longer "
-                       "videos.\n\nTranscode (Slow) : The video is rotated permanently frame by frame by re-encoding "
-                       "which is compatible with all video players.\n\n"));
-    alert.addButton(QStringLiteral("Fix Flag"));
-    alert.addButton(QStringLiteral("Transcode"));
-    alert.setStyle(Alert::Style::Warning);
-    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets),
+    modeAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets),
         [this, inputPath, outputPath](int response) { exportModeChosen(response, inputPath, outputPath); });
 }
 
@@ -151,31 +137,11 @@ void AppDelegate::showResultAlert(const std::shared_ptr<const FileProbe>& output
         std::remove(required(outputProbe->fileFullPath).c_str());
         return;
     }
-    if (outputProbe->isValidMediaFile)
-        showSuccessAlert(outputProbe);
-    else
-        showFailureAlert();
-}
-
-void AppDelegate::showFailureAlert()
-{
-    Alert alert;
-    alert.setMessageText(QStringLiteral("Seems like something went wrong!"));
-    alert.setInformativeText(textOf("Contact : " + supportAddress()));
-    alert.addButton(QStringLiteral("OK"));
-    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
-}
-
-void AppDelegate::showSuccessAlert(const std::shared_ptr<const FileProbe>& outputProbe)
-{
-    Alert alert;
-    alert.setMessageText(textOf(successMessage(m_orientation)));
-    alert.addButton(QStringLiteral("OK"));
-    alert.addButton(QStringLiteral("Show in Finder"));
-    alert.addButton(QStringLiteral("Launch Video in QuickTime"));
-    alert.setInformativeText(textOf("Questions? : " + supportAddress()));
-    alert.setStyle(Alert::Style::Informational);
-    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets),
+    if (!outputProbe->isValidMediaFile) {
+        failureAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+        return;
+    }
+    successAlert(m_orientation).beginSheetModal(required(m_outlets.window), required(m_outlets.sheets),
         [this, outputProbe](int response) { resultAlertButtonClicked(response, *outputProbe); });
 }
 

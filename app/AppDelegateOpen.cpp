@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Open and analyse: from the choice of a file to its still in the window, or to the alert that refuses it.
+#include "app/Alerts.h"
 #include "app/AppDelegate.h"
 #include "app/DragAndDropFileInNSImageView.h"
 #include "app/StillFrame.h"
 #include "app/SupportAddress.h"
-#include "desktop/Alert.h"
 #include "desktop/Panels.h"
-#include "desktop/PathText.h"
 #include "desktop/ProgressBarMode.h"
 #include "platform/ProgramStops.h"
 #include "probe/FileProbe.h"
@@ -68,11 +67,9 @@ void AppDelegate::acceptFile(const FileProbe& probe)
 
 void AppDelegate::refuseFile(const std::string& messageText, const std::string& informativeText)
 {
-    Alert alert;
-    alert.setMessageText(textOf(messageText));
-    alert.setInformativeText(textOf(informativeText));
-    alert.addButton(QStringLiteral("OK"));
-    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+    // It waits behind the progress sheet and appears when that ends.
+    refusalAlert(messageText, informativeText)
+        .beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
     hideAnalysisProgress();
 }
 

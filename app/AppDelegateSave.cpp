@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Save: from the user's wish to the pair of paths that an export starts from.
+#include "app/Alerts.h"
 #include "app/AppDelegate.h"
-#include "desktop/Alert.h"
 #include "desktop/Panels.h"
 #include "desktop/PathText.h"
 #include "platform/ProgramStops.h"
@@ -40,11 +40,7 @@ void AppDelegate::saveTo(const std::string& outputPath)
         chooseExportMode(*inputPath, outputPath);
         return;
     }
-    Alert alert;
-    alert.setStyle(Alert::Style::Informational);
-    alert.setMessageText(QStringLiteral("Input file name is same as the output file name!"));
-    alert.setInformativeText(QStringLiteral("Please specify a different file to save."));
-    alert.beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+    sameFileAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
 }
 
 } // namespace tarnwell

@@ -5,10 +5,12 @@
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/RealInput.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QDialogButtonBox>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
+#include <QProxyStyle>
 #include <QWindow>
 
 #include <gtest/gtest.h>
@@ -129,6 +131,42 @@ TEST_F(AlertTest, showsThreeButtonsInTheOrderInWhichTheyWereAdded)
 {
     show(alertWithButtons(resultButtons()));
     EXPECT_EQ(shownButtons(), resultButtons());
+}
+
+/// Orders a dialog's buttons as one of the desktops does.
+class ButtonLayoutStyle : public QProxyStyle
+{
+public:
+    explicit ButtonLayoutStyle(QDialogButtonBox::ButtonLayout layout)
+        : m_layout(layout)
+    {
+    }
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+        QStyleHintReturn* returnData) const override
+    {
+        return hint == SH_DialogButtonLayout ? m_layout
+                                             : QProxyStyle::styleHint(hint, option, widget, returnData);
+    }
+
+private:
+    QDialogButtonBox::ButtonLayout m_layout;
+};
+
+TEST_F(AlertTest, theOrderOfItsButtonsIsTheSameOnEveryDesktop)
+{
+    const QString usual = QApplication::style()->name();
+    for (const auto layout : {QDialogButtonBox::WinLayout, QDialogButtonBox::MacLayout,
+             QDialogButtonBox::KdeLayout, QDialogButtonBox::GnomeLayout}) {
+        SCOPED_TRACE(layout);
+        QApplication::setStyle(new ButtonLayoutStyle(layout));
+        show(alertWithButtons(resultButtons()));
+        EXPECT_EQ(shownButtons(), resultButtons());
+        realClick(button(resultButtons().last()));
+        EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
+    }
+    QApplication::setStyle(usual);
+    EXPECT_EQ(m_responses, (std::vector{1002, 1002, 1002, 1002}));
 }
 
 TEST_F(AlertTest, answersWithThePlaceOfTheClickedButton)

@@ -16,6 +16,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -174,6 +175,22 @@ TEST_F(SheetQueueTest, completionMayBeginTheSameSheet)
     m_sheets.begin(sheet.get(), [&](int) { m_sheets.begin(sheet.get()); });
     m_sheets.end(sheet.get());
     EXPECT_TRUE(sheet->isVisible());
+}
+
+TEST_F(SheetQueueTest, aSheetThatAlwaysBeginsAgainEndsOnceAtATime)
+{
+    const auto sheet = newSheet();
+    int ends = 0;
+    const std::function<void(int)> beginAgain = [&](int) {
+        ++ends;
+        m_sheets.begin(sheet.get(), beginAgain);
+    };
+    m_sheets.begin(sheet.get(), beginAgain);
+    for (int round = 1; round <= 3; ++round) {
+        m_sheets.end(sheet.get());
+        EXPECT_EQ(ends, round);
+        EXPECT_TRUE(sheet->isVisible());
+    }
 }
 
 TEST_F(SheetQueueTest, aSheetBlocksItsWindowUntilTheLastHasEnded)

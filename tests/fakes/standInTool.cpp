@@ -13,6 +13,7 @@
 #include <iostream>
 #include <iterator>
 #include <map>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -257,7 +258,7 @@ int main(int argc, char* argv[])
     toolArguments = argv;
     toolArgumentCount = argc;
     const std::string link = argv[0];
-    std::ifstream script(link + ".script");
+    std::istringstream script(contentsOf(link + ".script")); // the file is closed while the commands run
     for (std::string line; std::getline(script, line);) {
         if (!perform(line)) {
             std::cerr << "standInTool: unknown command: " << line << '\n';

@@ -4,6 +4,7 @@
 
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
+#include "tests/tools/RefusedCall.h"
 
 #include <gtest/gtest.h>
 
@@ -235,6 +236,41 @@ TEST_F(OutputFileTest, twoFilesForOnePlaceAreBothWhole)
     EXPECT_TRUE(second.finish());
     EXPECT_EQ(contentsOf(at("out.mp4")), "second");
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
+}
+
+TEST_F(OutputFileTest, hasAHiddenNameWhereItCannotBeNameless)
+{
+    writeFile(at("out.mp4"), "older");
+    EXPECT_TRUE(holdsWithout(RefusedCall::OpenNameless, [this] {
+        OutputFile file(at("out.mp4"));
+        write(file, "whole");
+        const Names names = namesIn(folder());
+        const bool isHidden
+            = names.size() == 2 && names[0].starts_with(".tarnwell-") && names[1] == "out.mp4";
+        return file.isOpen() && isHidden && contentsOf(at("out.mp4")) == "older" && file.finish();
+    }));
+    EXPECT_EQ(contentsOf(at("out.mp4")), "whole");
+    EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
+}
+
+TEST_F(OutputFileTest, aHiddenNameGoesWithWhatIsNotFinished)
+{
+    EXPECT_TRUE(holdsWithout(RefusedCall::OpenNameless, [this] {
+        const OutputFile file(at("out.mp4"));
+        write(file, "some");
+        return file.isOpen();
+    }));
+    EXPECT_EQ(namesIn(folder()), Names());
+}
+
+TEST_F(OutputFileTest, theModeOfAHiddenOneFollowsTheUsersMaskToo)
+{
+    const Mask set(0027U);
+    EXPECT_TRUE(holdsWithout(RefusedCall::OpenNameless, [this] {
+        OutputFile file(at("out.mp4"));
+        return file.finish();
+    }));
+    EXPECT_EQ(modeOf(at("out.mp4")), 0640U);
 }
 
 } // namespace tarnwell::test

@@ -2,6 +2,7 @@
 // Which names files are put aside under, and when two paths mean one entry.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
+#include "tests/tools/RefusedCall.h"
 #include "tools/OutputFile.h"
 
 #include <gtest/gtest.h>
@@ -126,6 +127,17 @@ TEST_F(PutAsideTest, aFolderIsLeftWhereItIs)
     std::filesystem::create_directory(at("out.mp4"));
     EXPECT_EQ(putAside(at("out.mp4"), "previous"), "");
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
+}
+
+TEST_F(PutAsideTest, worksWhereARenameCannotLeaveWhatIsThere)
+{
+    writeFile(at("out (previous).mp4"), "first");
+    writeFile(at("out.mp4"), "older");
+    EXPECT_TRUE(holdsWithout(RefusedCall::RenameToFreeName,
+        [this] { return putAside(at("out.mp4"), "previous") == at("out (previous 2).mp4"); }));
+    EXPECT_EQ(contentsOf(at("out (previous).mp4")), "first");
+    EXPECT_EQ(contentsOf(at("out (previous 2).mp4")), "older");
+    EXPECT_FALSE(exists(at("out.mp4")));
 }
 
 TEST_F(SameEntryTest, aPathIsTheSameAsItselfHoweverItIsSpelled)

@@ -201,11 +201,13 @@ TEST(ComplaintReaderTest, aFloodBecomesLinesThatAreWrittenInOnePiece)
     constexpr std::size_t pipeBuffer = 4096; // the system never mixes what is not longer with another's
     ComplaintReader reader;
     std::size_t passed = 0;
+    std::size_t longest = 0;
     for (int piece = 0; piece < 100; ++piece) {
         const std::string lines = reader.read(std::string(65536, 'x'));
-        EXPECT_LE(longestOf(lines), pipeBuffer);
+        longest = std::max(longest, longestOf(lines));
         passed += lines.size();
     }
+    EXPECT_LE(longest, pipeBuffer);
     EXPECT_GE(passed, 99U * 65536U);
 }
 

@@ -39,7 +39,12 @@ QUrl folderOf(const FileURL& file)
 /// Sends a call on the session bus and does `otherwise` where it fails, be it that there is no bus.
 void callOr(const QDBusMessage& call, const std::function<void()>& otherwise)
 {
-    auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call));
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) { // a call that was never made is never answered either
+        otherwise();
+        return;
+    }
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, otherwise] {
         if (QDBusPendingReply<>(*watcher).isError())
             otherwise();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/Child.h"
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -8,16 +9,31 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+// Debian 11's headers do not know it; its number is the same on every machine.
+#ifndef SYS_close_range
+#define SYS_close_range 436
+#endif
 
 namespace
 {
 
 constexpr int cannotBeRun = 127;
 constexpr int signalBase = 128;
+
+// Nothing that the user's environment holds can change what the tool does, its language and its libraries included.
+char path[] = "PATH=/usr/bin:/bin";
+char locale[] = "LC_ALL=C.UTF-8";
+char* const toolEnvironment[] = {path, locale, nullptr};
+
+// How long a tool whose output has ended may still take to end itself.
+constexpr int longestEnd = 1000; // milliseconds
+constexpr int endCheckInterval = 5;
 
 void sayThatItCannotBeRun(const char* program)
 {
@@ -60,10 +76,22 @@ void resetSignals()
     closeTheRestOnExec();
     if (plan.kept >= 0)
         ::fcntl(plan.kept, F_SETFD, 0);
-    ::execv(plan.program.c_str(), arguments);
+    ::execve(plan.program.c_str(), arguments, toolEnvironment);
     ::dup2(ownError, STDERR_FILENO);
     sayThatItCannotBeRun(plan.program.c_str());
     ::_exit(cannotBeRun);
+}
+
+/// Leaves the child a moment to end by itself.
+void endChild(pid_t child)
+{
+    for (int waited = 0; waited < longestEnd; waited += endCheckInterval) {
+        siginfo_t exit = {};
+        if (::waitid(P_PID, static_cast<id_t>(child), &exit, WEXITED | WNOWAIT | WNOHANG) != 0 || exit.si_pid != 0)
+            return;
+        ::poll(nullptr, 0, endCheckInterval);
+    }
+    ::kill(child, SIGKILL);
 }
 
 } // namespace
@@ -83,6 +111,16 @@ pid_t startChild(const ChildPlan& plan)
     return child;
 }
 
+void holdStandardDescriptors()
+{
+    // open takes the lowest free number: the loop ends once 0, 1 and 2 are all in use.
+    int descriptor = ::open("/dev/null", O_RDWR);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = ::open("/dev/null", O_RDWR);
+    if (descriptor >= 0)
+        ::close(descriptor);
+}
+
 int waitForChild(pid_t child)
 {
     int status = 0;
@@ -93,7 +131,7 @@ int waitForChild(pid_t child)
     return WIFEXITED(status) ? WEXITSTATUS(status) : signalBase + WTERMSIG(status);
 }
 
-std::string outputOfChild(ChildPlan plan, int& status)
+std::string outputOfChild(ChildPlan plan, int& status, int wishToStop)
 {
     int ends[2] = {-1, -1};
     if (::pipe2(ends, O_CLOEXEC) != 0) {
@@ -107,6 +145,10 @@ std::string outputOfChild(ChildPlan plan, int& status)
     constexpr std::size_t blockSize = 65536;
     std::string block(blockSize, '\0');
     for (ssize_t count = 1; child > 0 && count != 0;) {
+        std::array<pollfd, 2> waiting = {{{ends[0], POLLIN, 0}, {wishToStop, POLLIN, 0}}};
+        ::poll(waiting.data(), waiting.size(), -1);
+        if (waiting[1].revents != 0)
+            break;
         count = ::read(ends[0], block.data(), block.size());
         if (count > 0)
             output.append(block, 0, static_cast<std::size_t>(count));
@@ -114,6 +156,8 @@ std::string outputOfChild(ChildPlan plan, int& status)
             break;
     }
     ::close(ends[0]);
+    if (child > 0)
+        endChild(child);
     status = child > 0 ? waitForChild(child) : cannotBeRun;
     return output;
 }

@@ -22,8 +22,12 @@ pid_t startChild(const ChildPlan& plan);
 /// Waits for the child's end: its exit status, or 128 and the signal's number.
 int waitForChild(pid_t child);
 
-/// Runs the child to its end; all it printed on standard output. `status` gets what waitForChild gives.
-std::string outputOfChild(ChildPlan plan, int& status);
+/// Runs the child until its standard output ends; all it printed there. `status` gets what waitForChild gives. A child
+/// that lives on long after its output, or when there is something to read at `wishToStop`, is killed.
+std::string outputOfChild(ChildPlan plan, int& status, int wishToStop = -1);
+
+/// Opens standard descriptors that are closed on the null device, so that no other file takes their numbers.
+void holdStandardDescriptors();
 
 /// The path of ffmpeg or ffprobe: the one beside this program where there is one, else the system's.
 std::string pathOfTool(const std::string& name);

@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/signalfd.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
@@ -21,6 +22,7 @@ namespace
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds graceAfterCancel(400);
+constexpr int exitCheckInterval = 5; // milliseconds
 constexpr std::size_t blockSize = 65536;
 
 int cancelDescriptor = -1;
@@ -67,7 +69,7 @@ std::string readPiece(int& descriptor)
     return piece;
 }
 
-/// Reads ffmpeg's two streams until both have ended, and passes a wish to cancel on to it.
+/// Reads ffmpeg's two streams until both have ended and it has exited, and passes a wish to cancel on to it.
 class Listener
 {
 public:
@@ -87,7 +89,7 @@ public:
 
     void listen()
     {
-        while (m_progress >= 0 || m_complaints >= 0) {
+        while (m_progress >= 0 || m_complaints >= 0 || !hasExited()) {
             std::array<pollfd, 3> waiting = {
                 {{m_progress, POLLIN, 0}, {m_complaints, POLLIN, 0}, {m_killAt ? -1 : cancelDescriptor, POLLIN, 0}}};
             ::poll(waiting.data(), waiting.size(), patience());
@@ -105,8 +107,18 @@ public:
     }
 
 private:
+    /// An ffmpeg that has closed its streams may still be at work, and a wish to cancel must reach it.
+    bool hasExited() const
+    {
+        siginfo_t exit = {};
+        return ::waitid(P_PID, static_cast<id_t>(m_child), &exit, WEXITED | WNOWAIT | WNOHANG) != 0
+            || exit.si_pid != 0;
+    }
+
     int patience() const
     {
+        if (m_progress < 0 && m_complaints < 0)
+            return exitCheckInterval;
         if (!m_killAt)
             return -1;
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(*m_killAt - Clock::now()).count();
@@ -145,6 +157,11 @@ bool isCancelled()
     if (::read(cancelDescriptor, &info, sizeof info) > 0)
         cancelSeen = true;
     return cancelSeen;
+}
+
+int cancellingDescriptor()
+{
+    return cancelDescriptor;
 }
 
 RunEnd runFfmpeg(const std::vector<std::string>& arguments, int output)

@@ -13,6 +13,9 @@ void watchForCancelling();
 /// Whether such a signal has come.
 bool isCancelled();
 
+/// Has something to read while such a signal has come that isCancelled has not seen yet.
+int cancellingDescriptor();
+
 /// Runs ffmpeg with these arguments, which may write to the descriptor `output`, to its end. Status lines and
 /// complaints go to this process's standard error, whether anybody reads them or not. A wish to cancel is passed on
 /// as SIGTERM; an ffmpeg that takes its time over that is killed, since what it writes is not wanted any more.

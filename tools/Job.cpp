@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/Job.h"
 
-#include <cstdlib>
+#include <charconv>
+#include <cstdint>
 
 namespace
 {
@@ -25,6 +26,15 @@ bool matches(const Arguments& arguments, const Arguments& pattern)
     return true;
 }
 
+std::optional<std::int64_t> wholeNumber(const std::string& text)
+{
+    std::int64_t number = 0;
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size())
+        return std::nullopt;
+    return number;
+}
+
 std::optional<Job> readStill(const Arguments& list)
 {
     if (!matches(list, {"-v", "quiet", "-ss", "*", "-i", "*", "-frames:v", "1", "-y", "*"}))
@@ -43,9 +53,12 @@ std::optional<Job> readFixFlag(const Arguments& list)
         || list[7].rfind(rotatePrefix, 0) != 0)
         return std::nullopt;
     Job job;
+    const auto degrees = wholeNumber(list[7].substr(rotatePrefix.size()));
+    if (!degrees)
+        return std::nullopt;
     job.kind = Job::Kind::FixFlag;
     job.input = list[1];
-    job.rotation = std::atof(list[7].c_str() + rotatePrefix.size());
+    job.rotation = static_cast<double>(*degrees);
     job.output = list[9];
     return job;
 }

@@ -153,6 +153,9 @@ bool OutputFile::finish()
 
 std::string putAside(const std::string& path, const std::string& word)
 {
+    struct stat status = {};
+    if (::lstat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode))
+        return {};
     const std::string name = nameOf(path);
     const auto dot = name.rfind('.');
     const std::string stem = name.substr(0, dot == 0 ? std::string::npos : dot);

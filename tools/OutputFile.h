@@ -39,7 +39,7 @@ private:
 };
 
 /// Renames what stands at `path` to a name that says so, "NAME (WORD).EXTENSION", counting on where that is taken.
-/// The new path; empty where nothing was there or it could not be renamed. Never over another file.
+/// The new path; empty where no file was there or it could not be renamed. Never over another file; folders stay.
 std::string putAside(const std::string& path, const std::string& word);
 
 /// Whether both paths name one and the same directory entry, however they are spelled.

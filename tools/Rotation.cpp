@@ -60,7 +60,7 @@ std::optional<DisplayMatrix> parseDisplayMatrix(std::string_view text)
 
 DisplayMatrix turnedLeft(double degrees)
 {
-    const double angle = degrees * std::numbers::pi / halfTurn;
+    const double angle = std::fmod(degrees, fullTurn) * std::numbers::pi / halfTurn;
     return {std::cos(angle), -std::sin(angle), std::sin(angle), std::cos(angle)};
 }
 

@@ -14,10 +14,11 @@ const std::string blockEnd = "progress=";
 const std::string statusMark = "time=";
 
 // A flood without an end of line must not fill the memory.
-constexpr std::size_t longestLine = 4096;
+// With its end a line fits one write to a pipe.
+constexpr std::size_t longestLine = 4095;
 
 constexpr std::int64_t microsecondsPerHundredth = 10000;
-constexpr std::int64_t latest = 99LL * 360000 + 59 * 6000 + 59 * 100 + 99; // 99:59:59.99, in hundredths
+constexpr std::int64_t latest = 35999999; // 99:59:59.99, in hundredths
 
 bool startsWith(const std::string& text, const std::string& beginning)
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/TrackMatrix.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>

@@ -31,7 +31,7 @@ VideoFacts factsOf(const std::string& path)
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments = {"-v", "quiet", "-print_format", "json", "-show_streams", path};
     int status = 0;
-    return videoFactsOf(outputOfChild(ffprobe, status));
+    return videoFactsOf(outputOfChild(ffprobe, status, cancellingDescriptor()));
 }
 
 std::string containerOf(const Job& job)
@@ -45,29 +45,45 @@ RunEnd runJob(const Job& job, const OutputFile& output)
     return runFfmpeg(ffmpegArguments(job, {output.writablePath(), containerOf(job)}), output.descriptor());
 }
 
-void writePlaceholder(const Job& job, const OutputFile& output)
+bool writePlaceholder(const Job& job, const OutputFile& output)
 {
     const VideoFacts facts = factsOf(job.input);
     const bool isOnItsSide = facts.matrix && rotationTag(*facts.matrix) % 180 == 90;
     const std::string picture
         = isOnItsSide ? placeholderPicture(facts.height, facts.width) : placeholderPicture(facts.width, facts.height);
     output.empty();
-    [[maybe_unused]] const auto written = ::pwrite(output.descriptor(), picture.data(), picture.size(), 0);
+    return ::pwrite(output.descriptor(), picture.data(), picture.size(), 0) == static_cast<ssize_t>(picture.size());
+}
+
+/// An original whose own directory entry is to become the output keeps its bytes under another name. False where
+/// that could not be done.
+bool saveOriginal(Job& job)
+{
+    if (!isSameEntry(job.input, job.output))
+        return true;
+    job.input = putAside(job.input, "original");
+    return !job.input.empty();
+}
+
+bool isPicture(RunEnd end, const OutputFile& output)
+{
+    return end == RunEnd::Succeeded && !output.isEmpty();
 }
 
 /// The frame at the asked position, else the first one that decodes, else a grey picture of the same size.
 int makeStill(Job job, OutputFile& output)
 {
+    if (!saveOriginal(job))
+        return failure;
     RunEnd end = runJob(job, output);
-    if (end != RunEnd::Cancelled && output.isEmpty()) {
+    if (end != RunEnd::Cancelled && !isPicture(end, output)) {
         job.position.clear();
         end = runJob(job, output);
     }
-    if (end == RunEnd::Cancelled)
+    const bool isMade = isPicture(end, output) || (end != RunEnd::Cancelled && writePlaceholder(job, output));
+    if (isCancelled())
         return cancelled;
-    if (output.isEmpty())
-        writePlaceholder(job, output);
-    return output.finish() ? success : failure;
+    return isMade && output.finish() ? success : failure;
 }
 
 /// The turn that the flag says is against the coded picture. A mirror that the input's matrix carries is kept: the
@@ -90,17 +106,7 @@ RunEnd makeVideo(const Job& job, const OutputFile& output)
         return RunEnd::Failed;
     if (job.kind == Job::Kind::FixFlag && !writeTrackMatrix(output.descriptor(), matrixOfFlag(job)))
         return RunEnd::Failed;
-    return RunEnd::Succeeded;
-}
-
-/// An original whose own directory entry is to become the output keeps its bytes under another name. False where
-/// that could not be done.
-bool saveOriginal(Job& job)
-{
-    if (!isSameEntry(job.input, job.output))
-        return true;
-    job.input = putAside(job.input, "original");
-    return !job.input.empty();
+    return isCancelled() ? RunEnd::Cancelled : RunEnd::Succeeded;
 }
 
 int makeVideoFile(Job job, OutputFile& output)
@@ -119,6 +125,7 @@ int makeVideoFile(Job job, OutputFile& output)
 
 int main(int argc, char* argv[])
 {
+    holdStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
     watchForCancelling();
     const auto job = readJob(std::vector<std::string>(argv + 1, argv + argc));

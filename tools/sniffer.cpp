@@ -27,6 +27,7 @@ void writeAll(const std::string& text)
 
 int main(int argc, char* argv[])
 {
+    holdStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");

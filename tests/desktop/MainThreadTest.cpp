@@ -9,7 +9,9 @@
 
 #include <algorithm>
 #include <memory>
+#include <sys/eventfd.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace tarnwell::test
@@ -108,6 +110,21 @@ TEST(MainThreadTest, nothingRunsOnceItHasGone)
     later.queue()->async([&] { isLaterDone = true; });
     EXPECT_TRUE(waitUntil([&] { return isLaterDone; }));
     EXPECT_FALSE(isDone);
+}
+
+TEST(MainThreadTest, wakesNobodyOnceItHasGone)
+{
+    auto mainThread = std::make_unique<MainThread>();
+    const auto queue = mainThread->queue();
+    mainThread.reset();
+    // Takes the number of the descriptor by which the event loop was woken.
+    const int descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    ASSERT_GE(descriptor, 0);
+    queue->async([] {});
+    eventfd_t rings = 0;
+    EXPECT_NE(::eventfd_read(descriptor, &rings), 0);
+    EXPECT_EQ(rings, 0u);
+    ::close(descriptor);
 }
 
 } // namespace tarnwell::test

@@ -13,7 +13,9 @@ namespace tarnwell::test
 std::string contentsOf(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::ostringstream contents;
+    contents << file.rdbuf(); // a file that vanishes meanwhile, such as a process's, ends early instead of throwing
+    return contents.str();
 }
 
 void writeFile(const std::string& path, const std::string& contents)

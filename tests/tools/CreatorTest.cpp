@@ -3,6 +3,7 @@
 
 #include "tests/support/Files.h"
 #include "tests/tools/MovieBytes.h"
+#include "tools/Placeholder.h"
 
 #include <algorithm>
 
@@ -50,7 +51,10 @@ std::vector<std::string> CreatorTest::transcode(const std::string& from, const s
 
 void CreatorTest::setGoodFfmpeg(const std::string& before)
 {
-    tools.setFfmpeg(before + "write-output-file " + tools.addData("movie", movie()) + "\n");
+    const std::string picture
+        = "with -frames:v write-output-file " + tools.addData("picture", placeholderPicture(64, 48));
+    const std::string video = "without -frames:v write-output-file " + tools.addData("movie", movie());
+    tools.setFfmpeg(before + picture + "\n" + video + "\n");
 }
 
 std::string CreatorTest::movie() const

@@ -30,9 +30,9 @@ protected:
     std::vector<std::string> transcode() const { return transcode(input(), output()); }
     std::vector<std::string> transcode(const std::string& from, const std::string& to) const;
 
-    /// An ffmpeg that makes a whole movie, after what `before` says.
+    /// An ffmpeg that makes a whole movie or picture, after what `before` says.
     void setGoodFfmpeg(const std::string& before = {});
-    /// What that one makes.
+    /// The movie.
     std::string movie() const;
 
     /// Runs creator to its end.

@@ -3,9 +3,12 @@
 
 #include "tests/support/SilentStop.h"
 
+#include <QMetaType>
 #include <QMimeData>
+#include <QStringList>
 #include <QSysInfo>
 #include <QUrl>
+#include <QVariant>
 
 #include <gtest/gtest.h>
 
@@ -22,11 +25,30 @@ namespace
 
 using Path = std::optional<std::string>;
 
+/// A list whose bytes are another program's: one that is set in this program is put into Qt's own form.
+class ForeignList : public QMimeData
+{
+public:
+    explicit ForeignList(const QByteArray& uriList)
+        : m_uriList(uriList)
+    {
+    }
+
+    QStringList formats() const override { return {QStringLiteral("text/uri-list")}; }
+
+protected:
+    QVariant retrieveData(const QString& mimeType, QMetaType type) const override
+    {
+        return mimeType == formats().first() ? QVariant(m_uriList) : QMimeData::retrieveData(mimeType, type);
+    }
+
+private:
+    QByteArray m_uriList;
+};
+
 std::optional<FileNameList> listOf(const QByteArray& uriList)
 {
-    QMimeData data;
-    data.setData(QStringLiteral("text/uri-list"), uriList);
-    return fileNameList(data);
+    return fileNameList(ForeignList(uriList));
 }
 
 /// What the only line of a list stands for.

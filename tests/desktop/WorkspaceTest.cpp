@@ -213,6 +213,15 @@ TEST_F(OpenWithTest, startsTheApplicationOfThatNameWithTheAddress)
     EXPECT_EQ(contentsOf(recordPath()), "file://" + m_folder.path() + "my%20clip%20%C3%A4.mp4\n");
 }
 
+TEST_F(OpenWithTest, startsAnApplicationThatDoesNotSayWhereAFileGoesWithThePathAtTheEnd)
+{
+    addPlayer("--play");
+    const std::string path = makeFile("clip.mp4");
+    openFileWithApplication(FileURL(path), player());
+    ASSERT_TRUE(waitUntil([this] { return exists(recordPath()); }));
+    EXPECT_EQ(contentsOf(recordPath()), "--play\n" + path + "\n");
+}
+
 TEST_F(OpenWithTest, usesTheDefaultApplicationWhereNoneBearsTheName)
 {
     const std::string path = makeFile("my clip.mp4");

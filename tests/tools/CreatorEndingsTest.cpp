@@ -184,6 +184,16 @@ TEST_F(CreatorEndingsTest, anOutputFolderThatIsNotThereIsToldOf)
     EXPECT_EQ(otherNames(), Names());
 }
 
+TEST_F(CreatorEndingsTest, anOutputFolderThatTakesNoFilesIsToldOf)
+{
+    setGoodFfmpeg();
+    ToolProcess creator(tools.creator(), transcode(input(), "/sys/out.mp4")); // not even from the superuser
+    EXPECT_EQ(creator.wait(), 1);
+    EXPECT_NE(creator.errorText().find("the output cannot be written"), std::string::npos)
+        << creator.errorText();
+    EXPECT_EQ(otherNames(), Names());
+}
+
 TEST_F(CreatorEndingsTest, aFolderAtTheOutputsPlaceStaysThere)
 {
     setGoodFfmpeg();

@@ -109,6 +109,7 @@ void ToolProcess::become(const std::vector<std::string>& words, const ToolSetup&
         ::putenv(const_cast<char*>(variable.c_str()));
     const rlimit limit = {setup.largestFile, setup.largestFile};
     ::setrlimit(RLIMIT_FSIZE, &limit);
+    ::dup2(::open("/dev/zero", O_RDONLY | O_CLOEXEC), STDIN_FILENO); // as little ended as a terminal
     ::dup2(m_outputFile, STDOUT_FILENO);
     if (errors >= 0)
         ::dup2(errors, STDERR_FILENO);

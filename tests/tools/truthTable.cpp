@@ -8,12 +8,13 @@
 #include "tests/tools/TruthTools.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <iostream>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarnwell::test
@@ -116,9 +117,10 @@ public:
                   << m_agreeing + m_disagreeing + m_notKept - m_cellsBefore << " cells agree" << std::endl;
     }
 
-    void add(const std::string& cell, bool agrees, const std::string& instead)
+    void add(const std::string& cell, bool agrees, std::string instead)
     {
         ++(agrees ? m_agreeing : m_disagreeing);
+        std::replace(instead.begin(), instead.end(), '\n', '|'); // one line a cell
         if (!agrees)
             std::cout << "  disagrees: " << m_group << ": " << cell << ": " << instead << std::endl;
     }

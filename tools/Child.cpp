@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tools/Child.h"
 
+#include "tools/Confinement.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
@@ -26,7 +27,8 @@ namespace
 constexpr int cannotBeRun = 127;
 constexpr int signalBase = 128;
 
-// Nothing that the user's environment holds can change what the tool does, its language and its libraries included.
+// Nothing that the user's environment holds can change what the tool does, its language and its libraries
+// included.
 char path[] = "PATH=/usr/bin:/bin";
 char locale[] = "LC_ALL=C.UTF-8";
 char* const toolEnvironment[] = {path, locale, nullptr};
@@ -41,7 +43,8 @@ void sayThatItCannotBeRun(const char* program)
         std::strerror(errno));
 }
 
-// The null device stands in for what is not given. The descriptors that are given lie above the standard ones.
+// The null device stands in for what is not given. The descriptors that are given lie above the standard
+// ones.
 void giveStream(int descriptor, int stream)
 {
     const int source = descriptor >= 0 ? descriptor : ::open("/dev/null", O_RDWR | O_CLOEXEC);
@@ -74,8 +77,9 @@ void resetSignals()
     giveStream(plan.standardOutput, STDOUT_FILENO);
     giveStream(plan.standardError, STDERR_FILENO);
     closeTheRestOnExec();
-    if (plan.kept >= 0)
-        ::fcntl(plan.kept, F_SETFD, 0);
+    if (plan.output >= 0)
+        ::fcntl(plan.output, F_SETFD, 0);
+    confine({plan.program, plan.input, plan.output, plan.isBrief});
     ::execve(plan.program.c_str(), arguments, toolEnvironment);
     ::dup2(ownError, STDERR_FILENO);
     sayThatItCannotBeRun(plan.program.c_str());
@@ -87,7 +91,8 @@ void endChild(pid_t child)
 {
     for (int waited = 0; waited < longestEnd; waited += endCheckInterval) {
         siginfo_t exit = {};
-        if (::waitid(P_PID, static_cast<id_t>(child), &exit, WEXITED | WNOWAIT | WNOHANG) != 0 || exit.si_pid != 0)
+        if (::waitid(P_PID, static_cast<id_t>(child), &exit, WEXITED | WNOWAIT | WNOHANG) != 0
+            || exit.si_pid != 0)
             return;
         ::poll(nullptr, 0, endCheckInterval);
     }

@@ -2,28 +2,32 @@
 #pragma once
 
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
-#include <sys/types.h>
-
-/// What a child process is to run, and on which descriptors. -1 stands for the null device; standard input always is.
+/// What a child process is to run, on which descriptors, and the only files of the user's that it can reach.
+/// -1 stands for the null device; standard input always is.
 struct ChildPlan {
     std::string program;
     std::vector<std::string> arguments;
     int standardOutput = -1;
     int standardError = -1;
-    int kept = -1; // one more descriptor that the child finds under the same number
+    std::string input; // the file that it may read
+    int output = -1; // the file that it may write, under this number for the child too
+    bool isBrief = false; // a report is; see Reach
 };
 
-/// Starts the child; it ends with this process, however that ends. -1 where no process could be made. A program that
-/// cannot be run makes the child exit with 127 after it has said so on this process's standard error.
+/// Starts the child, confined; it ends with this process, however that ends. -1 where no process could be
+/// made. A program that cannot be run makes the child exit with 127 after it has said so on this process's
+/// standard error.
 pid_t startChild(const ChildPlan& plan);
 
 /// Waits for the child's end: its exit status, or 128 and the signal's number.
 int waitForChild(pid_t child);
 
-/// Runs the child until its standard output ends; all it printed there. `status` gets what waitForChild gives. A child
-/// that lives on long after its output, or when there is something to read at `wishToStop`, is killed.
+/// Runs the child until its standard output ends; all it printed there. `status` gets what waitForChild
+/// gives. A child that lives on long after its output, or when there is something to read at `wishToStop`, is
+/// killed.
 std::string outputOfChild(ChildPlan plan, int& status, int wishToStop = -1);
 
 /// Opens standard descriptors that are closed on the null device, so that no other file takes their numbers.

@@ -8,9 +8,8 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <optional>
-
 #include <fcntl.h>
+#include <optional>
 #include <poll.h>
 #include <sys/signalfd.h>
 #include <sys/wait.h>
@@ -90,8 +89,8 @@ public:
     void listen()
     {
         while (m_progress >= 0 || m_complaints >= 0 || !hasExited()) {
-            std::array<pollfd, 3> waiting = {
-                {{m_progress, POLLIN, 0}, {m_complaints, POLLIN, 0}, {m_killAt ? -1 : cancelDescriptor, POLLIN, 0}}};
+            std::array<pollfd, 3> waiting = {{{m_progress, POLLIN, 0}, {m_complaints, POLLIN, 0},
+                {m_killAt ? -1 : cancelDescriptor, POLLIN, 0}}};
             ::poll(waiting.data(), waiting.size(), patience());
             if (m_killAt && Clock::now() >= *m_killAt) {
                 ::kill(m_child, SIGKILL);
@@ -121,7 +120,8 @@ private:
             return exitCheckInterval;
         if (!m_killAt)
             return -1;
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(*m_killAt - Clock::now()).count();
+        const auto left
+            = std::chrono::duration_cast<std::chrono::milliseconds>(*m_killAt - Clock::now()).count();
         return left > 0 ? static_cast<int>(left) + 1 : 0;
     }
 
@@ -164,7 +164,7 @@ int cancellingDescriptor()
     return cancelDescriptor;
 }
 
-RunEnd runFfmpeg(const std::vector<std::string>& arguments, int output)
+RunEnd runFfmpeg(const std::vector<std::string>& arguments, const std::string& input, int output)
 {
     if (isCancelled())
         return RunEnd::Cancelled;
@@ -175,7 +175,8 @@ RunEnd runFfmpeg(const std::vector<std::string>& arguments, int output)
     ffmpeg.arguments = arguments;
     ffmpeg.standardOutput = progress.writing;
     ffmpeg.standardError = complaints.writing;
-    ffmpeg.kept = output;
+    ffmpeg.input = input;
+    ffmpeg.output = output;
     const pid_t child = startChild(ffmpeg);
     closeEnd(progress.writing);
     closeEnd(complaints.writing);

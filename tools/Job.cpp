@@ -67,7 +67,8 @@ std::optional<Job> readTranscode(const Arguments& list)
 {
     const bool isFiltered = matches(
         list, {"-i", "*", "-pix_fmt", "yuv420p", "-vf", "*", "-metadata:s:v", "rotate=0", "-y", "*"});
-    if (!isFiltered && !matches(list, {"-i", "*", "-pix_fmt", "yuv420p", "-metadata:s:v", "rotate=0", "-y", "*"}))
+    if (!isFiltered
+        && !matches(list, {"-i", "*", "-pix_fmt", "yuv420p", "-metadata:s:v", "rotate=0", "-y", "*"}))
         return std::nullopt;
     Job job;
     job.kind = Job::Kind::Transcode;
@@ -112,8 +113,9 @@ std::vector<std::string> ffmpegArguments(const Job& job, const Target& target)
     if (job.kind == Job::Kind::FixFlag)
         append(list, {"-c:v", "copy", "-c:a", "copy"});
     if (job.kind == Job::Kind::Transcode)
-        append(list, {"-pix_fmt", "yuv420p", "-vf", job.filters.empty() ? evenSize : job.filters + "," + evenSize,
-                         "-metadata:s:v", "rotate=0"});
+        append(list,
+            {"-pix_fmt", "yuv420p", "-vf", job.filters.empty() ? evenSize : job.filters + "," + evenSize,
+                "-metadata:s:v", "rotate=0"});
     if (!target.container.empty())
         append(list, {"-f", target.container});
     append(list, {"-y", target.path});

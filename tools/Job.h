@@ -12,9 +12,9 @@ struct Job {
     Kind kind = Kind::Still;
     std::string input;
     std::string output;
-    std::string position;          // of a still, in seconds as ffmpeg reads them
-    double rotation = 0;           // of a flag: degrees counterclockwise against the coded picture
-    std::string filters;           // of an encoding; empty for none
+    std::string position; // of a still, in seconds as ffmpeg reads them
+    double rotation = 0; // of a flag: degrees counterclockwise against the coded picture
+    std::string filters; // of an encoding; empty for none
 };
 
 /// Reads one of the three argument lists. Nothing for any other list.

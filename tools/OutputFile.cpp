@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -126,8 +125,8 @@ bool OutputFile::isEmpty() const
 bool OutputFile::linkHidden()
 {
     for (int number = 0; number < mostNames; ++number) {
-        const std::string candidate = folderOf(m_path) + "/.tarnwell-" + std::to_string(::getpid()) + "-"
-            + std::to_string(number);
+        const std::string candidate
+            = folderOf(m_path) + "/.tarnwell-" + std::to_string(::getpid()) + "-" + std::to_string(number);
         if (::linkat(AT_FDCWD, writablePath().c_str(), AT_FDCWD, candidate.c_str(), AT_SYMLINK_FOLLOW) == 0) {
             m_hiddenPath = candidate;
             return true;

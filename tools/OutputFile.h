@@ -3,8 +3,9 @@
 
 #include <string>
 
-/// A file that appears at its place whole or not at all. Until it is finished it has no name, or on file systems
-/// that cannot do that a hidden one of its own beside its place; whatever stands at the place stays untouched.
+/// A file that appears at its place whole or not at all. Until it is finished it has no name, or on file
+/// systems that cannot do that a hidden one of its own beside its place; whatever stands at the place stays
+/// untouched.
 class OutputFile
 {
 public:
@@ -24,8 +25,8 @@ public:
     void empty() const;
     bool isEmpty() const;
 
-    /// Brings the data to the disk and the file to its place, over what stands there. False where that failed; then
-    /// nothing has changed.
+    /// Brings the data to the disk and the file to its place, over what stands there. False where that
+    /// failed; then nothing has changed.
     bool finish();
 
 private:
@@ -38,8 +39,9 @@ private:
     int m_descriptor = -1;
 };
 
-/// Renames what stands at `path` to a name that says so, "NAME (WORD).EXTENSION", counting on where that is taken.
-/// The new path; empty where no file was there or it could not be renamed. Never over another file; folders stay.
+/// Renames what stands at `path` to a name that says so, "NAME (WORD).EXTENSION", counting on where that is
+/// taken. The new path; empty where no file was there or it could not be renamed. Never over another file;
+/// folders stay.
 std::string putAside(const std::string& path, const std::string& word);
 
 /// Whether both paths name one and the same directory entry, however they are spelled.

@@ -25,7 +25,8 @@ void appendSegment(std::string& bytes, char marker, const std::string& content)
     bytes += content;
 }
 
-// A table with one code, a single 0 bit, for the symbol 0: "no difference" for the mean, "nothing follows" for the rest.
+// A table with one code, a single 0 bit, for the symbol 0: "no difference" for the mean, "nothing follows"
+// for the rest.
 std::string codeTable(char kind)
 {
     std::string table(1, kind);

@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr double one = 65536;                      // 16.16 fixed point
+constexpr double one = 65536; // 16.16 fixed point
 constexpr std::int64_t perspectiveOne = 1073741824; // 2.30 fixed point
 constexpr std::size_t numbersInMatrix = 9;
 constexpr double tolerance = 0.001; // what rounding leaves of a right angle
@@ -43,7 +43,8 @@ bool isNear(double left, double right)
 
 bool keepsShapeAndSize(const DisplayMatrix& m)
 {
-    return isNear(std::hypot(m.a, m.b), 1) && isNear(std::hypot(m.c, m.d), 1) && isNear(m.a * m.c + m.b * m.d, 0);
+    return isNear(std::hypot(m.a, m.b), 1) && isNear(std::hypot(m.c, m.d), 1)
+        && isNear(m.a * m.c + m.b * m.d, 0);
 }
 
 } // namespace

@@ -14,8 +14,8 @@ struct DisplayMatrix {
     double d = 1;
 };
 
-/// Reads the nine numbers as ffprobe prints them, in numbered rows of fixed-point numbers. Nothing for garbage and
-/// for a matrix that scales, skews or bends the picture.
+/// Reads the nine numbers as ffprobe prints them, in numbered rows of fixed-point numbers. Nothing for
+/// garbage and for a matrix that scales, skews or bends the picture.
 std::optional<DisplayMatrix> parseDisplayMatrix(std::string_view text);
 
 /// A turn counterclockwise.
@@ -27,5 +27,6 @@ DisplayMatrix combined(const DisplayMatrix& first, const DisplayMatrix& second);
 /// Whether the picture is shown as in a mirror.
 bool isMirrored(const DisplayMatrix& matrix);
 
-/// The clockwise turn in whole degrees, 0 to 359, as decoders reckon it. A mirrored matrix has such a number too.
+/// The clockwise turn in whole degrees, 0 to 359, as decoders reckon it. A mirrored matrix has such a number
+/// too.
 int rotationTag(const DisplayMatrix& matrix);

@@ -47,7 +47,8 @@ std::optional<std::int64_t> wholeNumber(const std::string& text)
 
 std::string withoutStatusMarks(std::string line)
 {
-    std::replace_if(line.begin(), line.end(), [](char byte) { return byte < ' ' || byte > '~'; }, '?');
+    std::replace_if(
+        line.begin(), line.end(), [](char byte) { return byte < ' ' || byte > '~'; }, '?');
     for (auto mark = line.find(statusMark); mark != std::string::npos; mark = line.find(statusMark))
         line[mark + statusMark.size() - 1] = ':';
     return line;
@@ -62,8 +63,8 @@ std::string statusLine(std::int64_t microseconds)
         return static_cast<int>(hundredths / unit % count);
     };
     std::array<char, 32> text{};
-    const int length = std::snprintf(text.data(), text.size(), "time=%02d:%02d:%02d.%02d\n", part(360000, 100),
-        part(6000, 60), part(100, 60), part(1, 100));
+    const int length = std::snprintf(text.data(), text.size(), "time=%02d:%02d:%02d.%02d\n",
+        part(360000, 100), part(6000, 60), part(100, 60), part(1, 100));
     return {text.data(), static_cast<std::size_t>(length)};
 }
 

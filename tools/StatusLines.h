@@ -5,7 +5,8 @@
 #include <optional>
 #include <string>
 
-/// Turns what ffmpeg says of its progress, keys and values line by line in pieces of any size, into status lines.
+/// Turns what ffmpeg says of its progress, keys and values line by line in pieces of any size, into status
+/// lines.
 class ProgressReader
 {
 public:

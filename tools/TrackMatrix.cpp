@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <functional>
 #include <string>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,7 +20,8 @@ constexpr Offset longHeader = 16;
 constexpr std::uint32_t sizeFollows = 1;
 constexpr std::uint32_t reachesToTheEnd = 0;
 
-// Within a track header of version 0: matrix, then width and height. Version 1 has three longer times before it.
+// Within a track header of version 0: matrix, then width and height. Version 1 has three longer times before
+// it.
 constexpr Offset matrixOffset = 40;
 constexpr Offset longerTimes = 12;
 constexpr Offset matrixSize = 36;
@@ -151,7 +151,7 @@ bool isCompleteMovie(int descriptor)
 {
     const Box file = wholeFile(descriptor);
     return findBox(descriptor, file, "moov").content != 0
-        && forEachBox(descriptor, file.content, file.end, [](const Box&) { });
+        && forEachBox(descriptor, file.content, file.end, [](const Box&) {});
 }
 
 bool writeTrackMatrix(int descriptor, const DisplayMatrix& matrix)

@@ -3,9 +3,10 @@
 
 #include "tools/Rotation.h"
 
-/// Whether the file behind the descriptor is an MP4 or QuickTime file that is all there: whole boxes up to its end,
-/// and among them the one that describes the tracks.
+/// Whether the file behind the descriptor is an MP4 or QuickTime file that is all there: whole boxes up to
+/// its end, and among them the one that describes the tracks.
 bool isCompleteMovie(int descriptor);
 
-/// Writes the matrix into the header of every video track of such a file, in place. False where there is none.
+/// Writes the matrix into the header of every video track of such a file, in place. False where there is
+/// none.
 bool writeTrackMatrix(int descriptor, const DisplayMatrix& matrix);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The encoder tool: makes a still, a copy with another rotation flag, or a new encoding, with ffmpeg. What it makes
-// appears whole or not at all, and its input is never written to.
+// The encoder tool: makes a still, a copy with another rotation flag, or a new encoding, with ffmpeg. What it
+// makes appears whole or not at all, and its input is never written to.
 #include "tools/Child.h"
+#include "tools/Confinement.h"
 #include "tools/Encoder.h"
 #include "tools/Job.h"
 #include "tools/OutputFile.h"
@@ -13,9 +14,8 @@
 #include <csignal>
 #include <cstdio>
 #include <string>
-#include <vector>
-
 #include <unistd.h>
+#include <vector>
 
 namespace
 {
@@ -30,6 +30,8 @@ VideoFacts factsOf(const std::string& path)
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments = {"-v", "quiet", "-print_format", "json", "-show_streams", path};
+    ffprobe.input = path;
+    ffprobe.isBrief = true;
     int status = 0;
     return videoFactsOf(outputOfChild(ffprobe, status, cancellingDescriptor()));
 }
@@ -42,21 +44,23 @@ std::string containerOf(const Job& job)
 RunEnd runJob(const Job& job, const OutputFile& output)
 {
     output.empty();
-    return runFfmpeg(ffmpegArguments(job, {output.writablePath(), containerOf(job)}), output.descriptor());
+    return runFfmpeg(
+        ffmpegArguments(job, {output.writablePath(), containerOf(job)}), job.input, output.descriptor());
 }
 
 bool writePlaceholder(const Job& job, const OutputFile& output)
 {
     const VideoFacts facts = factsOf(job.input);
     const bool isOnItsSide = facts.matrix && rotationTag(*facts.matrix) % 180 == 90;
-    const std::string picture
-        = isOnItsSide ? placeholderPicture(facts.height, facts.width) : placeholderPicture(facts.width, facts.height);
+    const std::string picture = isOnItsSide ? placeholderPicture(facts.height, facts.width)
+                                            : placeholderPicture(facts.width, facts.height);
     output.empty();
-    return ::pwrite(output.descriptor(), picture.data(), picture.size(), 0) == static_cast<ssize_t>(picture.size());
+    return ::pwrite(output.descriptor(), picture.data(), picture.size(), 0)
+        == static_cast<ssize_t>(picture.size());
 }
 
-/// An original whose own directory entry is to become the output keeps its bytes under another name. False where
-/// that could not be done.
+/// An original whose own directory entry is to become the output keeps its bytes under another name. False
+/// where that could not be done.
 bool saveOriginal(Job& job)
 {
     if (!isSameEntry(job.input, job.output))
@@ -86,8 +90,8 @@ int makeStill(Job job, OutputFile& output)
     return isMade && output.finish() ? success : failure;
 }
 
-/// The turn that the flag says is against the coded picture. A mirror that the input's matrix carries is kept: the
-/// turn is then reckoned from what decoders show of it.
+/// The turn that the flag says is against the coded picture. A mirror that the input's matrix carries is
+/// kept: the turn is then reckoned from what decoders show of it.
 DisplayMatrix matrixOfFlag(const Job& job)
 {
     const auto matrix = factsOf(job.input).matrix;
@@ -128,7 +132,12 @@ int main(int argc, char* argv[])
     holdStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
     watchForCancelling();
-    const auto job = readJob(std::vector<std::string>(argv + 1, argv + argc));
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (arguments == std::vector<std::string>{"--confinement"}) {
+        std::fputs(describeConfinement().c_str(), stdout);
+        return success;
+    }
+    const auto job = readJob(arguments);
     if (!job) {
         std::fputs("tarnwell: creator does not know what these arguments ask for\n", stderr);
         return wrongArguments;

@@ -5,9 +5,8 @@
 
 #include <csignal>
 #include <string>
-#include <vector>
-
 #include <unistd.h>
+#include <vector>
 
 namespace
 {
@@ -33,6 +32,8 @@ int main(int argc, char* argv[])
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments.assign(argv + 1, argv + argc);
     ffprobe.standardError = STDERR_FILENO;
+    ffprobe.input = ffprobe.arguments.empty() ? "" : ffprobe.arguments.back();
+    ffprobe.isBrief = true;
     int status = 0;
     const std::string report = outputOfChild(ffprobe, status);
     writeAll(withTrueRotation(report));

@@ -85,6 +85,7 @@ TEST_F(CreatorStillTest, halfAFrameIsNoPicture)
     const std::string crash = "with -ss die " + std::to_string(SIGSEGV) + "\n";
     EXPECT_EQ(pictureAfter("with -ss " + half + crash + writing(frame)), frame);
     EXPECT_EQ(pictureAfter("with -ss " + half + "with -ss exit 1\n" + writing(frame)), frame);
+    EXPECT_EQ(pictureAfter("with -ss " + half + "with -ss exit 1\n"), placeholderPicture(64, 48));
 }
 
 TEST_F(CreatorStillTest, aPlaceholderOfTheSameSizeIsMadeWhereNothingDecodes)

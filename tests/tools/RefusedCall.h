@@ -6,11 +6,20 @@
 namespace tarnwell::test
 {
 
-/// A system call that file systems refuse which cannot do all that others can.
+/// A system call that some file systems and kernels refuse which others offer.
 enum class RefusedCall {
     OpenNameless, // a file without a name
-    RenameToFreeName // a rename that leaves what stands there
+    RenameToFreeName, // a rename that leaves what stands there
+    FileRules, // Landlock
+    CallFilters // seccomp; it must be the last one to be refused
 };
+
+/// From now on the system refuses that call to this process and its children. False where it cannot be made
+/// to.
+bool refuse(RefusedCall call);
+
+/// Runs the action in a process of its own; whether it returned true there.
+bool holdsInChild(const std::function<bool()>& action);
 
 /// Runs the action in a process of its own in which the system refuses that call; whether it returned true
 /// there.

@@ -33,10 +33,11 @@ std::string ToolFolder::addData(const std::string& name, const std::string& cont
     return m_tools.path() + name;
 }
 
-void ToolFolder::setTool(const std::string& name, const std::string& script)
+void ToolFolder::setTool(const std::string& name, const std::string& script, const std::string& program)
 {
-    if (!exists(m_tools.path() + name))
-        copyProgram(buildFolder + "/tests/standInTool", m_tools.path() + name);
+    if (m_programs[name] != program)
+        copyProgram(buildFolder + "/tests/" + program, m_tools.path() + name);
+    m_programs[name] = program;
     writeFile(m_tools.path() + name + ".script", script);
 }
 

@@ -3,6 +3,7 @@
 
 #include "platform/TemporaryDirectory.h"
 
+#include <map>
 #include <string>
 
 namespace tarnwell::test
@@ -23,6 +24,11 @@ public:
     void setFfmpeg(const std::string& script) { setTool("ffmpeg", script); }
     void setFfprobe(const std::string& script) { setTool("ffprobe", script); }
 
+    /// The same for tests/fakes/hostileTool.cpp. It may be run as it is, too.
+    void setHostileFfmpeg(const std::string& script) { setTool("ffmpeg", script, "hostileTool"); }
+    void setHostileFfprobe(const std::string& script) { setTool("ffprobe", script, "hostileTool"); }
+    std::string ffmpeg() const { return m_tools.path() + "ffmpeg"; }
+
     /// Makes it a file that may be run and is no program.
     void breakFfmpeg() { breakTool("ffmpeg"); }
     void breakFfprobe() { breakTool("ffprobe"); }
@@ -36,9 +42,11 @@ public:
     const std::string& videos() const { return m_videos.path(); }
 
 private:
-    void setTool(const std::string& name, const std::string& script);
+    void setTool(
+        const std::string& name, const std::string& script, const std::string& program = "standInTool");
     void breakTool(const std::string& name);
 
+    std::map<std::string, std::string> m_programs; // which one each stand-in is a copy of
     TemporaryDirectory m_tools;
     TemporaryDirectory m_videos;
 };

@@ -117,6 +117,10 @@ void ToolProcess::become(const std::vector<std::string>& words, const ToolSetup&
         ::close(STDERR_FILENO);
     for (const int descriptor : setup.closed)
         ::close(descriptor);
+    for (const auto call : setup.refused) {
+        if (!refuse(call))
+            ::_exit(cannotBeRun);
+    }
     ::execv(pointers[0], pointers.data());
     ::_exit(cannotBeRun);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/tools/RefusedCall.h"
+
 #include <string>
 #include <sys/resource.h>
 #include <sys/types.h>
@@ -17,6 +19,7 @@ struct ToolSetup {
     std::vector<int> closed = {}; // descriptors that it finds closed
     rlim_t largestFile = RLIM_INFINITY;
     std::vector<std::string> variables = {}; // more of the environment
+    std::vector<RefusedCall> refused = {}; // what its system cannot do
 };
 
 /// A tool as a child process. Each write to its standard error is kept apart.

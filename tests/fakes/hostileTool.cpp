@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+// An ffmpeg or ffprobe that a hostile file has taken over. It tries what the script beside it says, "NAME" or
+// "NAME ARGUMENT" a line, and tells on standard error how each went: "NAME: done" or "NAME: " and the error.
+// A program that it becomes tells that by itself.
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <netinet/in.h>
+#include <string>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <thread>
+#include <unistd.h>
+
+namespace
+{
+
+using Attack = std::function<bool(const std::string&)>;
+
+bool canOpen(const std::string& path, int flags)
+{
+    const int file = ::open(path.c_str(), flags | O_CLOEXEC, 0600);
+    if (file < 0)
+        return false;
+    ::close(file);
+    return true;
+}
+
+bool canConnect(const std::string& port)
+{
+    const int connection = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (connection < 0)
+        return false;
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(std::stoi(port)));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return ::connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+bool canForkWithoutEnd(const std::string& count)
+{
+    for (int left = std::stoi(count); left > 0; --left) {
+        const pid_t child = ::fork();
+        if (child < 0)
+            return false;
+        if (child == 0)
+            ::_exit(0);
+        ::waitpid(child, nullptr, 0);
+    }
+    return true;
+}
+
+// It is let go when this program ends.
+bool canTrace(pid_t process)
+{
+    return ::ptrace(PTRACE_SEIZE, process, nullptr, nullptr) == 0;
+}
+
+bool becomes(const std::string& command)
+{
+    ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+    return false;
+}
+
+bool canMap(const std::string& gigabytes)
+{
+    const std::size_t size = std::stoull(gigabytes) << 30U;
+    return ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)
+        != MAP_FAILED;
+}
+
+bool canStartThread()
+{
+    std::thread([] {}).join();
+    return true;
+}
+
+bool mayLeaveCore()
+{
+    rlimit limit = {};
+    ::getrlimit(RLIMIT_CORE, &limit);
+    errno = EPERM;
+    return limit.rlim_max != 0;
+}
+
+bool mayGainPrivileges()
+{
+    errno = EPERM;
+    return ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 0;
+}
+
+const std::map<std::string, Attack> attacks = {
+    {"read", [](const std::string& path) { return canOpen(path, O_RDONLY); }},
+    {"list", [](const std::string& path) { return canOpen(path, O_RDONLY | O_DIRECTORY); }},
+    {"create", [](const std::string& path) { return canOpen(path, O_WRONLY | O_CREAT | O_EXCL); }},
+    {"write", [](const std::string& path) { return canOpen(path, O_WRONLY); }},
+    {"empty", [](const std::string& path) { return canOpen(path, O_RDONLY | O_TRUNC); }},
+    {"truncate", [](const std::string& path) { return ::truncate(path.c_str(), 0) == 0; }},
+    {"delete", [](const std::string& path) { return ::unlink(path.c_str()) == 0; }},
+    {"rename", [](const std::string& path) { return ::rename(path.c_str(), (path + ".gone").c_str()) == 0; }},
+    {"link", [](const std::string& path) { return ::link(path.c_str(), (path + ".link").c_str()) == 0; }},
+    {"expose", [](const std::string& path) { return ::chmod(path.c_str(), 0777) == 0; }},
+    {"date", [](const std::string& path) { return ::utimensat(AT_FDCWD, path.c_str(), nullptr, 0) == 0; }},
+    {"connect", canConnect},
+    {"listen", [](const std::string&) { return ::socket(AF_INET6, SOCK_DGRAM, 0) >= 0; }},
+    {"talk", [](const std::string&) { return ::socket(AF_UNIX, SOCK_STREAM, 0) >= 0; }},
+    {"trace", [](const std::string&) { return canTrace(::getppid()); }},
+    {"signal", [](const std::string&) { return ::kill(::getppid(), SIGCONT) == 0; }},
+    {"fork", canForkWithoutEnd},
+    {"outlive", [](const std::string&) { return ::prctl(PR_SET_PDEATHSIG, 0, 0, 0, 0) == 0; }},
+    {"become", becomes},
+    {"map", canMap},
+    {"thread", [](const std::string&) { return canStartThread(); }},
+    {"core", [](const std::string&) { return mayLeaveCore(); }},
+    {"privileges", [](const std::string&) { return mayGainPrivileges(); }},
+};
+
+void tell(const std::string& line)
+{
+    [[maybe_unused]] const auto count = ::write(STDERR_FILENO, (line + "\n").data(), line.size() + 1);
+}
+
+} // namespace
+
+int main(int, char* argv[])
+{
+    const std::string self = argv[0];
+    std::ifstream script(self + ".script");
+    if (!script) {
+        tell("hostileTool: no script");
+        return 2;
+    }
+    for (std::string line; std::getline(script, line);) {
+        const auto blank = line.find(' ');
+        const std::string name = line.substr(0, blank);
+        const std::string argument = blank == std::string::npos ? "" : line.substr(blank + 1);
+        const bool isDone = attacks.at(name)(argument);
+        tell(name + ": " + (isDone ? "done" : std::strerror(errno)));
+    }
+    return 0;
+}

@@ -1,0 +1,291 @@
+// SPDX-License-Identifier: MIT
+// What a file could do that has taken over the ffmpeg which reads it: first by itself, then under the tools.
+#include "tests/support/Files.h"
+#include "tests/tools/CreatorTest.h"
+#include "tests/tools/Listener.h"
+#include "tests/tools/RefusedCall.h"
+#include "tools/CallFilter.h"
+#include "tools/FileRules.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <string>
+#include <sys/ioctl.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+struct Attack {
+    std::string name;
+    std::string target; // a path in the victim's folder; empty for none
+    std::string argument;
+};
+
+const std::string denied = "Permission denied";
+const std::string notPermitted = "Operation not permitted";
+
+} // namespace
+
+class ConfinementTest : public CreatorTest
+{
+protected:
+    void SetUp() override
+    {
+        CreatorTest::SetUp();
+        ::prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY, 0, 0, 0); // where only a parent may trace
+    }
+
+    std::string victim() const { return m_home.path() + "diary"; }
+
+    /// How the attack goes when nothing holds the program back.
+    std::string bare(const Attack& attack) { return outcome(attack, tools.ffmpeg(), {}); }
+    std::string underCreator(const Attack& attack) { return outcome(attack, tools.creator(), transcode()); }
+    std::string underSniffer(const Attack& attack)
+    {
+        return outcome(attack, tools.sniffer(), {"-v", "quiet", input()});
+    }
+
+    /// Works by itself, and under neither tool.
+    void expectPrevented(const Attack& attack, const std::string& error)
+    {
+        SCOPED_TRACE(attack.name);
+        EXPECT_EQ(bare(attack), "done");
+        EXPECT_EQ(underCreator(attack), error);
+        expectVictimUnharmed();
+        EXPECT_EQ(underSniffer(attack), error);
+        expectVictimUnharmed();
+    }
+
+    void expectVictimUnharmed() const
+    {
+        EXPECT_EQ(namesIn(m_home.path()), std::vector<std::string>({"diary"}));
+        EXPECT_EQ(contentsOf(victim()), "dear diary");
+        EXPECT_EQ(std::filesystem::status(victim()).permissions(), std::filesystem::perms(0600));
+    }
+
+    void layOutVictim() const
+    {
+        for (const auto& name : namesIn(m_home.path()))
+            std::filesystem::remove(m_home.path() + name);
+        writeFile(victim(), "dear diary");
+        std::filesystem::permissions(victim(), std::filesystem::perms(0600));
+    }
+
+    std::string outcome(
+        const Attack& attack, const std::string& program, const std::vector<std::string>& arguments)
+    {
+        layOutVictim();
+        const std::string target = attack.target.empty() ? attack.argument : m_home.path() + attack.target;
+        const std::string script = attack.name + " " + target + "\n";
+        tools.setHostileFfmpeg(script);
+        tools.setHostileFfprobe(script);
+        ToolProcess process(program, arguments);
+        process.wait();
+        const auto said = process.said(attack.name + ": ");
+        EXPECT_EQ(said.size(), 1U) << process.errorText();
+        return said.empty() ? "" : said.front();
+    }
+
+private:
+    TemporaryDirectory m_home;
+};
+
+TEST_F(ConfinementTest, otherFilesCannotBeRead)
+{
+    expectPrevented({"read", "diary", {}}, denied);
+    expectPrevented({"list", ".", {}}, denied);
+    expectPrevented({"read", {}, "/etc/passwd"}, denied);
+}
+
+TEST_F(ConfinementTest, nothingCanBeMadeChangedOrTakenAway)
+{
+    expectPrevented({"create", "note", {}}, denied);
+    expectPrevented({"write", "diary", {}}, denied);
+    expectPrevented({"truncate", "diary", {}}, notPermitted);
+    expectPrevented({"empty", "diary", {}}, notPermitted);
+    expectPrevented({"delete", "diary", {}}, notPermitted);
+    expectPrevented({"rename", "diary", {}}, notPermitted);
+    expectPrevented({"link", "diary", {}}, notPermitted);
+    expectPrevented({"expose", "diary", {}}, notPermitted);
+    expectPrevented({"date", "diary", {}}, notPermitted);
+}
+
+TEST_F(ConfinementTest, nothingCanBeWrittenBesideTheOutput)
+{
+    const Attack attack = {"create", {}, tools.at("beside")};
+    EXPECT_EQ(bare(attack), "done");
+    EXPECT_EQ(otherNames(), std::vector<std::string>({"beside"}));
+    std::filesystem::remove(tools.at("beside"));
+    EXPECT_EQ(underCreator(attack), denied);
+    EXPECT_EQ(underSniffer(attack), denied);
+    EXPECT_EQ(otherNames(), std::vector<std::string>());
+}
+
+TEST_F(ConfinementTest, theInputCanBeReadAndNothingElse)
+{
+    EXPECT_EQ(underCreator({"read", {}, input()}), "done");
+    EXPECT_EQ(underSniffer({"read", {}, input()}), "done");
+    expectPrevented({"write", {}, input()}, denied);
+    expectPrevented({"date", {}, tools.addData("other", "bytes")}, notPermitted);
+    for (const char* name : {"truncate", "empty", "rename", "delete", "date"}) {
+        EXPECT_EQ(underCreator({name, {}, input()}), notPermitted) << name;
+        EXPECT_EQ(underSniffer({name, {}, input()}), notPermitted) << name;
+    }
+}
+
+TEST_F(ConfinementTest, nobodyCanBeCalled)
+{
+    const Listener listener;
+    const Attack attack = {"connect", {}, listener.port()};
+    EXPECT_EQ(bare(attack), "done");
+    EXPECT_TRUE(listener.wasCalled());
+    EXPECT_EQ(underCreator(attack), notPermitted);
+    EXPECT_EQ(underSniffer(attack), notPermitted);
+    EXPECT_FALSE(listener.wasCalled());
+    expectPrevented({"listen", {}, {}}, notPermitted);
+    expectPrevented({"talk", {}, {}}, notPermitted);
+}
+
+TEST_F(ConfinementTest, otherProcessesCannotBeReached)
+{
+    expectPrevented({"trace", {}, {}}, notPermitted);
+    expectPrevented({"signal", {}, {}}, notPermitted);
+    expectPrevented({"outlive", {}, {}}, notPermitted);
+}
+
+TEST_F(ConfinementTest, noProcessesCanBeStarted)
+{
+    expectPrevented({"fork", {}, "50"}, notPermitted);
+    expectPrevented({"become", {}, "echo become: done >&2"}, denied);
+}
+
+TEST_F(ConfinementTest, theMachineKeepsItsMemory)
+{
+    expectPrevented({"map", {}, "2000"}, "Cannot allocate memory");
+}
+
+TEST_F(ConfinementTest, privilegesAndCoresCannotBeHad)
+{
+    expectPrevented({"privileges", {}, {}}, notPermitted);
+    for (const auto& outcome : {underCreator({"core", {}, {}}), underSniffer({"core", {}, {}})})
+        EXPECT_EQ(outcome, notPermitted);
+}
+
+TEST_F(ConfinementTest, whatADecoderNeedsIsThere)
+{
+    for (const Attack& need : std::vector<Attack>{
+             {"thread", {}, {}}, {"map", {}, "1"}, {"read", {}, "/dev/urandom"}, {"list", {}, "/usr/lib"}}) {
+        EXPECT_EQ(underCreator(need), "done") << need.name;
+        EXPECT_EQ(underSniffer(need), "done") << need.name;
+    }
+}
+
+TEST_F(ConfinementTest, aKernelThatOffersLessGivesLessAndNoFailure)
+{
+    const std::vector<std::vector<RefusedCall>> kernels = {{RefusedCall::FileRules},
+        {RefusedCall::CallFilters}, {RefusedCall::FileRules, RefusedCall::CallFilters}};
+    setGoodFfmpeg();
+    for (const auto& kernel : kernels) {
+        ToolSetup setup;
+        setup.refused = kernel;
+        std::filesystem::remove(output());
+        ToolProcess creator(tools.creator(), transcode(), setup);
+        EXPECT_EQ(creator.wait(), 0) << creator.errorText();
+        EXPECT_EQ(contentsOf(output()), movie());
+        ToolProcess sniffer(tools.sniffer(), {"-v", "quiet", input()}, setup);
+        EXPECT_EQ(sniffer.wait(), 0);
+        EXPECT_NE(sniffer.output(), "");
+    }
+}
+
+TEST_F(ConfinementTest, whatTheKernelGivesIsTold)
+{
+    ToolProcess creator(tools.creator(), {"--confinement"});
+    EXPECT_EQ(creator.wait(), 0);
+    EXPECT_TRUE(creator.output().starts_with("no new privileges: yes\nlimits: yes\nfile rules: version "))
+        << creator.output();
+    EXPECT_TRUE(creator.output().ends_with("\ncall filter: yes\n")) << creator.output();
+    ToolSetup setup;
+    setup.refused = {RefusedCall::FileRules, RefusedCall::CallFilters};
+    ToolProcess onAnother(tools.creator(), {"--confinement"}, setup);
+    EXPECT_EQ(onAnother.wait(), 0);
+    EXPECT_EQ(onAnother.output(), "no new privileges: yes\nlimits: yes\nfile rules: no\ncall filter: no\n");
+}
+
+TEST_F(ConfinementTest, everyVersionOfTheKernelsFileRulesKeepsOthersFromBeingRead)
+{
+    layOutVictim();
+    for (int version = 1; version <= 7; ++version) {
+        SCOPED_TRACE(version);
+        EXPECT_TRUE(holdsInChild([&] {
+            const int held = restrictFiles("/bin/true", input(), -1, version);
+            return held > 0 && held <= version && ::open(victim().c_str(), O_RDONLY) < 0 && errno == EACCES
+                && ::open(input().c_str(), O_RDONLY) >= 0 && ::open(input().c_str(), O_WRONLY) < 0
+                && ::open("/usr/lib", O_RDONLY | O_DIRECTORY) >= 0;
+        }));
+    }
+}
+
+TEST_F(ConfinementTest, filesCannotBeEmptiedWhereTheKernelsFileRulesAreTooOldToSeeIt)
+{
+    layOutVictim();
+    for (const int mode : {O_RDONLY, O_ACCMODE}) {
+        EXPECT_TRUE(holdsInChild([&] {
+            return restrictFiles("/bin/true", {}, -1, 2) == 2 && refuseCalls()
+                && ::open(input().c_str(), mode | O_TRUNC) < 0 && errno == EPERM
+                && ::truncate(input().c_str(), 0) < 0 && errno == EPERM;
+        }));
+    }
+}
+
+struct KernelCall {
+    const char* name;
+    long number;
+    long arguments[3];
+    int error;
+};
+
+TEST_F(ConfinementTest, theKernelsOtherDoorsAreShut)
+{
+    const std::vector<KernelCall> calls = {{"mount", SYS_mount, {0, 0, 0}, EPERM},
+        {"umount2", SYS_umount2, {0, 0, 0}, EPERM}, {"unshare", SYS_unshare, {0, 0, 0}, EPERM},
+        {"setns", SYS_setns, {-1, 0, 0}, EPERM}, {"keyctl", SYS_keyctl, {0, 0, 0}, EPERM},
+        {"add_key", SYS_add_key, {0, 0, 0}, EPERM}, {"request_key", SYS_request_key, {0, 0, 0}, EPERM},
+        {"bpf", SYS_bpf, {0, 0, 0}, EPERM}, {"userfaultfd", SYS_userfaultfd, {-1, 0, 0}, EPERM},
+        {"io_uring_setup", SYS_io_uring_setup, {0, 0, 0}, EPERM},
+        {"io_uring_enter", SYS_io_uring_enter, {-1, 0, 0}, EPERM},
+        {"io_uring_register", SYS_io_uring_register, {-1, 0, 0}, EPERM},
+        {"perf_event_open", SYS_perf_event_open, {0, 0, 0}, EPERM},
+        {"process_vm_readv", SYS_process_vm_readv, {0, 0, 0}, EPERM},
+        {"pidfd_open", SYS_pidfd_open, {-1, 0, 0}, EPERM}, {"move_mount", SYS_move_mount, {-1, 0, 0}, EPERM},
+        {"open_tree", SYS_open_tree, {-1, 0, 0}, EPERM}, {"fsopen", SYS_fsopen, {0, 0, 0}, EPERM},
+        {"shmget", SYS_shmget, {0, 0, 0}, EPERM}, {"fchmodat2", 452, {-1, 0, 0}, EPERM},
+        {"setxattrat", 463, {-1, 0, 0}, EPERM}, {"file_setattr", 469, {-1, 0, 0}, EPERM},
+        {"typing into a terminal", SYS_ioctl, {0, TIOCSTI, 0}, EPERM}, {"clone3", 435, {0, 0, 0}, ENOSYS},
+        {"openat2", SYS_openat2, {-1, 0, 0}, ENOSYS}};
+    for (const auto& call : calls) {
+        EXPECT_TRUE(holdsInChild([&] {
+            return refuseCalls()
+                && ::syscall(call.number, call.arguments[0], call.arguments[1], call.arguments[2], 0, 0) < 0
+                && errno == call.error;
+        })) << call.name;
+    }
+}
+
+TEST_F(ConfinementTest, aSignalToItselfIsItsOwnAffair)
+{
+    EXPECT_TRUE(holdsInChild([] {
+        return refuseCalls() && ::syscall(SYS_tgkill, ::getpid(), ::gettid(), 0) == 0
+            && ::syscall(SYS_tgkill, ::getppid(), ::getppid(), 0) < 0 && errno == EPERM;
+    }));
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace tarnwell::test
+{
+
+/// A server on the loopback interface that hangs up on everybody.
+class Listener
+{
+public:
+    Listener();
+    ~Listener();
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    std::string port() const { return std::to_string(m_port); }
+
+    /// Whether anybody has called since the last time.
+    bool wasCalled() const;
+
+    /// Waits for a call. False where none comes.
+    bool isCalled() const;
+
+private:
+    int m_socket = -1;
+    int m_port = 0;
+};
+
+} // namespace tarnwell::test

@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: MIT
+#include "tools/CallFilter.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <linux/sched.h>
+#include <memory>
+#include <seccomp.h>
+#include <sys/ioctl.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace
+{
+
+struct Release {
+    void operator()(void* filter) const { ::seccomp_release(filter); }
+};
+
+struct Call {
+    const char* name;
+    int number = __NR_SCMP_ERROR; // of a call so new that the library may not know its name: the same on
+                                  // every machine
+};
+
+constexpr Call refused[] = {
+    // The network, and sockets to other programs.
+    {"socket"},
+    {"socketpair"},
+    {"socketcall"},
+    {"connect"},
+    {"bind"},
+    {"listen"},
+    {"accept"},
+    {"accept4"},
+    // New processes; threads are looked at below.
+    {"fork"},
+    {"vfork"},
+    {"execveat"},
+    // Other processes. A signal to oneself is looked at below.
+    {"ptrace"},
+    {"process_vm_readv"},
+    {"process_vm_writev"},
+    {"process_madvise", 440},
+    {"process_mrelease", 448},
+    {"pidfd_open", 434},
+    {"pidfd_getfd", 438},
+    {"pidfd_send_signal", 424},
+    {"kcmp"},
+    {"kill"},
+    {"tkill"},
+    {"rt_sigqueueinfo"},
+    {"rt_tgsigqueueinfo"},
+    {"migrate_pages"},
+    {"move_pages"},
+    // Mounts and namespaces.
+    {"mount"},
+    {"umount"},
+    {"umount2"},
+    {"pivot_root"},
+    {"chroot"},
+    {"open_tree", 428},
+    {"move_mount", 429},
+    {"fsopen", 430},
+    {"fsconfig", 431},
+    {"fsmount", 432},
+    {"fspick", 433},
+    {"mount_setattr", 442},
+    {"open_tree_attr", 467},
+    {"unshare"},
+    {"setns"},
+    {"quotactl"},
+    {"quotactl_fd", 443},
+    {"swapon"},
+    {"swapoff"},
+    // Files by something else than a path.
+    {"name_to_handle_at"},
+    {"open_by_handle_at"},
+    {"fanotify_init"},
+    // What stands at a path, where the kernel's rules for files are silent or too old.
+    {"truncate"},
+    {"truncate64"},
+    {"link"},
+    {"linkat"},
+    {"symlink"},
+    {"symlinkat"},
+    {"rename"},
+    {"renameat"},
+    {"renameat2"},
+    {"unlink"},
+    {"unlinkat"},
+    {"rmdir"},
+    {"mkdir"},
+    {"mkdirat"},
+    {"mknod"},
+    {"mknodat"},
+    {"chmod"},
+    {"fchmod"},
+    {"fchmodat"},
+    {"fchmodat2", 452},
+    {"chown"},
+    {"chown32"},
+    {"fchown"},
+    {"fchown32"},
+    {"lchown"},
+    {"lchown32"},
+    {"fchownat"},
+    {"setxattr"},
+    {"lsetxattr"},
+    {"fsetxattr"},
+    {"setxattrat", 463},
+    {"removexattr"},
+    {"lremovexattr"},
+    {"fremovexattr"},
+    {"removexattrat", 466},
+    {"file_setattr", 469},
+    {"utime"},
+    {"utimes"},
+    {"futimesat"},
+    {"utimensat"},
+    {"utimensat_time64"},
+    // Keys, and memory and queues shared with other programs.
+    {"add_key"},
+    {"request_key"},
+    {"keyctl"},
+    {"shmget"},
+    {"shmat"},
+    {"shmctl"},
+    {"semget"},
+    {"semop"},
+    {"semctl"},
+    {"msgget"},
+    {"msgsnd"},
+    {"msgrcv"},
+    {"msgctl"},
+    {"ipc"},
+    {"mq_open"},
+    {"mq_unlink"},
+    // The kernel's insides.
+    {"bpf"},
+    {"userfaultfd"},
+    {"perf_event_open"},
+    {"io_uring_setup", 425},
+    {"io_uring_enter", 426},
+    {"io_uring_register", 427},
+    {"init_module"},
+    {"finit_module"},
+    {"delete_module"},
+    {"kexec_load"},
+    {"kexec_file_load"},
+    {"reboot"},
+    {"acct"},
+    {"syslog"},
+    {"iopl"},
+    {"ioperm"},
+    {"modify_ldt"},
+    {"personality"},
+    {"settimeofday"},
+    {"clock_settime"},
+    {"clock_settime64"},
+    {"adjtimex"},
+    {"clock_adjtime"},
+    {"clock_adjtime64"},
+    {"sethostname"},
+    {"setdomainname"},
+    {"vhangup"},
+};
+
+// Their arguments lie in memory, where the filter cannot look; everybody has an older call to fall back on.
+constexpr Call unknown[] = {{"clone3", 435}, {"openat2", 437}};
+
+constexpr scmp_datum_t refusedCommands[] = {
+    TIOCSTI, // types into a terminal
+    TIOCLINUX,
+    FS_IOC_SETFLAGS,
+    FS_IOC_FSSETXATTR,
+};
+
+class CallFilter
+{
+public:
+    CallFilter()
+        : m_filter(::seccomp_init(SCMP_ACT_ALLOW))
+    {
+    }
+
+    void refuse(const Call& call, int error = EPERM)
+    {
+        if (m_filter)
+            ::seccomp_rule_add(
+                m_filter.get(), SCMP_ACT_ERRNO(static_cast<unsigned>(error)), numberOf(call), 0);
+    }
+
+    void refuseWhere(const Call& call, const scmp_arg_cmp& argument)
+    {
+        if (m_filter)
+            ::seccomp_rule_add_array(m_filter.get(), SCMP_ACT_ERRNO(EPERM), numberOf(call), 1, &argument);
+    }
+
+    bool load()
+    {
+        if (!m_filter)
+            return false;
+        // Kernels before 5.16 would slow down every filtered program by what some processors guess wrongly.
+        ::seccomp_attr_set(m_filter.get(), SCMP_FLTATR_CTL_SSB, 1);
+        ::seccomp_attr_set(
+            m_filter.get(), SCMP_FLTATR_CTL_OPTIMIZE, 2); // search, not one comparison after another
+        return ::seccomp_load(m_filter.get()) == 0;
+    }
+
+private:
+    static int numberOf(const Call& call)
+    {
+        const int number = ::seccomp_syscall_resolve_name(call.name);
+        return number != __NR_SCMP_ERROR ? number : call.number;
+    }
+
+    std::unique_ptr<void, Release> m_filter;
+};
+
+// The kernel looks at no more of such an argument.
+constexpr scmp_datum_t wholeInteger = 0xFFFFFFFF;
+
+scmp_arg_cmp hasBits(unsigned int argument, scmp_datum_t mask, scmp_datum_t bits)
+{
+    return {argument, SCMP_CMP_MASKED_EQ, mask, bits};
+}
+
+scmp_arg_cmp isOther(unsigned int argument, scmp_datum_t value)
+{
+    return {argument, SCMP_CMP_NE, value, 0};
+}
+
+/// Threads belong to a decoder; processes do not.
+void refuseProcesses(CallFilter& filter)
+{
+#ifdef __s390__
+    constexpr unsigned int flags = 1;
+#else
+    constexpr unsigned int flags = 0;
+#endif
+    filter.refuseWhere({"clone"}, hasBits(flags, CLONE_THREAD, 0));
+    for (const scmp_datum_t space :
+        {CLONE_NEWNS, CLONE_NEWCGROUP, CLONE_NEWUTS, CLONE_NEWIPC, CLONE_NEWUSER, CLONE_NEWPID, CLONE_NEWNET})
+        filter.refuseWhere({"clone"}, hasBits(flags, space, space));
+    filter.refuseWhere({"tgkill"}, isOther(0, static_cast<scmp_datum_t>(::getpid())));
+    filter.refuseWhere({"prlimit64"}, isOther(0, 0));
+    // The end of the tool that started it must stay its own.
+    filter.refuseWhere({"prctl"}, hasBits(0, wholeInteger, PR_SET_PDEATHSIG));
+}
+
+/// Opening without the right to write can empty a file; the first versions of the kernel's rules for files do
+/// not see it.
+void refuseEmptying(CallFilter& filter)
+{
+    constexpr scmp_datum_t mask = O_ACCMODE | O_TRUNC;
+    for (const scmp_datum_t mode : {O_RDONLY, O_ACCMODE}) { // the latter neither reads nor writes
+        filter.refuseWhere({"open"}, hasBits(1, mask, mode | O_TRUNC));
+        filter.refuseWhere({"openat"}, hasBits(2, mask, mode | O_TRUNC));
+    }
+}
+
+} // namespace
+
+bool refuseCalls()
+{
+    CallFilter filter;
+    for (const Call& call : refused)
+        filter.refuse(call);
+    for (const Call& call : unknown)
+        filter.refuse(call, ENOSYS);
+    refuseProcesses(filter);
+    refuseEmptying(filter);
+    for (const auto command : refusedCommands)
+        filter.refuseWhere({"ioctl"}, hasBits(1, wholeInteger, command));
+    return filter.load();
+}

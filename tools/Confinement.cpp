@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "tools/Confinement.h"
+
+#include "tools/CallFilter.h"
+#include "tools/FileRules.h"
+
+#include <algorithm>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+// A report on the longest real film takes seconds.
+constexpr rlim_t briefTime = 600;
+
+/// Whoever needs more than the whole machine has would bring it to a halt, but no machine is too small for a
+/// real file that swaps.
+rlim_t mostMemory()
+{
+    constexpr rlim_t least = rlim_t(4) << 30;
+    const long pages = ::sysconf(_SC_PHYS_PAGES);
+    const long pageSize = ::sysconf(_SC_PAGESIZE);
+    if (pages <= 0 || pageSize <= 0)
+        return RLIM_INFINITY;
+    return std::max(least, static_cast<rlim_t>(pages) * static_cast<rlim_t>(pageSize));
+}
+
+/// A limit that is lower already stays.
+bool limit(__rlimit_resource resource, rlim_t most)
+{
+    rlimit now = {};
+    if (::getrlimit(resource, &now) != 0)
+        return false;
+    const rlimit lowered = {std::min(now.rlim_cur, most), std::min(now.rlim_max, most)};
+    return ::setrlimit(resource, &lowered) == 0;
+}
+
+/// What is written and mapped counts, not what is only reserved: every thread reserves a lot that it never
+/// uses.
+bool setLimits(bool isBrief)
+{
+    const bool hasNoCore = limit(RLIMIT_CORE, 0);
+    const bool hasMemory = limit(RLIMIT_DATA, mostMemory());
+    return hasNoCore && hasMemory && (!isBrief || limit(RLIMIT_CPU, briefTime));
+}
+
+} // namespace
+
+Confinement confine(const Reach& reach)
+{
+    Confinement confinement;
+    confinement.noNewPrivileges = ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0;
+    confinement.fileRules = restrictFiles(reach.program, reach.readable, reach.writable);
+    confinement.callFilter = refuseCalls();
+    confinement.limits = setLimits(reach.isBrief); // last, since they hold for this process's own work too
+    return confinement;
+}
+
+std::string describeConfinement()
+{
+    int ends[2] = {-1, -1};
+    if (::pipe(ends) != 0)
+        return {};
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const Confinement given = confine({});
+        [[maybe_unused]] const auto written = ::write(ends[1], &given, sizeof given);
+        ::_exit(0);
+    }
+    ::close(ends[1]);
+    Confinement given;
+    [[maybe_unused]] const auto count = ::read(ends[0], &given, sizeof given);
+    ::close(ends[0]);
+    ::waitpid(child, nullptr, 0);
+    const auto answer = [](bool yes) { return yes ? "yes\n" : "no\n"; };
+    return std::string("no new privileges: ") + answer(given.noNewPrivileges)
+        + "limits: " + answer(given.limits) + "file rules: "
+        + (given.fileRules > 0 ? "version " + std::to_string(given.fileRules) + "\n" : "no\n")
+        + "call filter: " + answer(given.callFilter);
+}

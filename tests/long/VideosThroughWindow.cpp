@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+// Opens one file after the other in the real window, with the real tools, and with VIDEOS_SAVE=1 saves each
+// of at most ten seconds in every way that the program offers. tests/long/videos-through-window calls it:
+// VIDEOS_LIST holds the files' paths, each ended by a zero byte; VIDEOS_OUTCOMES gets a line "begin PATH"
+// before each file and "end OUTCOME" after it, so that whoever starts it again knows which file it died of.
+#include "probe/FileProbe.h"
+#include "tests/support/Files.h"
+#include "tests/support/WindowTest.h"
+
+#include <QAction>
+#include <QImage>
+#include <QTest>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr unsigned int longestOpening = 60; // seconds
+constexpr unsigned int longestSaving = 600;
+constexpr double longestToSave = 10;
+
+std::string setting(const char* name)
+{
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+std::string oneLine(const QString& text)
+{
+    std::string line = text.toStdString();
+    for (char& letter : line)
+        letter = letter == '\n' || letter == '\t' ? ' ' : letter;
+    return line;
+}
+
+} // namespace
+
+class VideosThroughWindow : public WindowTest
+{
+protected:
+    void tell(const std::string& line) { m_outcomes << line << std::endl; }
+
+    /// What the window shows of the file after it was dropped: "picture WxH", "alert TEXT" or "refused".
+    std::string open(const std::string& path)
+    {
+        if (!drop(path))
+            return "refused";
+        if (isAlertShown()) {
+            const std::string text = oneLine(shownAlert()->text());
+            answer(shownAlert(), "OK");
+            waitForKeyboard(window());
+            return "alert " + text;
+        }
+        const QImage picture = shownPicture();
+        return "picture " + std::to_string(picture.width()) + "x" + std::to_string(picture.height());
+    }
+
+    /// Turns and saves what is open, in the mode of that name where the program asks for one. What came of
+    /// it.
+    std::string save(const char* mode)
+    {
+        m_wasAsked = false;
+        waitForKeyboard(window());
+        action("rotateRightBTN").trigger();
+        saveByPanel(output());
+        if (waitForAlert()->text().endsWith(QStringLiteral("Available!"))) {
+            m_wasAsked = true;
+            QMessageBox* question = shownAlert();
+            answer(question, mode);
+            waitUntil([this, question] { return !isAlertShown() || shownAlert() != question; });
+        }
+        const std::string text = oneLine(waitForAlert()->text());
+        answer(shownAlert(), "OK");
+        const std::string size
+            = exists(output()) ? std::to_string(std::filesystem::file_size(output())) : "no file";
+        std::filesystem::remove(output());
+        return text + " (" + size + ")";
+    }
+
+    /// However long it takes; the alarm ends what never comes.
+    QMessageBox* waitForAlert()
+    {
+        while (!isAlertShown())
+            QTest::qWait(10);
+        return shownAlert();
+    }
+
+    std::string saveInEveryWay()
+    {
+        std::string outcome = "; transcode: " + save("Transcode");
+        if (m_wasAsked)
+            outcome += "; fix flag: " + save("Fix Flag");
+        return outcome;
+    }
+
+    std::string leftovers() const
+    {
+        std::string left;
+        for (const auto& name : namesIn(ownTemporaryFolder())) {
+            if (ownTemporaryFolder() + "/" + name + "/" != folder())
+                left += " " + name;
+        }
+        for (const auto& name : namesIn(folder()))
+            left += " " + name;
+        return left.empty() ? "" : "; LEFT OVER:" + left;
+    }
+
+    std::string output() const { return folder() + "out.mp4"; }
+
+    std::string outcomeOf(const std::string& path)
+    {
+        const std::string original = contentsOf(path);
+        ::alarm(longestOpening); // ends the process
+        std::string outcome = open(path);
+        if (outcome.starts_with("picture") && isSaving()
+            && FileProbe(path, realTools()).duration <= longestToSave) {
+            ::alarm(longestSaving);
+            outcome += saveInEveryWay();
+        }
+        ::alarm(0);
+        return outcome + (contentsOf(path) == original ? "" : "; ORIGINAL CHANGED") + leftovers();
+    }
+
+    static bool isSaving() { return setting("VIDEOS_SAVE") == "1"; }
+
+private:
+    std::ofstream m_outcomes{setting("VIDEOS_OUTCOMES"), std::ios::app};
+    bool m_wasAsked = false;
+};
+
+TEST_F(VideosThroughWindow, oneAfterTheOther)
+{
+    ASSERT_FALSE(setting("VIDEOS_LIST").empty()) << "called by tests/long/videos-through-window";
+    start();
+    std::istringstream list(contentsOf(setting("VIDEOS_LIST")));
+    for (std::string path; std::getline(list, path, '\0');) {
+        tell("begin " + path);
+        tell("end " + outcomeOf(path));
+    }
+}
+
+} // namespace tarnwell::test

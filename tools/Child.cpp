@@ -16,9 +16,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Debian 11's headers do not know it; its number is the same on every machine.
+// Older headers do not know them; their numbers are the same on every machine.
 #ifndef SYS_close_range
 #define SYS_close_range 436
+#endif
+
+#ifndef SYS_pidfd_open
+#define SYS_pidfd_open 434
 #endif
 
 namespace
@@ -35,7 +39,6 @@ char* const toolEnvironment[] = {path, locale, nullptr};
 
 // How long a tool whose output has ended may still take to end itself.
 constexpr int longestEnd = 1000; // milliseconds
-constexpr int endCheckInterval = 5;
 
 void sayThatItCannotBeRun(const char* program)
 {
@@ -89,14 +92,13 @@ void resetSignals()
 /// Leaves the child a moment to end by itself.
 void endChild(pid_t child)
 {
-    for (int waited = 0; waited < longestEnd; waited += endCheckInterval) {
-        siginfo_t exit = {};
-        if (::waitid(P_PID, static_cast<id_t>(child), &exit, WEXITED | WNOWAIT | WNOHANG) != 0
-            || exit.si_pid != 0)
-            return;
-        ::poll(nullptr, 0, endCheckInterval);
+    const int end = descriptorOfEnd(child);
+    for (int waited = 0; waited < longestEnd && !hasEnded(child); waited += exitCheckInterval) {
+        pollfd waiting = {end, POLLIN, 0};
+        ::poll(&waiting, 1, exitCheckInterval);
     }
     ::kill(child, SIGKILL);
+    ::close(end);
 }
 
 } // namespace
@@ -124,6 +126,18 @@ void holdStandardDescriptors()
         descriptor = ::open("/dev/null", O_RDWR);
     if (descriptor >= 0)
         ::close(descriptor);
+}
+
+bool hasEnded(pid_t child)
+{
+    siginfo_t exit = {};
+    return ::waitid(P_PID, static_cast<id_t>(child), &exit, WEXITED | WNOWAIT | WNOHANG) != 0
+        || exit.si_pid != 0;
+}
+
+int descriptorOfEnd(pid_t child)
+{
+    return static_cast<int>(::syscall(SYS_pidfd_open, child, 0));
 }
 
 int waitForChild(pid_t child)

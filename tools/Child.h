@@ -22,6 +22,14 @@ struct ChildPlan {
 /// standard error.
 pid_t startChild(const ChildPlan& plan);
 
+/// Whether the child has ended; waitForChild is still due.
+bool hasEnded(pid_t child);
+
+/// A descriptor with something to read once the child has ended, to be closed by the caller; -1 where the
+/// kernel has no such thing. Then hasEnded, asked every exitCheckInterval, must do.
+int descriptorOfEnd(pid_t child);
+constexpr int exitCheckInterval = 5; // milliseconds
+
 /// Waits for the child's end: its exit status, or 128 and the signal's number.
 int waitForChild(pid_t child);
 

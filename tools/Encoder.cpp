@@ -21,7 +21,6 @@ namespace
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds graceAfterCancel(400);
-constexpr int exitCheckInterval = 5; // milliseconds
 constexpr std::size_t blockSize = 65536;
 
 int cancelDescriptor = -1;
@@ -74,6 +73,7 @@ class Listener
 public:
     Listener(pid_t child, int progress, int complaints)
         : m_child(child)
+        , m_end(descriptorOfEnd(child))
         , m_progress(progress)
         , m_complaints(complaints)
     {
@@ -82,15 +82,16 @@ public:
     {
         closeEnd(m_progress);
         closeEnd(m_complaints);
+        closeEnd(m_end);
     }
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
     void listen()
     {
-        while (m_progress >= 0 || m_complaints >= 0 || !hasExited()) {
-            std::array<pollfd, 3> waiting = {{{m_progress, POLLIN, 0}, {m_complaints, POLLIN, 0},
-                {m_killAt ? -1 : cancelDescriptor, POLLIN, 0}}};
+        while (isListening() || !hasEnded(m_child)) {
+            std::array<pollfd, 4> waiting = {{{m_progress, POLLIN, 0}, {m_complaints, POLLIN, 0},
+                {m_killAt ? -1 : cancelDescriptor, POLLIN, 0}, {isListening() ? -1 : m_end, POLLIN, 0}}};
             ::poll(waiting.data(), waiting.size(), patience());
             if (m_killAt && Clock::now() >= *m_killAt) {
                 ::kill(m_child, SIGKILL);
@@ -107,16 +108,11 @@ public:
 
 private:
     /// An ffmpeg that has closed its streams may still be at work, and a wish to cancel must reach it.
-    bool hasExited() const
-    {
-        siginfo_t exit = {};
-        return ::waitid(P_PID, static_cast<id_t>(m_child), &exit, WEXITED | WNOWAIT | WNOHANG) != 0
-            || exit.si_pid != 0;
-    }
+    bool isListening() const { return m_progress >= 0 || m_complaints >= 0; }
 
     int patience() const
     {
-        if (m_progress < 0 && m_complaints < 0)
+        if (!isListening())
             return exitCheckInterval;
         if (!m_killAt)
             return -1;
@@ -132,6 +128,7 @@ private:
     }
 
     pid_t m_child;
+    int m_end;
     int m_progress;
     int m_complaints;
     ProgressReader m_progressReader;

@@ -2,6 +2,7 @@
 #include "app/DragAndDropFileInNSImageView.h"
 
 #include "app/DroppedFiles.h"
+#include "desktop/InputGate.h"
 #include "platform/FileAttributes.h"
 #include "platform/FileURL.h"
 #include "platform/NotificationCenter.h"
@@ -10,6 +11,8 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
+
+#include <memory>
 
 namespace tarnwell
 {
@@ -61,7 +64,17 @@ void DragAndDropFileInNSImageView::dragEnterEvent(QDragEnterEvent* event)
 void DragAndDropFileInNSImageView::dropEvent(QDropEvent* event)
 {
     event->setDropAction(Qt::CopyAction);
-    event->setAccepted(performDragOperation(*event->mimeData()));
+    event->setAccepted(draggedFile(*event->mimeData()).has_value());
+    if (!event->isAccepted())
+        return;
+    // The program from which the file comes waits for the answer, and must not wait for what is done with the file.
+    // Until that begins nothing else may begin.
+    const std::shared_ptr<QMimeData> drag = copyOfFileNames(*event->mimeData());
+    const auto perform = [this, drag, gate = std::make_shared<InputGate>()]() mutable {
+        gate.reset();
+        performDragOperation(*drag);
+    };
+    QMetaObject::invokeMethod(this, perform, Qt::QueuedConnection);
 }
 
 } // namespace tarnwell

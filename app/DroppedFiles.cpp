@@ -53,6 +53,14 @@ std::optional<FileNameList> fileNameList(const QMimeData& data)
     return names.empty() ? std::nullopt : std::optional(names);
 }
 
+std::unique_ptr<QMimeData> copyOfFileNames(const QMimeData& data)
+{
+    const QString type = QString::fromLatin1(uriListType);
+    auto copy = std::make_unique<QMimeData>();
+    copy->setData(type, data.data(type));
+    return copy;
+}
+
 std::optional<std::string> firstFile(const FileNameList& names)
 {
     if (names.empty())

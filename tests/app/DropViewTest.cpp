@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/DragAndDropFileInNSImageView.h"
+#include "desktop/InputGate.h"
 #include "platform/FileURL.h"
 #include "platform/NotificationCenter.h"
 #include "platform/TemporaryDirectory.h"
@@ -10,6 +11,9 @@
 #include "tests/support/SilentStop.h"
 #include "tests/support/WindowTest.h"
 
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QMimeData>
 
 #include <gtest/gtest.h>
@@ -63,6 +67,18 @@ protected:
     bool performing(const std::vector<std::string>& paths)
     {
         return m_view.performDragOperation(*dragOf(paths));
+    }
+
+    /// Whether a drop of what had a file when it came is accepted at once.
+    bool isAccepted(const QMimeData& drag)
+    {
+        const auto file = dragOf({makeFile("first.mp4")});
+        const QPoint place(5, 5);
+        QDragEnterEvent enter(place, Qt::CopyAction, file.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&m_view, &enter);
+        QDropEvent drop(place, Qt::CopyAction, &drag, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&m_view, &drop);
+        return drop.isAccepted() && drop.dropAction() == Qt::CopyAction;
     }
 
     TemporaryDirectory m_folder;
@@ -206,6 +222,28 @@ TEST_F(DropViewTest, doesNotShowAPictureByItself)
     m_view.setImage(picture);
     performing({makeFile("clip.mp4")});
     EXPECT_EQ(m_view.image(), picture);
+}
+
+TEST_F(DropViewTest, theSourceOfADropIsAnsweredBeforeTheFileIsAnnounced)
+{
+    const std::string path = makeFile("clip.mp4");
+    auto drag = dragOf({path});
+    EXPECT_TRUE(isAccepted(*drag));
+    drag.reset();
+    EXPECT_TRUE(m_notifications.empty());
+    EXPECT_TRUE(InputGate::isClosed());
+    QCoreApplication::sendPostedEvents(&m_view);
+    ASSERT_EQ(m_notifications.size(), 1U);
+    EXPECT_EQ(m_view.filePath(), path);
+    EXPECT_FALSE(InputGate::isClosed());
+}
+
+TEST_F(DropViewTest, aDropWithoutAFileIsRefusedAtOnce)
+{
+    QMimeData drag;
+    drag.setText(QStringLiteral("words"));
+    EXPECT_FALSE(isAccepted(drag));
+    EXPECT_FALSE(InputGate::isClosed());
 }
 
 /// Drags of another program, from its window into this one's by the mouse.

@@ -298,6 +298,35 @@ TEST_F(RealDropTest, aDragThatLeavesAgainIsNotAnnounced)
     EXPECT_TRUE(m_notifications.empty());
 }
 
+TEST_F(RealDropTest, ofSeveralFilesTheFirstIsTaken)
+{
+    const std::string first = makeFile("100% (1).mp4");
+    DragSource source(uriList({first, makeFolder("folder"), makeFile("clip.mp4")}));
+    source.dragTo(target());
+    source.waitUntilAccepted();
+    EXPECT_TRUE(source.drop());
+    ASSERT_TRUE(waitUntil([this] { return m_notifications.size() == 1; }));
+    EXPECT_EQ(m_view.filePath(), first);
+}
+
+TEST_F(RealDropTest, aDragWhoseSourceDiesIsForgotten)
+{
+    const std::string path = makeFile("clip.mp4");
+    {
+        DragSource source(uriList({path}));
+        source.dragTo(target());
+        source.waitUntilAccepted();
+        source.die();
+    }
+    EXPECT_TRUE(m_notifications.empty());
+    DragSource another(uriList({path}));
+    another.dragTo(target());
+    another.waitUntilAccepted();
+    EXPECT_TRUE(another.drop());
+    ASSERT_TRUE(waitUntil([this] { return m_notifications.size() == 1; }));
+    EXPECT_EQ(m_view.filePath(), path);
+}
+
 class DropViewDeathTest : public testing::Test
 {
 };

@@ -47,6 +47,13 @@ bool DragSource::drop()
     return lineThatBegins(QStringLiteral("end")) == QStringLiteral("end 1");
 }
 
+void DragSource::die()
+{
+    m_process.kill();
+    m_process.waitForFinished();
+    realRelease();
+}
+
 void DragSource::waitForLine(const QString& beginning)
 {
     if (QThread::currentThread() == QCoreApplication::instance()->thread()) {

@@ -34,6 +34,8 @@ public:
     /// Releases the button; whether the target had agreed to a copy. If so, the drop arrives at the target
     /// later.
     bool drop();
+    /// Kills the other program in the middle of its drag.
+    void die();
 
 private:
     void waitForLine(const QString& beginning);

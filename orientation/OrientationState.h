@@ -7,8 +7,8 @@
 namespace tarnwell
 {
 
-/// The one change that the user composes for the open video: first the rotation, then the mirrors, which act on
-/// the picture as it stands after the rotation. States that show the same picture are not folded into one.
+/// The one change that the user composes for the open video: first the rotation, then the mirrors, which act
+/// on the picture as it stands after the rotation. States that show the same picture are not folded into one.
 struct OrientationState {
     /// 1 none, 2 a quarter turn counterclockwise, 3 a half turn, 4 a quarter turn clockwise.
     std::int64_t positionState = 1;

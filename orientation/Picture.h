@@ -7,7 +7,7 @@ namespace tarnwell
 {
 
 // Drawings of a whole picture into a fresh one. Main thread; sizes are pixels; the results keep the source's
-// transparency. An empty source gives an empty picture.
+// transparency. An empty source, or a lack of memory, gives an empty picture.
 
 /// The picture turned about its centre by `angle` degrees counterclockwise, on a canvas that just holds it.
 QImage rotateImage(const QImage& source, double angle);

@@ -3,11 +3,10 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <linux/fs.h>
 #include <linux/sched.h>
 #include <memory>
 #include <seccomp.h>
-#include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -26,156 +25,46 @@ struct Call {
 
 constexpr Call refused[] = {
     // The network, and sockets to other programs.
-    {"socket"},
-    {"socketpair"},
-    {"socketcall"},
-    {"connect"},
-    {"bind"},
-    {"listen"},
-    {"accept"},
-    {"accept4"},
+    {"socket"}, {"socketpair"}, {"socketcall"}, {"connect"}, {"bind"}, {"listen"}, {"accept"}, {"accept4"},
     // New processes; threads are looked at below.
-    {"fork"},
-    {"vfork"},
-    {"execveat"},
+    {"fork"}, {"vfork"}, {"execveat"},
     // Other processes. A signal to oneself is looked at below.
-    {"ptrace"},
-    {"process_vm_readv"},
-    {"process_vm_writev"},
-    {"process_madvise", 440},
-    {"process_mrelease", 448},
-    {"pidfd_open", 434},
-    {"pidfd_getfd", 438},
-    {"pidfd_send_signal", 424},
-    {"kcmp"},
-    {"kill"},
-    {"tkill"},
-    {"rt_sigqueueinfo"},
-    {"rt_tgsigqueueinfo"},
-    {"migrate_pages"},
-    {"move_pages"},
+    {"ptrace"}, {"process_vm_readv"}, {"process_vm_writev"}, {"process_madvise", 440},
+    {"process_mrelease", 448}, {"pidfd_open", 434}, {"pidfd_getfd", 438}, {"pidfd_send_signal", 424},
+    {"kcmp"}, {"kill"}, {"tkill"}, {"setpriority"}, {"sched_setaffinity"}, {"sched_setscheduler"},
+    {"sched_setparam"}, {"sched_setattr"}, {"ioprio_set"}, {"rt_sigqueueinfo"}, {"rt_tgsigqueueinfo"},
+    {"migrate_pages"}, {"move_pages"},
     // Mounts and namespaces.
-    {"mount"},
-    {"umount"},
-    {"umount2"},
-    {"pivot_root"},
-    {"chroot"},
-    {"open_tree", 428},
-    {"move_mount", 429},
-    {"fsopen", 430},
-    {"fsconfig", 431},
-    {"fsmount", 432},
-    {"fspick", 433},
-    {"mount_setattr", 442},
-    {"open_tree_attr", 467},
-    {"unshare"},
-    {"setns"},
-    {"quotactl"},
-    {"quotactl_fd", 443},
-    {"swapon"},
+    {"mount"}, {"umount"}, {"umount2"}, {"pivot_root"}, {"chroot"}, {"open_tree", 428}, {"move_mount", 429},
+    {"fsopen", 430}, {"fsconfig", 431}, {"fsmount", 432}, {"fspick", 433}, {"mount_setattr", 442},
+    {"open_tree_attr", 467}, {"unshare"}, {"setns"}, {"quotactl"}, {"quotactl_fd", 443}, {"swapon"},
     {"swapoff"},
     // Files by something else than a path.
-    {"name_to_handle_at"},
-    {"open_by_handle_at"},
-    {"fanotify_init"},
+    {"name_to_handle_at"}, {"open_by_handle_at"}, {"fanotify_init"},
     // What stands at a path, where the kernel's rules for files are silent or too old.
-    {"truncate"},
-    {"truncate64"},
-    {"link"},
-    {"linkat"},
-    {"symlink"},
-    {"symlinkat"},
-    {"rename"},
-    {"renameat"},
-    {"renameat2"},
-    {"unlink"},
-    {"unlinkat"},
-    {"rmdir"},
-    {"mkdir"},
-    {"mkdirat"},
-    {"mknod"},
-    {"mknodat"},
-    {"chmod"},
-    {"fchmod"},
-    {"fchmodat"},
-    {"fchmodat2", 452},
-    {"chown"},
-    {"chown32"},
-    {"fchown"},
-    {"fchown32"},
-    {"lchown"},
-    {"lchown32"},
-    {"fchownat"},
-    {"setxattr"},
-    {"lsetxattr"},
-    {"fsetxattr"},
-    {"setxattrat", 463},
-    {"removexattr"},
-    {"lremovexattr"},
-    {"fremovexattr"},
-    {"removexattrat", 466},
-    {"file_setattr", 469},
-    {"utime"},
-    {"utimes"},
-    {"futimesat"},
-    {"utimensat"},
-    {"utimensat_time64"},
+    {"truncate"}, {"truncate64"}, {"link"}, {"linkat"}, {"symlink"}, {"symlinkat"}, {"rename"}, {"renameat"},
+    {"renameat2"}, {"unlink"}, {"unlinkat"}, {"rmdir"}, {"mkdir"}, {"mkdirat"}, {"mknod"}, {"mknodat"},
+    {"chmod"}, {"fchmod"}, {"fchmodat"}, {"fchmodat2", 452}, {"chown"}, {"chown32"}, {"fchown"}, {"fchown32"},
+    {"lchown"}, {"lchown32"}, {"fchownat"}, {"setxattr"}, {"lsetxattr"}, {"fsetxattr"}, {"setxattrat", 463},
+    {"removexattr"}, {"lremovexattr"}, {"fremovexattr"}, {"removexattrat", 466}, {"file_setattr", 469},
+    {"utime"}, {"utimes"}, {"futimesat"}, {"utimensat"}, {"utimensat_time64"}, {"getxattr"}, {"lgetxattr"},
+    {"getxattrat", 464}, {"listxattr"}, {"llistxattr"}, {"listxattrat", 465}, {"inotify_init"},
+    {"inotify_init1"}, {"inotify_add_watch"},
+    // Devices, terminals, and what file systems know of a file besides its bytes.
+    {"ioctl"},
     // Keys, and memory and queues shared with other programs.
-    {"add_key"},
-    {"request_key"},
-    {"keyctl"},
-    {"shmget"},
-    {"shmat"},
-    {"shmctl"},
-    {"semget"},
-    {"semop"},
-    {"semctl"},
-    {"msgget"},
-    {"msgsnd"},
-    {"msgrcv"},
-    {"msgctl"},
-    {"ipc"},
-    {"mq_open"},
-    {"mq_unlink"},
+    {"add_key"}, {"request_key"}, {"keyctl"}, {"shmget"}, {"shmat"}, {"shmctl"}, {"semget"}, {"semop"},
+    {"semctl"}, {"msgget"}, {"msgsnd"}, {"msgrcv"}, {"msgctl"}, {"ipc"}, {"mq_open"}, {"mq_unlink"},
+    {"memfd_create"},
     // The kernel's insides.
-    {"bpf"},
-    {"userfaultfd"},
-    {"perf_event_open"},
-    {"io_uring_setup", 425},
-    {"io_uring_enter", 426},
-    {"io_uring_register", 427},
-    {"init_module"},
-    {"finit_module"},
-    {"delete_module"},
-    {"kexec_load"},
-    {"kexec_file_load"},
-    {"reboot"},
-    {"acct"},
-    {"syslog"},
-    {"iopl"},
-    {"ioperm"},
-    {"modify_ldt"},
-    {"personality"},
-    {"settimeofday"},
-    {"clock_settime"},
-    {"clock_settime64"},
-    {"adjtimex"},
-    {"clock_adjtime"},
-    {"clock_adjtime64"},
-    {"sethostname"},
-    {"setdomainname"},
-    {"vhangup"},
-};
+    {"bpf"}, {"userfaultfd"}, {"perf_event_open"}, {"io_uring_setup", 425}, {"io_uring_enter", 426},
+    {"io_uring_register", 427}, {"init_module"}, {"finit_module"}, {"delete_module"}, {"kexec_load"},
+    {"kexec_file_load"}, {"reboot"}, {"acct"}, {"syslog"}, {"iopl"}, {"ioperm"}, {"modify_ldt"},
+    {"personality"}, {"settimeofday"}, {"clock_settime"}, {"clock_settime64"}, {"adjtimex"},
+    {"clock_adjtime"}, {"clock_adjtime64"}, {"sethostname"}, {"setdomainname"}, {"vhangup"}};
 
 // Their arguments lie in memory, where the filter cannot look; everybody has an older call to fall back on.
 constexpr Call unknown[] = {{"clone3", 435}, {"openat2", 437}};
-
-constexpr scmp_datum_t refusedCommands[] = {
-    TIOCSTI, // types into a terminal
-    TIOCLINUX,
-    FS_IOC_SETFLAGS,
-    FS_IOC_FSSETXATTR,
-};
 
 class CallFilter
 {
@@ -254,11 +143,28 @@ void refuseProcesses(CallFilter& filter)
 /// not see it.
 void refuseEmptying(CallFilter& filter)
 {
-    constexpr scmp_datum_t mask = O_ACCMODE | O_TRUNC;
-    for (const scmp_datum_t mode : {O_RDONLY, O_ACCMODE}) { // the latter neither reads nor writes
+    constexpr scmp_datum_t mask = 3 | O_TRUNC;
+    for (const scmp_datum_t mode : {O_RDONLY, 3}) { // the latter neither reads nor writes
         filter.refuseWhere({"open"}, hasBits(1, mask, mode | O_TRUNC));
         filter.refuseWhere({"openat"}, hasBits(2, mask, mode | O_TRUNC));
     }
+}
+
+/// A file can be told to send signals to any process when something happens to it.
+void refuseSignalsByFiles(CallFilter& filter)
+{
+    for (const char* call : {"fcntl", "fcntl64"}) {
+        for (const scmp_datum_t command : {F_SETOWN, F_SETSIG, F_SETOWN_EX})
+            filter.refuseWhere({call}, hasBits(1, wholeInteger, command));
+    }
+}
+
+/// It would not count against the limit.
+void refuseSharedMemory(CallFilter& filter)
+{
+    constexpr scmp_datum_t shared = MAP_SHARED | MAP_ANONYMOUS;
+    for (const char* call : {"mmap", "mmap2"})
+        filter.refuseWhere({call}, hasBits(3, shared, shared));
 }
 
 } // namespace
@@ -272,7 +178,7 @@ bool refuseCalls()
         filter.refuse(call, ENOSYS);
     refuseProcesses(filter);
     refuseEmptying(filter);
-    for (const auto command : refusedCommands)
-        filter.refuseWhere({"ioctl"}, hasBits(1, wholeInteger, command));
+    refuseSignalsByFiles(filter);
+    refuseSharedMemory(filter);
     return filter.load();
 }

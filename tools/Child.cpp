@@ -2,6 +2,9 @@
 #include "tools/Child.h"
 
 #include "tools/Confinement.h"
+#include "tools/StandardError.h"
+#include "tools/StatusLines.h"
+#include "tools/Stream.h"
 
 #include <array>
 #include <cerrno>
@@ -9,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
@@ -54,11 +58,25 @@ void giveStream(int descriptor, int stream)
     ::dup2(source, stream);
 }
 
-// Whoever started this program may have left it descriptors of its own. Kernels before 5.11 cannot do this.
+void closeOnExec(int descriptor)
+{
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+}
+
+// Whoever started this program may have left it descriptors of its own.
 void closeTheRestOnExec()
 {
     constexpr unsigned int onExec = 4; // CLOSE_RANGE_CLOEXEC
-    ::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, onExec);
+    if (::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, onExec) == 0)
+        return;
+    // Kernels before 5.11 cannot do this.
+    DIR* listing = ::opendir("/proc/self/fd");
+    while (const dirent* entry = listing != nullptr ? ::readdir(listing) : nullptr) {
+        if (const int descriptor = std::atoi(entry->d_name); descriptor > STDERR_FILENO)
+            closeOnExec(descriptor);
+    }
+    if (listing != nullptr)
+        ::closedir(listing);
 }
 
 void resetSignals()
@@ -75,6 +93,7 @@ void resetSignals()
     if (::getppid() != parent) // it ended before that was said
         ::_exit(cannotBeRun);
     resetSignals();
+    ::setsid(); // what a terminal tells its programs is for this one's parent alone
     const int ownError = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     giveStream(-1, STDIN_FILENO);
     giveStream(plan.standardOutput, STDOUT_FILENO);
@@ -89,11 +108,12 @@ void resetSignals()
     ::_exit(cannotBeRun);
 }
 
-/// Leaves the child a moment to end by itself.
-void endChild(pid_t child)
+/// Leaves the child a moment to end by itself, unless it is not wanted any more.
+void endChild(pid_t child, bool isUnwanted)
 {
     const int end = descriptorOfEnd(child);
-    for (int waited = 0; waited < longestEnd && !hasEnded(child); waited += exitCheckInterval) {
+    for (int waited = 0; !isUnwanted && waited < longestEnd && !hasEnded(child);
+         waited += exitCheckInterval) {
         pollfd waiting = {end, POLLIN, 0};
         ::poll(&waiting, 1, exitCheckInterval);
     }
@@ -152,33 +172,37 @@ int waitForChild(pid_t child)
 
 std::string outputOfChild(ChildPlan plan, int& status, int wishToStop)
 {
-    int ends[2] = {-1, -1};
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-        status = cannotBeRun;
+    Stream output;
+    Stream complaints;
+    status = cannotBeRun;
+    if (!output.isOpen() || !complaints.isOpen())
         return {};
-    }
-    plan.standardOutput = ends[1];
+    plan.standardOutput = output.writing();
+    plan.standardError = plan.isHeard ? complaints.writing() : -1;
     const pid_t child = startChild(plan);
-    ::close(ends[1]);
-    std::string output;
-    constexpr std::size_t blockSize = 65536;
-    std::string block(blockSize, '\0');
-    for (ssize_t count = 1; child > 0 && count != 0;) {
-        std::array<pollfd, 2> waiting = {{{ends[0], POLLIN, 0}, {wishToStop, POLLIN, 0}}};
+    output.closeWriting();
+    complaints.closeWriting();
+    if (child < 0)
+        return {};
+    ComplaintReader reader;
+    std::string text;
+    bool isStopped = false;
+    while (output.isOpen() && !isStopped) {
+        std::array<pollfd, 3> waiting
+            = {{{output.reading(), POLLIN, 0}, {complaints.reading(), POLLIN, 0}, {wishToStop, POLLIN, 0}}};
         ::poll(waiting.data(), waiting.size(), -1);
+        isStopped = waiting[2].revents != 0;
+        if (waiting[0].revents != 0)
+            text += output.read();
         if (waiting[1].revents != 0)
-            break;
-        count = ::read(ends[0], block.data(), block.size());
-        if (count > 0)
-            output.append(block, 0, static_cast<std::size_t>(count));
-        else if (count < 0 && errno != EINTR)
-            break;
+            sayLines(reader.read(complaints.read()), wishToStop);
     }
-    ::close(ends[0]);
-    if (child > 0)
-        endChild(child);
-    status = child > 0 ? waitForChild(child) : cannotBeRun;
-    return output;
+    endChild(child, isStopped);
+    const int end = waitForChild(child);
+    while (complaints.hasMore())
+        sayLines(reader.read(complaints.read()), wishToStop);
+    status = end == 0 && !output.isWhole() ? cannotBeRun : end;
+    return text;
 }
 
 std::string pathOfTool(const std::string& name)
@@ -186,7 +210,9 @@ std::string pathOfTool(const std::string& name)
     constexpr std::size_t longestPath = 4096;
     std::string self(longestPath, '\0');
     const ssize_t length = ::readlink("/proc/self/exe", self.data(), self.size());
-    self.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    if (length <= 0)
+        return TARNWELL_FFMPEG_FOLDER "/" + name;
+    self.resize(static_cast<std::size_t>(length));
     const std::string beside = self.substr(0, self.rfind('/') + 1) + name;
     return ::access(beside.c_str(), X_OK) == 0 ? beside : TARNWELL_FFMPEG_FOLDER "/" + name;
 }

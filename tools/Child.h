@@ -15,6 +15,7 @@ struct ChildPlan {
     std::string input; // the file that it may read
     int output = -1; // the file that it may write, under this number for the child too
     bool isBrief = false; // a report is; see Reach
+    bool isHeard = false; // what it says on standard error is passed on, in whole lines
 };
 
 /// Starts the child, confined; it ends with this process, however that ends. -1 where no process could be
@@ -34,8 +35,8 @@ constexpr int exitCheckInterval = 5; // milliseconds
 int waitForChild(pid_t child);
 
 /// Runs the child until its standard output ends; all it printed there. `status` gets what waitForChild
-/// gives. A child that lives on long after its output, or when there is something to read at `wishToStop`, is
-/// killed.
+/// gives, and never 0 where the output could not be read to its end. A child that lives on long after its
+/// output, or when there is something to read at `wishToStop`, is killed.
 std::string outputOfChild(ChildPlan plan, int& status, int wishToStop = -1);
 
 /// Opens standard descriptors that are closed on the null device, so that no other file takes their numbers.

@@ -16,16 +16,17 @@ namespace
 // A report on the longest real film takes seconds.
 constexpr rlim_t briefTime = 600;
 
-/// Whoever needs more than the whole machine has would bring it to a halt, but no machine is too small for a
-/// real file that swaps.
-rlim_t mostMemory()
+/// A real report fits the machine's memory by far. What encodes the largest pictures on many processors may
+/// need more than there is, and swap; what needs several times as much is up to no good.
+rlim_t mostMemory(bool isBrief)
 {
-    constexpr rlim_t least = rlim_t(4) << 30;
+    constexpr rlim_t gigabyte = rlim_t(1) << 30;
     const long pages = ::sysconf(_SC_PHYS_PAGES);
     const long pageSize = ::sysconf(_SC_PAGESIZE);
     if (pages <= 0 || pageSize <= 0)
         return RLIM_INFINITY;
-    return std::max(least, static_cast<rlim_t>(pages) * static_cast<rlim_t>(pageSize));
+    const rlim_t memory = static_cast<rlim_t>(pages) * static_cast<rlim_t>(pageSize);
+    return isBrief ? std::max(8 * gigabyte, memory) : std::max(32 * gigabyte, 4 * memory);
 }
 
 /// A limit that is lower already stays.
@@ -43,7 +44,7 @@ bool limit(__rlimit_resource resource, rlim_t most)
 bool setLimits(bool isBrief)
 {
     const bool hasNoCore = limit(RLIMIT_CORE, 0);
-    const bool hasMemory = limit(RLIMIT_DATA, mostMemory());
+    const bool hasMemory = limit(RLIMIT_DATA, mostMemory(isBrief));
     return hasNoCore && hasMemory && (!isBrief || limit(RLIMIT_CPU, briefTime));
 }
 

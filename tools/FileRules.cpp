@@ -13,10 +13,16 @@ namespace
 {
 
 // The kernel's own header is missing where the system's headers are older than the kernel may be. These
-// numbers are the same on every machine.
+// numbers are the same on nearly every machine.
+#ifdef SYS_landlock_create_ruleset
+constexpr long createRulesetCall = SYS_landlock_create_ruleset;
+constexpr long addRuleCall = SYS_landlock_add_rule;
+constexpr long restrictSelfCall = SYS_landlock_restrict_self;
+#else
 constexpr long createRulesetCall = 444;
 constexpr long addRuleCall = 445;
 constexpr long restrictSelfCall = 446;
+#endif
 constexpr unsigned int askForVersion = 1;
 constexpr int pathRule = 1;
 

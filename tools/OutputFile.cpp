@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "tools/OutputFile.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,6 +18,7 @@ namespace
 
 constexpr mode_t usualMode = 0666; // the user's mask takes its part
 constexpr int mostNames = 1000;
+constexpr std::size_t longestName = NAME_MAX;
 
 std::string folderOf(const std::string& path)
 {
@@ -28,26 +33,7 @@ std::string nameOf(const std::string& path)
     return path.substr(path.rfind('/') + 1);
 }
 
-bool isSameFile(const std::string& left, const std::string& right)
-{
-    struct stat a = {};
-    struct stat b = {};
-    return ::stat(left.c_str(), &a) == 0 && ::stat(right.c_str(), &b) == 0 && a.st_dev == b.st_dev
-        && a.st_ino == b.st_ino;
-}
-
-/// Whether the folder lists an entry of exactly that name.
-bool isListed(const std::string& folder, const std::string& name)
-{
-    DIR* listing = ::opendir(folder.c_str());
-    if (listing == nullptr)
-        return false;
-    bool found = false;
-    while (const dirent* entry = ::readdir(listing))
-        found = found || name == entry->d_name;
-    ::closedir(listing);
-    return found;
-}
+const std::string hiddenPrefix = ".tarnwell-";
 
 bool renameToFreeName(const std::string& from, const std::string& to)
 {
@@ -55,10 +41,27 @@ bool renameToFreeName(const std::string& from, const std::string& to)
         return true;
     if (errno != EINVAL && errno != ENOSYS)
         return false;
-    // File systems that cannot rename so: a link is refused where the name is taken.
+    // File systems that cannot rename so: a link is refused where the name is taken. Some cannot link either.
     if (::link(from.c_str(), to.c_str()) == 0)
         return ::unlink(from.c_str()) == 0;
-    return errno == EPERM && ::access(to.c_str(), F_OK) != 0 && ::rename(from.c_str(), to.c_str()) == 0;
+    if (errno == EEXIST)
+        return false;
+    struct stat taken = {};
+    if (::lstat(to.c_str(), &taken) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::rename(from.c_str(), to.c_str()) == 0;
+}
+
+/// As much of the text's beginning as fits, in whole letters of UTF-8.
+std::string beginningOf(const std::string& text, std::size_t most)
+{
+    const auto isInsideLetter = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+    std::size_t size = std::min(text.size(), most);
+    while (size > 0 && size < text.size() && isInsideLetter(text[size]))
+        --size;
+    return text.substr(0, size);
 }
 
 void syncFolder(const std::string& path)
@@ -95,14 +98,38 @@ void OutputFile::openNameless()
 
 void OutputFile::openHidden()
 {
-    std::string candidate = folderOf(m_path) + "/.tarnwell-XXXXXX";
+    removeForsaken();
+    std::string candidate = folderOf(m_path) + "/" + hiddenPrefix + "XXXXXX";
     m_descriptor = ::mkostemp(candidate.data(), O_CLOEXEC);
     if (!isOpen())
         return;
+    ::flock(m_descriptor, LOCK_EX | LOCK_NB); // as long as anybody has it open
     m_hiddenPath = candidate;
     const mode_t mask = ::umask(0);
     ::umask(mask);
     ::fchmod(m_descriptor, usualMode & ~mask);
+}
+
+/// What a creator that was killed has left here: nobody holds it any more, and it has been so for a while.
+void OutputFile::removeForsaken() const
+{
+    constexpr std::time_t shortest = 60; // seconds
+    DIR* listing = ::opendir(folderOf(m_path).c_str());
+    if (listing == nullptr)
+        return;
+    while (const dirent* entry = ::readdir(listing)) {
+        if (hiddenPrefix.compare(0, std::string::npos, entry->d_name, hiddenPrefix.size()) != 0)
+            continue;
+        const int file
+            = ::openat(::dirfd(listing), entry->d_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+        struct stat status = {};
+        if (file >= 0 && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode)
+            && std::time(nullptr) - status.st_mtime > shortest && ::flock(file, LOCK_EX | LOCK_NB) == 0)
+            ::unlinkat(::dirfd(listing), entry->d_name, 0);
+        if (file >= 0)
+            ::close(file);
+    }
+    ::closedir(listing);
 }
 
 std::string OutputFile::writablePath() const
@@ -125,8 +152,8 @@ bool OutputFile::isEmpty() const
 bool OutputFile::linkHidden()
 {
     for (int number = 0; number < mostNames; ++number) {
-        const std::string candidate
-            = folderOf(m_path) + "/.tarnwell-" + std::to_string(::getpid()) + "-" + std::to_string(number);
+        const std::string candidate = folderOf(m_path) + "/" + hiddenPrefix + std::to_string(::getpid()) + "-"
+            + std::to_string(number);
         if (::linkat(AT_FDCWD, writablePath().c_str(), AT_FDCWD, candidate.c_str(), AT_SYMLINK_FOLLOW) == 0) {
             m_hiddenPath = candidate;
             return true;
@@ -137,10 +164,13 @@ bool OutputFile::linkHidden()
     return false;
 }
 
-bool OutputFile::finish()
+bool OutputFile::bringToDisk() const
 {
-    if (::fsync(m_descriptor) != 0)
-        return false;
+    return ::fsync(m_descriptor) == 0;
+}
+
+bool OutputFile::moveToPlace()
+{
     if (m_hiddenPath.empty() && !linkHidden())
         return false;
     if (::rename(m_hiddenPath.c_str(), m_path.c_str()) != 0)
@@ -160,8 +190,10 @@ std::string putAside(const std::string& path, const std::string& word)
     const std::string stem = name.substr(0, dot == 0 ? std::string::npos : dot);
     const std::string extension = name.substr(stem.size());
     for (int number = 1; number < mostNames; ++number) {
-        const std::string count = number == 1 ? "" : " " + std::to_string(number);
-        const std::string aside = folderOf(path) + "/" + stem + " (" + word + count + ")" + extension;
+        const std::string end
+            = " (" + word + (number == 1 ? "" : " " + std::to_string(number)) + ")" + extension;
+        const std::size_t room = end.size() < longestName ? longestName - end.size() : 0;
+        const std::string aside = folderOf(path) + "/" + beginningOf(stem, room) + end;
         if (renameToFreeName(path, aside))
             return aside;
         if (errno != EEXIST)
@@ -170,11 +202,10 @@ std::string putAside(const std::string& path, const std::string& word)
     return {};
 }
 
-bool isSameEntry(const std::string& left, const std::string& right)
+bool isEntryOf(const std::string& path, const std::string& file)
 {
-    if (!isSameFile(folderOf(left), folderOf(right)) || !isSameFile(left, right))
-        return false;
-    // Two names of one file in a folder are two entries; a folder that folds case lists only one of them.
-    return nameOf(left) == nameOf(right)
-        || !(isListed(folderOf(left), nameOf(left)) && isListed(folderOf(right), nameOf(right)));
+    struct stat entry = {};
+    struct stat meant = {};
+    return ::lstat(path.c_str(), &entry) == 0 && ::stat(file.c_str(), &meant) == 0
+        && entry.st_dev == meant.st_dev && entry.st_ino == meant.st_ino;
 }

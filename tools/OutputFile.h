@@ -25,13 +25,17 @@ public:
     void empty() const;
     bool isEmpty() const;
 
-    /// Brings the data to the disk and the file to its place, over what stands there. False where that
-    /// failed; then nothing has changed.
-    bool finish();
+    /// Brings the data to the disk. False where that failed.
+    bool bringToDisk() const;
+
+    /// Moves the file to its place, over what stands there. False where that failed; then nothing has
+    /// changed.
+    bool moveToPlace();
 
 private:
     void openNameless();
     void openHidden();
+    void removeForsaken() const;
     bool linkHidden();
 
     std::string m_path;
@@ -44,5 +48,5 @@ private:
 /// folders stay.
 std::string putAside(const std::string& path, const std::string& word);
 
-/// Whether both paths name one and the same directory entry, however they are spelled.
-bool isSameEntry(const std::string& left, const std::string& right);
+/// Whether what stands at `path`, and is no symbolic link itself, is the file that `file` leads to.
+bool isEntryOf(const std::string& path, const std::string& file);

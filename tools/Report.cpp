@@ -28,24 +28,24 @@ bool isVideo(const Json& stream)
     return stream.is_object() && isText(stream, "codec_type", "video");
 }
 
-std::optional<DisplayMatrix> matrixOf(const Json& stream)
+std::string matrixTextOf(const Json& stream)
 {
     const auto list = stream.find("side_data_list");
     if (list == stream.end() || !list->is_array())
-        return std::nullopt;
+        return {};
     for (const Json& data : *list) {
         if (!data.is_object() || !isText(data, "side_data_type", "Display Matrix"))
             continue;
         const auto numbers = data.find("displaymatrix");
         if (numbers != data.end() && numbers->is_string())
-            return parseDisplayMatrix(numbers->get_ref<const std::string&>());
+            return numbers->get_ref<const std::string&>();
     }
-    return std::nullopt;
+    return {};
 }
 
 void setTrueRotation(Json& stream)
 {
-    const auto matrix = matrixOf(stream);
+    const auto matrix = parseDisplayMatrix(matrixTextOf(stream));
     if (matrix) {
         if (!stream.contains("tags") || !stream["tags"].is_object())
             stream["tags"] = Json::object();
@@ -59,6 +59,14 @@ int integerOf(const Json& stream, const char* member)
 {
     const auto entry = stream.find(member);
     return entry != stream.end() && entry->is_number_integer() ? entry->get<int>() : 0;
+}
+
+VideoFacts factsOf(const Json& stream)
+{
+    const std::string numbers = matrixTextOf(stream);
+    const auto matrix = parseDisplayMatrix(numbers);
+    return {matrix ? rotationTag(*matrix) : 0, parseDecodedMatrix(numbers), integerOf(stream, "width"),
+        integerOf(stream, "height")};
 }
 
 } // namespace
@@ -92,7 +100,7 @@ VideoFacts videoFactsOf(const std::string& report)
             continue;
         const bool isPicture = isText(stream, "avg_frame_rate", "0/0"); // as cover pictures are
         if (!isPicture || facts.width == 0)
-            facts = {matrixOf(stream), integerOf(stream, "width"), integerOf(stream, "height")};
+            facts = factsOf(stream);
         if (!isPicture)
             break;
     }

@@ -13,7 +13,8 @@ std::string withTrueRotation(const std::string& report);
 
 /// What a JSON report says of its first video stream that has a frame rate, or else of its first one.
 struct VideoFacts {
-    std::optional<DisplayMatrix> matrix;
+    int rotation = 0; // the "rotate" tag that the report is given; 0 where it is given none
+    std::optional<DisplayMatrix> decoded; // what decoders apply
     int width = 0; // coded pixels; 0 where unknown
     int height = 0;
 };

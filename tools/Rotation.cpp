@@ -11,7 +11,6 @@ namespace
 {
 
 constexpr double one = 65536; // 16.16 fixed point
-constexpr std::int64_t perspectiveOne = 1073741824; // 2.30 fixed point
 constexpr std::size_t numbersInMatrix = 9;
 constexpr double tolerance = 0.001; // what rounding leaves of a right angle
 constexpr double halfTurn = 180;
@@ -47,16 +46,37 @@ bool keepsShapeAndSize(const DisplayMatrix& m)
         && isNear(m.a * m.c + m.b * m.d, 0);
 }
 
+/// The four of the nine numbers that decoders look at.
+std::optional<DisplayMatrix> rawMatrix(std::string_view text)
+{
+    const std::vector<std::int64_t> m = numbersOf(text);
+    if (m.size() != numbersInMatrix)
+        return std::nullopt;
+    const auto unit = [&m](std::size_t place) { return static_cast<double>(m[place]) / one; };
+    return DisplayMatrix{unit(0), unit(1), unit(3), unit(4)};
+}
+
+std::optional<DisplayMatrix> ifItKeepsShapeAndSize(const std::optional<DisplayMatrix>& matrix)
+{
+    return matrix && keepsShapeAndSize(*matrix) ? matrix : std::nullopt;
+}
+
 } // namespace
 
 std::optional<DisplayMatrix> parseDisplayMatrix(std::string_view text)
 {
-    const std::vector<std::int64_t> m = numbersOf(text);
-    if (m.size() != numbersInMatrix || m[2] != 0 || m[5] != 0 || m[8] != perspectiveOne)
+    return ifItKeepsShapeAndSize(rawMatrix(text));
+}
+
+std::optional<DisplayMatrix> parseDecodedMatrix(std::string_view text)
+{
+    const auto m = rawMatrix(text);
+    if (!m)
         return std::nullopt;
-    const auto unit = [&m](std::size_t place) { return static_cast<double>(m[place]) / one; };
-    const DisplayMatrix matrix = {unit(0), unit(1), unit(3), unit(4)};
-    return keepsShapeAndSize(matrix) ? std::optional(matrix) : std::nullopt;
+    // Of an empty one nothing is a number, and so nothing near what is asked for.
+    const double width = std::hypot(m->a, m->b);
+    const double height = std::hypot(m->c, m->d);
+    return ifItKeepsShapeAndSize(DisplayMatrix{m->a / width, m->b / width, m->c / height, m->d / height});
 }
 
 DisplayMatrix turnedLeft(double degrees)

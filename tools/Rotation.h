@@ -18,6 +18,9 @@ struct DisplayMatrix {
 /// garbage and for a matrix that scales, skews or bends the picture.
 std::optional<DisplayMatrix> parseDisplayMatrix(std::string_view text);
 
+/// The same of what decoders make of the numbers: they turn and mirror the picture and do not scale it.
+std::optional<DisplayMatrix> parseDecodedMatrix(std::string_view text);
+
 /// A turn counterclockwise.
 DisplayMatrix turnedLeft(double degrees);
 

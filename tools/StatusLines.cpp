@@ -13,8 +13,7 @@ const std::string timeKey = "out_time_us=";
 const std::string blockEnd = "progress=";
 const std::string statusMark = "time=";
 
-// A flood without an end of line must not fill the memory.
-// With its end a line fits one write to a pipe.
+// A flood without an end of line must not fill the memory, and a line with its end fits one write to a pipe.
 constexpr std::size_t longestLine = 4095;
 
 constexpr std::int64_t microsecondsPerHundredth = 10000;

@@ -51,7 +51,7 @@ RunEnd runJob(const Job& job, const OutputFile& output)
 bool writePlaceholder(const Job& job, const OutputFile& output)
 {
     const VideoFacts facts = factsOf(job.input);
-    const bool isOnItsSide = facts.matrix && rotationTag(*facts.matrix) % 180 == 90;
+    const bool isOnItsSide = facts.decoded && rotationTag(*facts.decoded) % 180 == 90;
     const std::string picture = isOnItsSide ? placeholderPicture(facts.height, facts.width)
                                             : placeholderPicture(facts.width, facts.height);
     output.empty();
@@ -59,14 +59,28 @@ bool writePlaceholder(const Job& job, const OutputFile& output)
         == static_cast<ssize_t>(picture.size());
 }
 
-/// An original whose own directory entry is to become the output keeps its bytes under another name. False
-/// where that could not be done.
+/// An original that stands where the output is to go, under whatever spelling, keeps its bytes under another
+/// name. False where that could not be done.
 bool saveOriginal(Job& job)
 {
-    if (!isSameEntry(job.input, job.output))
+    if (!isEntryOf(job.output, job.input))
         return true;
-    job.input = putAside(job.input, "original");
+    job.input = putAside(job.output, "original");
     return !job.input.empty();
+}
+
+/// Whoever looks at the output's place must not take an older file for the result, nor delete it.
+int endWithout(const Job& job, RunEnd end)
+{
+    putAside(job.output, isEntryOf(job.output, job.input) ? "original" : "previous");
+    return end == RunEnd::Cancelled ? cancelled : failure;
+}
+
+/// A wish to cancel counts until the very last step: whoever has it takes what stands there then for a part
+/// of it.
+bool isFinished(OutputFile& output)
+{
+    return output.bringToDisk() && !isCancelled() && output.moveToPlace();
 }
 
 bool isPicture(RunEnd end, const OutputFile& output)
@@ -87,17 +101,15 @@ int makeStill(Job job, OutputFile& output)
     const bool isMade = isPicture(end, output) || (end != RunEnd::Cancelled && writePlaceholder(job, output));
     if (isCancelled())
         return cancelled;
-    return isMade && output.finish() ? success : failure;
+    return isMade && isFinished(output) ? success : failure;
 }
 
-/// The turn that the flag says is against the coded picture. A mirror that the input's matrix carries is
-/// kept: the turn is then reckoned from what decoders show of it.
+/// The flag says a turn against the coded picture, of one whose turn is the tag's. What decoders show besides
+/// that, a mirror or the turn of a matrix that has no tag, is kept.
 DisplayMatrix matrixOfFlag(const Job& job)
 {
-    const auto matrix = factsOf(job.input).matrix;
-    if (!matrix || !isMirrored(*matrix))
-        return turnedLeft(job.rotation);
-    return combined(*matrix, turnedLeft(job.rotation + rotationTag(*matrix)));
+    const VideoFacts facts = factsOf(job.input);
+    return combined(facts.decoded.value_or(DisplayMatrix()), turnedLeft(job.rotation + facts.rotation));
 }
 
 RunEnd makeVideo(const Job& job, const OutputFile& output)
@@ -118,20 +130,19 @@ int makeVideoFile(Job job, OutputFile& output)
     if (!saveOriginal(job))
         return failure;
     const RunEnd end = makeVideo(job, output);
-    if (end == RunEnd::Succeeded && output.finish())
+    if (end == RunEnd::Succeeded && isFinished(output))
         return success;
-    // Whoever looks at the output's place must not take an older file for the result, nor delete it.
-    putAside(job.output, "previous");
-    return end == RunEnd::Cancelled ? cancelled : failure;
+    return endWithout(job, isCancelled() ? RunEnd::Cancelled : end);
 }
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    watchForCancelling();
     holdStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
-    watchForCancelling();
+    std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, nobody could wait for ffmpeg
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments == std::vector<std::string>{"--confinement"}) {
         std::fputs(describeConfinement().c_str(), stdout);
@@ -145,7 +156,7 @@ int main(int argc, char* argv[])
     OutputFile output(job->output);
     if (!output.isOpen()) {
         std::perror("tarnwell: the output cannot be written");
-        return failure;
+        return job->kind == Job::Kind::Still ? failure : endWithout(*job, RunEnd::Failed);
     }
     return job->kind == Job::Kind::Still ? makeStill(*job, output) : makeVideoFile(*job, output);
 }

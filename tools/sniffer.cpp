@@ -11,15 +11,18 @@
 namespace
 {
 
-// Whoever reads may go away at any time; what cannot be written is not wanted.
-void writeAll(const std::string& text)
+constexpr int notWritten = 1;
+
+/// False where it could not all be written.
+bool writeAll(const std::string& text)
 {
     for (std::size_t done = 0; done < text.size();) {
         const ssize_t count = ::write(STDOUT_FILENO, text.data() + done, text.size() - done);
         if (count <= 0)
-            return;
+            return false;
         done += static_cast<std::size_t>(count);
     }
+    return true;
 }
 
 } // namespace
@@ -28,14 +31,15 @@ int main(int argc, char* argv[])
 {
     holdStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, nobody could wait for ffprobe
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments.assign(argv + 1, argv + argc);
-    ffprobe.standardError = STDERR_FILENO;
+    ffprobe.isHeard = true;
     ffprobe.input = ffprobe.arguments.empty() ? "" : ffprobe.arguments.back();
     ffprobe.isBrief = true;
     int status = 0;
     const std::string report = outputOfChild(ffprobe, status);
-    writeAll(withTrueRotation(report));
-    return status;
+    const bool isWritten = writeAll(withTrueRotation(report));
+    return status == 0 && !isWritten ? notWritten : status;
 }

@@ -83,6 +83,25 @@ bool canMap(const std::string& gigabytes)
         != MAP_FAILED;
 }
 
+bool canMapShared(const std::string& gigabytes)
+{
+    const std::size_t size = std::stoull(gigabytes) << 30U;
+    return ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)
+        != MAP_FAILED;
+}
+
+/// A file that sends a signal to the parent whenever something happens to it.
+bool canArmFile(const std::string& /*none*/)
+{
+    int ends[2] = {-1, -1};
+    return ::pipe(ends) == 0 && ::fcntl(ends[0], F_SETOWN, ::getppid()) == 0;
+}
+
+bool canSlowDownParent(const std::string& /*none*/)
+{
+    return ::setpriority(PRIO_PROCESS, static_cast<id_t>(::getppid()), ::getpriority(PRIO_PROCESS, 0)) == 0;
+}
+
 bool canStartThread()
 {
     std::thread([] {}).join();
@@ -95,6 +114,14 @@ bool mayLeaveCore()
     ::getrlimit(RLIMIT_CORE, &limit);
     errno = EPERM;
     return limit.rlim_max != 0;
+}
+
+bool mayTakeHours()
+{
+    rlimit limit = {};
+    ::getrlimit(RLIMIT_CPU, &limit);
+    errno = EPERM;
+    return limit.rlim_max > 3600;
 }
 
 bool mayGainPrivileges()
@@ -124,8 +151,13 @@ const std::map<std::string, Attack> attacks = {
     {"outlive", [](const std::string&) { return ::prctl(PR_SET_PDEATHSIG, 0, 0, 0, 0) == 0; }},
     {"become", becomes},
     {"map", canMap},
+    {"share", canMapShared},
+    {"arm", canArmFile},
+    {"slow", canSlowDownParent},
+    {"attributes", [](const std::string& path) { return ::listxattr(path.c_str(), nullptr, 0) >= 0; }},
     {"thread", [](const std::string&) { return canStartThread(); }},
     {"core", [](const std::string&) { return mayLeaveCore(); }},
+    {"hours", [](const std::string&) { return mayTakeHours(); }},
     {"privileges", [](const std::string&) { return mayGainPrivileges(); }},
 };
 

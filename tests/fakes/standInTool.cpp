@@ -188,6 +188,7 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
         }},
     {"say-descriptors", [](const Words&) { sayDescriptors(); }},
     {"say-pid", [](const Words&) { say("pid " + std::to_string(::getpid())); }},
+    {"say-session", [](const Words&) { say("session " + std::to_string(::getsid(0))); }},
     {"say-on-termination",
         [](const Words& text) {
             lastWords = text;
@@ -258,6 +259,8 @@ int main(int argc, char* argv[])
     toolArguments = argv;
     toolArgumentCount = argc;
     const std::string link = argv[0];
+    if (!std::filesystem::exists(link + ".script") || !std::ifstream(link + ".script"))
+        return 2;
     std::istringstream script(contentsOf(link + ".script")); // the file is closed while the commands run
     for (std::string line; std::getline(script, line);) {
         if (!perform(line)) {

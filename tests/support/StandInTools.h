@@ -27,8 +27,9 @@ namespace tarnwell::test
 ///
 /// For a stand-in that may write nowhere but to its streams and its output:
 ///
-/// say-arguments, say-environment, say-descriptors, say-pid
-///                             lines on standard error: "argument HEX", "variable HEX", "descriptor N TARGET", "pid N"
+/// say-arguments, say-environment, say-descriptors, say-pid, say-session
+///                             lines on standard error: "argument HEX", "variable HEX", "descriptor N TARGET", "pid N",
+///                             "session N"
 /// say-on-termination TEXT     from now on a SIGTERM writes the line to standard error and exits with 255
 /// write-output TEXT, write-output-file PATH, flood-output N
 ///                             writes into the file that the last argument names

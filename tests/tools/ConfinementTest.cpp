@@ -103,6 +103,7 @@ TEST_F(ConfinementTest, otherFilesCannotBeRead)
     expectPrevented({"read", "diary", {}}, denied);
     expectPrevented({"list", ".", {}}, denied);
     expectPrevented({"read", {}, "/etc/passwd"}, denied);
+    expectPrevented({"attributes", "diary", {}}, notPermitted);
 }
 
 TEST_F(ConfinementTest, nothingCanBeMadeChangedOrTakenAway)
@@ -159,6 +160,8 @@ TEST_F(ConfinementTest, otherProcessesCannotBeReached)
     expectPrevented({"trace", {}, {}}, notPermitted);
     expectPrevented({"signal", {}, {}}, notPermitted);
     expectPrevented({"outlive", {}, {}}, notPermitted);
+    expectPrevented({"arm", {}, {}}, notPermitted);
+    expectPrevented({"slow", {}, {}}, notPermitted);
 }
 
 TEST_F(ConfinementTest, noProcessesCanBeStarted)
@@ -170,6 +173,7 @@ TEST_F(ConfinementTest, noProcessesCanBeStarted)
 TEST_F(ConfinementTest, theMachineKeepsItsMemory)
 {
     expectPrevented({"map", {}, "2000"}, "Cannot allocate memory");
+    expectPrevented({"share", {}, "2"}, notPermitted);
 }
 
 TEST_F(ConfinementTest, privilegesAndCoresCannotBeHad)
@@ -177,6 +181,12 @@ TEST_F(ConfinementTest, privilegesAndCoresCannotBeHad)
     expectPrevented({"privileges", {}, {}}, notPermitted);
     for (const auto& outcome : {underCreator({"core", {}, {}}), underSniffer({"core", {}, {}})})
         EXPECT_EQ(outcome, notPermitted);
+}
+
+TEST_F(ConfinementTest, aReportEndsInTimeAndAnEncodingMayTakeIt)
+{
+    EXPECT_EQ(underSniffer({"hours", {}, {}}), notPermitted);
+    EXPECT_EQ(underCreator({"hours", {}, {}}), "done");
 }
 
 TEST_F(ConfinementTest, whatADecoderNeedsIsThere)
@@ -269,6 +279,16 @@ TEST_F(ConfinementTest, theKernelsOtherDoorsAreShut)
         {"open_tree", SYS_open_tree, {-1, 0, 0}, EPERM}, {"fsopen", SYS_fsopen, {0, 0, 0}, EPERM},
         {"shmget", SYS_shmget, {0, 0, 0}, EPERM}, {"fchmodat2", 452, {-1, 0, 0}, EPERM},
         {"setxattrat", 463, {-1, 0, 0}, EPERM}, {"file_setattr", 469, {-1, 0, 0}, EPERM},
+        {"chown", SYS_fchownat, {-1, 0, 0}, EPERM}, {"setxattr", SYS_setxattr, {0, 0, 0}, EPERM},
+        {"removexattr", SYS_removexattr, {0, 0, 0}, EPERM}, {"symlinkat", SYS_symlinkat, {0, -1, 0}, EPERM},
+        {"mkdirat", SYS_mkdirat, {-1, 0, 0}, EPERM}, {"prlimit64", SYS_prlimit64, {1, 0, 0}, EPERM},
+        {"a new namespace", SYS_clone, {0x10000000, 0, 0}, EPERM},
+        {"personality", SYS_personality, {0xFFFFFFFF, 0, 0}, EPERM}, {"semget", SYS_semget, {0, 0, 0}, EPERM},
+        {"msgget", SYS_msgget, {0, 0, 0}, EPERM}, {"mq_open", SYS_mq_open, {0, 0, 0}, EPERM},
+        {"memfd_create", SYS_memfd_create, {0, 0, 0}, EPERM},
+        {"sched_setaffinity", SYS_sched_setaffinity, {0, 0, 0}, EPERM},
+        {"inotify_init1", SYS_inotify_init1, {-1, 0, 0}, EPERM},
+        {"a file that signals", SYS_fcntl, {0, F_SETOWN, 1}, EPERM},
         {"typing into a terminal", SYS_ioctl, {0, TIOCSTI, 0}, EPERM}, {"clone3", 435, {0, 0, 0}, ENOSYS},
         {"openat2", SYS_openat2, {-1, 0, 0}, ENOSYS}};
     for (const auto& call : calls) {

@@ -194,6 +194,21 @@ TEST_F(CreatorEndingsTest, anOutputFolderThatTakesNoFilesIsToldOf)
     EXPECT_EQ(otherNames(), Names());
 }
 
+TEST_F(CreatorEndingsTest, whatStandsThereIsPutAsideEvenWhereNoFileCanBeMade)
+{
+    setGoodFfmpeg();
+    writeFile(output(), "older");
+    ToolSetup setup;
+    setup.refused = {RefusedCall::MakeFiles};
+    for (const auto& arguments : {transcode(), fixFlag(), transcode(input(), tools.at("./clip.mp4"))}) {
+        ToolProcess creator(tools.creator(), arguments, setup);
+        EXPECT_EQ(creator.wait(), 1);
+        EXPECT_FALSE(exists(arguments.back()));
+    }
+    expectInputAt(tools.at("clip (original).mp4"));
+    EXPECT_EQ(contentsOf(tools.at(previous)), "older");
+}
+
 TEST_F(CreatorEndingsTest, aFolderAtTheOutputsPlaceStaysThere)
 {
     setGoodFfmpeg();

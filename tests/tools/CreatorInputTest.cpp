@@ -51,7 +51,34 @@ TEST_F(CreatorInputTest, aHardLinkToItIsReplaced)
         const int status = run(transcode());
         EXPECT_EQ(exists(output()), status == 0);
     }
-    EXPECT_EQ(std::filesystem::hard_link_count(input()), 3U); // both older ones are put aside
+    EXPECT_EQ(std::filesystem::hard_link_count(input()), 4U); // all three are put aside
+    EXPECT_TRUE(exists(tools.at("Rotated (original).mp4")));
+}
+
+TEST_F(CreatorInputTest, aLinkThatWasOpenedLeadsToTheOriginalThatIsPutAside)
+{
+    const std::string aside = tools.at("clip (original).mp4");
+    expectInputAt(aside);
+    std::filesystem::create_directory(tools.at("links"));
+    std::filesystem::create_symlink(input(), tools.at("links/opened.mp4"));
+    std::filesystem::create_symlink(input(), tools.at("opened.mp4"));
+    for (const std::string& link : {tools.at("opened.mp4"), tools.at("links/opened.mp4")}) {
+        const auto flag = std::vector<std::string>{
+            "-i", link, "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=90", "-y", input()};
+        const auto picture = std::vector<std::string>{
+            "-v", "quiet", "-ss", "1", "-i", link, "-frames:v", "1", "-y", input()};
+        for (const auto& arguments : {transcode(link, input()), flag, picture}) {
+            for (const auto& script : scripts()) {
+                tools.setFfmpeg(script);
+                run(arguments);
+                ASSERT_TRUE(exists(aside));
+                EXPECT_NE(contentsOf(input()), contentsOf(aside));
+                std::filesystem::remove(input());
+                std::filesystem::rename(aside, input());
+            }
+        }
+    }
+    std::filesystem::rename(input(), aside);
 }
 
 TEST_F(CreatorInputTest, itsOwnPlaceThroughALinkedFolderPutsItAside)
@@ -71,7 +98,7 @@ TEST_F(CreatorInputTest, ffmpegReadsItUnderItsNewName)
     ToolProcess creator(tools.creator(), transcode(input(), tools.at("./clip.mp4")));
     EXPECT_EQ(creator.wait(), 0);
     const auto words = creator.saidInHex("argument ");
-    EXPECT_EQ(std::count(words.begin(), words.end(), "file:" + tools.at("clip (original).mp4")), 1);
+    EXPECT_EQ(std::count(words.begin(), words.end(), "file:" + tools.at("./clip (original).mp4")), 1);
 }
 
 TEST_F(CreatorInputTest, itIsPutAsideEvenWhereFfmpegFails)

@@ -116,10 +116,6 @@ TEST(DisplayMatrixTest, matricesThatChangeThePictureOtherwiseAreRefused)
         {"skewed", {one, 0, 0, one, one, 0, 0, 0, last}},
         {"skewed without getting larger", {one, 0, 0, 46341, 46341, 0, 0, 0, last}},
         {"both axes the same", {one, 0, 0, one, 0, 0, 0, 0, last}},
-        {"bent to the side", {one, 0, 1, 0, one, 0, 0, 0, last}},
-        {"bent downwards", {one, 0, 0, 0, one, 1, 0, 0, last}},
-        {"without a unit", {one, 0, 0, 0, one, 0, 0, 0, 0}},
-        {"with another unit", {one, 0, 0, 0, one, 0, 0, 0, one}},
         {"the smallest numbers", std::vector<long long>(9, -2147483648LL)},
         {"the largest numbers", std::vector<long long>(9, 2147483647LL)},
     };
@@ -127,6 +123,43 @@ TEST(DisplayMatrixTest, matricesThatChangeThePictureOtherwiseAreRefused)
         SCOPED_TRACE(row.name);
         EXPECT_FALSE(parseDisplayMatrix(textOfNumbers(row.numbers)));
     }
+}
+
+TEST(DisplayMatrixTest, theColumnThatDecodersDoNotLookAtDoesNotCount)
+{
+    for (const std::size_t place : {2U, 5U, 8U}) {
+        auto numbers = matrixNumbers(0, 1, -1, 0);
+        numbers[place] = 65536;
+        const auto matrix = parseDisplayMatrix(textOfNumbers(numbers));
+        ASSERT_TRUE(matrix) << place;
+        EXPECT_EQ(rotationTag(*matrix), 90) << place;
+    }
+}
+
+TEST(DecodedMatrixTest, isTurnedAndMirroredAndNotScaled)
+{
+    for (const auto& row : orientations) {
+        for (const double width : {0.5, 1.0, 2.0}) {
+            for (const double height : {0.25, 1.0, 3.0}) {
+                SCOPED_TRACE(row.name);
+                const DisplayMatrix m = matrixOf(row);
+                const auto decoded
+                    = parseDecodedMatrix(matrixText(m.a * width, m.b * width, m.c * height, m.d * height));
+                ASSERT_TRUE(decoded);
+                expectNear(*decoded, m);
+            }
+        }
+    }
+}
+
+TEST(DecodedMatrixTest, isNoneOfGarbage)
+{
+    const long long one = 65536;
+    for (const std::vector<long long>& numbers : std::vector<std::vector<long long>>{
+             {0, 0, 0, 0, 0, 0, 0, 0, 0}, {one, 0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, one, 0, 0, 0, 0},
+             {one, 0, 0, one, one, 0, 0, 0, 0}, {one, 0, 0, one, 0, 0, 0, 0, 0}})
+        EXPECT_FALSE(parseDecodedMatrix(textOfNumbers(numbers)));
+    EXPECT_FALSE(parseDecodedMatrix("no matrix"));
 }
 
 TEST(DisplayMatrixTest, textsThatAreNoMatrixAreRefused)

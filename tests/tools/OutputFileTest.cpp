@@ -8,9 +8,11 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -56,6 +58,11 @@ mode_t modeOf(const std::string& path)
 
 } // namespace
 
+bool finish(OutputFile& file)
+{
+    return file.bringToDisk() && file.moveToPlace();
+}
+
 class OutputFileTest : public testing::Test
 {
 protected:
@@ -81,7 +88,7 @@ TEST_F(OutputFileTest, whatIsFinishedIsThereAlone)
 {
     OutputFile file(at("out.mp4"));
     write(file, "whole");
-    EXPECT_TRUE(file.finish());
+    EXPECT_TRUE(finish(file));
     EXPECT_EQ(contentsOf(at("out.mp4")), "whole");
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
 }
@@ -91,7 +98,7 @@ TEST_F(OutputFileTest, whatIsFinishedStaysWhenTheObjectGoes)
     {
         OutputFile file(at("out.mp4"));
         write(file, "whole");
-        EXPECT_TRUE(file.finish());
+        EXPECT_TRUE(finish(file));
     }
     EXPECT_EQ(contentsOf(at("out.mp4")), "whole");
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
@@ -120,7 +127,7 @@ TEST_F(OutputFileTest, anOlderFileStaysUntouchedUntilThen)
     OutputFile file(at("out.mp4"));
     write(file, "newer");
     EXPECT_EQ(contentsOf(at("out.mp4")), "older");
-    EXPECT_TRUE(file.finish());
+    EXPECT_TRUE(finish(file));
     EXPECT_EQ(contentsOf(at("out.mp4")), "newer");
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
 }
@@ -131,7 +138,7 @@ TEST_F(OutputFileTest, whoHasTheOlderFileOpenKeepsIt)
     const int reader = ::open(at("out.mp4").c_str(), O_RDONLY);
     OutputFile file(at("out.mp4"));
     write(file, "newer and longer");
-    EXPECT_TRUE(file.finish());
+    EXPECT_TRUE(finish(file));
     std::string text(5, '\0');
     EXPECT_EQ(::read(reader, text.data(), text.size()), 5);
     EXPECT_EQ(text, "older");
@@ -146,7 +153,7 @@ TEST_F(OutputFileTest, aLinkIsReplacedAndNotWrittenThrough)
     for (const char* name : {"link.mp4", "hard.mp4"}) {
         OutputFile file(at(name));
         write(file, "new");
-        EXPECT_TRUE(file.finish());
+        EXPECT_TRUE(finish(file));
         EXPECT_EQ(contentsOf(at(name)), "new");
         EXPECT_FALSE(std::filesystem::is_symlink(at(name)));
     }
@@ -158,7 +165,7 @@ TEST_F(OutputFileTest, theModeFollowsTheUsersMask)
     for (const mode_t mask : {0022U, 0077U, 0002U, 0000U}) {
         const Mask set(mask);
         OutputFile file(at("out.mp4"));
-        EXPECT_TRUE(file.finish());
+        EXPECT_TRUE(finish(file));
         EXPECT_EQ(modeOf(at("out.mp4")), 0666U & ~mask) << std::oct << mask;
     }
 }
@@ -170,7 +177,7 @@ TEST_F(OutputFileTest, emptyingThrowsAwayWhatWasWritten)
     file.empty();
     EXPECT_TRUE(file.isEmpty());
     write(file, "second");
-    EXPECT_TRUE(file.finish());
+    EXPECT_TRUE(finish(file));
     EXPECT_EQ(contentsOf(at("out.mp4")), "second");
 }
 
@@ -187,7 +194,7 @@ TEST_F(OutputFileTest, cannotBeFinishedWhenTheFolderHasGone)
     OutputFile file(at("there/out.mp4"));
     write(file, "whole");
     std::filesystem::remove_all(at("there"));
-    EXPECT_FALSE(file.finish());
+    EXPECT_FALSE(finish(file));
     EXPECT_EQ(namesIn(folder()), Names());
 }
 
@@ -198,7 +205,7 @@ TEST_F(OutputFileTest, cannotBeFinishedOverAFolderAndLeavesNothing)
     {
         OutputFile file(at("out.mp4"));
         write(file, "whole");
-        EXPECT_FALSE(file.finish());
+        EXPECT_FALSE(finish(file));
     }
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
     EXPECT_EQ(contentsOf(at("out.mp4/kept")), "kept");
@@ -210,7 +217,7 @@ TEST_F(OutputFileTest, leftoversOfOthersAreNotTouched)
     writeFile(at(leftover), "of another run");
     OutputFile file(at("out.mp4"));
     write(file, "whole");
-    EXPECT_TRUE(file.finish());
+    EXPECT_TRUE(finish(file));
     EXPECT_EQ(contentsOf(at(leftover)), "of another run");
     EXPECT_EQ(namesIn(folder()), Names({leftover, "out.mp4"}));
 }
@@ -221,7 +228,7 @@ TEST_F(OutputFileTest, namesOfAnyBytesAreKept)
         {"-y", "%d.mp4", "a b.mp4", "new\nline.mp4", "\xFF\xFE.mp4", "\xC3\xA4.mp4", "file:x"}) {
         OutputFile file(at(name));
         write(file, name);
-        EXPECT_TRUE(file.finish());
+        EXPECT_TRUE(finish(file));
         EXPECT_EQ(contentsOf(at(name)), name);
     }
 }
@@ -232,8 +239,8 @@ TEST_F(OutputFileTest, twoFilesForOnePlaceAreBothWhole)
     OutputFile second(at("out.mp4"));
     write(first, "first");
     write(second, "second");
-    EXPECT_TRUE(first.finish());
-    EXPECT_TRUE(second.finish());
+    EXPECT_TRUE(finish(first));
+    EXPECT_TRUE(finish(second));
     EXPECT_EQ(contentsOf(at("out.mp4")), "second");
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
 }
@@ -247,7 +254,7 @@ TEST_F(OutputFileTest, hasAHiddenNameWhereItCannotBeNameless)
         const Names names = namesIn(folder());
         const bool isHidden
             = names.size() == 2 && names[0].starts_with(".tarnwell-") && names[1] == "out.mp4";
-        return file.isOpen() && isHidden && contentsOf(at("out.mp4")) == "older" && file.finish();
+        return file.isOpen() && isHidden && contentsOf(at("out.mp4")) == "older" && finish(file);
     }));
     EXPECT_EQ(contentsOf(at("out.mp4")), "whole");
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
@@ -268,9 +275,25 @@ TEST_F(OutputFileTest, theModeOfAHiddenOneFollowsTheUsersMaskToo)
     const Mask set(0027U);
     EXPECT_TRUE(holdsWithout(RefusedCall::OpenNameless, [this] {
         OutputFile file(at("out.mp4"));
-        return file.finish();
+        return finish(file);
     }));
     EXPECT_EQ(modeOf(at("out.mp4")), 0640U);
+}
+
+TEST_F(OutputFileTest, whatAKilledOneLeftUnderAHiddenNameIsRemovedByTheNext)
+{
+    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+    for (const char* name : {".tarnwell-forsaken", ".tarnwell-held", ".other"}) {
+        writeFile(at(name), name);
+        std::filesystem::last_write_time(at(name), longAgo);
+    }
+    writeFile(at(".tarnwell-new"), "new");
+    const int held = ::open(at(".tarnwell-held").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(held, LOCK_EX), 0);
+    EXPECT_TRUE(
+        holdsWithout(RefusedCall::OpenNameless, [this] { return OutputFile(at("out.mp4")).isOpen(); }));
+    ::close(held);
+    EXPECT_EQ(namesIn(folder()), Names({".other", ".tarnwell-held", ".tarnwell-new"}));
 }
 
 } // namespace tarnwell::test

@@ -31,7 +31,7 @@ private:
     TemporaryDirectory m_folder;
 };
 
-class SameEntryTest : public PutAsideTest
+class EntryTest : public PutAsideTest
 {
 };
 
@@ -114,12 +114,24 @@ TEST_F(PutAsideTest, nothingHappensWhereNothingIs)
     EXPECT_EQ(namesIn(folder()), Names());
 }
 
-TEST_F(PutAsideTest, aNameThatWouldBeTooLongIsLeft)
+TEST_F(PutAsideTest, aNameThatWouldBeTooLongIsShortened)
 {
-    const std::string name(255, 'x');
-    writeFile(at(name), "older");
-    EXPECT_EQ(putAside(at(name), "previous"), "");
-    EXPECT_EQ(contentsOf(at(name)), "older");
+    const std::string letter = "\xC3\xA4";
+    std::string name;
+    while (name.size() < 250)
+        name += letter;
+    name += ".mp4";
+    for (const char* end : {" (previous).mp4", " (previous 2).mp4", " (previous 3).mp4"}) {
+        writeFile(at(name), end);
+        const std::string aside = putAside(at(name), "previous");
+        ASSERT_TRUE(aside.ends_with(end)) << aside;
+        const std::string stem
+            = aside.substr(folder().size(), aside.size() - folder().size() - std::string(end).size());
+        EXPECT_EQ(stem.size() % letter.size(), 0U);
+        EXPECT_GT(stem.size(), 220U);
+        EXPECT_EQ(contentsOf(aside), end);
+        EXPECT_FALSE(exists(at(name)));
+    }
 }
 
 TEST_F(PutAsideTest, aFolderIsLeftWhereItIs)
@@ -140,45 +152,50 @@ TEST_F(PutAsideTest, worksWhereARenameCannotLeaveWhatIsThere)
     EXPECT_FALSE(exists(at("out.mp4")));
 }
 
-TEST_F(SameEntryTest, aPathIsTheSameAsItselfHoweverItIsSpelled)
+TEST_F(EntryTest, aFileIsItsOwnHoweverItIsSpelled)
 {
     writeFile(at("a.mp4"), "a");
     std::filesystem::create_directory(at("sub"));
     std::filesystem::create_directory_symlink(folder(), at("linked"));
     for (const char* spelling :
         {"a.mp4", "./a.mp4", "sub/../a.mp4", "/a.mp4", "linked/a.mp4", "linked/linked/a.mp4"}) {
-        EXPECT_TRUE(isSameEntry(at("a.mp4"), at(spelling))) << spelling;
-        EXPECT_TRUE(isSameEntry(at(spelling), at("a.mp4"))) << spelling;
+        EXPECT_TRUE(isEntryOf(at("a.mp4"), at(spelling))) << spelling;
+        EXPECT_TRUE(isEntryOf(at(spelling), at("a.mp4"))) << spelling;
     }
 }
 
-TEST_F(SameEntryTest, twoNamesOfOneFileAreTwoEntries)
+TEST_F(EntryTest, theFileBehindALinkIsMeant)
 {
     writeFile(at("a.mp4"), "a");
     std::filesystem::create_directory(at("sub"));
-    std::filesystem::create_hard_link(at("a.mp4"), at("b.mp4"));
-    std::filesystem::create_hard_link(at("a.mp4"), at("sub/a.mp4"));
     std::filesystem::create_symlink("a.mp4", at("c.mp4"));
-    std::filesystem::create_symlink("../a.mp4", at("sub/c.mp4"));
-    for (const char* other : {"b.mp4", "sub/a.mp4", "c.mp4", "sub/c.mp4"}) {
-        EXPECT_FALSE(isSameEntry(at("a.mp4"), at(other))) << other;
-        EXPECT_FALSE(isSameEntry(at(other), at("a.mp4"))) << other;
+    std::filesystem::create_symlink("../c.mp4", at("sub/c.mp4"));
+    for (const char* link : {"c.mp4", "sub/c.mp4"}) {
+        EXPECT_TRUE(isEntryOf(at("a.mp4"), at(link))) << link;
+        EXPECT_FALSE(isEntryOf(at(link), at("a.mp4"))) << link; // what stands there is only the link
     }
 }
 
-TEST_F(SameEntryTest, otherFilesAreNot)
+TEST_F(EntryTest, anotherNameOfAFileIsItToo)
+{
+    writeFile(at("a.mp4"), "a");
+    std::filesystem::create_hard_link(at("a.mp4"), at("b.mp4"));
+    EXPECT_TRUE(isEntryOf(at("b.mp4"), at("a.mp4")));
+}
+
+TEST_F(EntryTest, otherFilesAreNot)
 {
     writeFile(at("a.mp4"), "a");
     writeFile(at("b.mp4"), "a");
     std::filesystem::create_directory(at("sub"));
     writeFile(at("sub/a.mp4"), "a");
     for (const char* other : {"b.mp4", "sub/a.mp4", "A.mp4", "not there.mp4", "nowhere/a.mp4", ""})
-        EXPECT_FALSE(isSameEntry(at("a.mp4"), at(other))) << other;
+        EXPECT_FALSE(isEntryOf(at("a.mp4"), at(other))) << other;
 }
 
-TEST_F(SameEntryTest, whatIsNotThereIsTheSameAsNothing)
+TEST_F(EntryTest, whatIsNotThereIsNothing)
 {
-    EXPECT_FALSE(isSameEntry(at("none.mp4"), at("none.mp4")));
+    EXPECT_FALSE(isEntryOf(at("none.mp4"), at("none.mp4")));
 }
 
 } // namespace tarnwell::test

@@ -34,6 +34,8 @@ std::vector<Rule> rulesFor(RefusedCall call)
     switch (call) {
     case RefusedCall::OpenNameless:
         return {{SYS_openat, 2, BPF_JSET, namelessFlag, EOPNOTSUPP}};
+    case RefusedCall::MakeFiles:
+        return {{SYS_openat, 2, BPF_JSET, namelessFlag | O_CREAT, ENOSPC}};
     case RefusedCall::RenameToFreeName:
         return {{SYS_renameat2, 4, BPF_JSET, 1, EINVAL}}; // RENAME_NOREPLACE
     case RefusedCall::FileRules:

@@ -9,6 +9,7 @@ namespace tarnwell::test
 /// A system call that some file systems and kernels refuse which others offer.
 enum class RefusedCall {
     OpenNameless, // a file without a name
+    MakeFiles, // as on a disk that has no room for one more
     RenameToFreeName, // a rename that leaves what stands there
     FileRules, // Landlock
     CallFilters // seccomp; it must be the last one to be refused

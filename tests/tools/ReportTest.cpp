@@ -196,8 +196,9 @@ TEST(VideoFactsTest, comeFromTheFirstVideoThatHasAFrameRate)
     const auto facts = videoFactsOf(report({sound, cover, video(quarterTurnRight), second}).dump());
     EXPECT_EQ(facts.width, 1920);
     EXPECT_EQ(facts.height, 1080);
-    ASSERT_TRUE(facts.matrix);
-    EXPECT_EQ(rotationTag(*facts.matrix), 90);
+    EXPECT_EQ(facts.rotation, 90);
+    ASSERT_TRUE(facts.decoded);
+    EXPECT_EQ(rotationTag(*facts.decoded), 90);
 }
 
 TEST(VideoFactsTest, comeFromACoverPictureWhereThereIsNothingElse)
@@ -209,8 +210,18 @@ TEST(VideoFactsTest, comeFromACoverPictureWhereThereIsNothingElse)
     second["width"] = 1;
     const auto facts = videoFactsOf(report({cover, second}).dump());
     EXPECT_EQ(facts.width, 1920);
-    ASSERT_TRUE(facts.matrix);
-    EXPECT_EQ(rotationTag(*facts.matrix), 180);
+    EXPECT_EQ(facts.rotation, 180);
+    ASSERT_TRUE(facts.decoded);
+    EXPECT_EQ(rotationTag(*facts.decoded), 180);
+}
+
+TEST(VideoFactsTest, aMatrixThatScalesHasNoTagButIsDecoded)
+{
+    const auto facts = videoFactsOf(
+        report({video(textOfNumbers({0, 131072, 0, -131072, 0, 0, 0, 0, 1073741824}))}).dump());
+    EXPECT_EQ(facts.rotation, 0);
+    ASSERT_TRUE(facts.decoded);
+    EXPECT_EQ(rotationTag(*facts.decoded), 90);
 }
 
 TEST(VideoFactsTest, areUnknownWithoutAVideo)
@@ -225,7 +236,8 @@ TEST(VideoFactsTest, areUnknownWithoutAVideo)
         const auto facts = videoFactsOf(text);
         EXPECT_EQ(facts.width, 0);
         EXPECT_EQ(facts.height, 0);
-        EXPECT_FALSE(facts.matrix);
+        EXPECT_EQ(facts.rotation, 0);
+        EXPECT_FALSE(facts.decoded);
     }
 }
 

@@ -51,12 +51,11 @@ std::pair<int, int> messageSockets()
     return {ends[0], ends[1]};
 }
 
-int pipeWithoutReader()
+std::pair<int, int> makePipe()
 {
     int ends[2] = {-1, -1};
     EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-    ::close(ends[0]);
-    return ends[1];
+    return {ends[0], ends[1]};
 }
 
 std::string fromHexadecimal(const std::string& digits)
@@ -76,8 +75,12 @@ ToolProcess::ToolProcess(
     int errors = -1;
     if (setup.errors == ToolSetup::ErrorStream::Heard)
         std::tie(m_errorSocket, errors) = messageSockets();
-    else if (setup.errors == ToolSetup::ErrorStream::Unread)
-        errors = pipeWithoutReader();
+    else if (setup.errors != ToolSetup::ErrorStream::Closed)
+        std::tie(m_unreadPipe, errors) = makePipe();
+    if (setup.errors == ToolSetup::ErrorStream::Unread) {
+        ::close(m_unreadPipe);
+        m_unreadPipe = -1;
+    }
     std::vector<std::string> words = {program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     m_process = ::fork();
@@ -97,6 +100,8 @@ ToolProcess::~ToolProcess()
     ::close(m_outputFile);
     if (m_errorSocket >= 0)
         ::close(m_errorSocket);
+    if (m_unreadPipe >= 0)
+        ::close(m_unreadPipe);
 }
 
 void ToolProcess::become(const std::vector<std::string>& words, const ToolSetup& setup, int errors) const
@@ -107,6 +112,8 @@ void ToolProcess::become(const std::vector<std::string>& words, const ToolSetup&
     pointers.push_back(nullptr);
     for (const auto& variable : setup.variables)
         ::putenv(const_cast<char*>(variable.c_str()));
+    if (setup.ignored != 0)
+        std::signal(setup.ignored, SIG_IGN);
     const rlimit limit = {setup.largestFile, setup.largestFile};
     ::setrlimit(RLIMIT_FSIZE, &limit);
     ::dup2(::open("/dev/zero", O_RDONLY | O_CLOEXEC), STDIN_FILENO); // as little ended as a terminal

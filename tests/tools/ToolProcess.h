@@ -13,10 +13,16 @@ namespace tarnwell::test
 
 /// How a tool is started, besides its arguments.
 struct ToolSetup {
-    enum class ErrorStream { Heard, Closed, Unread };
+    enum class ErrorStream {
+        Heard,
+        Closed,
+        Unread, // a pipe whose reader has gone
+        NotListened // a pipe whose reader is there and does not read
+    };
 
-    ErrorStream errors = ErrorStream::Heard; // Unread: a pipe whose reader has gone
+    ErrorStream errors = ErrorStream::Heard;
     std::vector<int> closed = {}; // descriptors that it finds closed
+    int ignored = 0; // a signal
     rlim_t largestFile = RLIM_INFINITY;
     std::vector<std::string> variables = {}; // more of the environment
     std::vector<RefusedCall> refused = {}; // what its system cannot do
@@ -62,6 +68,7 @@ private:
     pid_t m_process = -1;
     int m_outputFile = -1;
     int m_errorSocket = -1;
+    int m_unreadPipe = -1;
     std::vector<std::string> m_errors;
 };
 

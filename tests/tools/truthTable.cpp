@@ -38,7 +38,9 @@ struct Shape {
 struct Flag {
     std::string name;
     Matrix matrix;
-    int tag = 0; // clockwise degrees, as decoders reckon them
+    int tag = 0; // clockwise degrees, as decoders reckon them; none where the matrix scales
+    double scale = 1; // that the file asks for besides, and no decoder obeys
+    std::int32_t last = 1073741824; // the ninth number, which no decoder looks at
 };
 
 const std::vector<Flag> flags = {
@@ -50,6 +52,10 @@ const std::vector<Flag> flags = {
     {"top and bottom exchanged", {1, 0, 0, -1}, 0},
     {"mirrored along the falling diagonal", {0, 1, 1, 0}, 90},
     {"mirrored along the rising diagonal", {0, -1, -1, 0}, 270},
+    {"rotation 90, twice as large", {0, -1, 1, 0}, 0, 2},
+    {"rotation 180, half as large", {-1, 0, 0, -1}, 0, 0.5},
+    {"rotation 270 without a unit", {0, 1, -1, 0}, 90, 1, 65536},
+    {"top and bottom exchanged, twice as large", {1, 0, 0, -1}, 0, 2},
 };
 
 /// One of the 16 changes, and how it is asked for.
@@ -186,7 +192,11 @@ public:
         m_numbers = [&](const Matrix& matrix) {
             return numbersOf(matrix, shape.recipe.width, shape.recipe.height);
         };
-        const std::string bytes = withMatrix(movie, m_numbers(flag.matrix));
+        MatrixNumbers numbers = m_numbers(flag.matrix);
+        for (const std::size_t place : {0U, 1U, 3U, 4U})
+            numbers[place] = static_cast<std::int32_t>(numbers[place] * flag.scale);
+        numbers[8] = flag.last;
+        const std::string bytes = withMatrix(movie, numbers);
         writeFile(m_input, bytes);
         checkReport(flag);
         checkStills(flag);

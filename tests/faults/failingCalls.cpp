@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: MIT
+// Loaded before the system's libraries, this makes one call of the system fail, the n-th time that the
+// program itself makes it: TARNWELL_FAILS is "CALL N". That it did is noted in the file TARNWELL_FAILED.
+// Calls from other libraries than the C++ library are left alone.
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <pthread.h>
+#include <spawn.h>
+#include <string>
+#include <sys/eventfd.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+struct Plan {
+    char call[32] = {};
+    int number = 0;
+};
+
+Plan readPlan()
+{
+    Plan plan;
+    const char* text = std::getenv("TARNWELL_FAILS");
+    if (text != nullptr)
+        std::sscanf(text, "%31s %d", plan.call, &plan.number);
+    return plan;
+}
+
+const Plan plan = readPlan();
+std::atomic<int> calls = 0;
+
+/// The program itself is the one object without a name among those that are loaded.
+bool isOwn(const void* caller)
+{
+    Dl_info info = {};
+    if (::dladdr(caller, &info) == 0 || info.dli_fname == nullptr)
+        return false;
+    const char* name = std::strrchr(info.dli_fname, '/');
+    name = name != nullptr ? name + 1 : info.dli_fname;
+    return std::strncmp(name, "lib", 3) != 0 || std::strncmp(name, "libstdc++", 9) == 0;
+}
+
+template <typename Function>
+Function real(const char* name)
+{
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+}
+
+void note()
+{
+    static const auto openReally = real<int (*)(const char*, int, ...)>("open");
+    static const auto writeReally = real<ssize_t (*)(int, const void*, size_t)>("write");
+    const char* path = std::getenv("TARNWELL_FAILED");
+    const int file = path != nullptr ? openReally(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0600) : -1;
+    if (file < 0)
+        return;
+    [[maybe_unused]] const auto count = writeReally(file, "failed\n", 7);
+    ::close(file);
+}
+
+bool isToFail(const char* call, const void* caller)
+{
+    if (std::strcmp(call, plan.call) != 0 || !isOwn(caller) || ++calls != plan.number)
+        return false;
+    note();
+    return true;
+}
+
+int failing(int error)
+{
+    errno = error;
+    return -1;
+}
+
+/// Says so and waits where TARNWELL_FSYNC_WAITS_FOR names a file, until that is there.
+void waitIfTold()
+{
+    const char* path = std::getenv("TARNWELL_FSYNC_WAITS_FOR");
+    if (path == nullptr)
+        return;
+    ::close(::creat((std::string(path) + ".waiting").c_str(), 0600));
+    while (::access(path, F_OK) != 0)
+        ::usleep(1000);
+}
+
+} // namespace
+
+#define FAIL_OR(call, error)                                                                                 \
+    if (isToFail(#call, __builtin_return_address(0)))                                                        \
+        return failing(error);                                                                               \
+    static const auto really = real<decltype(&::call)>(#call)
+
+extern "C" {
+
+int pipe2(int ends[2], int flags)
+{
+    FAIL_OR(pipe2, EMFILE);
+    return really(ends, flags);
+}
+
+pid_t fork()
+{
+    FAIL_OR(fork, EAGAIN);
+    return really();
+}
+
+int posix_spawn(pid_t* child, const char* path, const posix_spawn_file_actions_t* actions,
+    const posix_spawnattr_t* attributes, char* const arguments[], char* const environment[])
+{
+    if (isToFail("posix_spawn", __builtin_return_address(0)))
+        return EAGAIN;
+    static const auto really = real<decltype(&::posix_spawn)>("posix_spawn");
+    return really(child, path, actions, attributes, arguments, environment);
+}
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*work)(void*), void* argument)
+{
+    if (isToFail("pthread_create", __builtin_return_address(0)))
+        return EAGAIN;
+    static const auto really = real<decltype(&::pthread_create)>("pthread_create");
+    return really(thread, attributes, work, argument);
+}
+
+ssize_t read(int file, void* bytes, size_t count)
+{
+    FAIL_OR(read, EIO);
+    return really(file, bytes, count);
+}
+
+ssize_t write(int file, const void* bytes, size_t count)
+{
+    FAIL_OR(write, ENOSPC);
+    return really(file, bytes, count);
+}
+
+ssize_t pwrite(int file, const void* bytes, size_t count, off_t place)
+{
+    FAIL_OR(pwrite, ENOSPC);
+    return really(file, bytes, count, place);
+}
+
+int poll(pollfd* files, nfds_t count, int patience)
+{
+    FAIL_OR(poll, EINTR);
+    return really(files, count, patience);
+}
+
+int waitid(idtype_t type, id_t id, siginfo_t* info, int options)
+{
+    FAIL_OR(waitid, EINTR);
+    return really(type, id, info, options);
+}
+
+pid_t waitpid(pid_t child, int* status, int options)
+{
+    FAIL_OR(waitpid, EINTR);
+    return really(child, status, options);
+}
+
+int stat(const char* path, struct stat* status)
+{
+    FAIL_OR(stat, EACCES);
+    return really(path, status);
+}
+
+int lstat(const char* path, struct stat* status)
+{
+    FAIL_OR(lstat, EACCES);
+    return really(path, status);
+}
+
+int fstat(int file, struct stat* status)
+{
+    FAIL_OR(fstat, EIO);
+    return really(file, status);
+}
+
+int open(const char* path, int flags, ...)
+{
+    va_list rest;
+    va_start(rest, flags);
+    const auto mode = va_arg(rest, mode_t);
+    va_end(rest);
+    FAIL_OR(open, EMFILE);
+    return really(path, flags, mode);
+}
+
+char* mkdtemp(char* path)
+{
+    if (isToFail("mkdtemp", __builtin_return_address(0))) {
+        errno = ENOSPC;
+        return nullptr;
+    }
+    static const auto really = real<decltype(&::mkdtemp)>("mkdtemp");
+    return really(path);
+}
+
+int mkostemp(char* path, int flags)
+{
+    FAIL_OR(mkostemp, ENOSPC);
+    return really(path, flags);
+}
+
+int eventfd(unsigned int value, int flags)
+{
+    FAIL_OR(eventfd, EMFILE);
+    return really(value, flags);
+}
+
+int fsync(int file)
+{
+    waitIfTold();
+    FAIL_OR(fsync, EIO);
+    return really(file);
+}
+
+int ftruncate(int file, off_t size)
+{
+    FAIL_OR(ftruncate, EIO);
+    return really(file, size);
+}
+
+int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags)
+{
+    FAIL_OR(linkat, EACCES);
+    return really(fromFolder, from, toFolder, to, flags);
+}
+
+int rename(const char* from, const char* to)
+{
+    FAIL_OR(rename, EIO);
+    return really(from, to);
+}
+
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned int flags)
+{
+    FAIL_OR(renameat2, EIO);
+    return really(fromFolder, from, toFolder, to, flags);
+}
+
+int unlink(const char* path)
+{
+    FAIL_OR(unlink, EACCES);
+    return really(path);
+}
+}

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#include "tools/StandardError.h"
+
+#include <algorithm>
+#include <array>
+#include <poll.h>
+#include <unistd.h>
+
+namespace
+{
+
+bool isHeard = true;
+
+bool isTaken(int wishToStop)
+{
+    constexpr int longestWait = 1000; // milliseconds
+    std::array<pollfd, 2> waiting = {{{STDERR_FILENO, POLLOUT, 0}, {wishToStop, POLLIN, 0}}};
+    ::poll(waiting.data(), waiting.size(), isHeard ? longestWait : 0);
+    isHeard = waiting[0].revents != 0;
+    return (waiting[0].revents & POLLOUT) != 0;
+}
+
+} // namespace
+
+void sayLines(const std::string& lines, int wishToStop)
+{
+    for (std::size_t begin = 0; begin < lines.size();) {
+        const auto end = std::min(lines.find('\n', begin), lines.size() - 1) + 1;
+        if (isTaken(wishToStop)) {
+            [[maybe_unused]] const auto written = ::write(STDERR_FILENO, lines.data() + begin, end - begin);
+        }
+        begin = end;
+    }
+}

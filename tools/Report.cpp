@@ -3,6 +3,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <charconv>
+#include <string_view>
+
 namespace
 {
 
@@ -10,6 +13,7 @@ using Json = nlohmann::ordered_json; // keeps the report's order
 
 constexpr int indentation = 4;
 constexpr const char* rotateTag = "rotate";
+constexpr double integerLimit = 9223372036854775808.0; // 2^63
 
 Json parsed(const std::string& report)
 {
@@ -55,6 +59,29 @@ void setTrueRotation(Json& stream)
     }
 }
 
+bool isEndless(const Json& duration)
+{
+    double seconds = 0;
+    if (duration.is_number())
+        seconds = duration.get<double>();
+    if (duration.is_string()) {
+        std::string_view text = duration.get_ref<const std::string&>();
+        text.remove_prefix(text.starts_with('+') ? 1 : 0);
+        std::from_chars(text.data(), text.data() + text.size(), seconds);
+    }
+    return !(seconds < integerLimit && seconds >= -integerLimit);
+}
+
+/// Whether there was one. A header that lies can claim more seconds than whole numbers reach.
+bool dropEndlessDuration(Json& stream)
+{
+    const auto duration = stream.find("duration");
+    if (duration == stream.end() || !isEndless(*duration))
+        return false;
+    stream.erase(duration);
+    return true;
+}
+
 int integerOf(const Json& stream, const char* member)
 {
     const auto entry = stream.find(member);
@@ -76,14 +103,16 @@ std::string withTrueRotation(const std::string& report)
     Json json = parsed(report);
     if (!json.is_object() || !json.contains("streams") || !json["streams"].is_array())
         return report;
-    bool hasVideo = false;
+    bool isChanged = false;
     for (Json& stream : json["streams"]) {
+        if (stream.is_object() && dropEndlessDuration(stream))
+            isChanged = true;
         if (!isVideo(stream))
             continue;
         setTrueRotation(stream);
-        hasVideo = true;
+        isChanged = true;
     }
-    if (!hasVideo)
+    if (!isChanged)
         return report;
     constexpr bool ensureAscii = false;
     return json.dump(indentation, ' ', ensureAscii, Json::error_handler_t::replace) + '\n';

@@ -7,8 +7,8 @@
 #include <string>
 
 /// ffprobe's JSON report with each video stream's "rotate" tag set to what a decoder will really apply: taken
-/// from the stream's display matrix, and taken out where there is none. A text that is no report comes back
-/// as it is.
+/// from the stream's display matrix, and taken out where there is none. A stream's duration of more seconds
+/// than 64 bits hold is taken out too. A text that is no report comes back as it is.
 std::string withTrueRotation(const std::string& report);
 
 /// What a JSON report says of its first video stream that has a frame rate, or else of its first one.

@@ -15,7 +15,7 @@ struct DisplayMatrix {
 };
 
 /// Reads the nine numbers as ffprobe prints them, in numbered rows of fixed-point numbers. Nothing for
-/// garbage and for a matrix that scales, skews or bends the picture.
+/// garbage and for a matrix that scales or skews the picture.
 std::optional<DisplayMatrix> parseDisplayMatrix(std::string_view text);
 
 /// The same of what decoders make of the numbers: they turn and mirror the picture and do not scale it.

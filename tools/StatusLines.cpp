@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <vector>
 
 namespace
 {
@@ -24,15 +25,26 @@ bool startsWith(const std::string& text, const std::string& beginning)
     return text.compare(0, beginning.size(), beginning) == 0;
 }
 
-/// Takes the next whole line out of `rest`; what is longer than a line can be counts as one.
-std::optional<std::string> nextLine(std::string& rest)
+/// Takes the whole lines out of `rest`, without their ends; what is longer than a line can be counts as
+/// several.
+std::vector<std::string> takeLines(std::string& rest)
 {
-    const auto end = rest.find_first_of("\r\n");
-    if (end == std::string::npos && rest.size() < longestLine)
-        return std::nullopt;
-    const std::string line = rest.substr(0, std::min(end, longestLine));
-    rest.erase(0, end == std::string::npos ? line.size() : end + 1);
-    return line;
+    std::vector<std::string> lines;
+    std::size_t begin = 0;
+    while (true) {
+        const auto end = rest.find_first_of("\r\n", begin);
+        const std::size_t length = (end == std::string::npos ? rest.size() : end) - begin;
+        if (length >= longestLine) {
+            lines.push_back(rest.substr(begin, longestLine));
+            begin += longestLine;
+        } else if (end != std::string::npos) {
+            lines.push_back(rest.substr(begin, length));
+            begin = end + 1;
+        } else {
+            rest.erase(0, begin);
+            return lines;
+        }
+    }
 }
 
 std::optional<std::int64_t> wholeNumber(const std::string& text)
@@ -44,12 +56,28 @@ std::optional<std::int64_t> wholeNumber(const std::string& text)
     return number;
 }
 
+bool isTimeStampAt(const std::string& line, std::size_t place)
+{
+    const std::string form = "00:00:00";
+    if (line.size() - place < form.size())
+        return false;
+    return std::equal(form.begin(), form.end(), line.begin() + static_cast<std::ptrdiff_t>(place),
+        [](char wanted, char found) {
+            return wanted == '0' ? found >= '0' && found <= '9' : found == wanted;
+        });
+}
+
+/// Whoever looks for a status line takes the first time stamp that comes along with one.
 std::string withoutStatusMarks(std::string line)
 {
     std::replace_if(
         line.begin(), line.end(), [](char byte) { return byte < ' ' || byte > '~'; }, '?');
     for (auto mark = line.find(statusMark); mark != std::string::npos; mark = line.find(statusMark))
         line[mark + statusMark.size() - 1] = ':';
+    for (std::size_t place = 0; place < line.size(); ++place) {
+        if (isTimeStampAt(line, place))
+            line[place + 2] = '.';
+    }
     return line;
 }
 
@@ -71,8 +99,8 @@ std::string ProgressReader::read(const std::string& piece)
 {
     m_rest += piece;
     std::string lines;
-    while (const auto line = nextLine(m_rest))
-        lines += takeLine(*line);
+    for (const auto& line : takeLines(m_rest))
+        lines += takeLine(line);
     return lines;
 }
 
@@ -91,9 +119,9 @@ std::string ComplaintReader::read(const std::string& piece)
 {
     m_rest += piece;
     std::string lines;
-    while (const auto line = nextLine(m_rest)) {
-        if (!line->empty())
-            lines += withoutStatusMarks(*line) + "\n";
+    for (const auto& line : takeLines(m_rest)) {
+        if (!line.empty())
+            lines += withoutStatusMarks(line) + "\n";
     }
     return lines;
 }

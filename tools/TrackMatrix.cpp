@@ -150,8 +150,12 @@ bool writeMatrixOfTrack(int descriptor, const Box& track, const DisplayMatrix& m
 bool isCompleteMovie(int descriptor)
 {
     const Box file = wholeFile(descriptor);
-    return findBox(descriptor, file, "moov").content != 0
-        && forEachBox(descriptor, file.content, file.end, [](const Box&) {});
+    const Box movie = findBox(descriptor, file, "moov");
+    bool hasVideo = false;
+    forEachBox(descriptor, movie.content, movie.end, [&](const Box& box) {
+        hasVideo = hasVideo || (box.type == "trak" && isVideoTrack(descriptor, box));
+    });
+    return hasVideo && forEachBox(descriptor, file.content, file.end, [](const Box&) {});
 }
 
 bool writeTrackMatrix(int descriptor, const DisplayMatrix& matrix)

@@ -4,7 +4,8 @@
 #include "tools/Rotation.h"
 
 /// Whether the file behind the descriptor is an MP4 or QuickTime file that is all there: whole boxes up to
-/// its end, and among them the one that describes the tracks.
+/// its end, and among them a description of the tracks, one of which holds video. (ffmpeg succeeds with an
+/// empty movie too, where no frame could be decoded.)
 bool isCompleteMovie(int descriptor);
 
 /// Writes the matrix into the header of every video track of such a file, in place. False where there is

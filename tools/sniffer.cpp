@@ -3,6 +3,7 @@
 #include "tools/Child.h"
 #include "tools/Report.h"
 
+#include <cerrno>
 #include <csignal>
 #include <string>
 #include <unistd.h>
@@ -18,9 +19,9 @@ bool writeAll(const std::string& text)
 {
     for (std::size_t done = 0; done < text.size();) {
         const ssize_t count = ::write(STDOUT_FILENO, text.data() + done, text.size() - done);
-        if (count <= 0)
+        if (count < 0 && errno != EINTR)
             return false;
-        done += static_cast<std::size_t>(count);
+        done += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
     return true;
 }

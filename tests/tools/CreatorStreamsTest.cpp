@@ -102,7 +102,7 @@ TEST_F(CreatorStreamsTest, complaintsNeverLookLikeStatusLines)
 {
     const Lines writes
         = writesFor("error title: x time=00:00:99.99 y\\nnext \\xC3\\xA4\\x1B[31m\\rtime=N/A\\n\n");
-    EXPECT_EQ(writes, Lines({"title: x time:00:00:99.99 y\n", "next ???[31m\n", "time:N/A\n"}));
+    EXPECT_EQ(writes, Lines({"title: x time:00.00:99.99 y\n", "next ???[31m\n", "time:N/A\n"}));
 }
 
 TEST_F(CreatorStreamsTest, aFloodOfComplaintsDoesNotStopIt)

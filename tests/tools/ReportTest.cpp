@@ -54,6 +54,20 @@ TEST(ReportTest, aMatrixBecomesATagInAStreamWithoutTags)
     EXPECT_EQ(after(report({video(quarterTurnRight)})).dump(), expected.dump());
 }
 
+TEST(ReportTest, aDurationBeyondSixtyFourBitsIsTakenOut)
+{
+    for (const Json& duration :
+        {Json("9223372036854775808.000000"), Json("-1e30"), Json("+1e30"), Json(1e30)}) {
+        SCOPED_TRACE(duration.dump());
+        Json sound = {{"index", 0}, {"codec_type", "audio"}, {"duration", duration}};
+        Json expected = sound;
+        expected.erase("duration");
+        EXPECT_EQ(after(report({sound})).dump(), report({expected}).dump());
+    }
+    const Json longest = {{"index", 0}, {"codec_type", "audio"}, {"duration", "9223372036854774784.000000"}};
+    EXPECT_EQ(withTrueRotation(report({longest}).dump()), report({longest}).dump());
+}
+
 TEST(ReportTest, theMatrixWinsOverATagOfTheFile)
 {
     Json stream = video(halfTurn);

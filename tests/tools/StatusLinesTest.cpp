@@ -171,8 +171,23 @@ TEST(ComplaintReaderTest, aMarkThatIsCutAtAnyByteDoesNotGetThrough)
     for (std::size_t first = 0; first <= text.size(); ++first) {
         ComplaintReader reader;
         const std::string begin = reader.read(text.substr(0, first));
-        EXPECT_EQ(begin + reader.read(text.substr(first)), "a time:00:00:01.00 b\ntime:5\n") << first;
+        EXPECT_EQ(begin + reader.read(text.substr(first)), "a time:00.00:01.00 b\ntime:5\n") << first;
     }
+}
+
+TEST(ComplaintReaderTest, noTimeStampGetsThrough)
+{
+    EXPECT_EQ(complaint("time code 01:00:00:00 is wrong\n"), "time code 01.00.00:00 is wrong\n");
+    EXPECT_EQ(complaint("12:34:56.78\n"), "12.34:56.78\n");
+    EXPECT_EQ(complaint("11:22:33:44:55 0:1 1:23:45\n"), "11.22.33.44:55 0:1 1:23:45\n");
+}
+
+TEST(ComplaintReaderTest, howALongLineComesInChangesNothing)
+{
+    const std::string text = std::string(longestLine + 900, 'x') + "end\n";
+    ComplaintReader reader;
+    const std::string begin = reader.read(text.substr(0, longestLine + 400));
+    EXPECT_EQ(begin + reader.read(text.substr(longestLine + 400)), complaint(text));
 }
 
 TEST(ComplaintReaderTest, marksInALineOfAnyLengthDoNotGetThrough)

@@ -240,12 +240,19 @@ TEST_F(TrackMatrixTest, aHeaderThatIsTooShortForItsVersionIsNotWrittenBeyond)
     EXPECT_EQ(bytes(), before);
 }
 
+TEST_F(TrackMatrixTest, aMovieWithoutVideoIsNotComplete)
+{
+    EXPECT_FALSE(isComplete(fileType() + box("moov", box("mvhd", bigEndian(0, 100)))));
+    EXPECT_FALSE(isComplete(fileType() + box("moov", track("soun"))));
+    EXPECT_TRUE(isComplete(fileType() + box("moov", track("soun") + track("vide"))));
+}
+
 TEST_F(TrackMatrixTest, deeplyNestedAndCutFilesDoNoHarm)
 {
     std::string nested;
     for (int depth = 0; depth < 2000; ++depth)
         nested = box("moov", nested);
-    EXPECT_TRUE(isComplete(nested));
+    EXPECT_FALSE(isComplete(nested));
     EXPECT_FALSE(writeMatrix(nested, quarterTurnLeft));
     const std::string whole = smallMovie();
     for (std::size_t length = 0; length < whole.size(); ++length) {

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+// Any bytes as sniffer's report: the description is whole, and the program stops only where that is promised.
+#include "probe/FileProbe.h"
+#include "probe/JSON.h"
+#include "probe/Suitability.h"
+#include "tests/fuzz/Promise.h"
+#include "tests/fuzz/SnifferOutput.h"
+#include "tools/Report.h"
+#include "util/Unicode.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr double integerLimit = 9223372036854775808.0; // 2^63
+constexpr std::int64_t stereo = 2;
+
+// Channels that are no number stop the program. ffprobe prints none, whatever the file says.
+bool hasWrongChannels(const JSON& streams)
+{
+    for (std::size_t index = 0; index < streams.count(); ++index) {
+        const JSON channels = streams[index]["channels"];
+        if (!channels.isNull() && !channels.optionalNumber())
+            return true;
+        if (channels.integer() > stereo)
+            return false; // it is not looked any further
+    }
+    return false;
+}
+
+// Durations beyond 64 bits stop the program too. A file can make ffprobe print such, so that sniffer must
+// not.
+bool hasEndlessDuration(const JSON& streams)
+{
+    for (std::size_t index = 0; index < streams.count(); ++index) {
+        const double seconds = streams[index]["duration"].number();
+        if (!(seconds < integerLimit && seconds >= -integerLimit))
+            return true;
+    }
+    return false;
+}
+
+void checkTrack(const TrackInfo& track)
+{
+    constexpr std::array types = {"Video", "Audio", "Subtitle", "Poster", "Other"};
+    constexpr std::array texts = {"trackType", "trackCodec", "trackID", "trackPresentInfile",
+        "trackSpecialInfo", "trackDurationHuman", "trackLanguage"};
+    promise(track.size() == texts.size() + 2, "a track has nine entries");
+    for (const char* key : texts) {
+        const auto entry = track.find(key);
+        promise(entry != track.end() && std::holds_alternative<std::string>(entry->second), key);
+        promise(isValidUtf8(std::get<std::string>(entry->second)), "texts are UTF-8");
+    }
+    promise(std::holds_alternative<double>(track.at("trackDuration")), "a duration is a number");
+    promise(std::holds_alternative<JSON>(track.at("trackDictionary")), "the report's own object is kept");
+    const auto& type = std::get<std::string>(track.at("trackType"));
+    promise(std::find(types.begin(), types.end(), type) != types.end(), "a track is of one of five types");
+}
+
+void checkMetadata(const FileProbe& probe)
+{
+    constexpr std::array labels = {"Title", "Tagline", "Synopsis", "Release Date", "Genre", "HD",
+        "Media Kind", "Composer", "Rating", "Encoder", "Copyright", "Comment"};
+    promise(probe.metadata.size() == labels.size(), "there are twelve entries of metadata");
+    for (std::size_t place = 0; place < labels.size(); ++place) {
+        const auto& entry = probe.metadata[place];
+        promise(entry.size() == 2 && entry.at("key") == labels[place], "metadata come in their order");
+        promise(isValidUtf8(entry.at("value")), "texts are UTF-8");
+    }
+}
+
+void checkDescription(const FileProbe& probe, const JSON& report)
+{
+    const std::size_t streams = report["streams"].count();
+    promise(probe.hasErrors == report.hasMember("error"), "an error is flagged");
+    promise(
+        probe.isValidMediaFile == (!probe.hasErrors && streams > 0), "streams without an error are valid");
+    promise(probe.hasVideoTrack == probe.videoWidth.has_value()
+            && probe.hasVideoTrack == probe.videoHeight.has_value()
+            && probe.hasVideoTrack == probe.videoRatio.has_value(),
+        "a video track has a size, and nothing else has");
+    promise(!isSuitable(probe) || probe.hasVideoTrack, "what suits has a picture");
+    if (!probe.isValidMediaFile) {
+        promise(!isSuitable(probe) && !probe.isEncrypted && !probe.hasVideoTrack && !probe.hasAudioTrack
+                && !probe.hasSubtitleTrack && !probe.hasAudioTrackWhichHasMoreThanTwoChannels
+                && probe.duration == 0 && probe.bitRate == 0 && probe.tagRotateValue == 0
+                && probe.tracksInfo.empty() && probe.metadata.empty(),
+            "what is not valid is not described");
+        return;
+    }
+    promise(probe.numberOfStreams == static_cast<std::int64_t>(streams) && probe.tracksInfo.size() == streams,
+        "every stream is a track");
+    std::for_each(probe.tracksInfo.begin(), probe.tracksInfo.end(), checkTrack);
+    checkMetadata(probe);
+}
+
+FileProbe descriptionOf(const std::string& report)
+{
+    setSnifferOutput(report);
+    return {"/dev/null", ToolContext{Bundle("/nowhere")}};
+}
+
+JSON parsed(const std::string& report)
+{
+    const auto outcome = JSON::parse(report);
+    return std::holds_alternative<JSON>(outcome) ? std::get<JSON>(outcome) : JSON();
+}
+
+void checkSame(const FileProbe& before, const FileProbe& after)
+{
+    promise(before.isEncrypted == after.isEncrypted && before.hasVideoTrack == after.hasVideoTrack
+            && before.hasAudioTrack == after.hasAudioTrack
+            && before.hasSubtitleTrack == after.hasSubtitleTrack && before.duration == after.duration
+            && before.bitRate == after.bitRate && before.numberOfStreams == after.numberOfStreams
+            && before.metadata == after.metadata
+            && trackCodecs(before.tracksInfo) == trackCodecs(after.tracksInfo),
+        "sniffer changes nothing but the rotation");
+}
+
+} // namespace
+
+} // namespace tarnwell::test
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace tarnwell::test;
+    const std::string report = bytesOf(data, size);
+    const tarnwell::JSON json = parsed(report);
+    if (hasWrongChannels(json["streams"]))
+        return -1; // not wanted among the inputs to go on from
+    const std::string delivered = withTrueRotation(report);
+    promise(!hasEndlessDuration(parsed(delivered)["streams"]), "sniffer delivers no endless duration");
+    const tarnwell::FileProbe after = descriptionOf(delivered);
+    checkDescription(after, parsed(delivered));
+    promise(after.tagRotateValue >= 0 && after.tagRotateValue < 360, "sniffer's own tag is a turn");
+    if (hasEndlessDuration(json["streams"]))
+        return 0;
+    const tarnwell::FileProbe before = descriptionOf(report);
+    checkDescription(before, json);
+    checkSame(before, after);
+    return 0;
+}

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace tarnwell::test
+{
+
+/// Ends the program where a promise is broken, so that the input that shows it is kept.
+inline void promise(bool holds, const char* what)
+{
+    if (holds)
+        return;
+    std::fprintf(stderr, "broken promise: %s\n", what);
+    std::abort();
+}
+
+inline std::string bytesOf(const std::uint8_t* data, std::size_t size)
+{
+    return {reinterpret_cast<const char*>(data), size};
+}
+
+/// Numbers that follow from the input alone, for choices that the input need not spell.
+class Choices
+{
+public:
+    explicit Choices(std::string_view input)
+        : m_engine(static_cast<std::uint32_t>(std::hash<std::string_view>{}(input)))
+    {
+    }
+
+    std::size_t below(std::size_t limit) { return m_engine() % limit; }
+
+private:
+    std::mt19937 m_engine;
+};
+
+} // namespace tarnwell::test

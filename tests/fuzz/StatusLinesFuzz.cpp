@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+// Any bytes as ffmpeg's progress and as its complaints: creator says whole lines, and the application reads
+// the time from none but its status lines.
+#include "export/Progress.h"
+#include "tests/fuzz/Promise.h"
+#include "tools/StatusLines.h"
+
+#include <algorithm>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr std::size_t longestLine = 4096; // with its end; as much as one write to a pipe brings over whole
+
+bool isStatusLine(const std::string& line)
+{
+    const std::string form = "time=00:00:00.00";
+    if (line.size() != form.size())
+        return false;
+    for (std::size_t place = 0; place < form.size(); ++place) {
+        const bool isDigit = line[place] >= '0' && line[place] <= '9';
+        if (form[place] == '0' ? !isDigit : line[place] != form[place])
+            return false;
+    }
+    return line[8] < '6' && line[11] < '6';
+}
+
+void checkLines(const std::string& text, bool (*isRight)(const std::string&), const char* what)
+{
+    for (std::size_t begin = 0; begin < text.size();) {
+        const auto end = text.find('\n', begin);
+        promise(end != std::string::npos, "lines are whole");
+        promise(end - begin < longestLine, "a line fits one write");
+        promise(isRight(text.substr(begin, end - begin)), what);
+        begin = end + 1;
+    }
+}
+
+bool isComplaint(const std::string& line)
+{
+    return !line.empty() && line.find("time=") == std::string::npos
+        && std::all_of(line.begin(), line.end(), [](char letter) { return letter >= ' ' && letter <= '~'; });
+}
+
+template <typename Reader>
+std::string readWhole(const std::string& text)
+{
+    Reader reader;
+    return reader.read(text);
+}
+
+template <typename Reader>
+std::string readInPieces(const std::string& text, Choices& choices)
+{
+    Reader reader;
+    std::string lines;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t size = 1 + choices.below(64);
+        lines += reader.read(text.substr(begin, size));
+        begin += size;
+    }
+    return lines;
+}
+
+} // namespace
+
+} // namespace tarnwell::test
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace tarnwell;
+    using namespace tarnwell::test;
+    const std::string text = bytesOf(data, size);
+    Choices choices(text);
+    const std::string status = readWhole<ProgressReader>(text);
+    const std::string complaints = readWhole<ComplaintReader>(text);
+    checkLines(status, isStatusLine, "progress gives status lines and nothing else");
+    checkLines(complaints, isComplaint, "a complaint is no status line");
+    promise(status == readInPieces<ProgressReader>(text, choices), "pieces of progress give the same");
+    promise(complaints == readInPieces<ComplaintReader>(text, choices), "pieces of complaints give the same");
+    promise(!elapsedSecondsFromChunk(complaints), "complaints alone tell no time");
+    // Both come through one pipe, so that one chunk may hold some of each.
+    const auto elapsed = elapsedSecondsFromChunk(complaints + statusLine(1000000));
+    promise(elapsed == 1.0, "a complaint is not taken for the time");
+    if (!status.empty())
+        promise(elapsedSecondsFromChunk(complaints + status) == elapsedSecondsFromChunk(status),
+            "the time is that of the first status line");
+    return 0;
+}

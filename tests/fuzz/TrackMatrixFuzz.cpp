@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+// Any bytes as a finished movie: creator takes it as whole only where its boxes are, and writes the matrices
+// of track headers and nothing else.
+#include "tests/fuzz/Promise.h"
+#include "tools/TrackMatrix.h"
+
+#include <algorithm>
+#include <array>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr std::size_t matrixSize = 36;
+
+/// A file without a name that is used again and again.
+class MemoryFile
+{
+public:
+    MemoryFile()
+        : m_descriptor(::memfd_create("movie", MFD_CLOEXEC))
+    {
+        promise(m_descriptor >= 0, "there is a file in memory");
+    }
+
+    int descriptor() const { return m_descriptor; }
+
+    void write(const std::string& bytes) const
+    {
+        promise(::ftruncate(m_descriptor, 0) == 0
+                && ::pwrite(m_descriptor, bytes.data(), bytes.size(), 0)
+                    == static_cast<ssize_t>(bytes.size()),
+            "the file in memory can be written");
+    }
+
+    std::string contents() const
+    {
+        std::string bytes(static_cast<std::size_t>(::lseek(m_descriptor, 0, SEEK_END)), '\0');
+        promise(::pread(m_descriptor, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size()),
+            "the file in memory can be read");
+        return bytes;
+    }
+
+private:
+    int m_descriptor;
+};
+
+std::uint64_t numberAt(const std::string& bytes, std::size_t place, std::size_t count)
+{
+    std::uint64_t number = 0;
+    for (std::size_t byte = place; byte < place + count && byte < bytes.size(); ++byte)
+        number = number << 8U | static_cast<unsigned char>(bytes[byte]);
+    return number;
+}
+
+struct Box {
+    std::string type;
+    std::size_t content;
+    std::size_t end;
+};
+
+/// The boxes up to the first that is broken, and whether none is. A size of 0, in either of its two forms,
+/// reaches to the end.
+std::vector<Box> boxesIn(const std::string& bytes, std::size_t begin, std::size_t end, bool& areWhole)
+{
+    std::vector<Box> boxes;
+    for (areWhole = true; begin < end;) {
+        std::uint64_t size = numberAt(bytes, begin, 4);
+        const std::size_t header = size == 1 ? 16 : 8;
+        if (size == 1)
+            size = numberAt(bytes, begin + 8, 8);
+        if (size == 0)
+            size = end - begin;
+        areWhole = bytes.size() - begin >= 8 && size >= header && size <= end - begin;
+        if (!areWhole)
+            break;
+        boxes.push_back({bytes.substr(begin + 4, 4), begin + header, begin + size});
+        begin += size;
+    }
+    return boxes;
+}
+
+/// The first of that type in the parent, which lies in nothing where there is none.
+Box child(const std::string& bytes, const Box& parent, const std::string& type)
+{
+    bool areWhole = false;
+    for (const Box& box : boxesIn(bytes, parent.content, parent.end, areWhole)) {
+        if (box.type == type)
+            return box;
+    }
+    return {"", bytes.size(), bytes.size()};
+}
+
+bool isVideoTrack(const std::string& bytes, const Box& box)
+{
+    const Box handler = child(bytes, child(bytes, box, "mdia"), "hdlr");
+    return box.type == "trak" && handler.content + 12 <= bytes.size()
+        && bytes.compare(handler.content + 8, 4, "vide") == 0;
+}
+
+/// Whether boxes fill the file and one of them describes a track of video.
+bool isWhole(const std::string& bytes)
+{
+    const Box movie = child(bytes, {"", 0, bytes.size()}, "moov");
+    bool areWhole = false;
+    const auto tracks = boxesIn(bytes, movie.content, movie.end, areWhole);
+    const bool hasVideo = std::any_of(
+        tracks.begin(), tracks.end(), [&bytes](const Box& box) { return isVideoTrack(bytes, box); });
+    boxesIn(bytes, 0, bytes.size(), areWhole);
+    return hasVideo && areWhole;
+}
+
+/// Where the matrix of the header with that "tkhd" stands, by its size's form and its version byte.
+std::size_t matrixPlace(const std::string& bytes, std::size_t type)
+{
+    const bool isLongSize = type >= 4 && numberAt(bytes, type - 4, 4) == 1;
+    const std::size_t content = type + (isLongSize ? 12 : 4);
+    return content + (content < bytes.size() && bytes[content] == 1 ? 52 : 40);
+}
+
+/// Whether the header that the type stands in is long enough for a matrix and the size behind it.
+bool hasRoom(const std::string& bytes, std::size_t type)
+{
+    constexpr std::size_t pictureSize = 8;
+    const std::uint64_t size = type < 4 ? 0 : numberAt(bytes, type - 4, 4);
+    const bool isElsewhere = size < 2; // eight bytes behind the type, or up to the parent's end
+    return isElsewhere || matrixPlace(bytes, type) + matrixSize + pictureSize <= type - 4 + size;
+}
+
+bool isInMatrix(const std::string& bytes, std::size_t place)
+{
+    const std::size_t first = place > 128 ? place - 128 : 0;
+    for (auto type = bytes.find("tkhd", first); type < place; type = bytes.find("tkhd", type + 1)) {
+        const std::size_t matrix = matrixPlace(bytes, type);
+        if (hasRoom(bytes, type) && place >= matrix && place < matrix + matrixSize)
+            return true;
+    }
+    return false;
+}
+
+void checkChanges(const std::string& before, const std::string& after)
+{
+    promise(before.size() == after.size(), "the file keeps its size");
+    for (std::size_t place = 0; place < before.size(); ++place)
+        promise(before[place] == after[place] || isInMatrix(before, place), "nothing but matrices changes");
+}
+
+/// The first two rows' numbers that a quarter turn to the left, so many times, is.
+bool hasQuarterTurns(const std::string& bytes, std::size_t turns)
+{
+    constexpr std::uint64_t one = 65536;
+    constexpr std::uint64_t minusOne = 0xFFFF0000;
+    constexpr std::array<std::array<std::uint64_t, 4>, 4> rows
+        = {{{one, 0, 0, one}, {0, minusOne, one, 0}, {minusOne, 0, 0, minusOne}, {0, one, minusOne, 0}}};
+    for (auto type = bytes.find("tkhd"); type != std::string::npos; type = bytes.find("tkhd", type + 1)) {
+        const std::size_t place = matrixPlace(bytes, type);
+        const std::array<std::uint64_t, 4> found = {numberAt(bytes, place, 4), numberAt(bytes, place + 4, 4),
+            numberAt(bytes, place + 12, 4), numberAt(bytes, place + 16, 4)};
+        if (found == rows[turns])
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+} // namespace tarnwell::test
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace tarnwell::test;
+    static const MemoryFile file;
+    const std::string before = bytesOf(data, size);
+    file.write(before);
+    const bool isComplete = isCompleteMovie(file.descriptor());
+    promise(isComplete == isWhole(before),
+        "a movie is complete where whole boxes fill it and one is a track of video");
+    promise(file.contents() == before, "looking changes nothing");
+    Choices choices(before);
+    const std::size_t turns = choices.below(4);
+    const bool isWritten = writeTrackMatrix(file.descriptor(), turnedLeft(90.0 * static_cast<double>(turns)));
+    const std::string after = file.contents();
+    checkChanges(before, after);
+    promise(isCompleteMovie(file.descriptor()) == isComplete, "a new matrix breaks no movie");
+    promise(!isWritten || hasQuarterTurns(after, turns), "what was written is the turn");
+    promise(writeTrackMatrix(file.descriptor(), turnedLeft(90.0 * static_cast<double>(turns))) == isWritten
+            && file.contents() == after,
+        "the second time changes nothing");
+    return 0;
+}

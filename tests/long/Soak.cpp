@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+// Opens, turns, looks at and saves the same small video again and again in one window, with the real tools,
+// and compares what the program holds of the machine early on with what it holds at the end. tests/long/soak
+// calls it: SOAK_ROUNDS says how many rounds, SOAK_FIRST after how many the comparison begins.
+#include "tests/long/OwnResources.h"
+#include "tests/support/Files.h"
+#include "tests/support/Samples.h"
+#include "tests/support/WindowTest.h"
+
+#include <QAction>
+#include <QImage>
+
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <unistd.h>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+// The allocator keeps what was freed in places that the next round may or may not fill; a leak of one picture
+// a round would be ten times as much.
+constexpr std::size_t memoryTolerance = 4096; // kilobytes
+
+constexpr unsigned int longestRound = 120; // seconds
+
+int numberSet(const char* name)
+{
+    const char* value = std::getenv(name);
+    return value != nullptr ? std::atoi(value) : 0;
+}
+
+void tell(int round, const OwnResources& held, std::size_t files)
+{
+    std::cout << "round " << round << ": " << held.descriptors << " descriptors, " << held.threads
+              << " threads, " << held.children << " children, " << held.memory << " kB, " << files
+              << " temporary files" << std::endl;
+}
+
+} // namespace
+
+class Soak : public WindowTest
+{
+protected:
+    std::string sample() const { return folder() + "sample.mp4"; }
+    std::string output() const { return folder() + "out.mp4"; }
+
+    /// Every second time by the panel instead of a drop.
+    void open(int round)
+    {
+        if (round % 2 == 0)
+            openByPanel(sample());
+        else
+            ASSERT_TRUE(drop(sample()));
+        ASSERT_FALSE(isAlertShown());
+        waitForKeyboard(window());
+        ASSERT_EQ(shownPicture().size(), QSize(320, 240));
+    }
+
+    /// Turns and mirrors, in one of eight ways that change the picture; the picture follows.
+    void turn(int round)
+    {
+        const char* const buttons[]
+            = {"rotateLeftBTN", "rotateRightBTN", "flipVerticallyBTN", "flipHorizontallyBTN"};
+        const QImage before = shownPicture();
+        const int clicks = round % 8 < 4 ? 1 : 3;
+        for (int click = 0; click < clicks; ++click)
+            action(buttons[(round + click) % 4]).trigger();
+        ASSERT_NE(shownPicture(), before);
+        action("resetBTN").trigger();
+        ASSERT_EQ(shownPicture(), before);
+        action("rotateLeftBTN").trigger();
+        ASSERT_EQ(shownPicture().size(), QSize(240, 320));
+    }
+
+    /// In both modes, turn about.
+    void save(int round)
+    {
+        saveByPanel(output());
+        QMessageBox* question = shownAlert();
+        ASSERT_NE(question, nullptr);
+        answer(question, round % 4 < 2 ? "Transcode" : "Fix Flag");
+        ASSERT_TRUE(waitUntil([question, this] { return !isAlertShown() || shownAlert() != question; }));
+        QMessageBox* result = shownAlert();
+        ASSERT_NE(result, nullptr);
+        ASSERT_TRUE(result->text().startsWith(QStringLiteral("Video "))) << result->text().toStdString();
+        answer(result, "OK");
+        ASSERT_TRUE(waitUntil([this] { return !isAlertShown(); }));
+        ASSERT_GT(std::filesystem::file_size(output()), 0U);
+        std::filesystem::remove(output());
+        waitForKeyboard(window());
+    }
+
+    std::size_t temporaryFiles() const
+    {
+        std::size_t count = 0;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(ownTemporaryFolder()))
+            count += entry.is_regular_file() ? 1 : 0;
+        return count;
+    }
+
+    /// What is held once the threads and descriptors of the last run have gone.
+    OwnResources settled(const OwnResources& expected)
+    {
+        waitUntil([&expected] {
+            const OwnResources held = ownResources();
+            return held.descriptors <= expected.descriptors && held.threads <= expected.threads;
+        });
+        return ownResources();
+    }
+};
+
+TEST_F(Soak, theProgramHoldsNoMoreAtTheEnd)
+{
+    const int rounds = numberSet("SOAK_ROUNDS");
+    const int first = numberSet("SOAK_FIRST");
+    ASSERT_TRUE(first > 0 && rounds > first) << "called by tests/long/soak";
+    makeSampleVideo(sample(), {.seconds = 1});
+    start();
+    OwnResources early;
+    const std::size_t files = temporaryFiles();
+    for (int round = 1; round <= rounds && !HasFatalFailure(); ++round) {
+        ::alarm(longestRound); // ends the process
+        open(round);
+        turn(round);
+        save(round);
+        if (round == first)
+            early = ownResources();
+        if (round == first || round % 50 == 0)
+            tell(round, ownResources(), temporaryFiles());
+    }
+    ::alarm(longestRound);
+    ASSERT_FALSE(HasFatalFailure());
+    const OwnResources late = settled(early);
+    tell(rounds, late, temporaryFiles());
+    EXPECT_LE(late.descriptors, early.descriptors);
+    EXPECT_LE(late.threads, early.threads);
+    EXPECT_EQ(late.children, early.children);
+    EXPECT_LE(late.memory, early.memory + memoryTolerance);
+    EXPECT_EQ(temporaryFiles(), files);
+}
+
+} // namespace tarnwell::test

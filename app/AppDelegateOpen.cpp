@@ -3,6 +3,7 @@
 #include "app/Alerts.h"
 #include "app/AppDelegate.h"
 #include "app/DragAndDropFileInNSImageView.h"
+#include "app/PictureDescription.h"
 #include "app/StillFrame.h"
 #include "app/SupportAddress.h"
 #include "desktop/Panels.h"
@@ -61,6 +62,7 @@ void AppDelegate::acceptFile(const FileProbe& probe)
     required(m_outlets.posterFrameIMGV).setImage(extractPosterFrame(probe));
     currentImage = extractPosterFrame(probe);
     m_orientation = {};
+    describeFile(required(m_outlets.posterFrameIMGV), probe.fileFullPath.value_or(std::string()));
     setEditingControlsEnabled(true);
     hideAnalysisProgress();
 }

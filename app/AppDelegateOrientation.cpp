@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Orientation: each change redraws the preview from the still; reset shows the still itself.
 #include "app/AppDelegate.h"
+#include "app/PictureDescription.h"
 #include "orientation/Picture.h"
 #include "platform/ProgramStops.h"
 
@@ -34,7 +35,9 @@ void AppDelegate::hFlip()
 void AppDelegate::resetBTNClicked()
 {
     m_orientation = {};
-    required(m_outlets.posterFrameIMGV).setImage(currentImage.value_or(QImage()));
+    ImageView& view = required(m_outlets.posterFrameIMGV);
+    view.setImage(currentImage.value_or(QImage()));
+    describeOrientation(view, m_orientation);
 }
 
 void AppDelegate::updatePreview()
@@ -43,6 +46,7 @@ void AppDelegate::updatePreview()
     const auto angle = static_cast<double>(angleOfPosition(m_orientation.positionState));
     view.setImage(rotateImage(required(currentImage), angle));
     view.setImage(flipImage(view.image(), m_orientation.hFlipState, m_orientation.vFlipState));
+    describeOrientation(view, m_orientation);
 }
 
 } // namespace tarnwell

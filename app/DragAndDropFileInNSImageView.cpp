@@ -13,6 +13,7 @@
 #include <QMimeData>
 
 #include <memory>
+#include <utility>
 
 namespace tarnwell
 {
@@ -70,11 +71,11 @@ void DragAndDropFileInNSImageView::dropEvent(QDropEvent* event)
     // The program from which the file comes waits for the answer, and must not wait for what is done with the file.
     // Until that begins nothing else may begin.
     const std::shared_ptr<QMimeData> drag = copyOfFileNames(*event->mimeData());
-    const auto perform = [this, drag, gate = std::make_shared<InputGate>()]() mutable {
+    auto perform = [this, drag, gate = std::make_shared<InputGate>()]() mutable {
         gate.reset();
         performDragOperation(*drag);
     };
-    QMetaObject::invokeMethod(this, perform, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, std::move(perform), Qt::QueuedConnection);
 }
 
 } // namespace tarnwell

@@ -2,15 +2,18 @@
 #include "app/Interface.h"
 
 #include "app/AppDelegate.h"
+#include "desktop/FocusRing.h"
 #include "desktop/InputGate.h"
 #include "desktop/SymbolIcon.h"
-
 #include "ui_HelpSheet.h"
 #include "ui_MainWindow.h"
 #include "ui_ProgressSheet.h"
 
 #include <QCoreApplication>
 #include <QScreen>
+#include <QShortcut>
+#include <QStyle>
+#include <QToolButton>
 
 namespace tarnwell
 {
@@ -49,8 +52,17 @@ void Interface::setUpWindow()
 {
     m_main->setupUi(&m_window);
     giveSymbols(m_window);
+    // Qt itself goes to the menus by the Alt key alone, of which not every desktop lets a program know.
+    const auto* toMenus = new QShortcut(Qt::Key_F10, &m_window);
+    QObject::connect(toMenus, &QShortcut::activated, m_main->menuBar,
+        [this] { m_main->menuBar->setActiveAction(m_main->fileMenu->menuAction()); });
     m_window.setWindowIcon(QIcon(QStringLiteral(":/icon/org.tarnwell.Tarnwell.svg")));
-    m_window.resize(m_window.size().boundedTo(m_window.screen()->availableSize()));
+    // The frame is the window manager's; as much as the style gives to one must do.
+    const int title = m_window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &m_window);
+    const int border
+        = 2 * m_window.style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth, nullptr, &m_window);
+    const QSize room = m_window.screen()->availableSize() - QSize(border, title + border);
+    m_window.resize(m_window.size().boundedTo(room));
 }
 
 void Interface::setUpToolBar()
@@ -58,6 +70,11 @@ void Interface::setUpToolBar()
     auto* stretch = new QWidget(m_main->toolBar);
     stretch->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_main->toolBar->insertWidget(m_main->helpBTN, stretch);
+    // A click leaves the keyboard where it is.
+    for (QToolButton* button : m_main->toolBar->findChildren<QToolButton*>()) {
+        button->setFocusPolicy(Qt::TabFocus);
+        new FocusRing(*button);
+    }
     // A large font widens the toolbar; none of its items may fall off the end.
     m_window.setMinimumWidth(std::max(m_window.minimumWidth(), m_main->toolBar->sizeHint().width()));
 }
@@ -66,8 +83,11 @@ void Interface::setUpSheets()
 {
     m_progress->setupUi(&m_progressWindow);
     m_progressWindow.setEscapeButton(m_progress->progressCancel);
+    m_progressWindow.setDescribingLabel(m_progress->progressTitle);
     m_help->setupUi(&m_helpWindow);
     m_helpWindow.setEscapeButton(m_help->helpOK);
+    for (QPushButton* button : {m_progress->progressCancel, m_help->helpOK})
+        new FocusRing(*button);
     // A window blocked by its sheet takes no shortcuts, but leaving must be possible during a long export.
     m_sheets.addActionOfEverySheet(m_main->quitMenuBTN);
 }
@@ -118,8 +138,10 @@ void Interface::connectActions(AppDelegate& delegate)
     tell(m_main->helpBTN, &AppDelegate::helpBTNClicked);
     QObject::connect(m_progress->progressCancel, &QPushButton::clicked, &delegate,
         &AppDelegate::closeBTNInsideProgressWindowClicked);
-    QObject::connect(m_help->helpOK, &QPushButton::clicked, &delegate, &AppDelegate::okBTNInsideHelpWindowClicked);
-    // Not QCoreApplication::quit: it asks every window first, and a progress sheet does not let itself be closed.
+    QObject::connect(
+        m_help->helpOK, &QPushButton::clicked, &delegate, &AppDelegate::okBTNInsideHelpWindowClicked);
+    // Not QCoreApplication::quit: it asks every window first, and a progress sheet does not let itself be
+    // closed.
     QObject::connect(m_main->quitMenuBTN, &QAction::triggered, [] { QCoreApplication::exit(); });
 }
 

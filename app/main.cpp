@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/Application.h"
+#include "desktop/ActivationToken.h"
 #include "desktop/AttentiveWait.h"
 #include "desktop/SingleInstance.h"
 #include "platform/Bundle.h"
@@ -14,16 +15,19 @@ int main(int argc, char* argv[])
 {
     using namespace tarnwell;
     prepareStandardStreams();
+    const ActivationToken ownToken = ActivationToken::fromEnvironment();
     QApplication::setDesktopFileName(QStringLiteral("org.tarnwell.Tarnwell"));
     const QApplication qtApplication(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Tarnwell"));
 
     std::unique_ptr<Application> application;
-    SingleInstance instance([&application] {
-        if (application)
-            application->reopen();
+    SingleInstance instance([&application](const ActivationToken& token) {
+        if (!application)
+            return;
+        application->reopen();
+        activate(application->interface().window(), token);
     });
-    if (instance.claim() == SingleInstance::Role::Later)
+    if (instance.claim(ownToken) == SingleInstance::Role::Later)
         return 0;
     application = std::make_unique<Application>(ToolContext{Bundle::main(), waitAttentively});
     const int status = QApplication::exec();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/Doorbell.h"
 
+#include <cerrno>
 #include <cstdint>
 
 #include <sys/eventfd.h>
@@ -31,8 +32,9 @@ Doorbell::~Doorbell()
 void Doorbell::ring() const
 {
     const std::uint64_t once = 1;
-    // It can only fail when more rings wait than 64 bits count, and then the bell rings anyway.
-    [[maybe_unused]] const auto written = ::write(m_descriptor, &once, sizeof once);
+    // Interrupted, it is done again. Else it can only fail when more rings wait than 64 bits count, and then the bell
+    // rings anyway.
+    while (::write(m_descriptor, &once, sizeof once) < 0 && errno == EINTR) { }
 }
 
 void Doorbell::answerRing()

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/ImageView.h"
 
+#include "desktop/FocusRing.h"
 #include "desktop/SymbolIcon.h"
 
+#include <QAccessibleWidget>
+#include <QEvent>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QPalette>
@@ -22,6 +25,8 @@ constexpr int pictureMargin = 16;
 constexpr int frameMargin = 24;
 constexpr qreal frameCornerRadius = 12;
 constexpr qreal frameLineWidth = 2;
+constexpr qreal highlightLineWidth = 4;
+constexpr int highlightAlpha = 48; // of 255
 constexpr int symbolSide = 80;
 constexpr int symbolGap = 4;
 constexpr int textGap = 6;
@@ -57,25 +62,56 @@ void drawCentred(
     painter.drawText(rect, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
 }
 
+// Qt takes a widget of its users' own for a mere container.
+QAccessibleInterface* accessToImageView(const QString& className, QObject* object)
+{
+    auto* view
+        = className == QLatin1String("tarnwell::ImageView") ? qobject_cast<ImageView*>(object) : nullptr;
+    return view != nullptr ? new QAccessibleWidget(view, QAccessible::Graphic) : nullptr;
+}
+
 } // namespace
 
 ImageView::ImageView(QWidget* parent)
     : QWidget(parent)
     , m_emptySymbol(symbolIcon(QStringLiteral(":/symbols/video.svg")))
 {
+    QAccessible::installFactory(accessToImageView); // does nothing for one that is there
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setMouseTracking(true);
+    setFocusPolicy(Qt::TabFocus);
+    new FocusRing(*this);
 }
 
 void ImageView::setImage(const QImage& image)
 {
     m_image = image;
     m_scaled = QPixmap();
+    describe();
     update();
+}
+
+void ImageView::setImageWords(const QString& name, const QString& state)
+{
+    m_imageName = name;
+    m_imageState = state;
+    describe();
+}
+
+void ImageView::describe()
+{
+    QStringList words
+        = m_image.isNull() ? QStringList{m_emptyTitle, m_emptyHint} : QStringList{m_imageName, m_imageState};
+    words.removeAll(QString());
+    const QString description = words.join(QStringLiteral(", "));
+    if (description != accessibleDescription()) // a screen reader would say the same again
+        setAccessibleDescription(description);
 }
 
 void ImageView::setEmptyTitle(const QString& title)
 {
     m_emptyTitle = title;
+    describe();
     updateGeometry();
     update();
 }
@@ -83,6 +119,7 @@ void ImageView::setEmptyTitle(const QString& title)
 void ImageView::setEmptyHint(const QString& hint)
 {
     m_emptyHint = hint;
+    describe();
     updateGeometry();
     update();
 }
@@ -101,6 +138,33 @@ QSize ImageView::minimumSizeHint() const
     return invitation.expandedTo(smallestPictureArea);
 }
 
+bool ImageView::event(QEvent* event)
+{
+    const bool isTaken = QWidget::event(event);
+    switch (event->type()) {
+    case QEvent::DragEnter:
+        setHighlighted(event->isAccepted());
+        break;
+    case QEvent::DragLeave:
+    case QEvent::Drop:
+    case QEvent::MouseMove: // nothing is dragged any more, though nobody may have said so
+    case QEvent::WindowBlocked:
+        setHighlighted(false);
+        break;
+    default:
+        break;
+    }
+    return isTaken;
+}
+
+void ImageView::setHighlighted(bool highlighted)
+{
+    if (highlighted == m_isHighlighted)
+        return;
+    m_isHighlighted = highlighted;
+    update();
+}
+
 void ImageView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
@@ -109,6 +173,19 @@ void ImageView::paintEvent(QPaintEvent* /*event*/)
         paintEmptyState(painter);
     else
         paintPicture(painter);
+    if (m_isHighlighted)
+        paintHighlight(painter);
+}
+
+void ImageView::paintHighlight(QPainter& painter) const
+{
+    const QColor colour = palette().color(QPalette::Highlight);
+    const int margin = m_image.isNull() ? frameMargin : pictureMargin / 2;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(colour, highlightLineWidth));
+    painter.setBrush(QColor(colour.red(), colour.green(), colour.blue(), highlightAlpha));
+    painter.drawRoundedRect(
+        contentsRect().adjusted(margin, margin, -margin, -margin), frameCornerRadius, frameCornerRadius);
 }
 
 QFont ImageView::titleFont() const

@@ -11,6 +11,8 @@ namespace tarnwell
 {
 
 /// Shows one picture, centred and never larger than its own pixels, or an invitation while there is none.
+/// Assistive tools hear what is to be seen: the invitation, or the name and the state that were set for the
+/// picture. Takes the keyboard by the Tab key, so that they have something to stop at.
 class ImageView : public QWidget
 {
     Q_OBJECT
@@ -22,6 +24,10 @@ public:
 
     /// A null image brings back the empty state.
     void setImage(const QImage& image);
+
+    /// What the picture is of and in which state it is shown, in words for those who cannot see it.
+    void setImageWords(const QString& name, const QString& state);
+    QString imageName() const { return m_imageName; }
 
     /// The very image that was set, not the scaled one on screen; null in the empty state.
     QImage image() const { return m_image; }
@@ -35,7 +41,11 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
+    /// Whether it shows that what hovers over it can be dropped here.
+    bool isHighlighted() const { return m_isHighlighted; }
+
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -45,12 +55,18 @@ private:
     void paintPicture(QPainter& painter);
     void paintEmptyState(QPainter& painter) const;
     void paintInvitation(QPainter& painter, const QRect& frame) const;
+    void paintHighlight(QPainter& painter) const;
+    void setHighlighted(bool highlighted);
+    void describe();
 
     QImage m_image;
     QPixmap m_scaled; // m_image at its size on screen; null until the next paint
+    QString m_imageName;
+    QString m_imageState;
     QString m_emptyTitle;
     QString m_emptyHint;
     QIcon m_emptySymbol;
+    bool m_isHighlighted = false;
 };
 
 } // namespace tarnwell

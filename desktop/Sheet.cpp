@@ -2,6 +2,7 @@
 #include "desktop/Sheet.h"
 
 #include <QAbstractButton>
+#include <QLabel>
 
 namespace tarnwell
 {
@@ -15,6 +16,20 @@ Sheet::Sheet(QWidget* window)
 void Sheet::setEscapeButton(QAbstractButton* button)
 {
     m_escapeButton = button;
+}
+
+void Sheet::setDescribingLabel(QLabel* label)
+{
+    m_describingLabel = label;
+}
+
+void Sheet::showEvent(QShowEvent* event)
+{
+    if (m_describingLabel) {
+        setAccessibleDescription(m_describingLabel->text());
+        m_describingLabel->setAccessibleDescription(m_describingLabel->text());
+    }
+    QDialog::showEvent(event);
 }
 
 void Sheet::reject()

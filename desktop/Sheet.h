@@ -5,6 +5,7 @@
 #include <QPointer>
 
 class QAbstractButton;
+class QLabel;
 
 namespace tarnwell
 {
@@ -21,10 +22,18 @@ public:
     /// Not owned; part of the sheet.
     void setEscapeButton(QAbstractButton* button);
 
+    /// What the label says when the sheet comes up is the sheet's description to assistive tools, and the
+    /// label's own, whose text they do not get where it has a name. Not owned; part of the sheet.
+    void setDescribingLabel(QLabel* label);
+
     void reject() override;
+
+protected:
+    void showEvent(QShowEvent* event) override;
 
 private:
     QPointer<QAbstractButton> m_escapeButton;
+    QPointer<QLabel> m_describingLabel;
 };
 
 } // namespace tarnwell

@@ -25,23 +25,24 @@ QString objectPath()
     return QStringLiteral("/org/tarnwell/Tarnwell");
 }
 
-bool activateOwner(const QDBusConnection& bus)
+bool activateOwner(const QDBusConnection& bus, const ActivationToken& token)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(serviceName(), objectPath(),
         QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"));
-    call << QVariantMap();
+    call << token.platformData();
     const auto timeout = std::chrono::duration_cast<std::chrono::milliseconds>(longestAnswer);
-    return bus.call(call, QDBus::Block, static_cast<int>(timeout.count())).type() == QDBusMessage::ReplyMessage;
+    return bus.call(call, QDBus::Block, static_cast<int>(timeout.count())).type()
+        == QDBusMessage::ReplyMessage;
 }
 
 } // namespace
 
-SingleInstance::SingleInstance(std::function<void()> reopen)
+SingleInstance::SingleInstance(Reopen reopen)
     : m_reopen(std::move(reopen))
 {
 }
 
-SingleInstance::Role SingleInstance::claim()
+SingleInstance::Role SingleInstance::claim(const ActivationToken& token)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
@@ -50,17 +51,17 @@ SingleInstance::Role SingleInstance::claim()
     if (bus.registerService(serviceName()))
         return Role::First;
     // An owner that does not answer, or is no instance of this program, must not keep the user from working.
-    return activateOwner(bus) ? Role::Later : Role::First;
+    return activateOwner(bus, token) ? Role::Later : Role::First;
 }
 
-void SingleInstance::Activate(const QVariantMap& /*platformData*/)
+void SingleInstance::Activate(const QVariantMap& platformData)
 {
-    m_reopen();
+    m_reopen(ActivationToken::fromPlatformData(platformData));
 }
 
-void SingleInstance::Open(const QStringList& /*uris*/, const QVariantMap& /*platformData*/)
+void SingleInstance::Open(const QStringList& /*uris*/, const QVariantMap& platformData)
 {
-    m_reopen();
+    m_reopen(ActivationToken::fromPlatformData(platformData));
 }
 
 void SingleInstance::ActivateAction(

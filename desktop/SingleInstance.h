@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/ActivationToken.h"
+
 #include <QObject>
 
 #include <functional>
@@ -8,8 +10,9 @@
 namespace tarnwell
 {
 
-/// Keeps one instance of the program per session. The first one owns a name on the session bus; a later one asks
-/// it to come forward and has nothing else to do. Without a bus every instance is the first. Main thread.
+/// Keeps one instance of the program per session. The first one owns a name on the session bus; a later one
+/// asks it to come forward and has nothing else to do. Without a bus every instance is the first. Main
+/// thread.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -18,11 +21,15 @@ class SingleInstance : public QObject
 public:
     enum class Role { First, Later };
 
-    /// `reopen` is called whenever a later instance was started.
-    explicit SingleInstance(std::function<void()> reopen);
+    /// Receives what a later start carries that lets a window come forward.
+    using Reopen = std::function<void(const ActivationToken& token)>;
 
-    /// Takes the name, or asks its owner to come forward and waits until that has answered.
-    Role claim();
+    /// `reopen` is called whenever a later instance was started.
+    explicit SingleInstance(Reopen reopen);
+
+    /// Takes the name, or asks its owner to come forward and waits until that has answered. The owner gets
+    /// the token that this instance was started with.
+    Role claim(const ActivationToken& token = {});
 
 public Q_SLOTS:
     // The calls that the bus carries; the names and signatures are the interface's.
@@ -31,7 +38,7 @@ public Q_SLOTS:
     void ActivateAction(const QString& name, const QVariantList& parameter, const QVariantMap& platformData);
 
 private:
-    std::function<void()> m_reopen;
+    Reopen m_reopen;
 };
 
 } // namespace tarnwell

@@ -8,6 +8,7 @@
 #include "tests/support/EventCounter.h"
 #include "tests/support/Files.h"
 #include "tests/support/RealInput.h"
+#include "tests/support/Screen.h"
 #include "tests/support/SilentStop.h"
 #include "tests/support/WindowTest.h"
 
@@ -15,6 +16,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -258,7 +260,57 @@ protected:
     }
 
     QPoint target() { return screenPosition(m_view); }
+
+    /// The colour on the screen where the highlight's frame would be.
+    QColor edge() { return colourOnScreen(screenPosition(m_view, QPoint(m_view.width() / 2, 24))); }
+
+    bool looksHighlighted()
+    {
+        const QColor wanted = m_view.palette().color(QPalette::Highlight);
+        return waitUntil([&] { return edge() == wanted; });
+    }
+    bool looksUsual(const QColor& usual)
+    {
+        return waitUntil([&] { return edge() == usual; });
+    }
 };
+
+TEST_F(RealDropTest, theViewIsHighlightedWhileAFileHoversAndNotForAFolder)
+{
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_view));
+    const QColor usual = edge();
+    {
+        const EventCounter entries(m_view, QEvent::DragEnter);
+        DragSource source(uriList({makeFolder("folder")}));
+        source.dragTo(target());
+        EXPECT_TRUE(waitUntil([&] { return entries.count() > 0; }));
+        EXPECT_FALSE(m_view.isHighlighted());
+        EXPECT_FALSE(source.drop());
+    }
+    DragSource source(uriList({makeFile("clip.mp4")}));
+    source.dragTo(target());
+    source.waitUntilAccepted();
+    EXPECT_TRUE(looksHighlighted());
+    source.moveTo(DragSource::place.center());
+    EXPECT_TRUE(looksUsual(usual));
+    source.moveTo(target());
+    EXPECT_TRUE(looksHighlighted());
+    EXPECT_TRUE(source.drop());
+    EXPECT_TRUE(looksUsual(usual));
+}
+
+TEST_F(RealDropTest, theHighlightGoesWithASourceThatDies)
+{
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_view));
+    const QColor usual = edge();
+    DragSource source(uriList({makeFile("clip.mp4")}));
+    source.dragTo(target());
+    source.waitUntilAccepted();
+    EXPECT_TRUE(looksHighlighted());
+    source.die();
+    realMove(target() + QPoint(30, 30));
+    EXPECT_TRUE(looksUsual(usual));
+}
 
 TEST_F(RealDropTest, aFileIsTaken)
 {

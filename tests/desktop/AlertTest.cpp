@@ -5,6 +5,7 @@
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/RealInput.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -106,6 +107,24 @@ TEST_F(AlertTest, takesItsTextsLiterally)
     }
 }
 
+TEST_F(AlertTest, isAnAlertToAssistiveToolsAndSaysBothTexts)
+{
+    Alert alert = alertWithButtons(modeButtons());
+    alert.setMessageText(QStringLiteral("First line.\nSecond line?"));
+    alert.setInformativeText(QStringLiteral("\nContact : someone@example.org\n\n"));
+    show(alert);
+    const QAccessibleInterface* access = QAccessible::queryAccessibleInterface(m_box);
+    EXPECT_EQ(access->role(), QAccessible::AlertMessage);
+    EXPECT_EQ(access->text(QAccessible::Name), QStringLiteral("First line.\nSecond line?"));
+    EXPECT_EQ(access->text(QAccessible::Description), QStringLiteral("Contact : someone@example.org"));
+    EXPECT_EQ(label("qt_msgboxex_icon_label").accessibleName(), QStringLiteral("Warning"));
+    for (const QString& text : modeButtons()) {
+        access = QAccessible::queryAccessibleInterface(&button(text));
+        EXPECT_EQ(access->role(), QAccessible::PushButton);
+        EXPECT_EQ(access->text(QAccessible::Name), text);
+    }
+}
+
 TEST_F(AlertTest, isAWarningWhereNoStyleIsSet)
 {
     show(alertWithButtons({}));
@@ -118,6 +137,7 @@ TEST_F(AlertTest, showsTheIconOfItsStyle)
     alert.setStyle(Alert::Style::Informational);
     show(alert);
     EXPECT_EQ(m_box->icon(), QMessageBox::Information);
+    EXPECT_EQ(label("qt_msgboxex_icon_label").accessibleName(), QStringLiteral("Information"));
     EXPECT_FALSE(label("qt_msgboxex_icon_label").pixmap(Qt::ReturnByValue).isNull());
 }
 

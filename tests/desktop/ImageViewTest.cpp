@@ -3,6 +3,7 @@
 
 #include "tests/support/WindowTest.h"
 
+#include <QAccessible>
 #include <QImage>
 #include <QSet>
 #include <QTest>
@@ -13,6 +14,11 @@
 
 namespace tarnwell::test
 {
+
+class ImageViewOfAKind : public ImageView
+{
+    Q_OBJECT
+};
 
 /// Works at every scale of the screen: sizes of pictures and of what is painted are in the screen's own
 /// pixels.
@@ -226,6 +232,34 @@ TEST_F(ImageViewTest, aNullImageBringsTheInvitationBack)
     EXPECT_EQ(painted(), invitation);
 }
 
+TEST_F(ImageViewTest, isAPictureToAssistiveToolsAndSaysWhatIsToBeSeen)
+{
+    const QAccessibleInterface* access = QAccessible::queryAccessibleInterface(&m_view);
+    EXPECT_EQ(access->role(), QAccessible::Graphic);
+    const auto description = [access] { return access->text(QAccessible::Description); };
+    EXPECT_EQ(description(), QStringLiteral("Drop a video here, or choose Open"));
+    m_view.setImage(plainPicture(40, 30));
+    m_view.setImageWords(QStringLiteral("clip.mp4"), QStringLiteral("turned left"));
+    EXPECT_EQ(description(), QStringLiteral("clip.mp4, turned left"));
+    m_view.setImageWords(m_view.imageName(), QStringLiteral("turned right"));
+    EXPECT_EQ(description(), QStringLiteral("clip.mp4, turned right"));
+    m_view.setImageWords(m_view.imageName(), QString());
+    EXPECT_EQ(description(), QStringLiteral("clip.mp4"));
+    m_view.setImage(QImage());
+    EXPECT_EQ(description(), QStringLiteral("Drop a video here, or choose Open"));
+}
+
+TEST_F(ImageViewTest, aKindOfImageViewIsAPictureToo)
+{
+    ImageViewOfAKind view;
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&view)->role(), QAccessible::Graphic);
+}
+
+TEST_F(ImageViewTest, takesTheKeyboardByTabAlone)
+{
+    EXPECT_EQ(m_view.focusPolicy(), Qt::TabFocus);
+}
+
 TEST_F(ImageViewTest, itsHintsLeaveRoomForTheInvitation)
 {
     EXPECT_GE(m_view.minimumSizeHint().width(), m_view.fontMetrics().horizontalAdvance(m_view.emptyHint()));
@@ -236,3 +270,5 @@ TEST_F(ImageViewTest, itsHintsLeaveRoomForTheInvitation)
 }
 
 } // namespace tarnwell::test
+
+#include "ImageViewTest.moc"

@@ -22,8 +22,8 @@ protected:
 
 TEST_F(NoBusTest, everyInstanceIsTheFirst)
 {
-    SingleInstance one([] {});
-    SingleInstance other([] {});
+    SingleInstance one([](const ActivationToken&) {});
+    SingleInstance other([](const ActivationToken&) {});
     EXPECT_EQ(one.claim(), SingleInstance::Role::First);
     EXPECT_EQ(other.claim(), SingleInstance::Role::First);
 }

@@ -4,7 +4,9 @@
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/RealInput.h"
 
+#include <QAccessible>
 #include <QCoreApplication>
+#include <QLabel>
 #include <QWindow>
 
 #include <gtest/gtest.h>
@@ -72,6 +74,24 @@ TEST_F(SheetTest, aRequestToClosePressesTheEscapeButton)
     requestClose();
     EXPECT_EQ(m_clicks, 1);
     EXPECT_TRUE(m_sheet.isVisible());
+}
+
+TEST_F(SheetTest, saysWhatItsDescribingLabelSays)
+{
+    QLabel label(&m_sheet);
+    label.setAccessibleName(QStringLiteral("Title"));
+    m_sheet.setDescribingLabel(&label);
+    for (const QString& text : {QStringLiteral("Analyzing"), QStringLiteral("Creating")}) {
+        label.setText(text);
+        open();
+        const QAccessibleInterface* access = QAccessible::queryAccessibleInterface(&m_sheet);
+        EXPECT_EQ(access->role(), QAccessible::Dialog);
+        EXPECT_EQ(access->text(QAccessible::Description), text);
+        access = QAccessible::queryAccessibleInterface(&label);
+        EXPECT_EQ(access->text(QAccessible::Name), QStringLiteral("Title"));
+        EXPECT_EQ(access->text(QAccessible::Description), text);
+        m_sheet.done(0);
+    }
 }
 
 TEST_F(SheetTest, staysWithoutAnEscapeButton)

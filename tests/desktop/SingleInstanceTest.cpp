@@ -7,10 +7,12 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QProcess>
+#include <QProcessEnvironment>
 
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <tuple>
 
 namespace tarnwell::test
 {
@@ -57,7 +59,11 @@ protected:
     }
 
     int m_reopens = 0;
-    SingleInstance m_instance{[this] { ++m_reopens; }};
+    ActivationToken m_token; // of the last one
+    SingleInstance m_instance{[this](const ActivationToken& token) {
+        ++m_reopens;
+        m_token = token;
+    }};
 };
 
 TEST_F(SingleInstanceTest, theFirstOneOwnsTheName)
@@ -102,6 +108,59 @@ TEST_F(SingleInstanceTest, aSecondProcessAsksTheFirstToReopenAndLeaves)
     EXPECT_EQ(m_reopens, 1);
 }
 
+TEST_F(SingleInstanceTest, theFirstOneLearnsWhatLetsItComeForward)
+{
+    const std::tuple<const char*, QVariantMap, ActivationToken> cases[] = {
+        {"nothing", {}, {}},
+        {"X11", {{QStringLiteral("desktop-startup-id"), QStringLiteral("a_TIME5")}},
+            {.startupId = QStringLiteral("a_TIME5")}},
+        {"Wayland", {{QStringLiteral("activation-token"), QStringLiteral("abc")}},
+            {.token = QStringLiteral("abc")}},
+        {"no text", {{QStringLiteral("activation-token"), 7}, {QStringLiteral("desktop-startup-id"), true}},
+            {}},
+    };
+    ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    for (const auto& [name, platformData, token] : cases) {
+        SCOPED_TRACE(name);
+        m_token = {QStringLiteral("of an"), QStringLiteral("earlier call")};
+        QDBusMessage activate = callOf("Activate");
+        activate << platformData;
+        EXPECT_EQ(answerTo(activate).type(), QDBusMessage::ReplyMessage);
+        EXPECT_EQ(m_token, token);
+        m_token = {QStringLiteral("of an"), QStringLiteral("earlier call")};
+        QDBusMessage open = callOf("Open");
+        open << QStringList() << platformData;
+        EXPECT_EQ(answerTo(open).type(), QDBusMessage::ReplyMessage);
+        EXPECT_EQ(m_token, token);
+    }
+}
+
+TEST_F(SingleInstanceTest, aSecondProcessHandsOverWhatItWasStartedWith)
+{
+    ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    QProcess second;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), QStringLiteral("abc"));
+    environment.insert(QStringLiteral("DESKTOP_STARTUP_ID"), QStringLiteral("launcher-1_TIME5"));
+    second.setProcessEnvironment(environment);
+    second.start(QStringLiteral(TARNWELL_BUILD_FOLDER "/bin/tarnwell"), QStringList());
+    EXPECT_TRUE(waitUntil([&] { return second.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_EQ(m_token, (ActivationToken{QStringLiteral("abc"), QStringLiteral("launcher-1_TIME5")}));
+}
+
+TEST_F(SingleInstanceTest, aLaterOneHandsItsTokenToTheOwner)
+{
+    const BusService first(name(), path(), BusService::emptyReply);
+    const ActivationToken token{QStringLiteral("abc"), QStringLiteral("launcher-1_TIME5")};
+    EXPECT_EQ(m_instance.claim(token), SingleInstance::Role::Later);
+    ASSERT_EQ(first.calls().size(), 1);
+    const auto platformData = qdbus_cast<QVariantMap>(first.calls().first().arguments().first());
+    EXPECT_EQ(platformData.value(QStringLiteral("activation-token")).toString(), token.token);
+    EXPECT_EQ(platformData.value(QStringLiteral("desktop-startup-id")).toString(), token.startupId);
+    EXPECT_EQ(platformData.size(), 2);
+}
+
 TEST_F(SingleInstanceTest, aLaterOneAsksTheOwnerToComeForward)
 {
     const BusService first(name(), path(), BusService::emptyReply);
@@ -112,6 +171,7 @@ TEST_F(SingleInstanceTest, aLaterOneAsksTheOwnerToComeForward)
     EXPECT_EQ(call.interface(), QStringLiteral("org.freedesktop.Application"));
     EXPECT_EQ(call.member(), QStringLiteral("Activate"));
     EXPECT_EQ(call.signature(), QStringLiteral("a{sv}"));
+    EXPECT_TRUE(qdbus_cast<QVariantMap>(call.arguments().first()).isEmpty());
     EXPECT_EQ(m_reopens, 0);
 }
 
@@ -142,7 +202,7 @@ TEST_F(SingleInstanceTest, theNameIsFreeAgainWhenItsOwnerHasGone)
         const BusService first(name(), path(), BusService::emptyReply);
         EXPECT_EQ(m_instance.claim(), SingleInstance::Role::Later);
     }
-    SingleInstance next([] {});
+    SingleInstance next([](const ActivationToken&) {});
     EXPECT_EQ(next.claim(), SingleInstance::Role::First);
 }
 

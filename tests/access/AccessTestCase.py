@@ -1,0 +1,61 @@
+# SPDX-License-Identifier: MIT
+"""What the tests of the running program have in common."""
+
+import os
+import sys
+import tempfile
+import unittest
+
+import pyatspi
+
+import screenReader
+import videos
+from screenReader import everything_in, has_state, is_shown, wait_until
+
+
+class AccessTestCase(unittest.TestCase):
+    """The program is started anew for every test, in which a folder of its own holds the files."""
+
+    build_folder = None
+
+    def setUp(self):
+        screenReader.switch_on()
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.video = os.path.join(folder.name, "clip.mp4")
+        self.output = os.path.join(folder.name, "out.mp4")
+        videos.make_video(self.video)
+        self.program = screenReader.Program(os.path.join(self.build_folder, "bin", "tarnwell"))
+        self.addCleanup(self.program.end)
+
+    def picture(self):
+        """What is said of the picture."""
+        return self.program.find("image", "Video Preview").description
+
+    def wait_for_picture(self, description):
+        wait_until(lambda: self.picture() == description, f"the picture's description: {description}")
+
+    def assert_named(self, window):
+        """Whoever comes to a control hears what it is, and a button of the toolbar says what it does."""
+        for element in everything_in(window):
+            if is_shown(element) and has_state(element, pyatspi.STATE_FOCUSABLE) and not is_text(element):
+                self.assertTrue(element.name, f"a {element.getRoleName()} has no name")
+                self.assertNotIn(element.getRoleName(), ("filler", "unknown"), element.name)
+
+    def assert_by_flag(self, degrees):
+        self.assertEqual(videos.stored_size(self.output), (videos.WIDTH, videos.HEIGHT))
+        self.assertEqual(videos.rotation(self.output), degrees)
+
+    def assert_encoded_on_its_side(self):
+        self.assertEqual(videos.stored_size(self.output), (videos.HEIGHT, videos.WIDTH))
+        self.assertEqual(videos.rotation(self.output), 0)
+
+
+def is_text(element):
+    """A cell of a list may well be empty."""
+    return element.getRoleName() in ("table cell", "list item")
+
+
+def main():
+    AccessTestCase.build_folder = sys.argv.pop(1)
+    unittest.main(verbosity=2)

@@ -1,0 +1,125 @@
+# SPDX-License-Identifier: MIT
+"""The main job by the keyboard alone: keys of the X server act, the accessibility bus only tells where they go."""
+
+import os
+import subprocess
+
+import AccessTestCase
+from screenReader import wait_until
+
+MORE_THAN_CONTROLS = 15
+
+
+def press(*keys):
+    subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], check=True)
+
+
+def write(text):
+    subprocess.run(["xdotool", "type", "--clearmodifiers", "--delay", "4", "--", text], check=True)
+
+
+def active_window():
+    """The title, without the program's name that Qt adds to every other title."""
+    answer = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], capture_output=True, text=True)
+    return answer.stdout.strip().removesuffix(" — Tarnwell")
+
+
+class KeyboardJobTest(AccessTestCase.AccessTestCase):
+    def setUp(self):
+        super().setUp()
+        self.wait_for("image", "Video Preview", "Tarnwell")
+
+    def wait_for(self, role, name, window):
+        """Waits until keys reach that control."""
+        wait_until(lambda: self.program.focused() == (role, name) and active_window() == window,
+                   f"the keyboard at {role} {name} of {window}")
+
+    def go_to(self, name):
+        """Presses Tab until the button has the keyboard."""
+        for _ in range(MORE_THAN_CONTROLS):
+            if self.program.focused() == ("push button", name):
+                return
+            here = self.program.focused()
+            press("Tab")
+            wait_until(lambda: self.program.focused() not in (here, ("", "")), f"the way from {here}")
+        self.fail(f"Tab does not come to {name}")
+
+    def wait_for_alert(self, name, button):
+        self.program.find("alert", name)
+        self.wait_for("push button", button, "Tarnwell")
+
+    def test_by_tab_and_space(self):
+        self.go_to("Open")
+        press("space")
+        self.wait_for("text", "File name:", "Open Video")
+        write(self.video)
+        press("Return")
+        self.wait_for_picture("clip.mp4, as it was opened")
+        self.wait_for("push button", "Open", "Tarnwell")
+        self.go_to("Rotate Right")
+        press("space")
+        self.wait_for_picture("clip.mp4, turned right")
+        press("space")
+        self.wait_for_picture("clip.mp4, turned upside down")
+        self.go_to("Reset")
+        press("space")
+        self.wait_for_picture("clip.mp4, as it was opened")
+        self.go_to("Rotate Left")
+        press("space")
+        self.wait_for_picture("clip.mp4, turned left")
+        self.go_to("Save")
+        press("space")
+        self.wait_for("text", "File name:", "Save Video")
+        press("ctrl+a")
+        write(self.output)
+        press("Return")
+        self.wait_for_alert("Fix Flag mode Available!", "Fix Flag")
+        press("Tab")
+        self.wait_for("push button", "Transcode", "Tarnwell")
+        press("space")
+        self.wait_for_alert("Video Rotated Successfully!", "OK")
+        press("Return")
+        self.program.wait_until_gone("alert")
+        self.wait_for("push button", "Save", "Tarnwell")
+        self.assert_encoded_on_its_side()
+
+    def test_by_menus_and_shortcuts(self):
+        press("F10")
+        wait_until(lambda: self.program.shown("menu item", "Quit"), "the menu")
+        press("Down", "Return")
+        self.wait_for("text", "File name:", "Open Video")
+        write(self.video)
+        press("Return")
+        self.wait_for_picture("clip.mp4, as it was opened")
+        self.wait_for("image", "Video Preview", "Tarnwell")
+        for keys, description in (("ctrl+r", "turned right"),
+                                  ("ctrl+shift+v", "turned right, mirrored vertically"),
+                                  ("ctrl+shift+h", "turned right, mirrored vertically and horizontally"),
+                                  ("ctrl+0", "as it was opened"),
+                                  ("ctrl+l", "turned left")):
+            press(keys)
+            self.wait_for_picture("clip.mp4, " + description)
+        press("alt+f")
+        wait_until(lambda: self.program.shown("menu item", "Quit"), "the menu")
+        press("s")
+        self.wait_for("text", "File name:", "Save Video")
+        press("ctrl+a")
+        write(self.output)
+        press("Return")
+        self.wait_for_alert("Fix Flag mode Available!", "Fix Flag")
+        press("Return")
+        self.wait_for_alert("Video Rotated Successfully!", "OK")
+        press("Escape")
+        self.program.wait_until_gone("alert")
+        self.assert_by_flag(90)
+        self.wait_for("image", "Video Preview", "Tarnwell")
+        press("F1")
+        self.wait_for("push button", "OK", "Tarnwell Help")
+        press("Escape")
+        self.wait_for("image", "Video Preview", "Tarnwell")
+        press("ctrl+q")
+        self.assertEqual(self.program.process.wait(), os.EX_OK)
+
+
+if __name__ == "__main__":
+    AccessTestCase.main()

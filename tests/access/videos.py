@@ -1,0 +1,35 @@
+# SPDX-License-Identifier: MIT
+"""Sample videos, and what ffprobe says of the videos that came of them."""
+
+import json
+import subprocess
+
+WIDTH = 640
+HEIGHT = 480
+
+
+def make_video(path, seconds=2, size=f"{WIDTH}x{HEIGHT}"):
+    """An H.264 video with sound."""
+    subprocess.run(["ffmpeg", "-v", "error", "-nostdin",
+                    "-f", "lavfi", "-i", f"testsrc2=size={size}:rate=25:duration={seconds}",
+                    "-f", "lavfi", "-i", f"sine=duration={seconds}",
+                    "-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-c:a", "aac", path],
+                   check=True)
+
+
+def video_stream(path):
+    """ffprobe's report on the video stream."""
+    report = subprocess.run(["ffprobe", "-v", "error", "-of", "json", "-show_streams", path],
+                            check=True, capture_output=True, text=True).stdout
+    return next(stream for stream in json.loads(report)["streams"] if stream["codec_type"] == "video")
+
+
+def stored_size(path):
+    stream = video_stream(path)
+    return stream["width"], stream["height"]
+
+
+def rotation(path):
+    """The flag, in degrees counterclockwise; 0 where there is none."""
+    return next((data["rotation"] for data in video_stream(path).get("side_data_list", [])
+                 if data["side_data_type"] == "Display Matrix"), 0)

@@ -123,8 +123,7 @@ void Process::waitUntilExit()
     siginfo_t exit = {};
     while (::waitid(P_PID, static_cast<id_t>(child), &exit, WEXITED | WNOWAIT) != 0 && errno == EINTR) { }
     const std::lock_guard lock(m_mutex);
-    if (m_child != 0)
-        ::waitpid(child, nullptr, 0);
+    while (m_child != 0 && ::waitpid(child, nullptr, 0) < 0 && errno == EINTR) { }
     m_child = 0;
 }
 

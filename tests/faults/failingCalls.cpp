@@ -38,6 +38,7 @@ Plan readPlan()
 
 const Plan plan = readPlan();
 std::atomic<int> calls = 0;
+std::atomic<bool> isCounting = std::getenv("TARNWELL_FAILS_WHEN_TOLD") == nullptr;
 
 /// The program itself is the one object without a name among those that are loaded.
 bool isOwn(const void* caller)
@@ -70,7 +71,7 @@ void note()
 
 bool isToFail(const char* call, const void* caller)
 {
-    if (std::strcmp(call, plan.call) != 0 || !isOwn(caller) || ++calls != plan.number)
+    if (!isCounting || std::strcmp(call, plan.call) != 0 || !isOwn(caller) || ++calls != plan.number)
         return false;
     note();
     return true;
@@ -101,6 +102,12 @@ void waitIfTold()
     static const auto really = real<decltype(&::call)>(#call)
 
 extern "C" {
+
+/// With TARNWELL_FAILS_WHEN_TOLD in its environment the program says when calls count.
+void countFailingCalls(bool count)
+{
+    isCounting = count;
+}
 
 int pipe2(int ends[2], int flags)
 {
@@ -139,7 +146,7 @@ ssize_t read(int file, void* bytes, size_t count)
 
 ssize_t write(int file, const void* bytes, size_t count)
 {
-    FAIL_OR(write, ENOSPC);
+    FAIL_OR(write, EINTR);
     return really(file, bytes, count);
 }
 
@@ -246,6 +253,18 @@ int renameat2(int fromFolder, const char* from, int toFolder, const char* to, un
 {
     FAIL_OR(renameat2, EIO);
     return really(fromFolder, from, toFolder, to, flags);
+}
+
+int unlinkat(int folder, const char* path, int flags)
+{
+    FAIL_OR(unlinkat, EACCES);
+    return really(folder, path, flags);
+}
+
+int remove(const char* path) noexcept
+{
+    FAIL_OR(remove, EACCES);
+    return really(path);
 }
 
 int unlink(const char* path)

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+// Opens a video, turns it and saves it, through the window, while one call of the system fails; see
+// failingCalls.cpp. Says on standard error how far that went: "picture" and the text of each alert; and what
+// is wrong then.
+#include "tests/support/Files.h"
+#include "tests/support/StandInTest.h"
+
+#include <QAction>
+
+#include <dlfcn.h>
+#include <iostream>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+const std::string videoBytes = "the only copy";
+
+void countCalls(bool count)
+{
+    using Function = void (*)(bool);
+    const auto function = reinterpret_cast<Function>(::dlsym(RTLD_DEFAULT, "countFailingCalls"));
+    if (function != nullptr)
+        function(count);
+}
+
+void tell(const std::string& line)
+{
+    std::cerr << "OUTCOME " << line << std::endl;
+}
+
+std::string children()
+{
+    std::string all;
+    for (const auto& thread : namesIn("/proc/self/task"))
+        all += contentsOf("/proc/self/task/" + thread + "/children");
+    return all;
+}
+
+} // namespace
+
+class FaultScenario : public StandInTest
+{
+protected:
+    /// The text of the alert that is up, which is then answered.
+    std::string answered(const char* button)
+    {
+        countCalls(false);
+        const std::string text = shownAlert()->text().toStdString();
+        QMessageBox* alert = shownAlert();
+        countCalls(true);
+        answer(alert, button);
+        countCalls(false);
+        waitUntil([this, alert] { return !isAlertShown() || shownAlert() != alert; });
+        return text.substr(0, text.find('\n'));
+    }
+
+    bool openIt()
+    {
+        countCalls(true);
+        drop(folder() + "clip.mp4");
+        countCalls(false);
+        if (isAlertShown()) {
+            tell(answered("OK"));
+            return false;
+        }
+        const bool isOpen = action("rotateLeftBTN").isEnabled();
+        tell(isOpen ? "picture" : "nothing");
+        return isOpen;
+    }
+
+    void saveIt()
+    {
+        action("rotateRightBTN").trigger();
+        waitForKeyboard(window());
+        type(QKeySequence(QStringLiteral("Ctrl+S")));
+        QFileDialog* panel = shownPanel();
+        countCalls(true);
+        choose(panel, folder() + "out.mp4");
+        countCalls(false);
+        ASSERT_TRUE(waitUntil([this] { return isAlertShown(); }));
+        countCalls(true);
+        QMessageBox* question = shownAlert();
+        answer(question, "Transcode");
+        ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
+        tell(answered("OK"));
+    }
+
+    void expectClean()
+    {
+        EXPECT_EQ(contentsOf(folder() + "clip.mp4"), videoBytes);
+        EXPECT_TRUE(waitUntil([] { return children().empty(); }));
+        EXPECT_FALSE(isProgressShown());
+        // What cannot be removed stays; there is nobody whom that should keep from his work.
+        if (qEnvironmentVariable("TARNWELL_FAILS").startsWith(QStringLiteral("remove")))
+            return;
+        for (const auto& name : namesIn(ownTemporaryFolder())) {
+            const std::string path = ownTemporaryFolder() + "/" + name + "/";
+            EXPECT_TRUE(path == folder() || path == tools().folder()) << "left over: " << path;
+        }
+    }
+};
+
+TEST_F(FaultScenario, endsInAnAlertOrDoesTheJob)
+{
+    writeFile(folder() + "clip.mp4", videoBytes);
+    start();
+    tools().setCreator("with -frames:v copy " + folder()
+        + "still.png\nwithout -frames:v error time=00:00:02.00\\n\n" + "without -frames:v copy " + folder()
+        + "still.png\n");
+    if (openIt())
+        saveIt();
+    expectClean();
+    // Afterwards it works as ever.
+    EXPECT_TRUE(drop(folder() + "clip.mp4"));
+    if (isAlertShown())
+        answered("OK");
+    EXPECT_TRUE(action("rotateLeftBTN").isEnabled());
+    tell(HasFailure() ? "WRONG" : "clean");
+}
+
+} // namespace tarnwell::test

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+// Every call of the system that the program makes from the choice of a video to its result fails in turn, the
+// first time, the second, and so on, each in a process of its own. The outcomes are printed.
+#include "platform/TemporaryDirectory.h"
+#include "tests/support/Files.h"
+
+#include <QProcess>
+#include <QProcessEnvironment>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr int mostTimes = 100;
+constexpr int patience = 40000; // milliseconds
+
+struct Attempt {
+    bool hasFailed = false; // the call
+    bool isStopped = false; // the program, by its own will
+    std::string outcome; // what was reached, in words
+};
+
+QString buildPath(const char* name)
+{
+    return QStringLiteral(TARNWELL_BUILD_FOLDER "/tests/") + QString::fromLatin1(name);
+}
+
+std::string outcomesIn(const QByteArray& output)
+{
+    std::string outcomes;
+    for (const QByteArray& line : output.split('\n')) {
+        if (line.startsWith("OUTCOME "))
+            outcomes += (outcomes.empty() ? "" : "; ") + line.mid(8).toStdString();
+    }
+    return outcomes;
+}
+
+Attempt runWith(const std::string& call, int time)
+{
+    const TemporaryDirectory folder;
+    const std::string note = folder.path() + "failed";
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LD_PRELOAD"), buildPath("libfailingCalls.so"));
+    environment.insert(QStringLiteral("TARNWELL_FAILED"), QString::fromStdString(note));
+    environment.insert(
+        QStringLiteral("TARNWELL_FAILS"), QString::fromStdString(call) + QLatin1Char(' ') + QString::number(time));
+    environment.insert(QStringLiteral("TARNWELL_FAILS_WHEN_TOLD"), QStringLiteral("1"));
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(buildPath("faultScenario"), QStringList());
+    if (!process.waitForFinished(patience)) {
+        process.kill();
+        process.waitForFinished();
+        return {exists(note), false, "HANGS after " + outcomesIn(process.readAll())};
+    }
+    const bool isCrash = process.exitStatus() == QProcess::CrashExit;
+    const QByteArray output = process.readAll();
+    Attempt run = {exists(note), isCrash && process.exitCode() == SIGABRT, outcomesIn(output)};
+    if (isCrash && !run.isStopped)
+        run.outcome += "; CRASHES";
+    if (!isCrash && !run.outcome.ends_with("clean"))
+        std::cout << output.toStdString();
+    return run;
+}
+
+} // namespace
+
+class FaultTableTest : public testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(FaultTableTest, endsInAnAlertAStopOrTheJobDone)
+{
+    int time = 0;
+    for (bool hasFailed = true; hasFailed && time < mostTimes;) {
+        const Attempt run = runWith(GetParam(), ++time);
+        hasFailed = run.hasFailed;
+        if (hasFailed)
+            std::cout << "| " << GetParam() << " | " << time << " | " << run.outcome
+                      << (run.isStopped ? (run.outcome.empty() ? "stops" : "; stops") : "") << " |"
+                      << std::endl;
+        EXPECT_TRUE(run.isStopped || run.outcome.ends_with("clean"))
+            << GetParam() << " " << time << ": " << run.outcome;
+    }
+    EXPECT_LT(time, mostTimes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, FaultTableTest,
+    testing::Values("pipe2", "posix_spawn", "pthread_create", "read", "write", "poll", "waitid", "waitpid",
+        "stat", "lstat", "fstat", "open", "mkdtemp", "eventfd", "unlink", "unlinkat", "remove", "rename"),
+    [](const auto& call) { return std::string(call.param); });
+
+} // namespace tarnwell::test

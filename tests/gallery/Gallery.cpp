@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: MIT
+// Every state of the window in light, dark and high-contrast colours. The pictures stay in the folder that
+// the first argument names, below the name that the second gives this run; what a picture cannot miss is
+// tested as well.
+#include "desktop/PathText.h"
+#include "tests/support/Files.h"
+#include "tests/support/StandInTest.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QFileDialog>
+#include <QLabel>
+#include <QPalette>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QStyleFactory>
+#include <QToolBar>
+#include <QToolButton>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+struct Theme {
+    const char* name;
+    QColor window;
+    QColor text;
+    QColor base;
+    QColor button;
+    QColor highlight;
+    QColor disabled;
+};
+
+const Theme themes[] = {
+    {"light", "#eff0f1", "#232629", "#ffffff", "#fcfcfc", "#3daee9", "#a0a1a2"},
+    {"dark", "#2a2e32", "#fcfcfc", "#1b1e20", "#31363b", "#3daee9", "#6e7175"},
+    {"contrast", "#000000", "#ffffff", "#000000", "#000000", "#ffff00", "#00ff00"},
+};
+
+QPalette paletteOf(const Theme& theme)
+{
+    QPalette palette(theme.text, theme.button, theme.window.lighter(130), theme.window.darker(140),
+        theme.window.darker(115), theme.text, theme.base);
+    palette.setColor(QPalette::Window, theme.window);
+    palette.setColor(QPalette::WindowText, theme.text);
+    palette.setColor(QPalette::ButtonText, theme.text);
+    palette.setColor(QPalette::Text, theme.text);
+    palette.setColor(QPalette::ToolTipBase, theme.base);
+    palette.setColor(QPalette::ToolTipText, theme.text);
+    palette.setColor(QPalette::Highlight, theme.highlight);
+    palette.setColor(QPalette::HighlightedText, theme.window.lightnessF() > 0.5F ? Qt::white : Qt::black);
+    for (const auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
+        palette.setColor(QPalette::Disabled, role, theme.disabled);
+    return palette;
+}
+
+/// The contrast ratio of the guidelines for accessible web content, 1 to 21.
+double contrast(const QColor& one, const QColor& other)
+{
+    const auto luminance = [](const QColor& colour) {
+        const auto linear = [](double value) {
+            return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF())
+            + 0.0722 * linear(colour.blueF());
+    };
+    const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+/// The strongest contrast that a picture has against its own corner.
+double strongestContrast(const QImage& picture)
+{
+    const QColor corner = picture.pixelColor(1, 1);
+    double strongest = 1;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            strongest = std::max(strongest, contrast(picture.pixelColor(x, y), corner));
+    }
+    return strongest;
+}
+
+QImage scene(QSize size)
+{
+    QImage picture(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            picture.setPixelColor(x, y,
+                QColor::fromHsv((x * 120 / size.width() + 180) % 360, 160, 255 - y * 140 / size.height()));
+    }
+    return picture;
+}
+
+} // namespace
+
+class Gallery : public StandInTest, public testing::WithParamInterface<Theme>
+{
+protected:
+    void SetUp() override
+    {
+        m_usualPalette = QApplication::palette();
+        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+        QApplication::setPalette(paletteOf(GetParam()));
+        const QStringList arguments = QApplication::arguments();
+        m_pictures = (arguments.size() > 2 ? pathOfText(arguments.at(1)) + "/" : folder())
+            + (arguments.size() > 2 ? arguments.at(2).toStdString() + " " : "") + GetParam().name + " ";
+        std::filesystem::create_directories(m_pictures.substr(0, m_pictures.rfind('/')));
+    }
+
+    void TearDown() override { QApplication::setPalette(m_usualPalette); }
+
+    /// Leaves a picture of the whole screen.
+    void show(const std::string& what)
+    {
+        QTest::qWait(50);
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->isVisible() && QTest::qWaitForWindowExposed(widget))
+                widget->repaint();
+        }
+        QApplication::sync();
+        EXPECT_TRUE(
+            window().screen()->grabWindow(0).save(textOfPath(m_pictures + what + ".png"), nullptr, 60));
+        expectOnScreen();
+    }
+
+    /// No window reaches beyond the screen, and no text that must be read in whole is cut.
+    void expectOnScreen()
+    {
+        for (const QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->isVisible()) {
+                EXPECT_TRUE(widget->screen()->availableGeometry().contains(widget->frameGeometry()))
+                    << widget->objectName().toStdString() << widget->windowTitle().toStdString();
+            }
+        }
+        for (const QAbstractButton* button : window().findChildren<QAbstractButton*>()) {
+            if (button->isVisible() && !button->text().isEmpty()
+                && qobject_cast<const QToolButton*>(button) == nullptr) {
+                EXPECT_GE(button->width(), button->minimumSizeHint().width()) << button->text().toStdString();
+            }
+        }
+    }
+
+    void openPicture(QSize size)
+    {
+        EXPECT_TRUE(scene(size).save(textOfPath(folder() + "scene.png")));
+        tools().setCreator("with -frames:v copy " + folder() + "scene.png\n");
+        openVideo();
+    }
+
+    QToolButton& item(const char* name)
+    {
+        return *qobject_cast<QToolButton*>(find<QToolBar>("toolBar").widgetForAction(&action(name)));
+    }
+
+private:
+    QPalette m_usualPalette;
+    std::string m_pictures;
+};
+
+TEST_P(Gallery, theEmptyWindow)
+{
+    start();
+    show("empty");
+    for (const char* name : {"openToolBarBTN", "saveToolBarBTN", "rotateLeftBTN"}) {
+        EXPECT_TRUE(item(name).isVisible()) << name;
+        EXPECT_FALSE(item(name).icon().isNull()) << name;
+        EXPECT_EQ(item(name).toolButtonStyle(), Qt::ToolButtonTextUnderIcon) << name;
+    }
+    // What can be used stands out more than what cannot.
+    EXPECT_GE(strongestContrast(item("openToolBarBTN").grab().toImage()), 4.5);
+    EXPECT_GE(strongestContrast(item("openToolBarBTN").grab().toImage()),
+        strongestContrast(item("saveToolBarBTN").grab().toImage()) + 1);
+}
+
+TEST_P(Gallery, picturesOfEveryShape)
+{
+    start();
+    for (const auto& [name, size] :
+        std::vector<std::pair<std::string, QSize>>{{"landscape", {1280, 720}}, {"portrait", {720, 1280}},
+            {"very wide", {1920, 120}}, {"very tall", {90, 1600}}, {"tiny", {16, 12}}}) {
+        openPicture(size);
+        show(name);
+        EXPECT_EQ(shownPicture().size(), size);
+    }
+    action("rotateRightBTN").trigger();
+    show("turned");
+}
+
+TEST_P(Gallery, thePanels)
+{
+    start();
+    openPicture({1280, 720});
+    type(QKeySequence(QStringLiteral("Ctrl+O")));
+    QFileDialog* panel = shownPanel();
+    show("open panel");
+    QTest::keyClick(panel, Qt::Key_Escape);
+    waitForKeyboard(window());
+    type(QKeySequence(QStringLiteral("Ctrl+S")));
+    panel = shownPanel();
+    show("save panel");
+    QTest::keyClick(panel, Qt::Key_Escape);
+    waitForKeyboard(window());
+}
+
+TEST_P(Gallery, anExportFromTheQuestionToTheResult)
+{
+    start();
+    openPicture({1280, 720});
+    action("rotateRightBTN").trigger();
+    const std::string name
+        = "a rather long name of a video that was taken on a rather long journey to the north.mp4";
+    const std::string goOn = folder() + "go-on";
+    tools().setCreator("error time=00:00:03.00 \\n\nwait-for " + goOn + "\ncopy " + folder() + "scene.png\n");
+    saveByPanel(folder() + name);
+    QMessageBox* question = shownAlert();
+    ASSERT_NE(question, nullptr);
+    show("question");
+    answer(question, "Transcode");
+    ASSERT_TRUE(
+        waitUntil([this] { return isProgressShown() && find<QProgressBar>("progressBar").value() > 0; }));
+    show("progress");
+    writeFile(goOn, "");
+    ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
+    shownAlert();
+    show("result");
+    answer(shownAlert(), "OK");
+}
+
+TEST_P(Gallery, refusalAndHelp)
+{
+    start();
+    tools().setSniffer("print {}\n");
+    writeFile(folder() + "clip.mp4", "bytes");
+    drop(folder() + "clip.mp4");
+    shownAlert();
+    show("refusal");
+    answer(shownAlert(), "OK");
+    waitForKeyboard(window());
+    type(QKeySequence(Qt::Key_F1));
+    ASSERT_TRUE(waitUntil([this] { return find<QDialog>("helpWindow").isVisible(); }));
+    show("help");
+    QTest::keyClick(&find<QDialog>("helpWindow"), Qt::Key_Return);
+    ASSERT_TRUE(waitUntil([this] { return !find<QDialog>("helpWindow").isVisible(); }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Themes, Gallery, testing::ValuesIn(themes),
+    [](const testing::TestParamInfo<Theme>& theme) { return std::string(theme.param.name); });
+
+} // namespace tarnwell::test

@@ -129,13 +129,39 @@ std::string matrixBytes(const DisplayMatrix& m, double width, double height)
     return bytes;
 }
 
+/// Where the matrix begins in a header of a track, or of the movie where `shift` says how much earlier that
+/// has it.
+Offset matrixPlace(int descriptor, const Box& header, Offset shift = 0)
+{
+    const bool isLong = bytesAt(descriptor, header.content, 1) == std::string(1, '\1');
+    return header.content + matrixOffset - shift + (isLong ? longerTimes : 0);
+}
+
+/// Both columns that turn and mirror, in the order a, b, c, d.
+std::array<std::int32_t, 4> matrixAt(int descriptor, Offset place)
+{
+    const std::string bytes = bytesAt(descriptor, place, matrixSize);
+    std::array<std::int32_t, 4> numbers = {};
+    constexpr std::array<std::size_t, 4> places = {0, 4, 12, 16};
+    for (std::size_t each = 0; each < places.size() && bytes.size() == matrixSize; ++each)
+        numbers[each] = static_cast<std::int32_t>(bigEndian(bytes.substr(places[each], 4)));
+    return numbers;
+}
+
+bool isQuarterTurn(const std::array<std::int32_t, 4>& m)
+{
+    constexpr std::int32_t one = 65536;
+    const bool isUpright = m[1] == 0 && (m[0] == one || m[0] == -one);
+    const bool isOnItsSide = m[0] == 0 && (m[1] == one || m[1] == -one);
+    return (isUpright || isOnItsSide) && m[3] == m[0] && m[2] == -m[1];
+}
+
 bool writeMatrixOfTrack(int descriptor, const Box& track, const DisplayMatrix& matrix)
 {
     const Box header = findBox(descriptor, track, "tkhd");
     if (header.content == 0)
         return false;
-    const bool isLong = bytesAt(descriptor, header.content, 1) == std::string(1, '\1');
-    const Offset place = header.content + matrixOffset + (isLong ? longerTimes : 0);
+    const Offset place = matrixPlace(descriptor, header);
     const std::string size = bytesAt(descriptor, place + matrixSize, 8);
     if (place + matrixSize + 8 > header.end || size.size() != 8)
         return false;
@@ -156,6 +182,27 @@ bool isCompleteMovie(int descriptor)
         hasVideo = hasVideo || (box.type == "trak" && isVideoTrack(descriptor, box));
     });
     return hasVideo && forEachBox(descriptor, file.content, file.end, [](const Box&) {});
+}
+
+bool isOnlyTurned(int descriptor)
+{
+    constexpr Offset earlier = 4; // in the movie's header than in a track's
+    const Box movie = findBox(descriptor, wholeFile(descriptor), "moov");
+    const Box header = findBox(descriptor, movie, "mvhd");
+    const auto ofMovie = matrixAt(descriptor, matrixPlace(descriptor, header, earlier));
+    if (header.content == 0 || ofMovie != std::array<std::int32_t, 4>{65536, 0, 0, 65536})
+        return false;
+    bool hasVideo = false;
+    bool areTurned = true;
+    forEachBox(descriptor, movie.content, movie.end, [&](const Box& box) {
+        if (box.type != "trak" || !isVideoTrack(descriptor, box))
+            return;
+        hasVideo = true;
+        const Box track = findBox(descriptor, box, "tkhd");
+        areTurned = areTurned && track.content != 0
+            && isQuarterTurn(matrixAt(descriptor, matrixPlace(descriptor, track)));
+    });
+    return hasVideo && areTurned;
 }
 
 bool writeTrackMatrix(int descriptor, const DisplayMatrix& matrix)

@@ -13,6 +13,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -104,10 +105,21 @@ int makeStill(Job job, OutputFile& output)
     return isMade && isFinished(output) ? success : failure;
 }
 
+bool isPlainMovie(const std::string& path)
+{
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const bool isPlain = file >= 0 && isOnlyTurned(file);
+    if (file >= 0)
+        ::close(file);
+    return isPlain;
+}
+
 /// The flag says a turn against the coded picture, of one whose turn is the tag's. What decoders show besides
 /// that, a mirror or the turn of a matrix that has no tag, is kept.
 DisplayMatrix matrixOfFlag(const Job& job)
 {
+    if (isPlainMovie(job.input)) // ffprobe need not be asked
+        return turnedLeft(job.rotation);
     const VideoFacts facts = factsOf(job.input);
     return combined(facts.decoded.value_or(DisplayMatrix()), turnedLeft(job.rotation + facts.rotation));
 }

@@ -53,6 +53,23 @@ protected:
         return opened(bytes, [&matrix](int file) { return writeTrackMatrix(file, matrix); });
     }
 
+    bool isTurned(const std::string& bytes)
+    {
+        return opened(bytes, [](int file) { return isOnlyTurned(file); });
+    }
+
+    /// A movie with these numbers in its own header and in that of its one video track.
+    static std::string movieWith(
+        int version, const std::vector<std::int64_t>& ofMovie, std::vector<std::int64_t> ofTrack)
+    {
+        const std::size_t shift = version == 1 ? 12 : 0;
+        std::string header = bigEndian(static_cast<std::uint64_t>(version), 1) + std::string(35 + shift, '\0')
+            + numbers(ofMovie) + std::string(28, '\0');
+        std::string video = track("vide", version);
+        video.replace(video.find("tkhd") + 4 + 40 + shift, 36, numbers(ofTrack));
+        return fileType() + box("moov", box("mvhd", header) + video + track("soun", 0, 0, 0));
+    }
+
     /// What the last call has left.
     std::string bytes() const { return contentsOf(m_folder.path() + "movie.mp4"); }
 
@@ -228,6 +245,34 @@ TEST_F(TrackMatrixTest, aFileWithoutAVideoTrackStaysAsItIs)
         EXPECT_FALSE(writeMatrix(file, quarterTurnLeft)) << testing::PrintToString(file);
         EXPECT_EQ(bytes(), file);
     }
+}
+
+TEST_F(TrackMatrixTest, quarterTurnsAreOnlyTurned)
+{
+    const std::vector<std::int64_t> unmoved = {one, 0, 0, 0, one, 0, 0, 0, last};
+    for (const int version : {0, 1}) {
+        for (const auto& [a, b] : std::vector<std::pair<int, int>>{{1, 0}, {0, 1}, {-1, 0}, {0, -1}})
+            EXPECT_TRUE(isTurned(
+                movieWith(version, unmoved, {a * one, b * one, 0, -b * one, a * one, 0, 5, 6, last})));
+    }
+}
+
+TEST_F(TrackMatrixTest, whateverElseIsNotOnlyTurned)
+{
+    const std::vector<std::int64_t> unmoved = {one, 0, 0, 0, one, 0, 0, 0, last};
+    for (const std::vector<std::int64_t>& matrix : std::vector<std::vector<std::int64_t>>{
+             {-one, 0, 0, 0, one, 0, 0, 0, last}, {0, one, 0, one, 0, 0, 0, 0, last},
+             {2 * one, 0, 0, 0, 2 * one, 0, 0, 0, last}, {0, 0, 0, 0, 0, 0, 0, 0, 0},
+             {46341, 46341, 0, -46341, 46341, 0, 0, 0, last}, {one, 1, 0, -1, one, 0, 0, 0, last}}) {
+        EXPECT_FALSE(isTurned(movieWith(0, unmoved, matrix))) << testing::PrintToString(matrix);
+        EXPECT_FALSE(isTurned(movieWith(1, matrix, unmoved))) << testing::PrintToString(matrix);
+    }
+    EXPECT_FALSE(isTurned("no movie"));
+    EXPECT_FALSE(isTurned(smallMovie())); // its own header is empty
+    EXPECT_FALSE(isTurned(fileType() + box("moov", track("vide"))));
+    const std::string whole = movieWith(0, unmoved, unmoved);
+    for (std::size_t size = 0; size < whole.size() - track("soun", 0, 0, 0).size(); ++size)
+        EXPECT_FALSE(isTurned(whole.substr(0, size))) << size;
 }
 
 TEST_F(TrackMatrixTest, aHeaderThatIsTooShortForItsVersionIsNotWrittenBeyond)

@@ -95,6 +95,16 @@ void flood(int descriptor, const std::string& bytes)
     }
 }
 
+void floodStatus(const std::string& bytes)
+{
+    const std::string line = "time=00:00:01.00 bitrate=1\n";
+    std::string block;
+    while (block.size() < 65536)
+        block += line;
+    for (auto left = std::stoll(bytes); left > 0; left -= static_cast<long long>(block.size()))
+        writeAll(STDERR_FILENO, block);
+}
+
 std::string hexadecimal(const std::string& bytes)
 {
     const std::string digits = "0123456789abcdef";
@@ -173,6 +183,7 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
     {"error", [](const Words& text) { writeAll(STDERR_FILENO, unescaped(text)); }},
     {"flood", [](const Words& count) { flood(STDOUT_FILENO, count); }},
     {"flood-error", [](const Words& count) { flood(STDERR_FILENO, count); }},
+    {"flood-status", [](const Words& count) { floodStatus(count); }},
     {"flood-output", floodOutput},
     {"write-output", [](const Words& text) { writeOutput(unescaped(text)); }},
     {"write-output-file", [](const Words& path) { writeOutput(contentsOf(path)); }},

@@ -33,7 +33,8 @@ namespace tarnwell::test
 /// say-on-termination TEXT     from now on a SIGTERM writes the line to standard error and exits with 255
 /// write-output TEXT, write-output-file PATH, flood-output N
 ///                             writes into the file that the last argument names
-/// flood-error N               writes N bytes to standard error
+/// flood-error N, flood-status N
+///                             writes N bytes to standard error, in one line without an end or in status lines
 /// close N                     closes the descriptor
 /// with WORD COMMAND, without WORD COMMAND
 ///                             does the command only where the word is among the arguments, or is not

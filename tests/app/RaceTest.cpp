@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+// Cancels, second cancels, drops and returns at random moments of exports by a tool that takes random time,
+// one export after the other in one window. TARNWELL_ROUNDS sets how many.
+#include "app/AppDelegate.h"
+#include "tests/support/Files.h"
+#include "tests/support/StandInTest.h"
+
+#include <QAction>
+#include <QElapsedTimer>
+#include <QPushButton>
+
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <random>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr int longestTool = 60; // milliseconds
+
+int rounds()
+{
+    const char* wanted = std::getenv("TARNWELL_ROUNDS");
+    return wanted != nullptr ? std::atoi(wanted) : 25;
+}
+
+} // namespace
+
+class RaceTest : public StandInTest
+{
+protected:
+    int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(m_random); }
+
+    /// An encoder that takes up to that long, talks meanwhile, and ends when it is told to or just does not
+    /// hear it.
+    std::string encoder()
+    {
+        std::string script = upTo(2) == 0 ? "ignore-termination\n" : "";
+        for (int piece = upTo(4); piece >= 0; --piece)
+            script += "sleep " + std::to_string(upTo(longestTool / 5)) + "\nerror time=00:00:0"
+                + std::to_string(upTo(7)) + ".00 \\n\n";
+        return script + (upTo(3) == 0 ? "exit 1\n" : "copy " + folder() + "still.png\n");
+    }
+
+    void begin()
+    {
+        tools().setCreator(encoder());
+        waitForKeyboard(window());
+        saveByPanel(folder() + "out.mp4");
+        answer(shownAlert(), "Transcode");
+    }
+
+    /// Meddles until the export has ended; whether it was cancelled.
+    bool meddle()
+    {
+        auto& cancel = find<QPushButton>("progressCancel");
+        QElapsedTimer time;
+        time.start();
+        const int moment = upTo(longestTool) / 3;
+        bool isCancelled = false;
+        const bool ended = waitUntil([&] {
+            if (time.elapsed() >= moment && isProgressShown() && cancel.isEnabled() && !isCancelled) {
+                cancel.click();
+                isCancelled = true;
+                if (upTo(1) == 0)
+                    cancel.click();
+            }
+            if (upTo(20) == 0)
+                drop(folder() + "clip.mp4"); // while a sheet is up nothing is taken
+            if (upTo(20) == 0)
+                application().reopen();
+            return isAlertShown() || (isCancelled && !isProgressShown());
+        });
+        EXPECT_TRUE(ended);
+        return isCancelled;
+    }
+
+private:
+    std::mt19937 m_random{5};
+};
+
+TEST_F(RaceTest, exportsAndCancelsOneAfterTheOther)
+{
+    start();
+    openVideo();
+    const std::string original = contentsOf(folder() + "clip.mp4");
+    int cancels = 0;
+    testing::internal::CaptureStdout();
+    for (int round = 0; round < rounds() && !HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        begin();
+        const bool isCancelled = meddle();
+        cancels += isCancelled ? 1 : 0;
+        if (isAlertShown())
+            answer(shownAlert(), "OK");
+        EXPECT_TRUE(waitUntil([this] { return !isProgressShown() && !isAlertShown(); }));
+        EXPECT_TRUE(!isCancelled || !exists(folder() + "out.mp4"));
+        std::filesystem::remove(folder() + "out.mp4");
+        EXPECT_EQ(contentsOf(folder() + "clip.mp4"), original);
+        EXPECT_TRUE(action("rotateLeftBTN").isEnabled());
+    }
+    testing::internal::GetCapturedStdout();
+    std::cout << cancels << " of " << rounds() << " exports were cancelled\n";
+    EXPECT_GT(cancels, 0);
+}
+
+} // namespace tarnwell::test

@@ -39,7 +39,9 @@ protected:
     /// hear it.
     std::string encoder()
     {
-        std::string script = upTo(2) == 0 ? "ignore-termination\n" : "";
+        // A drop may find the window free again, and asks for stills.
+        std::string script = "with -frames:v copy " + folder() + "still.png\nwith -frames:v exit 0\n";
+        script += upTo(2) == 0 ? "ignore-termination\n" : "";
         for (int piece = upTo(4); piece >= 0; --piece)
             script += "sleep " + std::to_string(upTo(longestTool / 5)) + "\nerror time=00:00:0"
                 + std::to_string(upTo(7)) + ".00 \\n\n";

@@ -11,6 +11,7 @@
 #include <QPalette>
 #include <QPen>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tarnwell
@@ -46,6 +47,17 @@ QColor mixed(const QPalette& palette, qreal textShare)
     const auto blend = [textShare](int from, int to) { return from + qRound((to - from) * textShare); };
     return QColor(
         blend(under.red(), over.red()), blend(under.green(), over.green()), blend(under.blue(), over.blue()));
+}
+
+/// The same picture, without a copy, seen through as few of its lines as leave two for each line of the
+/// height that it is scaled to: reading more of a large picture costs time and shows nothing.
+QImage everyOtherLine(const QImage& picture, int targetHeight)
+{
+    const int step = std::max(1, picture.height() / std::max(1, targetHeight) / 2);
+    if (step == 1 || picture.colorCount() > 0) // colours of a table do not come along
+        return picture;
+    return QImage(picture.constBits(), picture.width(), picture.height() / step,
+        picture.bytesPerLine() * step, picture.format());
 }
 
 int wrappedHeight(const QFont& font, int width, const QString& text)
@@ -213,7 +225,8 @@ void ImageView::refreshScaled(QSize deviceSize)
 {
     if (m_scaled.size() != deviceSize) {
         m_scaled
-            = QPixmap::fromImage(m_image.scaled(deviceSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+            = QPixmap::fromImage(everyOtherLine(m_image, deviceSize.height())
+                                     .scaled(deviceSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
     }
     m_scaled.setDevicePixelRatio(devicePixelRatioF());
 }

@@ -130,6 +130,28 @@ TEST_F(ImageViewTest, aLargePictureFitsAndKeepsItsShape)
     }
 }
 
+TEST_F(ImageViewTest, aLargePictureKeepsItsColoursAndItsLastLines)
+{
+    for (const auto format : {QImage::Format_RGB32, QImage::Format_Indexed8}) {
+        QImage picture(3000, 4001, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        for (int y = 2000; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x)
+                picture.setPixel(x, y, qRgb(0, 0, 255));
+        }
+        m_view.setImage(plainPicture(3000, 4001));
+        const QRect place = placeOfPicture();
+        m_view.setImage(picture.convertToFormat(format));
+        const QImage all = painted();
+        EXPECT_EQ(all.pixelColor(place.center().x(), place.top() + 2), QColor(Qt::red));
+        EXPECT_EQ(
+            all.pixelColor(place.center().x(), place.top() + place.height() * 48 / 100), QColor(Qt::red));
+        EXPECT_EQ(
+            all.pixelColor(place.center().x(), place.top() + place.height() * 52 / 100), QColor(Qt::blue));
+        EXPECT_EQ(all.pixelColor(place.center().x(), place.bottom()), QColor(Qt::blue));
+    }
+}
+
 TEST_F(ImageViewTest, onePixelIsOnePixel)
 {
     m_view.setImage(plainPicture(1, 1));

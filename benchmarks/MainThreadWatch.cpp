@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "benchmarks/MainThreadWatch.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace tarnwell::bench
+{
+
+namespace
+{
+
+constexpr std::chrono::milliseconds interval(5);
+constexpr double intervalInMilliseconds = 5;
+
+double processorMilliseconds()
+{
+    timespec time = {};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+/// How late it is for what was due after the interval.
+double delay(const Stopwatch& sinceLast)
+{
+    return std::max(0.0, sinceLast.elapsed() - intervalInMilliseconds);
+}
+
+} // namespace
+
+void MainThreadLoad::begin()
+{
+    m_processorTime = processorMilliseconds();
+    m_stopwatch = {};
+}
+
+void MainThreadLoad::end()
+{
+    constexpr double hundred = 100;
+    m_percent = (processorMilliseconds() - m_processorTime) / m_stopwatch.elapsed() * hundred;
+}
+
+StallWatch::StallWatch()
+{
+    m_timer.setTimerType(Qt::PreciseTimer);
+    m_timer.setInterval(interval);
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { tick(); });
+}
+
+StallWatch::~StallWatch()
+{
+    end();
+}
+
+void StallWatch::begin()
+{
+    m_sinceTick = {};
+    m_timer.start();
+    m_isIdling = true;
+    m_idleThread = std::thread([this] { idle(); });
+}
+
+void StallWatch::end()
+{
+    m_timer.stop();
+    m_isIdling = false;
+    if (m_idleThread.joinable())
+        m_idleThread.join();
+}
+
+void StallWatch::tick()
+{
+    m_longest = std::max(m_longest, delay(m_sinceTick));
+    m_sinceTick = {};
+}
+
+void StallWatch::idle()
+{
+    while (m_isIdling) {
+        const Stopwatch stopwatch;
+        std::this_thread::sleep_for(interval);
+        m_longestOfIdleThread = std::max(m_longestOfIdleThread.load(), delay(stopwatch));
+    }
+}
+
+} // namespace tarnwell::bench

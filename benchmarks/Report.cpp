@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "benchmarks/Report.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+
+namespace tarnwell::bench
+{
+
+namespace
+{
+
+constexpr int couldNotMeasure = 2;
+
+std::string row(const std::vector<std::string>& cells)
+{
+    std::string text = "|";
+    for (const auto& cell : cells)
+        text += " " + cell + " |";
+    return text + "\n";
+}
+
+std::string budgetText(const Budget& budget)
+{
+    std::string text = withDigits(budget.factor, 2);
+    if (budget.extra > 0)
+        text += " + " + withDigits(budget.extra, 0) + " ms";
+    return text;
+}
+
+std::string ratioText(const Pairs& pairs, const std::optional<Budget>& budget)
+{
+    std::string text = withDigits(pairs.ratio(), 2);
+    if (budget && budget->extra > 0) {
+        const double beyond = pairs.beyond(budget->factor);
+        text += " = " + withDigits(budget->factor, 2) + (beyond < 0 ? " − " : " + ")
+            + withDigits(beyond < 0 ? -beyond : beyond, 0) + " ms";
+    }
+    return text;
+}
+
+} // namespace
+
+Report::Report(std::string folder)
+    : m_folder(std::move(folder))
+{
+}
+
+void Report::compare(
+    const std::string& what, const std::string& comparison, const Pairs& pairs, std::optional<Budget> budget)
+{
+    Line line;
+    line.what = what;
+    line.measured = timeText(summaryOf(pairs.measured));
+    line.against = comparison + ": " + timeText(summaryOf(pairs.against));
+    line.ratio = ratioText(pairs, budget);
+    if (budget) {
+        line.budget = budgetText(*budget);
+        line.isOver = budget->extra > 0 ? pairs.beyond(budget->factor) > budget->extra
+                                        : pairs.ratio() > budget->factor;
+    }
+    add(line);
+}
+
+void Report::add(const Line& line)
+{
+    m_isOver = m_isOver || line.isOver;
+    append("budgets.md",
+        row({line.what, line.measured, line.against, line.ratio, line.budget,
+            line.isOver ? "**over**" : ""}));
+}
+
+void Report::addNotMeasured(const std::string& what, const std::string& reason)
+{
+    add({what, "not measured: " + reason, "", "", "", false});
+}
+
+void Report::beginGrowth(const std::string& title, const std::vector<std::string>& columns)
+{
+    append("growth.md",
+        "\n### " + title + "\n\n" + row(columns) + row(std::vector<std::string>(columns.size(), "---")));
+}
+
+void Report::addGrowth(const std::vector<std::string>& cells)
+{
+    append("growth.md", row(cells));
+}
+
+void Report::append(const std::string& file, const std::string& text) const
+{
+    std::ofstream(m_folder + "/" + file, std::ios::app) << text;
+    std::cerr << text;
+}
+
+std::vector<std::string> cellsOf(const Pairs& pairs)
+{
+    return {timeText(summaryOf(pairs.measured)), timeText(summaryOf(pairs.against)),
+        withDigits(pairs.ratio(), 2)};
+}
+
+void giveUp(const std::string& reason)
+{
+    std::cerr << "bench: " << reason << std::endl;
+    std::_Exit(couldNotMeasure);
+}
+
+} // namespace tarnwell::bench

@@ -3,8 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <charconv>
-#include <string_view>
+#include <cstdlib>
 
 namespace
 {
@@ -64,11 +63,8 @@ bool isEndless(const Json& duration)
     double seconds = 0;
     if (duration.is_number())
         seconds = duration.get<double>();
-    if (duration.is_string()) {
-        std::string_view text = duration.get_ref<const std::string&>();
-        text.remove_prefix(text.starts_with('+') ? 1 : 0);
-        std::from_chars(text.data(), text.data() + text.size(), seconds);
-    }
+    if (duration.is_string()) // the tools leave the locale as it is in C, with a dot
+        seconds = std::strtod(duration.get_ref<const std::string&>().c_str(), nullptr);
     return !(seconds < integerLimit && seconds >= -integerLimit);
 }
 

@@ -51,7 +51,7 @@ class FirstPaint : public QGenericPlugin
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "FirstPaint.json")
 
 public:
-    QObject* create(const QString& /*name*/, const QString& /*specification*/) override
+    QObject* create(const QString& /*key*/, const QString& /*parameters*/) override
     {
         return new PaintFilter;
     }

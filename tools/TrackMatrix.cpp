@@ -105,6 +105,25 @@ bool isVideoTrack(int descriptor, const Box& track)
     return handler.content != 0 && bytesAt(descriptor, handler.content + handlerKindOffset, 4) == "vide";
 }
 
+/// The box that describes the tracks.
+Box movieOf(int descriptor)
+{
+    return findBox(descriptor, wholeFile(descriptor), "moov");
+}
+
+/// How many there are.
+int forEachVideoTrack(int descriptor, const Box& movie, const std::function<void(const Box&)>& visit)
+{
+    int count = 0;
+    forEachBox(descriptor, movie.content, movie.end, [&](const Box& box) {
+        if (box.type != "trak" || !isVideoTrack(descriptor, box))
+            return;
+        ++count;
+        visit(box);
+    });
+    return count;
+}
+
 void appendFixed(std::string& bytes, double value, int fractionBits)
 {
     const auto number = static_cast<std::uint32_t>(std::lround(std::ldexp(value, fractionBits)));
@@ -176,45 +195,31 @@ bool writeMatrixOfTrack(int descriptor, const Box& track, const DisplayMatrix& m
 bool isCompleteMovie(int descriptor)
 {
     const Box file = wholeFile(descriptor);
-    const Box movie = findBox(descriptor, file, "moov");
-    bool hasVideo = false;
-    forEachBox(descriptor, movie.content, movie.end, [&](const Box& box) {
-        hasVideo = hasVideo || (box.type == "trak" && isVideoTrack(descriptor, box));
-    });
-    return hasVideo && forEachBox(descriptor, file.content, file.end, [](const Box&) {});
+    const int videos = forEachVideoTrack(descriptor, movieOf(descriptor), [](const Box&) {});
+    return videos > 0 && forEachBox(descriptor, file.content, file.end, [](const Box&) {});
 }
 
 bool isOnlyTurned(int descriptor)
 {
     constexpr Offset earlier = 4; // in the movie's header than in a track's
-    const Box movie = findBox(descriptor, wholeFile(descriptor), "moov");
+    const Box movie = movieOf(descriptor);
     const Box header = findBox(descriptor, movie, "mvhd");
     const auto ofMovie = matrixAt(descriptor, matrixPlace(descriptor, header, earlier));
     if (header.content == 0 || ofMovie != std::array<std::int32_t, 4>{65536, 0, 0, 65536})
         return false;
-    bool hasVideo = false;
     bool areTurned = true;
-    forEachBox(descriptor, movie.content, movie.end, [&](const Box& box) {
-        if (box.type != "trak" || !isVideoTrack(descriptor, box))
-            return;
-        hasVideo = true;
-        const Box track = findBox(descriptor, box, "tkhd");
-        areTurned = areTurned && track.content != 0
-            && isQuarterTurn(matrixAt(descriptor, matrixPlace(descriptor, track)));
+    const int videos = forEachVideoTrack(descriptor, movie, [&](const Box& track) {
+        const Box trackHeader = findBox(descriptor, track, "tkhd");
+        areTurned = areTurned && trackHeader.content != 0
+            && isQuarterTurn(matrixAt(descriptor, matrixPlace(descriptor, trackHeader)));
     });
-    return hasVideo && areTurned;
+    return videos > 0 && areTurned;
 }
 
 bool writeTrackMatrix(int descriptor, const DisplayMatrix& matrix)
 {
-    const Box movie = findBox(descriptor, wholeFile(descriptor), "moov");
-    bool written = false;
-    bool failed = false;
-    forEachBox(descriptor, movie.content, movie.end, [&](const Box& box) {
-        if (box.type != "trak" || !isVideoTrack(descriptor, box))
-            return;
-        written = true;
-        failed = failed || !writeMatrixOfTrack(descriptor, box, matrix);
-    });
-    return written && !failed;
+    bool areWritten = true;
+    const int videos = forEachVideoTrack(descriptor, movieOf(descriptor),
+        [&](const Box& track) { areWritten = writeMatrixOfTrack(descriptor, track, matrix) && areWritten; });
+    return videos > 0 && areWritten;
 }

@@ -151,8 +151,8 @@ int makeVideoFile(Job job, OutputFile& output)
 
 int main(int argc, char* argv[])
 {
-    watchForCancelling();
     holdStandardDescriptors();
+    watchForCancelling();
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, nobody could wait for ffmpeg
     const std::vector<std::string> arguments(argv + 1, argv + argc);

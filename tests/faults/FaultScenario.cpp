@@ -93,7 +93,7 @@ protected:
         EXPECT_EQ(contentsOf(folder() + "clip.mp4"), videoBytes);
         EXPECT_TRUE(waitUntil([] { return children().empty(); }));
         EXPECT_FALSE(isProgressShown());
-        // What cannot be removed stays; there is nobody whom that should keep from his work.
+        // What cannot be removed stays, and that keeps nobody from working on.
         if (qEnvironmentVariable("TARNWELL_FAILS").startsWith(QStringLiteral("remove")))
             return;
         for (const auto& name : namesIn(ownTemporaryFolder())) {

@@ -14,9 +14,8 @@
 #include <QVariantMap>
 
 #include <algorithm>
-#include <functional>
-
 #include <fcntl.h>
+#include <functional>
 #include <unistd.h>
 
 namespace tarnwell
@@ -55,9 +54,8 @@ void callOr(const QDBusMessage& call, const std::function<void()>& otherwise)
 bool passesFile(const QStringList& command, const QUrl& file)
 {
     const QString address = QString::fromUtf8(file.toEncoded());
-    return std::any_of(command.begin(), command.end(), [&](const QString& word) {
-        return word.contains(file.toLocalFile()) || word.contains(address);
-    });
+    return std::any_of(command.begin(), command.end(),
+        [&](const QString& word) { return word.contains(file.toLocalFile()) || word.contains(address); });
 }
 
 QDBusMessage showItemsCall(const FileURL& file)
@@ -70,26 +68,39 @@ QDBusMessage showItemsCall(const FileURL& file)
     return call;
 }
 
-/// The portal opens the folder of a file that it is given as a descriptor, and selects the file.
-QDBusMessage portalCall(const FileURL& file)
+/// The portal opens the folder of a file that it is given as a descriptor, and selects the file. The message
+/// keeps a duplicate of the descriptor.
+QDBusMessage portalCall(int descriptor)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"),
         QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.OpenURI"),
         QStringLiteral("OpenDirectory"));
     const QString parentWindow;
-    const int descriptor = ::open(file.path().c_str(), O_RDONLY | O_CLOEXEC);
     call << parentWindow << QVariant::fromValue(QDBusUnixFileDescriptor(descriptor)) << QVariantMap();
-    if (descriptor >= 0)
-        ::close(descriptor); // the message holds a duplicate
     return call;
+}
+
+void openFolderOf(const FileURL& file)
+{
+    QDesktopServices::openUrl(folderOf(file));
+}
+
+void selectThroughThePortal(const FileURL& file)
+{
+    const int descriptor = ::open(file.path().c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) { // Qt's bus thread can crash over a message whose descriptor is none
+        openFolderOf(file);
+        return;
+    }
+    callOr(portalCall(descriptor), [file] { openFolderOf(file); });
+    ::close(descriptor);
 }
 
 } // namespace
 
 void activateFileViewerSelecting(const FileURL& file)
 {
-    callOr(showItemsCall(file),
-        [file] { callOr(portalCall(file), [file] { QDesktopServices::openUrl(folderOf(file)); }); });
+    callOr(showItemsCall(file), [file] { selectThroughThePortal(file); });
 }
 
 void openFileWithApplication(const FileURL& file, const QString& applicationName)

@@ -170,6 +170,7 @@ TEST_F(RevealTest, opensTheFolderOfAFileThatIsGoneWhereThereIsOnlyThePortal)
     activateFileViewerSelecting(FileURL(m_folder.path() + "gone.mp4"));
     EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
     EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
+    EXPECT_TRUE(portal.calls().isEmpty());
 }
 
 class OpenWithTest : public WorkspaceTest

@@ -96,25 +96,4 @@ TEST_F(DescriptionTest, aNameThatIsNoTextIsSaidAsFarAsItGoes)
     EXPECT_EQ(description(), "caf\xEF\xBF\xBD \xF0\x9F\x8E\xA5.mp4, as it was opened");
 }
 
-TEST_F(DescriptionTest, theProgressSheetSaysWhatIsDone)
-{
-    tools().setSniffer("wait-for " + folder() + "go\n" + sniffing(reportOf({})));
-    start();
-    bool seen = false;
-    QTimer watch;
-    QObject::connect(&watch, &QTimer::timeout, [&] {
-        if (!isProgressShown() || seen)
-            return;
-        seen = true;
-        EXPECT_EQ(
-            find<QWidget>("progressWindow").accessibleDescription(), QStringLiteral("Analyzing Video..."));
-        EXPECT_EQ(
-            find<QWidget>("progressTitle").accessibleDescription(), QStringLiteral("Analyzing Video..."));
-        writeFile(folder() + "go", "");
-    });
-    watch.start(0);
-    openVideo();
-    EXPECT_TRUE(seen);
-}
-
 } // namespace tarnwell::test

@@ -21,12 +21,12 @@ Alert modeAlert()
 {
     Alert alert;
     alert.setMessageText(QStringLiteral("Fix Flag mode Available!"));
-    alert.setInformativeText(
-        QStringLiteral("\nFix Flag (Quick): Only the orientation flag (rotation tag) in the metadata of the video "
-                       "file is changed, so that the video plays fine in iOS, QuickTime & VLC video players without "
-                       "any need for transcoding which saves a tremendous amount of encoding time for longer "
-                       "videos.\n\nTranscode (Slow) : The video is rotated permanently frame by frame by re-encoding "
-                       "which is compatible with all video players.\n\n"));
+    alert.setInformativeText(QStringLiteral(
+        "\nFix Flag (Quick): Only the orientation flag (rotation tag) in the metadata of the video "
+        "file is changed, so that the video plays fine in iOS, QuickTime & VLC video players without "
+        "any need for transcoding which saves a tremendous amount of encoding time for longer "
+        "videos.\n\nTranscode (Slow) : The video is rotated permanently frame by frame by re-encoding "
+        "which is compatible with all video players.\n\n"));
     alert.addButton(QStringLiteral("Fix Flag"));
     alert.addButton(QStringLiteral("Transcode"));
     alert.setStyle(Alert::Style::Warning);

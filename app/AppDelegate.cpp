@@ -49,8 +49,8 @@ bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed()
 
 void AppDelegate::registerForDropNotification()
 {
-    m_dropObservation = NotificationCenter::defaultCenter().addObserver(
-        fileDroppedNotification, [this](const Notification& notification) { fileAddedByDragAndDrop(notification); });
+    m_dropObservation = NotificationCenter::defaultCenter().addObserver(fileDroppedNotification,
+        [this](const Notification& notification) { fileAddedByDragAndDrop(notification); });
     setEditingControlsEnabled(false);
 }
 

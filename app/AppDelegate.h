@@ -25,9 +25,9 @@ class FileProbe;
 class InputGate;
 class Process;
 
-/// The one controller: holds what is known of the one open video and receives every action of the user. An action
-/// takes values from the fields, asks a plain function what follows, and does it. Main thread, unless said
-/// otherwise. A running export keeps it alive, hence the shared ownership.
+/// The one controller: holds what is known of the one open video and receives every action of the user. An
+/// action takes values from the fields, asks a plain function what follows, and does it. Main thread, unless
+/// said otherwise. A running export keeps it alive, hence the shared ownership.
 class AppDelegate : public QObject, public std::enable_shared_from_this<AppDelegate>
 {
     Q_OBJECT
@@ -98,7 +98,7 @@ private:
     /// The encoder of the current or last export. The run's thread sets it.
     Synchronized<std::shared_ptr<Process>> globalProcess;
     std::optional<bool> isProcessCancelledByUser; // absent before the first export
-    std::optional<QImage> currentImage;           // the still of the open video, as extracted
+    std::optional<QImage> currentImage; // the still of the open video, as extracted
     OrientationState m_orientation;
     std::unique_ptr<InputGate> m_gateBeforeSheet; // from an export's start until its sheet is up
 };

@@ -63,7 +63,8 @@ void AppDelegate::startCreatorRun(const std::string& outputPath, const ArgumentL
 {
     isProcessCancelledByUser = false;
     m_gateBeforeSheet = std::make_unique<InputGate>();
-    asyncUserInitiated([self = shared_from_this(), outputPath, arguments] { self->runCreator(outputPath, arguments); });
+    asyncUserInitiated(
+        [self = shared_from_this(), outputPath, arguments] { self->runCreator(outputPath, arguments); });
 }
 
 void AppDelegate::runCreator(const std::string& outputPath, const ArgumentList& arguments)
@@ -73,7 +74,8 @@ void AppDelegate::runCreator(const std::string& outputPath, const ArgumentList& 
     const auto creator = std::make_shared<Process>();
     creator->setExecutable(required(m_tools.bundle.pathForResource("creator")));
     creator->setArguments(arguments);
-    creator->setGroup(Process::Group::Own); // an interrupt that ends the program in a terminal is not meant for it
+    creator->setGroup(
+        Process::Group::Own); // an interrupt that ends the program in a terminal is not meant for it
     const auto standardError = std::make_shared<Pipe>();
     creator->setStandardError(standardError);
     standardError->fileHandleForReading()->setReadabilityHandler(
@@ -141,8 +143,9 @@ void AppDelegate::showResultAlert(const std::shared_ptr<const FileProbe>& output
         failureAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
         return;
     }
-    successAlert(m_orientation).beginSheetModal(required(m_outlets.window), required(m_outlets.sheets),
-        [this, outputProbe](int response) { resultAlertButtonClicked(response, *outputProbe); });
+    successAlert(m_orientation)
+        .beginSheetModal(required(m_outlets.window), required(m_outlets.sheets),
+            [this, outputProbe](int response) { resultAlertButtonClicked(response, *outputProbe); });
 }
 
 void AppDelegate::resultAlertButtonClicked(int response, const FileProbe& outputProbe)

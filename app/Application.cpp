@@ -13,7 +13,8 @@ Application::Application(const ToolContext& tools)
 {
     m_interface.connectActions(*m_delegate);
     QApplication::setQuitOnLastWindowClosed(m_delegate->applicationShouldTerminateAfterLastWindowClosed());
-    QObject::connect(qApp, &QCoreApplication::aboutToQuit, m_delegate.get(), &AppDelegate::applicationWillTerminate);
+    QObject::connect(
+        qApp, &QCoreApplication::aboutToQuit, m_delegate.get(), &AppDelegate::applicationWillTerminate);
     m_delegate->applicationDidFinishLaunching();
     m_interface.window().show();
 }

@@ -12,8 +12,8 @@ namespace tarnwell
 
 class AppDelegate;
 
-/// The window, its controller and what connects them. Needs a QApplication around it; what it leaves running when
-/// it goes is an encoder at work.
+/// The window, its controller and what connects them. Needs a QApplication around it; what it leaves running
+/// when it goes is an encoder at work.
 class Application
 {
 public:

@@ -52,7 +52,8 @@ bool DragAndDropFileInNSImageView::performDragOperation(const QMimeData& drag)
     if (!file)
         return false;
     m_filePath = *file;
-    NotificationCenter::defaultCenter().post({fileDroppedNotification, nullptr, {{fileDroppedKey, FileURL(*file)}}});
+    NotificationCenter::defaultCenter().post(
+        {fileDroppedNotification, nullptr, {{fileDroppedKey, FileURL(*file)}}});
     return true;
 }
 
@@ -68,8 +69,8 @@ void DragAndDropFileInNSImageView::dropEvent(QDropEvent* event)
     event->setAccepted(draggedFile(*event->mimeData()).has_value());
     if (!event->isAccepted())
         return;
-    // The program from which the file comes waits for the answer, and must not wait for what is done with the file.
-    // Until that begins nothing else may begin.
+    // The program from which the file comes waits for the answer, and must not wait for what is done with the
+    // file. Until that begins nothing else may begin.
     const std::shared_ptr<QMimeData> drag = copyOfFileNames(*event->mimeData());
     auto perform = [this, drag, gate = std::make_shared<InputGate>()]() mutable {
         gate.reset();

@@ -11,13 +11,13 @@ class QMimeData;
 namespace tarnwell
 {
 
-/// The notification that announces a dropped file, and its one key: the value is the file's FileURL. The letters
-/// are the poster's and the observer's agreement.
+/// The notification that announces a dropped file, and its one key: the value is the file's FileURL. The
+/// letters are the poster's and the observer's agreement.
 inline constexpr const char* fileDroppedNotification = "FileAddedByDragAnadDrop";
 inline constexpr const char* fileDroppedKey = "key";
 
-/// The picture area, on which one file can be dropped. It announces the file with a notification and knows nothing
-/// of what becomes of it; the picture that it shows is set from outside. Main thread.
+/// The picture area, on which one file can be dropped. It announces the file with a notification and knows
+/// nothing of what becomes of it; the picture that it shows is set from outside. Main thread.
 class DragAndDropFileInNSImageView : public ImageView
 {
     Q_OBJECT
@@ -34,8 +34,8 @@ public:
     /// Qt::CopyAction for a drag whose first file exists and is no folder, otherwise Qt::IgnoreAction.
     Qt::DropAction draggingEntered(const QMimeData& drag) const;
 
-    /// Remembers the first file and announces it; false where the drag carries none. Returns when everybody who
-    /// listens has dealt with it.
+    /// Remembers the first file and announces it; false where the drag carries none. Returns when everybody
+    /// who listens has dealt with it.
     bool performDragOperation(const QMimeData& drag);
 
 protected:

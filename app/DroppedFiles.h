@@ -13,7 +13,8 @@ class QMimeData;
 namespace tarnwell
 {
 
-/// What a drag names, in its order: absolute paths (raw bytes), and nothing for an entry that is no local file.
+/// What a drag names, in its order: absolute paths (raw bytes), and nothing for an entry that is no local
+/// file.
 using FileNameList = std::vector<std::optional<std::string>>;
 
 /// The list that a drag carries; absent where it carries none, be it one without an entry.

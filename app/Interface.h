@@ -18,7 +18,7 @@ namespace Ui
 class HelpSheet;
 class MainWindow;
 class ProgressSheet;
-}
+} // namespace Ui
 
 /// The main window and its sheets, as the interface files define them. Owns every element; a controller gets
 /// references.
@@ -32,9 +32,9 @@ public:
 
     Outlets outlets();
 
-    /// From now on every control tells `delegate` what the user does, unless a sheet is up or the program is at
-    /// work: assistive tools and global menus reach a control by other ways than events. Controls of an interface that
-    /// outlives the delegate tell nobody.
+    /// From now on every control tells `delegate` what the user does, unless a sheet is up or the program is
+    /// at work: assistive tools and global menus reach a control by other ways than events. Controls of an
+    /// interface that outlives the delegate tell nobody.
     void connectActions(AppDelegate& delegate);
 
 private:

@@ -24,7 +24,8 @@ namespace
 // A still of the largest video that decoders take, 16384 x 16384, is a GiB.
 constexpr int largestPictureInMebibytes = 4096;
 
-/// Null for what is no picture, or not there. Reads the bytes itself: the path need not be text in any encoding.
+/// Null for what is no picture, or not there. Reads the bytes itself: the path need not be text in any
+/// encoding.
 QImage loadPicture(const std::string& path)
 {
     QImageReader::setAllocationLimit(largestPictureInMebibytes);

@@ -32,7 +32,7 @@ int main(int argc, char* argv[])
     application = std::make_unique<Application>(ToolContext{Bundle::main(), waitAttentively});
     const int status = QApplication::exec();
     application.reset();
-    // Threads of a running export live on until the process ends; they must not meet the destructors of what they
-    // still use.
+    // Threads of a running export live on until the process ends; they must not meet the destructors of what
+    // they still use.
     std::quick_exit(status);
 }

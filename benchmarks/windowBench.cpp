@@ -3,8 +3,8 @@
 //
 //   windowBench SECTION FOLDER [--quick]
 //
-// FOLDER holds the clips that benchmarks/make-clips makes for the section, and gets the rows of the report. The
-// exit status is 1 when a figure is over its budget, 2 when one could not be measured.
+// FOLDER holds the clips that benchmarks/make-clips makes for the section, and gets the rows of the report.
+// The exit status is 1 when a figure is over its budget, 2 when one could not be measured.
 #include "benchmarks/Sections.h"
 #include "platform/StandardStreams.h"
 

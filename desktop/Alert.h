@@ -13,7 +13,8 @@ namespace tarnwell
 class SheetQueue;
 
 /// A message for the user, shown as a sheet: a message text, an explanation and buttons in the order in which
-/// they were added. Return presses the first button; Escape presses the one that says "OK", where there is one.
+/// they were added. Return presses the first button; Escape presses the one that says "OK", where there is
+/// one.
 class Alert
 {
 public:

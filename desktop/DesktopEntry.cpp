@@ -27,8 +27,8 @@ Entry readEntry(const QString& path)
         if (line.startsWith(QLatin1Char('[')))
             isMainGroup = line == QStringLiteral("[Desktop Entry]");
         else if (isMainGroup && line.contains(QLatin1Char('=')))
-            entry.insert(line.section(QLatin1Char('='), 0, 0).trimmed(),
-                line.section(QLatin1Char('='), 1).trimmed());
+            entry.insert(
+                line.section(QLatin1Char('='), 0, 0).trimmed(), line.section(QLatin1Char('='), 1).trimmed());
     }
     return entry;
 }
@@ -67,7 +67,8 @@ QStringList wordsOf(const QString& exec)
     return words;
 }
 
-/// The word with its field codes filled in: a file as path or address, a percent sign, nothing for all others.
+/// The word with its field codes filled in: a file as path or address, a percent sign, nothing for all
+/// others.
 QString withFile(const QString& word, const QUrl& file)
 {
     QString filled;
@@ -92,7 +93,8 @@ QString withFile(const QString& word, const QUrl& file)
 QStringList commandOfApplicationNamed(const QString& name, const QUrl& file)
 {
     for (const QString& folder : QStandardPaths::standardLocations(QStandardPaths::ApplicationsLocation)) {
-        QDirIterator entries(folder, {QStringLiteral("*.desktop")}, QDir::Files, QDirIterator::Subdirectories);
+        QDirIterator entries(
+            folder, {QStringLiteral("*.desktop")}, QDir::Files, QDirIterator::Subdirectories);
         while (entries.hasNext()) {
             const Entry entry = readEntry(entries.next());
             if (isApplicationNamed(entry, name))

@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <cstdint>
-
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -32,8 +31,8 @@ Doorbell::~Doorbell()
 void Doorbell::ring() const
 {
     const std::uint64_t once = 1;
-    // Interrupted, it is done again. Else it can only fail when more rings wait than 64 bits count, and then the bell
-    // rings anyway.
+    // Interrupted, it is done again. Else it can only fail when more rings wait than 64 bits count, and then
+    // the bell rings anyway.
     while (::write(m_descriptor, &once, sizeof once) < 0 && errno == EINTR) { }
 }
 

@@ -8,8 +8,8 @@
 namespace tarnwell
 {
 
-/// Lets any thread have something done on the main thread, by way of a descriptor that the event loop watches.
-/// Several rings before the loop looks count as one. Made and destroyed on the main thread.
+/// Lets any thread have something done on the main thread, by way of a descriptor that the event loop
+/// watches. Several rings before the loop looks count as one. Made and destroyed on the main thread.
 class Doorbell
 {
 public:

@@ -9,8 +9,8 @@
 namespace tarnwell
 {
 
-/// Connects a dispatch queue to the main thread's event loop. Made and destroyed on the main thread; the queue may
-/// outlive it and drops what comes then.
+/// Connects a dispatch queue to the main thread's event loop. Made and destroyed on the main thread; the
+/// queue may outlive it and drops what comes then.
 class MainThread
 {
 public:

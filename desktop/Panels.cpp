@@ -14,8 +14,8 @@ void beginPanel(PathPanel* panel, SheetQueue& sheets, PathHandler handler)
 {
     sheets.begin(panel, [panel, answer = std::move(handler)](int result) {
         answer(result == QDialog::Accepted ? panel->chosenPath() : std::nullopt);
-        // Only now: the answer may run an event loop of its own, inside the click or key press that the panel is
-        // still handling.
+        // Only now: the answer may run an event loop of its own, inside the click or key press that the panel
+        // is still handling.
         panel->deleteLater();
     });
 }

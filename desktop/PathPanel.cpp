@@ -32,7 +32,8 @@ QString withHomeFolder(const QString& text)
 
 QMessageBox* openBox(QWidget* parent, const QString& text, QMessageBox::StandardButtons buttons)
 {
-    auto* box = new QMessageBox(QMessageBox::Warning, parent->windowTitle(), text, buttons, parent, Qt::Sheet);
+    auto* box
+        = new QMessageBox(QMessageBox::Warning, parent->windowTitle(), text, buttons, parent, Qt::Sheet);
     box->setTextFormat(Qt::PlainText);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
@@ -121,7 +122,8 @@ void SavePanel::accept()
         acceptNativeChoice();
 }
 
-// A native dialog has asked about replacing the very file that was chosen; what the extension makes of it is another.
+// A native dialog has asked about replacing the very file that was chosen; what the extension makes of it is
+// another.
 void SavePanel::acceptNativeChoice()
 {
     const QStringList files = selectedFiles();

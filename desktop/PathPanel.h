@@ -10,10 +10,12 @@ namespace tarnwell
 {
 
 /// A file dialog whose answer is one path, taken as it was typed: Qt's own reading splits a name at quotation
-/// marks and leaves a name with any dot in it without the extension. A desktop's native dialog answers for itself.
+/// marks and leaves a name with any dot in it without the extension. A desktop's native dialog answers for
+/// itself.
 class PathPanel : public QFileDialog
 {
-    // No Q_OBJECT here and below: Qt gives up a desktop's native dialog for any class that bears another name.
+    // No Q_OBJECT here and below: Qt gives up a desktop's native dialog for any class that bears another
+    // name.
 
 public:
     explicit PathPanel(QWidget* window);

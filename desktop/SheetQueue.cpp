@@ -42,7 +42,8 @@ void SheetQueue::addActionOfEverySheet(QAction* action)
     m_actions.append(action);
 }
 
-// Qt refuses a drag that comes to a blocked window, but lets one drop that hovered there before the sheet came.
+// Qt refuses a drag that comes to a blocked window, but lets one drop that hovered there before the sheet
+// came.
 bool SheetQueue::eventFilter(QObject* watched, QEvent* event)
 {
     if (m_entries.empty() || (event->type() != QEvent::DragEnter && event->type() != QEvent::Drop))

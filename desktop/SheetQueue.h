@@ -14,8 +14,8 @@ class QWidget;
 namespace tarnwell
 {
 
-/// The sheets of one window. One is shown at a time; a sheet begun while another is up waits, and appears when
-/// the ones before it have ended. While there is one, nothing can be dropped on the window. Main thread.
+/// The sheets of one window. One is shown at a time; a sheet begun while another is up waits, and appears
+/// when the ones before it have ended. While there is one, nothing can be dropped on the window. Main thread.
 class SheetQueue : public QObject
 {
     Q_OBJECT
@@ -33,8 +33,8 @@ public:
     /// Whether a sheet is shown or waits.
     bool isBusy() const { return !m_entries.empty(); }
 
-    /// Shows the sheet, now or in its turn. Not owned; a sheet that is destroyed leaves the queue. A sheet that
-    /// is in the queue already stays where it is.
+    /// Shows the sheet, now or in its turn. Not owned; a sheet that is destroyed leaves the queue. A sheet
+    /// that is in the queue already stays where it is.
     void begin(QDialog* sheet, Completion completion = {});
 
     /// Ends the sheet, shown or waiting.

@@ -17,7 +17,8 @@ constexpr std::int64_t halfTurn = 180;
 constexpr std::int64_t fullTurn = 360;
 
 // By position, from 1: transpose=2 is a quarter turn counterclockwise, transpose=1 one clockwise.
-constexpr std::array<std::string_view, 4> rotationFilters = {"", "transpose=2", "transpose=2,transpose=2", "transpose=1"};
+constexpr std::array<std::string_view, 4> rotationFilters
+    = {"", "transpose=2", "transpose=2,transpose=2", "transpose=1"};
 
 bool isKnownPosition(std::int64_t positionState)
 {
@@ -88,9 +89,12 @@ ArgumentList transcodeArgumentList(
 std::string orientationLine(const OrientationState& state)
 {
     // The label of the vertical mirror is spelled like this in what people's scripts look for.
-    return std::string("positionState : ").append(std::to_string(state.positionState))
-        .append(", vFlipSte : ").append(word(state.vFlipState))
-        .append(", hFlipState : ").append(word(state.hFlipState));
+    return std::string("positionState : ")
+        .append(std::to_string(state.positionState))
+        .append(", vFlipSte : ")
+        .append(word(state.vFlipState))
+        .append(", hFlipState : ")
+        .append(word(state.hFlipState));
 }
 
 std::string argumentListLine(const ArgumentList& arguments)

@@ -11,11 +11,12 @@
 namespace tarnwell
 {
 
-/// The arguments of one encoder run, in their order; paths are raw bytes. A list names its own input and output.
+/// The arguments of one encoder run, in their order; paths are raw bytes. A list names its own input and
+/// output.
 using ArgumentList = std::vector<std::string>;
 
-/// Whether rewriting the rotation flag can do the job: the file has an H.264 or HEVC track, and the mirrors are
-/// both off or both on. A flag can say a half turn, and so both mirrors, but never a single one.
+/// Whether rewriting the rotation flag can do the job: the file has an H.264 or HEVC track, and the mirrors
+/// are both off or both on. A flag can say a half turn, and so both mirrors, but never a single one.
 bool isFixFlagPossible(const std::vector<std::string>& trackCodecs, const OrientationState& state);
 
 /// The degrees counterclockwise that the flag has to say for a file that already carries the flag

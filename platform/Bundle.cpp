@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/Bundle.h"
 
+#include "platform/FileAttributes.h"
+
 #include <filesystem>
 #include <system_error>
-
-#include "platform/FileAttributes.h"
 
 namespace tarnwell
 {
@@ -12,7 +12,8 @@ namespace tarnwell
 namespace
 {
 
-// The folder of the executable comes last: where that is a folder of many programs, another one may bear the name.
+// The folder of the executable comes last: where that is a folder of many programs, another one may bear the
+// name.
 constexpr std::string_view resourceFolders[] = {"/../libexec/tarnwell", "/../share/tarnwell", ""};
 constexpr std::string_view imageExtension = ".png";
 

@@ -9,7 +9,8 @@ namespace tarnwell
 {
 
 /// The files that belong to the application and stand around its executable: the tools in
-/// ../libexec/tarnwell, the pictures in ../share/tarnwell, or either beside it. The build tree and an installed tree look alike.
+/// ../libexec/tarnwell, the pictures in ../share/tarnwell, or either beside it. The build tree and an
+/// installed tree look alike.
 class Bundle
 {
 public:

@@ -16,8 +16,8 @@ class DispatchQueue
 public:
     using Work = std::function<void()>;
 
-    /// `wake` is called on the submitting thread, whenever work comes to an empty queue; it must bring about a
-    /// call of drain on the main thread and must not call back itself.
+    /// `wake` is called on the submitting thread, whenever work comes to an empty queue; it must bring about
+    /// a call of drain on the main thread and must not call back itself.
     explicit DispatchQueue(Work wake);
 
     /// Any thread. Work that comes after close is dropped.
@@ -26,7 +26,8 @@ public:
     /// Main thread: does the work that is there.
     void drain();
 
-    /// Drops what is left and never calls `wake` again. For the end of the program, when submitters may live on.
+    /// Drops what is left and never calls `wake` again. For the end of the program, when submitters may live
+    /// on.
     void close();
 
 private:

@@ -2,9 +2,8 @@
 #include "platform/FileAttributes.h"
 
 #include <cerrno>
-#include <system_error>
-
 #include <sys/stat.h>
+#include <system_error>
 
 namespace tarnwell
 {

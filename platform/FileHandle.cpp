@@ -2,13 +2,12 @@
 #include "platform/FileHandle.h"
 
 #include <cerrno>
-#include <system_error>
-#include <thread>
-#include <utility>
-
 #include <fcntl.h>
 #include <poll.h>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace tarnwell
 {
@@ -57,7 +56,9 @@ std::string FileHandle::readDataToEndOfFile()
 void FileHandle::setReadabilityHandler(ReadabilityHandler handler)
 {
     try {
-        std::thread([self = shared_from_this(), handler = std::move(handler)] { self->deliver(handler); }).detach();
+        std::thread([self = shared_from_this(), handler = std::move(handler)] {
+            self->deliver(handler);
+        }).detach();
     } catch (const std::system_error&) {
         // Nobody reads: the writer is to learn that rather than to wait for ever.
         m_atEnd = true;

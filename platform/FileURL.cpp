@@ -22,7 +22,8 @@ bool isUnreserved(char byte)
 std::string absolutePath(const std::string& path)
 {
     std::error_code error;
-    return (std::filesystem::current_path(error) / path).string(); // an absolute path replaces what it is joined to
+    return (std::filesystem::current_path(error) / path)
+        .string(); // an absolute path replaces what it is joined to
 }
 
 } // namespace
@@ -60,8 +61,9 @@ std::string FileURL::absoluteString() const
 
 std::string lowerCased(std::string text)
 {
-    std::transform(text.begin(), text.end(), text.begin(),
-        [](char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter; });
+    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    });
     return text;
 }
 

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <csignal>
-
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>

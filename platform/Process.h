@@ -4,10 +4,9 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <sys/types.h>
 #include <system_error>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace tarnwell
 {

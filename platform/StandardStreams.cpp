@@ -2,7 +2,6 @@
 #include "platform/StandardStreams.h"
 
 #include <csignal>
-
 #include <fcntl.h>
 #include <unistd.h>
 

@@ -16,8 +16,8 @@ public:
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 
-    /// The folder's absolute path, ending in "/". Where no folder could be made anywhere, the path of one that
-    /// does not exist, so that whatever is to be written there fails as a full disk would.
+    /// The folder's absolute path, ending in "/". Where no folder could be made anywhere, the path of one
+    /// that does not exist, so that whatever is to be written there fails as a full disk would.
     const std::string& path() const { return m_path; }
 
 private:

@@ -88,9 +88,8 @@ void FileProbe::readReport(const JSON& report)
 
 void FileProbe::readFlags(const JSON& streams)
 {
-    isEncrypted = anyStream(streams, [](const JSON& stream) {
-        return stream["codec_type"] == "video" && stream["codec_name"].isNull();
-    });
+    isEncrypted = anyStream(streams,
+        [](const JSON& stream) { return stream["codec_type"] == "video" && stream["codec_name"].isNull(); });
     readFirstVideoTrack(streams);
     hasAudioTrack = anyStream(streams, [](const JSON& stream) { return stream["codec_type"] == "audio"; });
     readChannels(streams);
@@ -144,7 +143,8 @@ void FileProbe::readDisplaySize(const JSON& stream)
 TrackInfo FileProbe::trackInfoOf(const JSON& stream)
 {
     const TrackType type = trackTypeOf(stream);
-    // Of several such streams the last one gives the size, and an entry shows the size as it stands at its turn.
+    // Of several such streams the last one gives the size, and an entry shows the size as it stands at its
+    // turn.
     if (type == TrackType::Video && isVideoByCodec(stream))
         readDisplaySize(stream);
     const double seconds = stream["duration"].number();

@@ -15,12 +15,14 @@ namespace tarnwell
 {
 
 /// The description of one media file, as the probe tool reports it. Construction does all the work and never
-/// fails as a whole: every problem shows in the flags. Nothing writes a field afterwards; holders keep it const.
+/// fails as a whole: every problem shows in the flags. Nothing writes a field afterwards; holders keep it
+/// const.
 class FileProbe
 {
 public:
-    /// Runs `sniffer` on the file at `path` (raw bytes) and waits for it as `tools` says. A missing tool stops
-    /// the program; one that cannot be started, or reports nonsense, prints a line and leaves the flags false.
+    /// Runs `sniffer` on the file at `path` (raw bytes) and waits for it as `tools` says. A missing tool
+    /// stops the program; one that cannot be started, or reports nonsense, prints a line and leaves the flags
+    /// false.
     FileProbe(const std::string& path, const ToolContext& tools);
 
     bool hasErrors = false;
@@ -34,8 +36,8 @@ public:
     bool hasAudioTrack = false;
     bool hasSubtitleTrack = false;
     bool hasAudioTrackWhichHasMoreThanTwoChannels = false;
-    double duration = 0;        // seconds, of the container
-    std::int64_t bitRate = 0;   // bits per second, of the container
+    double duration = 0; // seconds, of the container
+    std::int64_t bitRate = 0; // bits per second, of the container
     /// Pixels of the picture as it is shown, quarter turns of the rotation tag applied. All three or none.
     std::optional<std::int64_t> videoWidth;
     std::optional<std::int64_t> videoHeight;

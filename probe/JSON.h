@@ -14,8 +14,8 @@
 namespace tarnwell
 {
 
-/// A value of a parsed JSON text, read tolerantly: whatever is missing or of another kind than asked for reads
-/// as null, "" or 0, and never fails. Copies share the parsed text and are cheap. Texts are UTF-8.
+/// A value of a parsed JSON text, read tolerantly: whatever is missing or of another kind than asked for
+/// reads as null, "" or 0, and never fails. Copies share the parsed text and are cheap. Texts are UTF-8.
 class JSON
 {
 public:

@@ -12,8 +12,8 @@ namespace tarnwell
 namespace
 {
 
-// The longest fixed texts: DBL_MAX has 309 digits before the point, the least denormal 1074 behind it, of which
-// the shortest text that reads back needs only the first few after the zeros.
+// The longest fixed texts: DBL_MAX has 309 digits before the point, the least denormal 1074 behind it, of
+// which the shortest text that reads back needs only the first few after the zeros.
 constexpr std::size_t longestFixedText = 1100;
 
 // 2^63, the first double beyond the signed 64-bit range.

@@ -18,8 +18,8 @@ std::string shortestDecimal(double value);
 /// The value rounded to exactly two digits behind the point; `value` must be finite.
 std::string twoDigitDecimal(double value);
 
-/// The number that the whole text spells: a sign, digits, a fraction and an exponent, of which only digits are
-/// needed. Nothing for other text, blanks around a number and words for infinity included.
+/// The number that the whole text spells: a sign, digits, a fraction and an exponent, of which only digits
+/// are needed. Nothing for other text, blanks around a number and words for infinity included.
 std::optional<double> parseDecimal(std::string_view text);
 
 /// The integer that the whole text spells; nothing for other text and for numbers beyond 64 bits.

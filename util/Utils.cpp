@@ -23,7 +23,8 @@ constexpr double hundredthsPerSecond = 100;
 
 icu::UnicodeString utf16(std::string_view text)
 {
-    return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+    return icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
 }
 
 std::vector<std::string> matchesOf(const icu::RegexPattern& pattern, const icu::UnicodeString& text)
@@ -83,7 +84,8 @@ double Utils::secondsFromTimeString(std::string_view stamp)
     const double hours = requiredNumber(clock, 0);
     const double minutes = requiredNumber(clock, 1);
     const double seconds = requiredNumber(clock, clock.size() - 1);
-    return hours * secondsPerHour + (minutes * secondsPerMinute + (hundredths / hundredthsPerSecond + seconds));
+    return hours * secondsPerHour
+        + (minutes * secondsPerMinute + (hundredths / hundredthsPerSecond + seconds));
 }
 
 } // namespace tarnwell

@@ -76,7 +76,8 @@ TEST_F(BadInputTest, aFileThatVanishesBeforeTheProbeIsReportedAndRefused)
     testing::internal::CaptureStdout();
     delegate().analyzeFile(FileURL(folder() + "gone.mp4"));
     const std::string printed = testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(printed.starts_with("Failed to get file attributes for local path: " + folder() + "gone.mp4 with error: "));
+    EXPECT_TRUE(printed.starts_with(
+        "Failed to get file attributes for local path: " + folder() + "gone.mp4 with error: "));
     expectRefusal();
 }
 

@@ -18,7 +18,8 @@ TEST_F(ControllerTest, atTheStartTheSixEditingControlsAreOffAndTheOthersOn)
     start();
     for (const char* control : editingControls)
         EXPECT_FALSE(action(control).isEnabled()) << control;
-    for (const char* control : {"openMenuBTN", "openToolBarBTN", "saveMenuBTN", "helpMenuBTN", "helpBTN", "quitMenuBTN"})
+    for (const char* control :
+        {"openMenuBTN", "openToolBarBTN", "saveMenuBTN", "helpMenuBTN", "helpBTN", "quitMenuBTN"})
         EXPECT_TRUE(action(control).isEnabled()) << control;
     EXPECT_TRUE(shownPicture().isNull());
     EXPECT_FALSE(exists(folder() + "probed"));

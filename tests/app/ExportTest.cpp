@@ -91,7 +91,8 @@ TEST_F(ExportTest, statusLinesMoveTheBarAndArePrinted)
 
 TEST_F(ExportTest, ofSeveralStampsInAChunkTheFirstCounts)
 {
-    save("error frame=1 time=00:00:02.00 \\rframe=2 time=00:00:06.00 \\r\nwait-for " + folder() + "go\n" + leaveOutput());
+    save("error frame=1 time=00:00:02.00 \\rframe=2 time=00:00:06.00 \\r\nwait-for " + folder() + "go\n"
+        + leaveOutput());
     EXPECT_TRUE(waitUntil([this] { return bar().value() == 25; }));
     writeFile(folder() + "go", "");
     finish();
@@ -102,7 +103,8 @@ TEST_F(ExportTest, chunksThatSayNothingChangeNothing)
     const std::string go = folder() + "go";
     testing::internal::CaptureStdout();
     save("error time=00:00:04.00\nwait-for " + go + "1\nerror \\xFFtime=00:00:06.00\nwait-for " + go
-        + "2\nerror Stream mapping: 00:00:07.00\nwait-for " + go + "3\nerror time=00:00:02.00\n" + leaveOutput());
+        + "2\nerror Stream mapping: 00:00:07.00\nwait-for " + go + "3\nerror time=00:00:02.00\n"
+        + leaveOutput());
     EXPECT_TRUE(waitUntil([this] { return bar().value() == 50; }));
     for (const char* step : {"1", "2", "3"})
         writeFile(go + step, "");
@@ -146,7 +148,8 @@ TEST_F(ExportTest, onlyStandardErrorCountsAsProgress)
 
 TEST_F(ExportTest, cancelSendsSigtermAndDeletesTheOutputWithoutAWord)
 {
-    save("on-termination " + folder() + "terminated\n" + leaveOutput() + "touch " + folder() + "running\nhang\n");
+    save("on-termination " + folder() + "terminated\n" + leaveOutput() + "touch " + folder()
+        + "running\nhang\n");
     ASSERT_TRUE(waitUntil([this] { return exists(folder() + "running"); }));
     EXPECT_TRUE(exists(output()));
     cancelWhenPossible();
@@ -266,7 +269,8 @@ TEST_F(ExportTest, theResultWordFollowsTheOrientation)
         {{}, "Video Processed Successfully!"},
         {{"flipVerticallyBTN"}, "Video Flipped Successfully!"},
         {{"rotateLeftBTN", "rotateLeftBTN"}, "Video Rotated Successfully!"},
-        {{"rotateLeftBTN", "rotateLeftBTN", "flipHorizontallyBTN"}, "Video Rotated and Flipped Successfully!"},
+        {{"rotateLeftBTN", "rotateLeftBTN", "flipHorizontallyBTN"},
+            "Video Rotated and Flipped Successfully!"},
     };
     for (const auto& [actions, message] : cases) {
         action("resetBTN").trigger();

@@ -24,8 +24,8 @@ protected:
         drop(folder() + "clip.mp4");
     }
 
-    /// Saves and goes on until the program ends. The encoder itself ends at once: one that outlived the program would
-    /// hold on to the pipe through which its death is noticed.
+    /// Saves and goes on until the program ends. The encoder itself ends at once: one that outlived the
+    /// program would hold on to the pipe through which its death is noticed.
     void saveAndWait(const std::string& creatorScript)
     {
         tools().setCreator(creatorScript);
@@ -111,7 +111,8 @@ TEST_F(FatalRulesDeathTest, cancellingWithoutAnEncoderStopsTheProgram)
 
 TEST_F(FatalRulesDeathTest, aResultWithoutARunStopsTheProgram)
 {
-    EXPECT_STOP((start(), delegate().showResultAlert(std::make_shared<const FileProbe>("/out", tools().context()))));
+    EXPECT_STOP(
+        (start(), delegate().showResultAlert(std::make_shared<const FileProbe>("/out", tools().context()))));
 }
 
 TEST_F(FatalRulesDeathTest, choosingAModeWithoutAFileStopsTheProgram)
@@ -138,8 +139,8 @@ TEST_F(FatalRulesDeathTest, anOutletThatIsNotConnectedStopsTheProgram)
 {
     using Entry = void (AppDelegate::*)();
     const Entry entries[] = {&AppDelegate::applicationDidFinishLaunching, &AppDelegate::helpBTNClicked,
-        &AppDelegate::okBTNInsideHelpWindowClicked, &AppDelegate::openMenuBTNClicked, &AppDelegate::resetBTNClicked,
-        &AppDelegate::updatePreview, &AppDelegate::saveMenuBTNClicked};
+        &AppDelegate::okBTNInsideHelpWindowClicked, &AppDelegate::openMenuBTNClicked,
+        &AppDelegate::resetBTNClicked, &AppDelegate::updatePreview, &AppDelegate::saveMenuBTNClicked};
     for (const Entry entry : entries) {
         EXPECT_STOP({
             AppDelegate lonely({}, tools().context(), std::make_shared<DispatchQueue>([] {}));

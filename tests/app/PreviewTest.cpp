@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the window shows is what a transcoded file shows: on real video, through the real window, in every state.
+// What the window shows is what a transcoded file shows: on real video, through the real window, in every
+// state.
 #include "orientation/OrientationState.h"
 #include "tests/support/Samples.h"
 #include "tests/support/WindowTest.h"

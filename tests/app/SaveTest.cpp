@@ -25,7 +25,8 @@ protected:
 
     void waitForResult()
     {
-        ASSERT_TRUE(waitUntil([this] { return isAlertShown() && shownAlert()->text().endsWith(QStringLiteral("!")); }));
+        ASSERT_TRUE(waitUntil(
+            [this] { return isAlertShown() && shownAlert()->text().endsWith(QStringLiteral("!")); }));
     }
 
     void finish()
@@ -59,7 +60,8 @@ TEST_F(SaveTest, theProposedNameSaysWhatWasDone)
         {{"flipHorizontallyBTN"}, "Flipped"},
         {{"flipVerticallyBTN"}, "Flipped"},
         {{"rotateRightBTN"}, "Rotated"},
-        {{"rotateLeftBTN", "rotateLeftBTN", "flipVerticallyBTN", "flipHorizontallyBTN"}, "Rotated and Flipped"},
+        {{"rotateLeftBTN", "rotateLeftBTN", "flipVerticallyBTN", "flipHorizontallyBTN"},
+            "Rotated and Flipped"},
     };
     start();
     openVideo();
@@ -98,7 +100,8 @@ TEST_F(SaveTest, theInputItselfIsRefusedAndNothingIsExported)
     expectExport();
     saveByPanel(folder() + "clip.mp4");
     answer(shownAlert(), "&Yes"); // the panel's own question about replacing
-    ASSERT_TRUE(waitUntil([this] { return isAlertShown() && shownAlert()->text().startsWith(QStringLiteral("Input")); }));
+    ASSERT_TRUE(waitUntil(
+        [this] { return isAlertShown() && shownAlert()->text().startsWith(QStringLiteral("Input")); }));
     QMessageBox* alert = shownAlert();
     EXPECT_EQ(alert->text(), QStringLiteral("Input file name is same as the output file name!"));
     EXPECT_EQ(alert->informativeText(), QStringLiteral("Please specify a different file to save."));
@@ -168,8 +171,10 @@ TEST_F(SaveTest, theModeAlertSaysWhatTheModesMean)
     EXPECT_EQ(alert->text(), QStringLiteral("Fix Flag mode Available!"));
     const QString explanation = alert->informativeText();
     EXPECT_EQ(explanation.size(), 402);
-    EXPECT_TRUE(explanation.startsWith(QStringLiteral("\nFix Flag (Quick): Only the orientation flag (rotation tag)")));
-    EXPECT_TRUE(explanation.endsWith(QStringLiteral("by re-encoding which is compatible with all video players.\n\n")));
+    EXPECT_TRUE(explanation.startsWith(
+        QStringLiteral("\nFix Flag (Quick): Only the orientation flag (rotation tag)")));
+    EXPECT_TRUE(explanation.endsWith(
+        QStringLiteral("by re-encoding which is compatible with all video players.\n\n")));
     EXPECT_EQ(alert->icon(), QMessageBox::Warning);
     ASSERT_EQ(alert->buttons().size(), 2);
     EXPECT_EQ(alert->buttons().at(0)->text(), QStringLiteral("Fix Flag"));
@@ -201,8 +206,8 @@ TEST_F(SaveTest, fixFlagAndTranscodeRunTheEncoderWithTheirLists)
     saveByPanel(output);
     answer(shownAlert(), "Transcode");
     finish();
-    const std::vector<std::string> transcode
-        = {"-i", input, "-pix_fmt", "yuv420p", "-vf", "transpose=2", "-metadata:s:v", "rotate=0", "-y", output};
+    const std::vector<std::string> transcode = {
+        "-i", input, "-pix_fmt", "yuv420p", "-vf", "transpose=2", "-metadata:s:v", "rotate=0", "-y", output};
     EXPECT_EQ(createdArguments(), transcode);
 }
 
@@ -295,7 +300,8 @@ TEST_F(SaveTest, theOrientationAndTheListArePrinted)
     answer(alert, "OK");
     EXPECT_EQ(printed,
         "positionState : 4, vFlipSte : true, hFlipState : false\n[\"-i\", \"" + folder()
-            + "clip.mp4\", \"-pix_fmt\", \"yuv420p\", \"-vf\", \"transpose=1,vflip\", \"-metadata:s:v\", \"rotate=0\", "
+            + "clip.mp4\", \"-pix_fmt\", \"yuv420p\", \"-vf\", \"transpose=1,vflip\", \"-metadata:s:v\", "
+              "\"rotate=0\", "
               "\"-y\", \""
             + folder() + "out.mp4\"]\n");
 }

@@ -51,8 +51,8 @@ Attempt runWith(const std::string& call, int time)
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LD_PRELOAD"), buildPath("libfailingCalls.so"));
     environment.insert(QStringLiteral("TARNWELL_FAILED"), QString::fromStdString(note));
-    environment.insert(
-        QStringLiteral("TARNWELL_FAILS"), QString::fromStdString(call) + QLatin1Char(' ') + QString::number(time));
+    environment.insert(QStringLiteral("TARNWELL_FAILS"),
+        QString::fromStdString(call) + QLatin1Char(' ') + QString::number(time));
     environment.insert(QStringLiteral("TARNWELL_FAILS_WHEN_TOLD"), QStringLiteral("1"));
     QProcess process;
     process.setProcessEnvironment(environment);

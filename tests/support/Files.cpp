@@ -14,7 +14,8 @@ std::string contentsOf(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream contents;
-    contents << file.rdbuf(); // a file that vanishes meanwhile, such as a process's, ends early instead of throwing
+    contents << file.rdbuf(); // a file that vanishes meanwhile, such as a process's, ends early instead of
+                              // throwing
     return contents.str();
 }
 

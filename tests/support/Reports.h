@@ -12,7 +12,7 @@ struct VideoReport {
     int width = 320;
     int height = 240;
     std::string duration = "8.000000"; // seconds
-    std::string rotate = "";           // the tag's text; empty: no tag
+    std::string rotate = ""; // the tag's text; empty: no tag
 };
 
 /// The report as the probe tool would print it.

@@ -48,9 +48,11 @@ void makeSampleVideo(const std::string& path, const SampleVideo& sample)
     std::vector<std::string> arguments = {"-v", "error", "-nostdin", "-f", "lavfi", "-i",
         "gradients=size=" + size + ":rate=25:c0=gray:c1=silver:speed=0.01:seed=7" + length};
     if (!sample.soundCodec.empty())
-        arguments.insert(arguments.end(), {"-f", "lavfi", "-i", "sine=frequency=440" + length, "-c:a", sample.soundCodec});
+        arguments.insert(
+            arguments.end(), {"-f", "lavfi", "-i", "sine=frequency=440" + length, "-c:a", sample.soundCodec});
     arguments.insert(arguments.end(),
-        {"-vf", pictureFilter(), "-c:v", sample.codec, "-pix_fmt", sample.pixelFormat, "-g", "5", "-y", path});
+        {"-vf", pictureFilter(), "-c:v", sample.codec, "-pix_fmt", sample.pixelFormat, "-g", "5", "-y",
+            path});
     ASSERT_EQ(run(ffmpeg, arguments), 0) << path;
 }
 
@@ -67,7 +69,8 @@ QImage decodedFrame(const std::string& path, double seconds)
     const TemporaryDirectory folder;
     const std::string picture = folder.path() + "frame.png";
     run(ffmpeg,
-        {"-v", "error", "-nostdin", "-ss", std::to_string(seconds), "-i", path, "-frames:v", "1", "-y", picture});
+        {"-v", "error", "-nostdin", "-ss", std::to_string(seconds), "-i", path, "-frames:v", "1", "-y",
+            picture});
     return QImageReader(textOfPath(picture)).read().convertToFormat(QImage::Format_RGB32);
 }
 
@@ -83,7 +86,8 @@ double meanDifference(const QImage& left, const QImage& right)
         for (int x = 0; x < common.width(); ++x) {
             const QRgb a = left.pixel(x, y);
             const QRgb b = right.pixel(x, y);
-            sum += std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) + std::abs(qBlue(a) - qBlue(b));
+            sum += std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b))
+                + std::abs(qBlue(a) - qBlue(b));
         }
     }
     constexpr double channels = 3;

@@ -19,8 +19,8 @@ struct SampleVideo {
     std::string soundCodec = "aac"; // empty: no sound
 };
 
-/// Makes a video with ffmpeg: four corners of different colours, so that every orientation can be told apart, a
-/// soft moving pattern between them, and a tone. Fails the test where ffmpeg does.
+/// Makes a video with ffmpeg: four corners of different colours, so that every orientation can be told apart,
+/// a soft moving pattern between them, and a tone. Fails the test where ffmpeg does.
 void makeSampleVideo(const std::string& path, const SampleVideo& sample = {});
 
 /// Marks an MP4 file as to be shown turned by `degrees` counterclockwise; its streams are copied.
@@ -33,7 +33,8 @@ QImage decodedFrame(const std::string& path, double seconds);
 /// sizes differ by more than the one line that an encoder may leave out.
 double meanDifference(const QImage& left, const QImage& right);
 
-/// A picture turned and mirrored by plain index arithmetic, for comparison: first `quarterTurnsLeft`, then mirrors.
+/// A picture turned and mirrored by plain index arithmetic, for comparison: first `quarterTurnsLeft`, then
+/// mirrors.
 QImage expectedPicture(const QImage& source, int quarterTurnsLeft, bool vertically, bool horizontally);
 
 /// Runs a program with these arguments and waits for it; its exit status.

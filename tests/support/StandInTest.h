@@ -19,11 +19,12 @@ namespace tarnwell::test
 inline constexpr QSize stillSize = {48, 32};
 
 /// The object names of the six controls that need an open video.
-inline constexpr const char* editingControls[] = {"saveToolBarBTN", "rotateLeftBTN", "rotateRightBTN", "resetBTN",
-    "flipVerticallyBTN", "flipHorizontallyBTN"};
+inline constexpr const char* editingControls[] = {"saveToolBarBTN", "rotateLeftBTN", "rotateRightBTN",
+    "resetBTN", "flipVerticallyBTN", "flipHorizontallyBTN"};
 
-/// The real window with stand-in tools. At first sniffer reports an H.264 video of 8 seconds, and creator copies a
-/// still picture to its output. Sniffer writes its arguments into the file "probed" of the test's folder.
+/// The real window with stand-in tools. At first sniffer reports an H.264 video of 8 seconds, and creator
+/// copies a still picture to its output. Sniffer writes its arguments into the file "probed" of the test's
+/// folder.
 class StandInTest : public WindowTest
 {
 protected:

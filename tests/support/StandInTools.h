@@ -10,16 +10,14 @@
 namespace tarnwell::test
 {
 
-/// A bundle in a folder of its own whose tools do what a test writes down for them. A tool without a script is
-/// missing from the bundle. A script is a list of lines, done in order; the tool then exits with 0:
+/// A bundle in a folder of its own whose tools do what a test writes down for them. A tool without a script
+/// is missing from the bundle. A script is a list of lines, done in order; the tool then exits with 0:
 ///
-/// print TEXT, error TEXT      writes to standard output or error; \n, \r, \xHH are understood, no end of line is added
-/// print-file PATH             writes the file to standard output
-/// flood N                     writes N bytes to standard output
-/// record PATH                 writes the arguments down, see recordedArguments
-/// record-pid PATH             writes the process number down
-/// copy PATH                   copies the file to the path in the last argument
-/// touch PATH, wait-for PATH   makes a file; waits until somebody has made it
+/// print TEXT, error TEXT      writes to standard output or error; \n, \r, \xHH are understood, no end of
+/// line is added print-file PATH             writes the file to standard output flood N writes N bytes to
+/// standard output record PATH                 writes the arguments down, see recordedArguments record-pid
+/// PATH             writes the process number down copy PATH                   copies the file to the path in
+/// the last argument touch PATH, wait-for PATH   makes a file; waits until somebody has made it
 /// on-termination PATH         from now on a SIGTERM makes the file and exits with 255
 /// ignore-termination          from now on a SIGTERM does nothing
 /// sleep MILLISECONDS, hang    waits; for ever
@@ -28,13 +26,14 @@ namespace tarnwell::test
 /// For a stand-in that may write nowhere but to its streams and its output:
 ///
 /// say-arguments, say-environment, say-descriptors, say-pid, say-session
-///                             lines on standard error: "argument HEX", "variable HEX", "descriptor N TARGET", "pid N",
-///                             "session N"
+///                             lines on standard error: "argument HEX", "variable HEX", "descriptor N
+///                             TARGET", "pid N", "session N"
 /// say-on-termination TEXT     from now on a SIGTERM writes the line to standard error and exits with 255
 /// write-output TEXT, write-output-file PATH, flood-output N
 ///                             writes into the file that the last argument names
 /// flood-error N, flood-status N
-///                             writes N bytes to standard error, in one line without an end or in status lines
+///                             writes N bytes to standard error, in one line without an end or in status
+///                             lines
 /// close N                     closes the descriptor
 /// with WORD COMMAND, without WORD COMMAND
 ///                             does the command only where the word is among the arguments, or is not

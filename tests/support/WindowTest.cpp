@@ -42,7 +42,8 @@ Dialog* shownDialog()
 bool isLaidOut(const QMessageBox& box)
 {
     const auto buttons = box.buttons();
-    return std::none_of(buttons.begin(), buttons.end(), [](const auto* button) { return button->size().isEmpty(); });
+    return std::none_of(
+        buttons.begin(), buttons.end(), [](const auto* button) { return button->size().isEmpty(); });
 }
 
 constexpr const char* temporaryFolderVariable = "TMPDIR";
@@ -164,7 +165,8 @@ bool WindowTest::isProgressShown()
 bool WindowTest::drop(const std::string& path)
 {
     QMimeData data;
-    data.setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString(FileURL(path).absoluteString() + "\r\n"));
+    data.setData(
+        QStringLiteral("text/uri-list"), QByteArray::fromStdString(FileURL(path).absoluteString() + "\r\n"));
     return drop(data);
 }
 

@@ -49,8 +49,8 @@ void waitForKeyboard(QWidget& widget);
 /// Whether no other window covers the middle of this one.
 bool isOnTop(const QWidget& window);
 
-/// The real window of the program with tools of the test's choice, handled as a user would: by names, keys and
-/// clicks. Each test has a folder of its own for its files.
+/// The real window of the program with tools of the test's choice, handled as a user would: by names, keys
+/// and clicks. Each test has a folder of its own for its files.
 class WindowTest : public testing::Test
 {
 protected:
@@ -61,7 +61,8 @@ protected:
     /// The test's own folder, ending in "/".
     const std::string& folder() const { return m_folder.path(); }
 
-    /// The temporary folder of this test alone, without a closing slash: whatever the program makes lies in it.
+    /// The temporary folder of this test alone, without a closing slash: whatever the program makes lies in
+    /// it.
     std::string ownTemporaryFolder() const { return m_temporary.path(); }
 
     Application& application() { return *m_application; }
@@ -96,7 +97,8 @@ protected:
 
     bool isProgressShown();
 
-    /// Drops the file on the picture area; returns when the window has dealt with it. Whether the drop was taken.
+    /// Drops the file on the picture area; returns when the window has dealt with it. Whether the drop was
+    /// taken.
     bool drop(const std::string& path);
     bool drop(const QMimeData& data);
 

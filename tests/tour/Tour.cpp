@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The whole job through the real window, with the mouse and the keyboard of the X server: open, turn, mirror, save
-// both ways, cancel. The one argument is a folder; the sample, the saved videos and a picture of each step are left
-// there. Without an argument they go with the test.
+// The whole job through the real window, with the mouse and the keyboard of the X server: open, turn, mirror,
+// save both ways, cancel. The one argument is a folder; the sample, the saved videos and a picture of each
+// step are left there. Without an argument they go with the test.
+#include "desktop/PathText.h"
 #include "tests/support/Files.h"
 #include "tests/support/RealInput.h"
 #include "tests/support/Samples.h"
 #include "tests/support/WindowTest.h"
-
-#include "desktop/PathText.h"
 
 #include <QAction>
 #include <QApplication>
@@ -58,7 +57,8 @@ protected:
     void show(const std::string& what)
     {
         waitUntilPainted();
-        const QString name = QStringLiteral("%1 %2.png").arg(++m_step, 2, 10, QLatin1Char('0')).arg(textOf(what));
+        const QString name
+            = QStringLiteral("%1 %2.png").arg(++m_step, 2, 10, QLatin1Char('0')).arg(textOf(what));
         EXPECT_TRUE(window().screen()->grabWindow(0).save(textOfPath(m_results) + name));
         std::cout << name.toStdString() << std::endl;
     }
@@ -133,7 +133,8 @@ protected:
         realKeys("ctrl+s");
         QFileDialog* panel = shownPanel();
         ASSERT_NE(panel, nullptr);
-        EXPECT_EQ(panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(), QStringLiteral("Rotated"));
+        EXPECT_EQ(
+            panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(), QStringLiteral("Rotated"));
         show("saving");
         realKeys("ctrl+a");
         realText(path);
@@ -172,7 +173,8 @@ protected:
     {
         saveAs(result("cancelled.mp4"));
         clickButton("Transcode");
-        ASSERT_TRUE(waitUntil([this] { return find<QPushButton>("progressCancel").isEnabled() && isProgressShown(); }));
+        ASSERT_TRUE(waitUntil(
+            [this] { return find<QPushButton>("progressCancel").isEnabled() && isProgressShown(); }));
         ASSERT_TRUE(waitUntil([this] { return find<QProgressBar>("progressBar").value() > 0; }));
         realClick(find<QPushButton>("progressCancel"));
         ASSERT_TRUE(waitUntil([this] { return !isProgressShown(); }));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The real program on a Wayland desktop, nested in the virtual one, and another program there to drag from. What
-// happens is read from the screen, on which weston puts windows where it likes.
+// The real program on a Wayland desktop, nested in the virtual one, and another program there to drag from.
+// What happens is read from the screen, on which weston puts windows where it likes.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"

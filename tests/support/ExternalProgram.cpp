@@ -29,9 +29,14 @@ std::string outputOf(const QString& program, const QStringList& arguments)
 } // namespace
 
 ExternalProgram::ExternalProgram()
+    : ExternalProgram(TARNWELL_BUILD_FOLDER "/bin/tarnwell")
+{
+}
+
+ExternalProgram::ExternalProgram(const std::string& path)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(QStringLiteral(TARNWELL_BUILD_FOLDER "/bin/tarnwell"), QStringList());
+    m_process.start(QString::fromStdString(path), QStringList());
     EXPECT_TRUE(m_process.waitForStarted(longestWait));
 }
 
@@ -49,11 +54,14 @@ int ExternalProgram::waitForExit()
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
+/// The window manager names a window the active one before the X server gives it the keys.
 bool ExternalProgram::isActive(const std::string& title) const
 {
-    const auto name = outputOf(QString::fromStdString(xdotool),
-        {QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")});
-    return name.find(title) != std::string::npos;
+    const auto isNamedSo = [&](const QStringList& command) {
+        return outputOf(QString::fromStdString(xdotool), command).find(title) != std::string::npos;
+    };
+    return isNamedSo({QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")})
+        && isNamedSo({QStringLiteral("getwindowfocus"), QStringLiteral("getwindowname")});
 }
 
 void ExternalProgram::waitForWindow(const std::string& title)

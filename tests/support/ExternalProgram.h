@@ -16,6 +16,8 @@ class ExternalProgram
 public:
     /// Starts it; `standardInput` and the like are the test's.
     ExternalProgram();
+    /// Starts the copy of it at that path, which has the tools beside it.
+    explicit ExternalProgram(const std::string& path);
     /// Ends it where it still runs.
     ~ExternalProgram();
     ExternalProgram(const ExternalProgram&) = delete;

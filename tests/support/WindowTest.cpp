@@ -66,8 +66,12 @@ OwnTemporaryFolder::~OwnTemporaryFolder()
 
 void waitForKeyboard(QWidget& widget)
 {
-    widget.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&widget, longestWait));
+    // A window manager that is still busy with the window before forgets a request at times.
+    constexpr int patience = 2000; // milliseconds
+    ASSERT_TRUE(waitUntil([&] {
+        widget.activateWindow();
+        return QTest::qWaitForWindowActive(&widget, patience);
+    }));
 }
 
 bool isOnTop(const QWidget& window)

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+// The open file is replaced, spoilt or taken away by somebody else: what is saved is then what lies at its
+// path, or nothing, and whatever lies there stays as it is.
+#include "tests/support/Files.h"
+#include "tests/support/Samples.h"
+#include "tests/support/StandInTest.h"
+
+#include <QAction>
+#include <QProgressBar>
+
+#include <filesystem>
+
+namespace tarnwell::test
+{
+
+class ReplacedFileTest : public StandInTest
+{
+protected:
+    ReplacedFileTest()
+    {
+        tools().useRealSniffer();
+        tools().useRealCreator();
+    }
+
+    std::string video() const { return folder() + "clip.mp4"; }
+    std::string output() const { return folder() + "out.mp4"; }
+
+    void openAndTurn(const SampleVideo& sample)
+    {
+        makeSampleVideo(video(), sample);
+        start();
+        ASSERT_TRUE(drop(video()));
+        waitForKeyboard(window());
+        action("rotateRightBTN").trigger();
+    }
+
+    /// Takes the place of the open file in one step, as programs that save a file do.
+    void replaceBy(const std::string& path) { std::filesystem::rename(path, video()); }
+
+    /// Saves in that mode and answers the alert at the end, whose text is returned.
+    QString savedBy(const char* mode)
+    {
+        saveByPanel(output());
+        answer(shownAlert(), mode);
+        EXPECT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
+        return answeredAlert();
+    }
+
+    QString answeredAlert()
+    {
+        QMessageBox* alert = shownAlert();
+        const QString text = alert->text();
+        answer(alert, "OK");
+        waitForKeyboard(window());
+        return text;
+    }
+
+    void expectFailure(const char* mode)
+    {
+        SCOPED_TRACE(mode);
+        EXPECT_EQ(savedBy(mode), QStringLiteral("Seems like something went wrong!"));
+        EXPECT_FALSE(exists(output()));
+    }
+
+    static QString success() { return QStringLiteral("Video Rotated Successfully!"); }
+};
+
+TEST_F(ReplacedFileTest, anotherVideoInItsPlaceIsSavedAndStaysAsItIs)
+{
+    openAndTurn({});
+    makeSampleVideo(folder() + "other.mp4", {.size = {400, 200}});
+    const std::string other = contentsOf(folder() + "other.mp4");
+    replaceBy(folder() + "other.mp4");
+    for (const char* mode : {"Fix Flag", "Transcode"}) {
+        SCOPED_TRACE(mode);
+        EXPECT_EQ(savedBy(mode), success());
+        EXPECT_EQ(decodedFrame(output(), 1).size(), QSize(200, 400));
+        EXPECT_EQ(contentsOf(video()), other);
+        std::filesystem::remove(output());
+    }
+}
+
+TEST_F(ReplacedFileTest, textInItsPlaceEndsInTheAlertAndStaysAsItIs)
+{
+    openAndTurn({});
+    writeFile(video(), "just a text\n");
+    expectFailure("Fix Flag");
+    expectFailure("Transcode");
+    EXPECT_EQ(contentsOf(video()), "just a text\n");
+}
+
+TEST_F(ReplacedFileTest, nothingInItsPlaceEndsInTheAlert)
+{
+    openAndTurn({});
+    std::filesystem::remove(video());
+    expectFailure("Fix Flag");
+    expectFailure("Transcode");
+    EXPECT_FALSE(exists(video()));
+}
+
+TEST_F(ReplacedFileTest, aFolderInItsPlaceEndsInTheAlertAndStaysAsItIs)
+{
+    openAndTurn({});
+    std::filesystem::remove(video());
+    std::filesystem::create_directory(video());
+    writeFile(video() + "/note", "mine");
+    expectFailure("Fix Flag");
+    expectFailure("Transcode");
+    EXPECT_EQ(contentsOf(video() + "/note"), "mine");
+}
+
+TEST_F(ReplacedFileTest, theEncoderFinishesTheVideoThatItHasBegun)
+{
+    openAndTurn({.size = {640, 360}, .seconds = 12, .codec = "mpeg4"}); // no choice of a mode
+    writeFile(folder() + "other.mp4", "just a text\n");
+    saveByPanel(output());
+    ASSERT_TRUE(waitUntil([this] { return find<QProgressBar>("progressBar").value() > 0; }));
+    replaceBy(folder() + "other.mp4");
+    ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
+    EXPECT_EQ(answeredAlert(), success());
+    EXPECT_EQ(decodedFrame(output(), 11).size(), QSize(360, 640));
+    EXPECT_EQ(contentsOf(video()), "just a text\n");
+}
+
+TEST_F(ReplacedFileTest, aFileSpoiltBetweenReportAndStillNeitherStopsNorHangs)
+{
+    writeFile(video(), "bytes");
+    writeFile(folder() + "text", "just a text\n");
+    tools().setSniffer(sniffing(reportOf({})) + "copy " + folder() + "text\n"); // over the input
+    start();
+    EXPECT_TRUE(drop(video()));
+    EXPECT_FALSE(isProgressShown());
+    EXPECT_FALSE(shownPicture().isNull()); // the tool has a stand-in for what does not decode
+    EXPECT_EQ(contentsOf(video()), "just a text\n");
+    tools().useRealSniffer();
+    makeSampleVideo(folder() + "good.mp4");
+    EXPECT_TRUE(drop(folder() + "good.mp4"));
+    EXPECT_FALSE(isAlertShown());
+}
+
+} // namespace tarnwell::test

@@ -6,9 +6,10 @@ namespace tarnwell::test
 
 std::string bigEndian(std::uint64_t number, int bytes)
 {
+    constexpr int bytesOfNumber = sizeof number; // and zeros before them
     std::string text;
     for (int place = bytes - 1; place >= 0; --place)
-        text += static_cast<char>(number >> (8 * place) & 0xFFU);
+        text += place < bytesOfNumber ? static_cast<char>(number >> (8 * place) & 0xFFU) : '\0';
     return text;
 }
 

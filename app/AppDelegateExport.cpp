@@ -76,6 +76,9 @@ void AppDelegate::runCreator(const std::string& outputPath, const ArgumentList& 
     creator->setArguments(arguments);
     creator->setGroup(
         Process::Group::Own); // an interrupt that ends the program in a terminal is not meant for it
+    // However early a cancel comes: what is deleted afterwards must not be an older file that the encoder had
+    // no time to put aside.
+    creator->setTermination(Process::Termination::WhenReady);
     const auto standardError = std::make_shared<Pipe>();
     creator->setStandardError(standardError);
     standardError->fileHandleForReading()->setReadabilityHandler(

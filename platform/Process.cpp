@@ -23,7 +23,7 @@ public:
     {
         posix_spawn_file_actions_init(&actions);
         posix_spawnattr_init(&attributes);
-        resetSignalMask();
+        setSignalMask(noSignals());
     }
     ~SpawnPlan()
     {
@@ -45,16 +45,28 @@ public:
         posix_spawnattr_setflags(&attributes, m_flags);
     }
 
+    void holdTermination()
+    {
+        sigset_t signals = noSignals();
+        sigaddset(&signals, SIGTERM);
+        setSignalMask(signals);
+    }
+
     posix_spawn_file_actions_t actions;
     posix_spawnattr_t attributes;
 
 private:
-    // A thread of the application may block signals; the child must not inherit that, SIGTERM above all.
-    void resetSignalMask()
+    static sigset_t noSignals()
     {
         sigset_t none;
         sigemptyset(&none);
-        posix_spawnattr_setsigmask(&attributes, &none);
+        return none;
+    }
+
+    // A thread of the application may block signals; the child must not inherit that, SIGTERM above all.
+    void setSignalMask(const sigset_t& signals)
+    {
+        posix_spawnattr_setsigmask(&attributes, &signals);
         m_flags |= POSIX_SPAWN_SETSIGMASK;
         posix_spawnattr_setflags(&attributes, m_flags);
     }
@@ -99,6 +111,8 @@ std::error_code Process::spawn()
         plan.giveStream(*m_standardError, STDERR_FILENO);
     if (m_group == Group::Own)
         plan.leaveGroup();
+    if (m_termination == Termination::WhenReady)
+        plan.holdTermination();
     const auto pointers = argumentPointers(m_executable, m_arguments);
     const std::lock_guard lock(m_mutex);
     const int failure = ::posix_spawn(

@@ -30,11 +30,16 @@ public:
     /// Whether signals that the terminal sends to the application reach the child too.
     enum class Group { Shared, Own };
 
+    /// Whether the child can be terminated from its first moment on, or starts with SIGTERM blocked and takes
+    /// it when it is ready to: one that has something to put in order before it ends.
+    enum class Termination { AtOnce, WhenReady };
+
     /// Absolute path of the program, raw bytes.
     void setExecutable(std::string path) { m_executable = std::move(path); }
     /// What follows the program's own name, in order, raw bytes, unchanged.
     void setArguments(std::vector<std::string> arguments) { m_arguments = std::move(arguments); }
     void setGroup(Group group) { m_group = group; }
+    void setTermination(Termination termination) { m_termination = termination; }
     /// A stream without a pipe is the application's own.
     void setStandardOutput(std::shared_ptr<Pipe> pipe) { m_standardOutput = std::move(pipe); }
     void setStandardError(std::shared_ptr<Pipe> pipe) { m_standardError = std::move(pipe); }
@@ -54,6 +59,7 @@ private:
     std::string m_executable;
     std::vector<std::string> m_arguments;
     Group m_group = Group::Shared;
+    Termination m_termination = Termination::AtOnce;
     std::shared_ptr<Pipe> m_standardOutput;
     std::shared_ptr<Pipe> m_standardError;
     std::mutex m_mutex;

@@ -16,6 +16,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -203,6 +204,13 @@ std::string outputOfChild(ChildPlan plan, int& status, int wishToStop)
         sayLines(reader.read(complaints.read()), wishToStop);
     status = end == 0 && !output.isWhole() ? cannotBeRun : end;
     return text;
+}
+
+bool canKeepWaiting(const std::string& path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0
+        && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode) || S_ISCHR(status.st_mode));
 }
 
 std::string pathOfTool(const std::string& name)

@@ -42,5 +42,8 @@ std::string outputOfChild(ChildPlan plan, int& status, int wishToStop = -1);
 /// Opens standard descriptors that are closed on the null device, so that no other file takes their numbers.
 void holdStandardDescriptors();
 
+/// Whether reading the file can wait for somebody else for ever, as reading a pipe that was given a name can.
+bool canKeepWaiting(const std::string& path);
+
 /// The path of ffmpeg or ffprobe: the one beside this program where there is one, else the system's.
 std::string pathOfTool(const std::string& name);

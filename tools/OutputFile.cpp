@@ -173,17 +173,38 @@ bool OutputFile::moveToPlace()
 {
     if (m_hiddenPath.empty() && !linkHidden())
         return false;
-    if (::rename(m_hiddenPath.c_str(), m_path.c_str()) != 0)
-        return false;
-    m_hiddenPath.clear();
+    if (!exchange()) {
+        if (::rename(m_hiddenPath.c_str(), m_path.c_str()) != 0)
+            return false;
+        m_hiddenPath.clear();
+    }
     syncFolder(m_path);
     return true;
 }
 
-std::string putAside(const std::string& path, const std::string& word)
+bool OutputFile::exchange() const
+{
+    return isFileAt(m_path)
+        && ::renameat2(AT_FDCWD, m_hiddenPath.c_str(), AT_FDCWD, m_path.c_str(), RENAME_EXCHANGE) == 0;
+}
+
+void OutputFile::takeBack()
+{
+    if (m_hiddenPath.empty())
+        ::unlink(m_path.c_str());
+    else
+        exchange();
+}
+
+bool isFileAt(const std::string& path)
 {
     struct stat status = {};
-    if (::lstat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode))
+    return ::lstat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+std::string putAside(const std::string& path, const std::string& word)
+{
+    if (!isFileAt(path))
         return {};
     const std::string name = nameOf(path);
     const auto dot = name.rfind('.');

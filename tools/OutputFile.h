@@ -28,18 +28,22 @@ public:
     /// Brings the data to the disk. False where that failed.
     bool bringToDisk() const;
 
-    /// Moves the file to its place, over what stands there. False where that failed; then nothing has
-    /// changed.
+    /// Moves the file to its place, over what stands there, which is kept beside it under a hidden name as
+    /// long as this object lives. False where that failed; then nothing has changed.
     bool moveToPlace();
+
+    /// Undoes that: what stood at the place is there again, where the file system can exchange files.
+    void takeBack();
 
 private:
     void openNameless();
     void openHidden();
     void removeForsaken() const;
     bool linkHidden();
+    bool exchange() const;
 
     std::string m_path;
-    std::string m_hiddenPath; // empty while the file has no name
+    std::string m_hiddenPath; // of this file, or of the older one once they are exchanged; else empty
     int m_descriptor = -1;
 };
 
@@ -47,6 +51,9 @@ private:
 /// taken. The new path; empty where no file was there or it could not be renamed. Never over another file;
 /// folders stay.
 std::string putAside(const std::string& path, const std::string& word);
+
+/// Whether anything but a folder stands at `path`.
+bool isFileAt(const std::string& path);
 
 /// Whether what stands at `path`, and is no symbolic link itself, is the file that `file` leads to.
 bool isEntryOf(const std::string& path, const std::string& file);

@@ -28,6 +28,8 @@ constexpr int cancelled = 255; // as ffmpeg has it
 
 VideoFacts factsOf(const std::string& path)
 {
+    if (canKeepWaiting(path))
+        return {};
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments = {"-v", "quiet", "-print_format", "json", "-show_streams", path};
@@ -45,6 +47,10 @@ std::string containerOf(const Job& job)
 RunEnd runJob(const Job& job, const OutputFile& output)
 {
     output.empty();
+    if (canKeepWaiting(job.input)) {
+        std::fprintf(stderr, "tarnwell: %s: not a file\n", job.input.c_str());
+        return RunEnd::Failed;
+    }
     return runFfmpeg(
         ffmpegArguments(job, {output.writablePath(), containerOf(job)}), job.input, output.descriptor());
 }
@@ -73,15 +79,21 @@ bool saveOriginal(Job& job)
 /// Whoever looks at the output's place must not take an older file for the result, nor delete it.
 int endWithout(const Job& job, RunEnd end)
 {
-    putAside(job.output, isEntryOf(job.output, job.input) ? "original" : "previous");
+    const bool isOriginal = isEntryOf(job.output, job.input);
+    if (putAside(job.output, isOriginal ? "original" : "previous").empty() && isFileAt(job.output))
+        std::fputs("tarnwell: what stood at the output's place could not be put aside\n", stderr);
     return end == RunEnd::Cancelled ? cancelled : failure;
 }
 
-/// A wish to cancel counts until the very last step: whoever has it takes what stands there then for a part
-/// of it.
+/// A wish to cancel counts to the very end: whoever has it takes what stands there then for a part of it.
 bool isFinished(OutputFile& output)
 {
-    return output.bringToDisk() && !isCancelled() && output.moveToPlace();
+    if (!output.bringToDisk() || isCancelled() || !output.moveToPlace())
+        return false;
+    if (!isCancelled())
+        return true;
+    output.takeBack();
+    return false;
 }
 
 bool isPicture(RunEnd end, const OutputFile& output)

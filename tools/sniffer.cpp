@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -12,6 +13,7 @@
 namespace
 {
 
+constexpr int noFile = 1;
 constexpr int notWritten = 1;
 
 /// False where it could not all be written.
@@ -39,6 +41,13 @@ int main(int argc, char* argv[])
     ffprobe.isHeard = true;
     ffprobe.input = ffprobe.arguments.empty() ? "" : ffprobe.arguments.back();
     ffprobe.isBrief = true;
+    if (canKeepWaiting(ffprobe.input)) {
+        std::fprintf(stderr, "tarnwell: %s: not a file\n", ffprobe.input.c_str());
+        // As ffprobe reports on what it cannot read.
+        writeAll("{\n    \"error\": {\n        \"code\": -22,\n        \"string\": \"Invalid argument\"\n    "
+                 "}\n}\n");
+        return noFile;
+    }
     int status = 0;
     const std::string report = outputOfChild(ffprobe, status);
     const bool isWritten = writeAll(withTrueRotation(report));

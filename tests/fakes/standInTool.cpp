@@ -265,8 +265,18 @@ bool perform(const std::string& line)
 
 } // namespace
 
+/// The application may have left it to its tool from when on it can be terminated.
+void unblockTermination()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    ::sigprocmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
 int main(int argc, char* argv[])
 {
+    unblockTermination();
     toolArguments = argv;
     toolArgumentCount = argc;
     const std::string link = argv[0];

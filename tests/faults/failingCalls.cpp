@@ -83,10 +83,13 @@ int failing(int error)
     return -1;
 }
 
-/// Says so and waits where TARNWELL_FSYNC_WAITS_FOR names a file, until that is there.
-void waitIfTold()
+/// Says so and waits where TARNWELL_FSYNC_WAITS_FOR, or for folders TARNWELL_FOLDER_FSYNC_WAITS_FOR, names a
+/// file, until that is there.
+void waitIfTold(int file)
 {
-    const char* path = std::getenv("TARNWELL_FSYNC_WAITS_FOR");
+    struct stat status = {};
+    const bool isFolder = ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
+    const char* path = std::getenv(isFolder ? "TARNWELL_FOLDER_FSYNC_WAITS_FOR" : "TARNWELL_FSYNC_WAITS_FOR");
     if (path == nullptr)
         return;
     ::close(::creat((std::string(path) + ".waiting").c_str(), 0600));
@@ -226,7 +229,7 @@ int eventfd(unsigned int value, int flags)
 
 int fsync(int file)
 {
-    waitIfTold();
+    waitIfTold(file);
     FAIL_OR(fsync, EIO);
     return really(file);
 }

@@ -23,16 +23,15 @@ protected:
         return text;
     }
 
-    /// What follows "name:" in what the system says of the child.
-    std::string childStatus(const std::string& name)
+    /// The signals that the child blocks, as the system writes them.
+    std::string blockedSignals()
     {
-        std::istringstream status(run("print-file /proc/self/status"));
-        for (std::string line; std::getline(status, line);) {
-            if (line.starts_with(name + ":\t"))
-                return line.substr(name.size() + 2);
-        }
-        ADD_FAILURE() << "no " << name;
-        return {};
+        m_process->setExecutable("/bin/grep");
+        m_process->setArguments({"--only-matching", "--perl-regexp", "SigBlk:\\t\\K.*", "/proc/self/status"});
+        launch();
+        std::string text = printed();
+        m_process->waitUntilExit();
+        return text;
     }
 };
 
@@ -128,9 +127,15 @@ TEST_F(ProcessTest, theChildBlocksNoSignalThatItsParentBlocks)
     ::sigaddset(&blocked, SIGTERM);
     ::sigaddset(&blocked, SIGUSR1);
     ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
-    const std::string mask = childStatus("SigBlk");
+    const std::string mask = blockedSignals();
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    EXPECT_EQ(mask, "0000000000000000");
+    EXPECT_EQ(mask, "0000000000000000\n");
+}
+
+TEST_F(ProcessTest, aChildMayTakeItsTerminationWhenItIsReady)
+{
+    m_process->setTermination(Process::Termination::WhenReady);
+    EXPECT_EQ(blockedSignals(), "0000000000004000\n"); // SIGTERM and no other
 }
 
 TEST_F(ProcessTest, theChildHoldsNoEndOfAPipeButItsOwnStream)

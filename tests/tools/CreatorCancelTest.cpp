@@ -147,26 +147,66 @@ TEST_F(CreatorCancelTest, aHangingFfprobeDoesNotKeepIt)
     EXPECT_EQ(otherNames(), Names());
 }
 
-TEST_F(CreatorCancelTest, aCancelWhileTheDataIsBroughtToTheDiskCounts)
+class LateCancelTest : public CreatorTest
 {
-    setGoodFfmpeg();
-    for (const auto& arguments : {fixFlag(), transcode()}) {
-        writeFile(output(), "older");
-        std::filesystem::remove(tools.at(previous));
+protected:
+    /// Cancels while that write to the disk lasts.
+    int cancelDuring(const std::string& fsync, const std::vector<std::string>& arguments)
+    {
         const std::string goOn = tools.addData("go on", "");
         std::filesystem::remove(goOn);
         ToolSetup setup;
-        setup.variables = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so",
-            "TARNWELL_FSYNC_WAITS_FOR=" + goOn};
+        setup.variables
+            = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so", fsync + "_WAITS_FOR=" + goOn};
         ToolProcess creator(tools.creator(), arguments, setup);
         while (!exists(goOn + ".waiting"))
             std::this_thread::yield();
         creator.signal(SIGTERM);
         writeFile(goOn, "");
+        const int status = creator.wait();
+        std::filesystem::remove(goOn + ".waiting");
+        return status;
+    }
+
+    void expectThatItCounts(const std::string& fsync)
+    {
+        setGoodFfmpeg();
+        for (const auto& arguments : {fixFlag(), transcode()}) {
+            writeFile(output(), "older");
+            EXPECT_EQ(cancelDuring(fsync, arguments), cancelled);
+            EXPECT_EQ(otherNames(), Names({previous}));
+            EXPECT_EQ(contentsOf(tools.at(previous)), "older");
+            std::filesystem::remove(tools.at(previous));
+            EXPECT_EQ(cancelDuring(fsync, arguments), cancelled);
+            EXPECT_EQ(otherNames(), Names());
+        }
+    }
+};
+
+TEST_F(LateCancelTest, countsWhileTheDataIsBroughtToTheDisk)
+{
+    expectThatItCounts("TARNWELL_FSYNC");
+}
+
+TEST_F(LateCancelTest, countsWhenTheFileIsInItsPlaceAlready)
+{
+    expectThatItCounts("TARNWELL_FOLDER_FSYNC");
+}
+
+TEST_F(CreatorCancelTest, aSignalBeforeItIsReadyIsKeptForIt)
+{
+    constexpr int rounds = 20;
+    tools.setFfmpeg("hang\n");
+    ToolSetup setup;
+    setup.blocked = SIGTERM; // as the application starts it
+    for (int round = 0; round < rounds; ++round) {
+        writeFile(output(), "older");
+        ToolProcess creator(tools.creator(), transcode(), setup);
+        creator.signal(SIGTERM);
         EXPECT_EQ(creator.wait(), cancelled);
         EXPECT_EQ(otherNames(), Names({previous}));
         EXPECT_EQ(contentsOf(tools.at(previous)), "older");
-        std::filesystem::remove(goOn + ".waiting");
+        std::filesystem::remove(tools.at(previous));
     }
 }
 
@@ -207,7 +247,9 @@ TEST_F(CreatorCancelTest, noMomentLeavesAnythingBehind)
         const int wait = moment(random);
         SCOPED_TRACE(testing::Message() << "round " << round << ", after " << wait << " microseconds");
         writeFile(output(), "older");
-        ToolProcess creator(tools.creator(), transcode());
+        ToolSetup setup;
+        setup.blocked = SIGTERM; // as the application starts it
+        ToolProcess creator(tools.creator(), transcode(), setup);
         std::this_thread::sleep_for(std::chrono::microseconds(wait));
         creator.signal(SIGTERM);
         const int status = creator.wait();
@@ -215,12 +257,9 @@ TEST_F(CreatorCancelTest, noMomentLeavesAnythingBehind)
             EXPECT_EQ(contentsOf(output()), movie());
             std::filesystem::remove(output());
         } else {
-            // Before creator listens, the signal simply ends it.
-            const bool isTooEarly = status == 128 + SIGTERM;
-            EXPECT_TRUE(status == cancelled || isTooEarly) << status;
-            const std::string kept = isTooEarly ? output() : tools.at(previous);
-            EXPECT_EQ(contentsOf(kept), "older");
-            std::filesystem::remove(kept);
+            EXPECT_EQ(status, cancelled);
+            EXPECT_EQ(contentsOf(tools.at(previous)), "older");
+            std::filesystem::remove(tools.at(previous));
             ++cancels;
         }
         ASSERT_EQ(otherNames(), Names());

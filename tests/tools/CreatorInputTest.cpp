@@ -125,6 +125,18 @@ TEST_F(CreatorInputTest, aStillAtItsPlaceDoesNotReplaceIt)
     run({"-v", "quiet", "-ss", "1", "-i", input(), "-frames:v", "1", "-y", tools.at("./clip.mp4")});
 }
 
+TEST_F(CreatorInputTest, aPipeWithANameIsRefusedInsteadOfWaitedFor)
+{
+    tools.setFfmpeg("hang\n");
+    tools.setFfprobe("hang\n");
+    const std::string pipe = tools.at("pipe.mp4");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(run(transcode(pipe, output())), 1);
+    EXPECT_FALSE(exists(output()));
+    EXPECT_EQ(run({"-v", "quiet", "-ss", "1", "-i", pipe, "-frames:v", "1", "-y", output()}), 0);
+    EXPECT_FALSE(contentsOf(output()).empty()); // the stand-in for a picture
+}
+
 TEST_F(CreatorInputTest, anInputThatIsNotThereIsAFailure)
 {
     tools.setFfmpeg("exit 1\n");

@@ -124,11 +124,13 @@ TEST_F(OutputFileTest, anOlderFileStaysUntouchedUntilThen)
     }
     EXPECT_EQ(contentsOf(at("out.mp4")), "older");
     EXPECT_EQ(std::filesystem::last_write_time(at("out.mp4")), time);
-    OutputFile file(at("out.mp4"));
-    write(file, "newer");
-    EXPECT_EQ(contentsOf(at("out.mp4")), "older");
-    EXPECT_TRUE(finish(file));
-    EXPECT_EQ(contentsOf(at("out.mp4")), "newer");
+    {
+        OutputFile file(at("out.mp4"));
+        write(file, "newer");
+        EXPECT_EQ(contentsOf(at("out.mp4")), "older");
+        EXPECT_TRUE(finish(file));
+        EXPECT_EQ(contentsOf(at("out.mp4")), "newer");
+    }
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
 }
 
@@ -143,6 +145,30 @@ TEST_F(OutputFileTest, whoHasTheOlderFileOpenKeepsIt)
     EXPECT_EQ(::read(reader, text.data(), text.size()), 5);
     EXPECT_EQ(text, "older");
     ::close(reader);
+}
+
+TEST_F(OutputFileTest, whatIsTakenBackMakesRoomForTheOlderFile)
+{
+    writeFile(at("out.mp4"), "older");
+    {
+        OutputFile file(at("out.mp4"));
+        write(file, "newer");
+        EXPECT_TRUE(finish(file));
+        EXPECT_EQ(contentsOf(at("out.mp4")), "newer");
+        file.takeBack();
+        EXPECT_EQ(contentsOf(at("out.mp4")), "older");
+    }
+    EXPECT_EQ(contentsOf(at("out.mp4")), "older");
+    EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
+}
+
+TEST_F(OutputFileTest, whatIsTakenBackLeavesNothingWhereNothingWas)
+{
+    OutputFile file(at("out.mp4"));
+    write(file, "newer");
+    EXPECT_TRUE(finish(file));
+    file.takeBack();
+    EXPECT_EQ(namesIn(folder()), Names());
 }
 
 TEST_F(OutputFileTest, aLinkIsReplacedAndNotWrittenThrough)
@@ -235,12 +261,14 @@ TEST_F(OutputFileTest, namesOfAnyBytesAreKept)
 
 TEST_F(OutputFileTest, twoFilesForOnePlaceAreBothWhole)
 {
-    OutputFile first(at("out.mp4"));
-    OutputFile second(at("out.mp4"));
-    write(first, "first");
-    write(second, "second");
-    EXPECT_TRUE(finish(first));
-    EXPECT_TRUE(finish(second));
+    {
+        OutputFile first(at("out.mp4"));
+        OutputFile second(at("out.mp4"));
+        write(first, "first");
+        write(second, "second");
+        EXPECT_TRUE(finish(first));
+        EXPECT_TRUE(finish(second));
+    }
     EXPECT_EQ(contentsOf(at("out.mp4")), "second");
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
 }

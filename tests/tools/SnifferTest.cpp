@@ -11,6 +11,7 @@
 
 #include <csignal>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace tarnwell::test
@@ -199,6 +200,16 @@ TEST_F(SnifferTest, endsWhereNobodyTakesItsOutput)
         ToolProcess sniffer(tools.sniffer(), arguments(), setup);
         EXPECT_EQ(sniffer.wait(), 3);
     }
+}
+
+TEST_F(SnifferTest, aPipeWithANameIsRefusedInsteadOfWaitedFor)
+{
+    tools.setFfprobe("hang\n");
+    ASSERT_EQ(::mkfifo(tools.at("pipe.mp4").c_str(), 0600), 0);
+    ToolProcess sniffer(tools.sniffer(), arguments("pipe.mp4"));
+    EXPECT_EQ(sniffer.wait(), 1);
+    EXPECT_TRUE(nlohmann::json::parse(sniffer.output()).contains("error"));
+    EXPECT_EQ(sniffer.errorText(), "tarnwell: " + tools.at("pipe.mp4") + ": not a file\n");
 }
 
 TEST_F(SnifferTest, theEnvironmentHoldsNothingThatChangesFfprobe)

@@ -66,6 +66,26 @@ std::string fromHexadecimal(const std::string& digits)
     return bytes;
 }
 
+/// While it lives, the signal is blocked here and in what is started. 0 stands for none.
+class SignalBlock
+{
+public:
+    explicit SignalBlock(int signal)
+    {
+        sigset_t signals;
+        sigemptyset(&signals);
+        if (signal != 0)
+            sigaddset(&signals, signal);
+        ::sigprocmask(SIG_BLOCK, &signals, &m_before);
+    }
+    ~SignalBlock() { ::sigprocmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalBlock(const SignalBlock&) = delete;
+    SignalBlock& operator=(const SignalBlock&) = delete;
+
+private:
+    sigset_t m_before = {};
+};
+
 } // namespace
 
 ToolProcess::ToolProcess(
@@ -83,6 +103,7 @@ ToolProcess::ToolProcess(
     }
     std::vector<std::string> words = {program};
     words.insert(words.end(), arguments.begin(), arguments.end());
+    const SignalBlock block(setup.blocked);
     m_process = ::fork();
     if (m_process == 0)
         become(words, setup, errors);

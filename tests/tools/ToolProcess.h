@@ -23,6 +23,7 @@ struct ToolSetup {
     ErrorStream errors = ErrorStream::Heard;
     std::vector<int> closed = {}; // descriptors that it finds closed
     int ignored = 0; // a signal
+    int blocked = 0; // another
     rlim_t largestFile = RLIM_INFINITY;
     std::vector<std::string> variables = {}; // more of the environment
     std::vector<RefusedCall> refused = {}; // what its system cannot do

@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 #include <thread>
+#include <tuple>
 #include <unistd.h>
 #include <vector>
 
@@ -85,6 +86,22 @@ TEST(DiagnosticsDeathTest, aClosedOutputLosesTheLineAndNothingElse)
             ::close(STDOUT_FILENO);
             printLine("lost");
             std::_Exit(0);
+        },
+        testing::ExitedWithCode(0), "^$");
+}
+
+TEST(DiagnosticsDeathTest, aPipeThatNobodyReadsLosesLinesAndIsNotWaitedFor)
+{
+    EXPECT_EXIT(
+        {
+            int ends[2] = {};
+            std::ignore = ::pipe(ends);
+            ::dup2(ends[1], STDOUT_FILENO);
+            for (int line = 0; line < 100000; ++line)
+                printLine("a line of which a pipe does not hold so many");
+            std::string held(100000, '\0');
+            held.resize(static_cast<std::size_t>(::read(ends[0], held.data(), held.size())));
+            std::_Exit(held.starts_with("a line of") && held.ends_with("many\n") ? 0 : 1);
         },
         testing::ExitedWithCode(0), "^$");
 }

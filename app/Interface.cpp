@@ -136,13 +136,20 @@ void Interface::connectActions(AppDelegate& delegate)
     tell(m_main->flipHorizontallyBTN, &AppDelegate::hFlip);
     tell(m_main->helpMenuBTN, &AppDelegate::helpBTNClicked);
     tell(m_main->helpBTN, &AppDelegate::helpBTNClicked);
-    QObject::connect(m_progress->progressCancel, &QPushButton::clicked, &delegate,
-        &AppDelegate::closeBTNInsideProgressWindowClicked);
+    // Assistive programs can press a button that is hidden, and choose an item while the window takes no
+    // input.
+    QObject::connect(m_progress->progressCancel, &QPushButton::clicked, &delegate, [this, &delegate] {
+        if (m_progress->progressCancel->isVisible())
+            delegate.closeBTNInsideProgressWindowClicked();
+    });
     QObject::connect(
         m_help->helpOK, &QPushButton::clicked, &delegate, &AppDelegate::okBTNInsideHelpWindowClicked);
     // Not QCoreApplication::quit: it asks every window first, and a progress sheet does not let itself be
     // closed.
-    QObject::connect(m_main->quitMenuBTN, &QAction::triggered, [] { QCoreApplication::exit(); });
+    QObject::connect(m_main->quitMenuBTN, &QAction::triggered, [] {
+        if (!InputGate::isClosed())
+            QCoreApplication::exit();
+    });
 }
 
 } // namespace tarnwell

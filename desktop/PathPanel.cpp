@@ -45,6 +45,11 @@ void sayThatFolderIsMissing(QWidget* panel, const QString& folder)
     openBox(panel, QFileDialog::tr("The folder “%1” does not exist.").arg(folder), QMessageBox::Ok);
 }
 
+void sayThatFolderIsClosed(QWidget* panel, const QString& folder)
+{
+    openBox(panel, QFileDialog::tr("You cannot save files in the folder “%1”.").arg(folder), QMessageBox::Ok);
+}
+
 } // namespace
 
 PathPanel::PathPanel(QWidget* window)
@@ -148,6 +153,8 @@ void SavePanel::acceptTyped(const QString& path)
         sayThatFolderIsMissing(this, QFileInfo(output).path());
     else if (QFileInfo(output).isDir())
         showFolder(output);
+    else if (!QFileInfo(QFileInfo(output).path()).isWritable())
+        sayThatFolderIsClosed(this, QFileInfo(output).path());
     else if (QFileInfo::exists(output))
         askBeforeReplacing(output);
     else

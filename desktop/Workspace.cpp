@@ -87,7 +87,7 @@ void openFolderOf(const FileURL& file)
 
 void selectThroughThePortal(const FileURL& file)
 {
-    const int descriptor = ::open(file.path().c_str(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = ::open(file.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) { // Qt's bus thread can crash over a message whose descriptor is none
         openFolderOf(file);
         return;

@@ -124,4 +124,30 @@ TEST_F(ControllerTest, reopeningOnlyRaisesAVisibleWindow)
     EXPECT_TRUE(other.isActiveWindow());
 }
 
+TEST_F(ControllerTest, aHiddenCancelButtonDoesNothing)
+{
+    start();
+    // As assistive programs can press it; there is no encoder that it could end.
+    find<QPushButton>("progressCancel").click();
+    openVideo();
+    EXPECT_FALSE(shownPicture().isNull());
+}
+
+TEST_F(ControllerTest, quittingDuringAnAnalysisWaitsForAWindowThatTakesInput)
+{
+    tools().setSniffer("wait-for " + folder() + "go\n" + sniffing(reportOf({})));
+    start();
+    bool isAliveAfterwards = false;
+    QTimer::singleShot(0, [&] {
+        action("quitMenuBTN").trigger();
+        // Had the loop been left, the tool would wait for ever.
+        QTimer::singleShot(0, [&] {
+            isAliveAfterwards = isProgressShown();
+            writeFile(folder() + "go", "");
+        });
+    });
+    openVideo();
+    EXPECT_TRUE(isAliveAfterwards);
+}
+
 } // namespace tarnwell::test

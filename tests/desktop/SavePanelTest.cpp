@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace tarnwell::test
 {
@@ -152,6 +154,31 @@ TEST_F(SavePanelTest, aMissingFolderIsSaidAndNotChosen)
         EXPECT_EQ(answer(), std::nullopt);
         forgetAnswers();
     }
+}
+
+TEST_F(SavePanelTest, aFolderThatCannotBeWrittenIsNotSavedIn)
+{
+    makeFolder("closed");
+    makeFile("closed/Clip.mp4"); // even over a file that could be
+    ASSERT_EQ(::chmod((folder() + "closed").c_str(), 0555), 0);
+    beginSave();
+    typeName(QStringLiteral("closed/Clip"));
+    nextQuestionGets(QMessageBox::Ok);
+    uid_t real = 0;
+    uid_t effective = 0;
+    uid_t saved = 0;
+    ASSERT_EQ(::getresuid(&real, &effective, &saved), 0);
+    if (real == 0) { // whom no folder is closed to
+        ASSERT_EQ(::setresuid(65534, effective, saved), 0);
+    }
+    static_cast<QDialog&>(panel()).accept();
+    EXPECT_EQ(::setresuid(real, effective, saved), 0);
+    waitForAnsweredQuestion();
+    EXPECT_TRUE(questions().last().contains(QStringLiteral("cannot save")));
+    EXPECT_FALSE(isAnswered());
+    realKeys("Escape");
+    EXPECT_EQ(answer(), std::nullopt);
+    ::chmod((folder() + "closed").c_str(), 0755);
 }
 
 TEST_F(SavePanelTest, thePersonalFolderMayBeTypedAsATilde)

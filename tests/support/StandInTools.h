@@ -10,14 +10,18 @@
 namespace tarnwell::test
 {
 
+// clang-format off
 /// A bundle in a folder of its own whose tools do what a test writes down for them. A tool without a script
 /// is missing from the bundle. A script is a list of lines, done in order; the tool then exits with 0:
 ///
 /// print TEXT, error TEXT      writes to standard output or error; \n, \r, \xHH are understood, no end of
-/// line is added print-file PATH             writes the file to standard output flood N writes N bytes to
-/// standard output record PATH                 writes the arguments down, see recordedArguments record-pid
-/// PATH             writes the process number down copy PATH                   copies the file to the path in
-/// the last argument touch PATH, wait-for PATH   makes a file; waits until somebody has made it
+///                             line is added
+/// print-file PATH             writes the file to standard output
+/// flood N                     writes N bytes to standard output
+/// record PATH                 writes the arguments down, see recordedArguments
+/// record-pid PATH             writes the process number down
+/// copy PATH                   copies the file to the path in the last argument
+/// touch PATH, wait-for PATH   makes a file; waits until somebody has made it
 /// on-termination PATH         from now on a SIGTERM makes the file and exits with 255
 /// ignore-termination          from now on a SIGTERM does nothing
 /// sleep MILLISECONDS, hang    waits; for ever
@@ -37,6 +41,7 @@ namespace tarnwell::test
 /// close N                     closes the descriptor
 /// with WORD COMMAND, without WORD COMMAND
 ///                             does the command only where the word is among the arguments, or is not
+// clang-format on
 class StandInTools
 {
 public:

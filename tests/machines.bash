@@ -1,36 +1,80 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: MIT
 #
-# Minimal Debian machines of other releases, as folders, for a script to be
-# sourced by. It sets "cache", the folder in which they and the logs are kept,
-# and has "fail MESSAGE", which gives up.
+# Minimal Debian machines, as folders, for a script beside this file to be
+# sourced by. It calls "open_cache" before anything else that leaves traces.
+#
+# What the functions leave for the script is in these:
+#
+#   tree     the folder of Tarnwell's own tree
+#   cache    the folder in which machines and logs are kept
+#   status   the exit status of the last stage
+#   seconds  what the last stage took
 
-: "${cache:?}"
+# Some of these are for the script only, and clean_up is called by trap only,
+# both of which goes unseen:
+# shellcheck disable=SC2034,SC2317
+
+tree=$(readlink -f -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/..")
+cache=
 status=0
-stage_pid=
+seconds=0
+
+# What a stage shows of what its command says: all, below a title ("titled"),
+# all and no title ("plain"), or only the end when the command fails (empty).
+shown=titled
+
+# Folders that the script wants gone when it ends.
+throw_away=()
+
 partial=
+output=
+tee_pid=
+
+fail() {
+    printf '%s: %s\n' "${0##*/}" "$1" >&2
+    exit 1
+}
 
 # All mounts live in a namespace of the stage that needs them and go with it,
 # so what is removed here are plain files.
 clean_up() {
     trap '' HUP INT TERM
-    local first
-    if [[ -n $stage_pid ]]; then
+    local job first
+    for job in $(jobs -p); do
         # When its first process is killed, all processes of the machine are
         # ended before that is reported.
-        first=$(ps -o pid= --ppid "$stage_pid" | tr -d ' ')
-        kill -KILL "${first:-$stage_pid}" 2>/dev/null || true
-        wait
+        first=$(ps -o pid= --ppid "$job" | tr -d ' ') || true
+        kill -KILL "${first:-$job}" 2>/dev/null || true
+        wait "$job" || true
+    done
+    if [[ -n $tee_pid ]]; then
+        exec {output}>&-
+        wait "$tee_pid" || true
     fi
-    if [[ -n $partial ]]; then
-        rm -rf --one-file-system -- "$partial"
-    fi
-    rm -f -- "$cache/output"
+    rm -rf --one-file-system -- ${partial:+"$partial"} "${throw_away[@]}"
 }
-trap clean_up EXIT
-trap 'exit 129' HUP
-trap 'exit 130' INT
-trap 'exit 143' TERM
+
+# open_cache FOLDER: makes sure that the script has the rights it needs and,
+# until it ends, the cache for itself. Without a folder this is one with the
+# script's name in the user's cache.
+open_cache() {
+    local name=${0##*/} lock
+    if ((EUID != 0)); then
+        fail "bootstrapping and entering a machine takes root; please run this as root"
+    fi
+    cache=${1:-${XDG_CACHE_HOME:-${HOME:?}/.cache}/tarnwell/$name}
+    mkdir -p -- "$cache/logs"
+    cache=$(readlink -f -- "$cache")
+    exec {lock}>"$cache/lock"
+    if ! flock --nonblock "$lock"; then
+        fail "$cache is in use by another $name"
+    fi
+    trap clean_up EXIT
+    trap 'exit 129' HUP
+    trap 'exit 130' INT
+    trap 'exit 143' TERM
+}
 
 # The addresses of the mirrors that this machine itself uses, for whatever
 # release, by what they call themselves: Debian or Debian-Security.
@@ -59,35 +103,50 @@ proxies() {
     done
 }
 
-# stage NAME COMMAND...: runs a command, showing and logging what it says, in
-# namespaces of its own: what it mounts or leaves running goes with it. Leaves
-# its exit status in "status".
+# stage NAME COMMAND...: runs a command, logging what it says, in namespaces of
+# its own: what it mounts or leaves running goes with it. Leaves its exit status
+# in "status" and the seconds it took in "seconds".
 stage() {
-    local name=$1 tee_pid
+    local name=$1 log=$cache/logs/$1.log begin=$SECONDS
     shift
-    printf '\n##### %s\n' "$name"
-    rm -f -- "$cache/output"
-    mkfifo -- "$cache/output"
-    tee -- "$cache/logs/$name.log" <"$cache/output" &
-    tee_pid=$!
-    unshare --mount --pid --fork --kill-child --mount-proc -- "$@" \
-        </dev/null >"$cache/output" 2>&1 &
-    stage_pid=$!
+    if [[ $shown == titled ]]; then
+        printf '\n##### %s\n' "$name"
+    fi
+    if [[ -n $shown ]]; then
+        # Ctrl+C reaches tee as well, which is to log until the last word.
+        exec {output}> >(exec tee --ignore-interrupts -- "$log")
+        tee_pid=$!
+    else
+        exec {output}>"$log"
+    fi
     status=0
-    wait "$stage_pid" || status=$?
-    stage_pid=
-    wait "$tee_pid"
+    unshare --mount --pid --fork --kill-child --mount-proc -- "$@" \
+        </dev/null >&"$output" 2>&1 {output}>&- &
+    exec {output}>&-
+    wait "$!" || status=$?
+    if [[ -n $tee_pid ]]; then
+        wait "$tee_pid" || true
+        tee_pid=
+    fi
+    seconds=$((SECONDS - begin))
+    if ((status != 0)) && [[ -z $shown ]]; then
+        printf 'Failed with exit status %s; %s ends with:\n' "$status" "$log"
+        tail -n 20 -- "$log" | sed 's/^/    /'
+    fi
 }
 
 # The first process on a machine: mounts what every Linux machine has, and
 # below /mnt the folders that it is given as pairs "MODE FOLDER:PLACE", up to
 # "--"; then runs the command there, without anything of this machine's
-# environment but the proxies.
+# environment but the proxies. The machine's own files stay as they are,
+# unless its mode is "rw". It stays itself, since somebody has to take care of
+# processes that lose their parent.
 # shellcheck disable=SC2016
 first_process='
     set -euo pipefail
-    machine=$1
-    shift
+    mode=$1
+    machine=$2
+    shift 2
     mount --make-rprivate /
     mount --bind "$machine" "$machine"
     mount -t proc proc "$machine/proc"
@@ -105,8 +164,12 @@ first_process='
     ln -s /proc/self/fd/0 "$machine/dev/stdin"
     ln -s /proc/self/fd/1 "$machine/dev/stdout"
     ln -s /proc/self/fd/2 "$machine/dev/stderr"
-    mount -t tmpfs -o mode=1777 tmpfs "$machine/tmp"
-    mount -t tmpfs -o mode=0755 tmpfs "$machine/mnt"
+    if [[ $mode == ro ]]; then
+        mount -t tmpfs -o mode=1777 tmpfs "$machine/tmp"
+    fi
+    if [[ $1 != -- ]]; then
+        mount -t tmpfs -o mode=0755 tmpfs "$machine/mnt"
+    fi
     while [[ $1 != -- ]]; do
         place=$machine/mnt/${2##*:}
         mkdir "$place"
@@ -115,28 +178,29 @@ first_process='
         shift 2
     done
     shift
-    exec chroot "$machine" /usr/bin/env -i HOME=/root LANG=C.UTF-8 TERM=dumb \
-        DEBIAN_FRONTEND=noninteractive \
+    mount -o "remount,bind,$mode" "$machine"
+    chroot "$machine" /usr/bin/env -i HOME=/root LANG=C.UTF-8 TERM=dumb \
         PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
-        "$@"'
+        "$@" || exit'
 
-# stage_on MACHINE NAME [MODE FOLDER:PLACE]... -- COMMAND...: a stage on one of
-# the machines.
+# stage_on MODE MACHINE NAME [MODE FOLDER:PLACE]... -- COMMAND...: a stage on
+# one of the machines.
 stage_on() {
-    local machine=$1 name=$2 mounts=() environment
-    shift 2
+    local mode=$1 machine=$2 name=$3 mounts=() environment
+    shift 3
     while [[ $1 != -- ]]; do
         mounts+=("$1" "$2")
         shift 2
     done
     shift
     mapfile -t environment < <(proxies)
-    stage "$name" bash -c "$first_process" first-process "$machine" "${mounts[@]}" -- \
+    stage "$name" bash -c "$first_process" first-process "$mode" "$machine" "${mounts[@]}" -- \
         "${environment[@]}" "$@"
 }
 
 # bootstrap RELEASE FOLDER: makes a minimal machine where the folder does not
-# exist. Leaves the exit status of what that took in "status".
+# exist. Its first source of packages is the release itself. Leaves the exit
+# status of what that took in "status".
 bootstrap() {
     local release=$1 folder=$2 main security proxy=
     status=0
@@ -159,18 +223,23 @@ bootstrap() {
     fi
     eval "$(apt-config shell proxy Acquire::http::Proxy)"
 
+    printf '\nBootstrapping a minimal Debian %s, which takes minutes: %s\n' "$release" "$folder"
     partial=$folder.part
     rm -rf --one-file-system -- "$partial"
     stage "$release.bootstrap" env ${proxy:+"http_proxy=$proxy"} \
         debootstrap --variant=minbase "$release" "$partial" "$main"
     if ((status != 0)); then
+        rm -rf --one-file-system -- "$partial"
+        partial=
         return
     fi
     {
         printf 'deb %s %s main\n' "$main" "$release"
-        printf 'deb %s %s-updates main\n' "$main" "$release"
-        if [[ -n $security ]]; then
-            printf 'deb %s %s-security main\n' "$security" "$release"
+        if [[ $release != sid ]]; then
+            printf 'deb %s %s-updates main\n' "$main" "$release"
+            if [[ -n $security ]]; then
+                printf 'deb %s %s-security main\n' "$security" "$release"
+            fi
         fi
     } >"$partial/etc/apt/sources.list"
     apt_settings >"$partial/etc/apt/apt.conf.d/80this-machine"

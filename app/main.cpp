@@ -2,6 +2,7 @@
 #include "app/Application.h"
 #include "desktop/ActivationToken.h"
 #include "desktop/AttentiveWait.h"
+#include "desktop/LateArrow.h"
 #include "desktop/SingleInstance.h"
 #include "platform/Bundle.h"
 #include "platform/StandardStreams.h"
@@ -29,6 +30,7 @@ int main(int argc, char* argv[])
     });
     if (instance.claim(ownToken) == SingleInstance::Role::Later)
         return 0;
+    putOffArrowPicture();
     application = std::make_unique<Application>(ToolContext{Bundle::main(), waitAttentively});
     const int status = QApplication::exec();
     application.reset();

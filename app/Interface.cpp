@@ -56,7 +56,10 @@ void Interface::setUpWindow()
     const auto* toMenus = new QShortcut(Qt::Key_F10, &m_window);
     QObject::connect(toMenus, &QShortcut::activated, m_main->menuBar,
         [this] { m_main->menuBar->setActiveAction(m_main->fileMenu->menuAction()); });
-    m_window.setWindowIcon(QIcon(QStringLiteral(":/icon/org.tarnwell.Tarnwell.svg")));
+    // What the window manager shows, and not the window, can be drawn while that brings the window up.
+    const auto giveIcon
+        = [this] { m_window.setWindowIcon(QIcon(QStringLiteral(":/icon/org.tarnwell.Tarnwell.svg"))); };
+    QMetaObject::invokeMethod(&m_window, giveIcon, Qt::QueuedConnection);
     // The frame is the window manager's; as much as the style gives to one must do.
     const int title = m_window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &m_window);
     const int border

@@ -25,6 +25,13 @@ TEST_F(ControllerTest, atTheStartTheSixEditingControlsAreOffAndTheOthersOn)
     EXPECT_FALSE(exists(folder() + "probed"));
 }
 
+TEST_F(ControllerTest, theWindowBearsTheProgramsIcon)
+{
+    start();
+    EXPECT_TRUE(waitUntil([this] { return !window().windowIcon().isNull(); }));
+    EXPECT_FALSE(window().windowIcon().pixmap(QSize(32, 32)).isNull());
+}
+
 TEST_F(ControllerTest, controlsBearTheNamesAndShortcutsThatPeopleKnow)
 {
     const std::tuple<const char*, const char*, const char*> controls[] = {

@@ -2,13 +2,16 @@
 #include "tools/Encoder.h"
 
 #include "tools/Child.h"
+#include "tools/EarlyWriteOut.h"
 #include "tools/StandardError.h"
 #include "tools/StatusLines.h"
 #include "tools/Stream.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 #include <csignal>
 #include <fcntl.h>
 #include <optional>
@@ -31,11 +34,12 @@ bool cancelSeen = false;
 class Listener
 {
 public:
-    Listener(pid_t child, Stream& progress, Stream& complaints)
+    Listener(pid_t child, Stream& progress, Stream& complaints, int output)
         : m_child(child)
         , m_end(descriptorOfEnd(child))
         , m_progress(progress)
         , m_complaints(complaints)
+        , m_writeOut(output)
     {
     }
     ~Listener() { ::close(m_end); }
@@ -49,6 +53,7 @@ public:
                 = {{{m_progress.reading(), POLLIN, 0}, {m_complaints.reading(), POLLIN, 0},
                     {m_killAt ? -1 : cancelDescriptor, POLLIN, 0}, {isListening() ? -1 : m_end, POLLIN, 0}}};
             ::poll(waiting.data(), waiting.size(), patience());
+            m_writeOut.goOn();
             if (m_killAt && Clock::now() >= *m_killAt) {
                 ::kill(m_child, SIGKILL);
                 return;
@@ -91,7 +96,8 @@ private:
             return millisecondsUntil(*m_killAt);
         if (!isListening())
             return exitCheckInterval;
-        return m_progress.isOpen() && !m_lastReport.empty() ? left(longestSilence) : -1;
+        const int silence = m_progress.isOpen() && !m_lastReport.empty() ? left(longestSilence) : INT_MAX;
+        return std::min(silence, EarlyWriteOut::interval);
     }
 
     static int millisecondsUntil(Clock::time_point time)
@@ -110,6 +116,7 @@ private:
     int m_end;
     Stream& m_progress;
     Stream& m_complaints;
+    EarlyWriteOut m_writeOut;
     ProgressReader m_progressReader;
     ComplaintReader m_complaintReader;
     std::string m_lastReport; // the last status line
@@ -169,7 +176,7 @@ RunEnd runFfmpeg(const std::vector<std::string>& arguments, const std::string& i
     complaints.closeWriting();
     if (child < 0)
         return RunEnd::Failed;
-    Listener(child, progress, complaints).listen();
+    Listener(child, progress, complaints, output).listen();
     const int status = waitForChild(child);
     if (isCancelled())
         return RunEnd::Cancelled;

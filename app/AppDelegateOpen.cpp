@@ -45,6 +45,8 @@ void AppDelegate::analyzeFile(const FileURL& url)
 {
     showAnalysisProgress();
     const auto probe = std::make_shared<const FileProbe>(url.path(), m_tools);
+    // Its tool begins while the sheet comes up; but however soon it ends, the sheet was there.
+    required(m_outlets.sheets).waitUntilPainted(&required(m_outlets.progressWindow));
     // Even a file that is then refused: a later save works from the file that was looked at last.
     globalFP.store(probe);
     if (lowerCased(url.pathExtension()) == "vob")
@@ -86,7 +88,6 @@ void AppDelegate::showAnalysisProgress()
     required(m_outlets.progressCancel).hide();
     required(m_outlets.progressTitle).setText(QStringLiteral("Analyzing Video..."));
     required(m_outlets.sheets).begin(&required(m_outlets.progressWindow));
-    required(m_outlets.sheets).waitUntilPainted(&required(m_outlets.progressWindow));
 }
 
 void AppDelegate::hideAnalysisProgress()

@@ -16,6 +16,7 @@ namespace
 
 constexpr std::size_t mostKept = 2; // the turned picture and the mirrored one
 constexpr std::size_t largePage = std::size_t(2) << 20;
+constexpr std::size_t mostInLargePages = std::size_t(64) << 20;
 
 struct Block {
     void* memory = nullptr;
@@ -24,10 +25,11 @@ struct Block {
 
 Block freshBlock(std::size_t size)
 {
-    // Large pages, where the system has them: they are fewer to hand out and to look up.
+    // Large pages, where the system has them: they are fewer to hand out and to look up. But a system that is
+    // itself a guest may have to get each of them from its host first, and many of them would take a second.
     const std::size_t rounded = (size + largePage - 1) / largePage * largePage;
     void* memory = std::aligned_alloc(largePage, rounded);
-    if (memory != nullptr)
+    if (memory != nullptr && rounded <= mostInLargePages)
         ::madvise(memory, rounded, MADV_HUGEPAGE);
     return {memory, size};
 }

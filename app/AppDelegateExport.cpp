@@ -45,10 +45,9 @@ ArgumentList AppDelegate::fixFlagArguments(const std::string& inputPath, const s
 {
     const auto probe = globalFP.load();
     const auto rotation = fixFlagRotation(m_orientation, required(probe).tagRotateValue);
-    if (!rotation)
-        printLine("Something Wrong!");
     auto arguments = fixFlagArgumentList(inputPath, outputPath, rotation);
-    printLine(argumentListLine(arguments));
+    for (const auto& line : fixFlagLines(arguments, rotation))
+        printLine(line);
     return arguments;
 }
 

@@ -108,4 +108,12 @@ std::string argumentListLine(const ArgumentList& arguments)
     return line + "]";
 }
 
+std::vector<std::string> fixFlagLines(
+    const ArgumentList& arguments, const std::optional<std::int64_t>& rotation)
+{
+    if (!rotation)
+        return {"Something Wrong!", argumentListLine(arguments)};
+    return {argumentListLine(arguments)};
+}
+
 } // namespace tarnwell

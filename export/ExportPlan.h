@@ -39,4 +39,9 @@ std::string orientationLine(const OrientationState& state);
 /// The line that shows a list: ["first", "second"]. The elements' bytes stand there as they are.
 std::string argumentListLine(const ArgumentList& arguments);
 
+/// The lines that tell of a fix-flag list, in their order; where it lacks its `rotation`, the first one says
+/// so.
+std::vector<std::string> fixFlagLines(
+    const ArgumentList& arguments, const std::optional<std::int64_t>& rotation);
+
 } // namespace tarnwell

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Where something required is missing the program ends at once, by a signal, and prints nothing.
+// Where something required is missing the program ends at once, by a signal, and says nothing about it.
 #include "app/AppDelegate.h"
 #include "app/DragAndDropFileInNSImageView.h"
-#include "platform/DispatchQueue.h"
+#include "desktop/Alert.h"
 #include "probe/FileProbe.h"
 #include "tests/support/Files.h"
+#include "tests/support/SilentStop.h"
 #include "tests/support/StandInTest.h"
 
 #include <QAction>
@@ -13,6 +14,15 @@
 
 namespace tarnwell::test
 {
+
+namespace
+{
+
+/// What is printed of an export before its encoder is started.
+const char* const plannedExport
+    = "^positionState : 1, vFlipSte : true, hFlipState : false\n\\[\"-i\", [^\n]*\\]\n$";
+
+} // namespace
 
 class FatalRulesDeathTest : public StandInTest
 {
@@ -28,7 +38,7 @@ protected:
     /// program would hold on to the pipe through which its death is noticed.
     void saveAndWait(const std::string& creatorScript)
     {
-        tools().setCreator(creatorScript);
+        tools().setCreator(stillScript() + creatorScript); // an output gives no line about it
         saveWithoutMode();
     }
 
@@ -39,6 +49,16 @@ protected:
         waitUntil([] { return false; });
     }
 
+    /// One that is there, and so gives a description without a word.
+    std::string anyFile() const { return folder() + "still.png"; }
+
+    /// Runs the encoder without any plan, and goes on until the condition holds.
+    void runAndWait(const std::function<bool()>& condition)
+    {
+        delegate().startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"});
+        waitUntil(condition);
+    }
+
     void post(std::map<std::string, std::any> userInfo)
     {
         start();
@@ -46,107 +66,135 @@ protected:
     }
 };
 
-#define EXPECT_STOP(statement) EXPECT_EXIT(statement, testing::KilledBySignal(SIGABRT), "^$")
-
 TEST_F(FatalRulesDeathTest, savingBeforeAnyFileWasAnalysedStopsTheProgram)
 {
-    EXPECT_STOP((start(), saveByPanel(folder() + "out.mp4")));
+    EXPECT_SILENT_STOP((start(), saveByPanel(folder() + "out.mp4")));
 }
 
 TEST_F(FatalRulesDeathTest, aProbeToolThatIsMissingStopsTheProgram)
 {
     tools().removeSniffer();
-    EXPECT_STOP(openClip());
+    EXPECT_SILENT_STOP(openClip());
 }
 
 TEST_F(FatalRulesDeathTest, aStillThatIsNoPictureStopsTheProgram)
 {
     writeFile(folder() + "still.png", "not a picture");
-    EXPECT_STOP(openClip());
+    EXPECT_SILENT_STOP(openClip());
 }
 
 TEST_F(FatalRulesDeathTest, anEncoderThatLeavesNoStillStopsTheProgram)
 {
     tools().setCreator("exit 0\n");
-    EXPECT_STOP(openClip());
+    EXPECT_SILENT_STOP(openClip());
 }
 
 TEST_F(FatalRulesDeathTest, anEncoderThatCannotBeStartedForAStillStopsTheProgram)
 {
     tools().makeCreatorUnstartable();
-    EXPECT_STOP(openClip());
+    EXPECT_SILENT_STOP(openClip());
 }
 
 TEST_F(FatalRulesDeathTest, neitherAnEncoderNorAStandInPictureStopsTheProgram)
 {
     tools().removeCreator();
-    EXPECT_STOP(openClip());
+    EXPECT_SILENT_STOP(openClip());
 }
 
 TEST_F(FatalRulesDeathTest, channelsThatAreNoNumberStopTheProgram)
 {
     tools().setSniffer(sniffing(R"({"streams": [{"codec_type": "audio", "channels": "2"}]})"));
-    EXPECT_STOP(openClip());
+    EXPECT_SILENT_STOP(openClip());
 }
 
 TEST_F(FatalRulesDeathTest, anEncoderThatIsMissingAtAnExportStopsTheProgram)
 {
-    EXPECT_STOP((openClip(), tools().removeCreator(), saveWithoutMode()));
+    EXPECT_STOP_AFTER((openClip(), tools().removeCreator(), saveWithoutMode()), plannedExport);
 }
 
 TEST_F(FatalRulesDeathTest, aStatusLineWithoutATimeStampStopsTheProgram)
 {
-    EXPECT_STOP((openClip(), saveAndWait("error frame=0 time=N/A\n")));
+    EXPECT_STOP_AFTER((openClip(), saveAndWait("error frame=0 time=N/A\n")), plannedExport);
 }
 
 TEST_F(FatalRulesDeathTest, aTimeStampWithoutADotStopsTheProgram)
 {
-    EXPECT_STOP((openClip(), saveAndWait("error time=00:00:01:50\n")));
+    EXPECT_STOP_AFTER((openClip(), saveAndWait("error time=00:00:01:50\n")), plannedExport);
 }
 
 TEST_F(FatalRulesDeathTest, cancellingWithoutAnEncoderStopsTheProgram)
 {
-    EXPECT_STOP((start(), delegate().closeBTNInsideProgressWindowClicked()));
+    EXPECT_SILENT_STOP((start(), delegate().closeBTNInsideProgressWindowClicked()));
 }
 
 TEST_F(FatalRulesDeathTest, aResultWithoutARunStopsTheProgram)
 {
-    EXPECT_STOP(
-        (start(), delegate().showResultAlert(std::make_shared<const FileProbe>("/out", tools().context()))));
+    EXPECT_SILENT_STOP((start(),
+        delegate().showResultAlert(std::make_shared<const FileProbe>(anyFile(), tools().context()))));
 }
 
 TEST_F(FatalRulesDeathTest, choosingAModeWithoutAFileStopsTheProgram)
 {
-    EXPECT_STOP((start(), delegate().chooseExportMode("/in", "/out")));
+    EXPECT_STOP_AFTER((start(), delegate().chooseExportMode("/in", "/out")),
+        "^positionState : 1, vFlipSte : false, hFlipState : false\n$");
 }
 
 TEST_F(FatalRulesDeathTest, aRefreshWithoutAStillStopsTheProgram)
 {
-    EXPECT_STOP((start(), delegate().updatePreview()));
+    EXPECT_SILENT_STOP((start(), delegate().updatePreview()));
 }
 
 TEST_F(FatalRulesDeathTest, aDropNotificationWithoutItsEntryStopsTheProgram)
 {
-    EXPECT_STOP(post({}));
+    EXPECT_SILENT_STOP(post({}));
 }
 
 TEST_F(FatalRulesDeathTest, aDropNotificationWithAnotherValueStopsTheProgram)
 {
-    EXPECT_STOP(post({{fileDroppedKey, std::string("/clip.mp4")}}));
+    EXPECT_SILENT_STOP(post({{fileDroppedKey, std::string("/clip.mp4")}}));
 }
 
-TEST_F(FatalRulesDeathTest, anOutletThatIsNotConnectedStopsTheProgram)
+TEST_F(FatalRulesDeathTest, aFlagToRewriteWithoutAFileStopsTheProgram)
 {
-    using Entry = void (AppDelegate::*)();
-    const Entry entries[] = {&AppDelegate::applicationDidFinishLaunching, &AppDelegate::helpBTNClicked,
-        &AppDelegate::okBTNInsideHelpWindowClicked, &AppDelegate::openMenuBTNClicked,
-        &AppDelegate::resetBTNClicked, &AppDelegate::updatePreview, &AppDelegate::saveMenuBTNClicked};
-    for (const Entry entry : entries) {
-        EXPECT_STOP({
-            AppDelegate lonely({}, tools().context(), std::make_shared<DispatchQueue>([] {}));
-            (lonely.*entry)();
-        });
-    }
+    EXPECT_SILENT_STOP((start(), delegate().exportModeChosen(Alert::firstButtonResponse, "/in", "/out")));
+}
+
+TEST_F(FatalRulesDeathTest, progressWithoutAFileStopsTheProgram)
+{
+    tools().setCreator(stillScript() + "error time=00:00:01.00\n");
+    EXPECT_SILENT_STOP((start(), runAndWait([] { return false; })));
+}
+
+TEST_F(FatalRulesDeathTest, aCancelledResultWithoutAPathStopsTheProgram)
+{
+    EXPECT_SILENT_STOP([&] {
+        start();
+        runAndWait([this] { return isAlertShown(); });
+        delegate().closeBTNInsideProgressWindowClicked();
+        const auto probe = std::make_shared<FileProbe>(anyFile(), tools().context());
+        probe->fileFullPath.reset();
+        delegate().showResultAlert(probe);
+    }());
+}
+
+TEST_F(FatalRulesDeathTest, anOutputWithoutAnAddressCannotBeShown)
+{
+    EXPECT_SILENT_STOP([&] {
+        start();
+        FileProbe probe(anyFile(), tools().context());
+        probe.fileFullURL.reset();
+        delegate().resultAlertButtonClicked(Alert::secondButtonResponse, probe);
+    }());
+}
+
+TEST_F(FatalRulesDeathTest, anOutputWithoutAPathCannotBeLaunched)
+{
+    EXPECT_SILENT_STOP([&] {
+        start();
+        FileProbe probe(anyFile(), tools().context());
+        probe.fileFullPath.reset();
+        delegate().resultAlertButtonClicked(Alert::thirdButtonResponse, probe);
+    }());
 }
 
 } // namespace tarnwell::test

@@ -5,6 +5,7 @@
 #include "tests/support/WindowTest.h"
 
 #include <QAction>
+#include <QEvent>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
@@ -46,6 +47,32 @@ std::vector<int> changesOf(const std::vector<int>& values)
     }
     return changes;
 }
+
+/// Clicks a button whenever it becomes enabled, sooner than any user could.
+class ClickWhenEnabled : public QObject
+{
+public:
+    explicit ClickWhenEnabled(QPushButton& button)
+        : m_button(button)
+    {
+        button.installEventFilter(this);
+    }
+
+    int count() const { return m_count; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::EnabledChange && m_button.isEnabled()) {
+            ++m_count;
+            m_button.click();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QPushButton& m_button;
+    int m_count = 0;
+};
 
 } // namespace
 
@@ -124,8 +151,31 @@ TEST_F(RealExportTest, cancelEndsTheEncoderAndTheNextRunWorks)
 
 TEST_F(RealExportTest, nothingStaysInTheTemporaryFolder)
 {
+    saveByPanel(output());
+    answer(shownAlert(), "OK");
+    EXPECT_FALSE(decodedFrame(output(), 10).isNull());
     for (const auto& name : namesIn(ownTemporaryFolder()))
         EXPECT_EQ(folder(), ownTemporaryFolder() + "/" + name + "/") << "left over";
+    EXPECT_EQ(namesIn(folder()), (std::vector<std::string>{"clip.mp4", "out.mp4"}));
+}
+
+TEST_F(RealExportTest, aCancelAtTheFirstMomentKeepsTheOlderFileThatWasToBeReplaced)
+{
+    ClickWhenEnabled click(find<QPushButton>("progressCancel"));
+    for (int round = 0; round < 10 && !HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        waitForKeyboard(window());
+        const std::string older = "an older video " + std::to_string(round);
+        writeFile(output(), older);
+        saveByPanel(output());
+        answer(shownAlert(), "&Yes"); // the panel's question about replacing
+        ASSERT_TRUE(waitUntil([&] { return click.count() == round + 1 && !isProgressShown(); }));
+        EXPECT_FALSE(exists(output())); // it would pass for the result
+        const auto names = namesIn(folder());
+        EXPECT_TRUE(std::any_of(names.begin(), names.end(),
+            [&](const std::string& name) { return contentsOf(folder() + name) == older; }));
+    }
+    EXPECT_FALSE(isAlertShown());
 }
 
 } // namespace tarnwell::test

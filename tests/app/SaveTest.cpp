@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
 #include "tests/support/Files.h"
 #include "tests/support/StandInTest.h"
 
@@ -8,6 +9,7 @@
 #include <QLineEdit>
 
 #include <filesystem>
+#include <tuple>
 
 namespace tarnwell::test
 {
@@ -161,6 +163,23 @@ TEST_F(SaveTest, afterARefusedFileTheInputIsTheRefusedOne)
     EXPECT_EQ(createdArguments().at(1), folder() + "sound.mp3");
 }
 
+TEST_F(SaveTest, afterARefusedVobFileTheInputIsTheRefusedOne)
+{
+    tools().setSniffer(sniffing(reportOf({.codec = "mpeg4"})));
+    start();
+    openVideo();
+    tools().setSniffer(sniffing(reportOf({})));
+    writeFile(folder() + "clip.vob", "bytes");
+    ASSERT_TRUE(drop(folder() + "clip.vob"));
+    EXPECT_EQ(shownAlert()->text(), QStringLiteral("Tarnwell cannot open .VOB files."));
+    finish();
+    expectExport();
+    saveByPanel(folder() + "out.mp4");
+    answer(shownAlert(), "Transcode"); // the choice is that of the refused file's codec
+    finish();
+    EXPECT_EQ(createdArguments().at(1), folder() + "clip.vob");
+}
+
 TEST_F(SaveTest, theModeAlertSaysWhatTheModesMean)
 {
     start();
@@ -169,12 +188,17 @@ TEST_F(SaveTest, theModeAlertSaysWhatTheModesMean)
     saveByPanel(folder() + "out.mp4");
     QMessageBox* alert = shownAlert();
     EXPECT_EQ(alert->text(), QStringLiteral("Fix Flag mode Available!"));
-    const QString explanation = alert->informativeText();
-    EXPECT_EQ(explanation.size(), 402);
-    EXPECT_TRUE(explanation.startsWith(
-        QStringLiteral("\nFix Flag (Quick): Only the orientation flag (rotation tag)")));
-    EXPECT_TRUE(explanation.endsWith(
-        QStringLiteral("by re-encoding which is compatible with all video players.\n\n")));
+    EXPECT_EQ(alert->informativeText(),
+        QStringLiteral("\n"
+                       "Fix Flag (Quick): Only the orientation flag (rotation tag) in the metadata of the "
+                       "video file is changed, so that the video plays fine in iOS, QuickTime & VLC video "
+                       "players without any need for transcoding which saves a tremendous amount of "
+                       "encoding time for longer videos.\n"
+                       "\n"
+                       "Transcode (Slow) : The video is rotated permanently frame by frame by re-encoding "
+                       "which is compatible with all video players.\n"
+                       "\n"));
+    EXPECT_EQ(alert->informativeText().size(), 402);
     EXPECT_EQ(alert->icon(), QMessageBox::Warning);
     ASSERT_EQ(alert->buttons().size(), 2);
     EXPECT_EQ(alert->buttons().at(0)->text(), QStringLiteral("Fix Flag"));
@@ -209,6 +233,25 @@ TEST_F(SaveTest, fixFlagAndTranscodeRunTheEncoderWithTheirLists)
     const std::vector<std::string> transcode = {
         "-i", input, "-pix_fmt", "yuv420p", "-vf", "transpose=2", "-metadata:s:v", "rotate=0", "-y", output};
     EXPECT_EQ(createdArguments(), transcode);
+}
+
+TEST_F(SaveTest, theListIsThatOfTheOrientationWhenTheModeIsChosen)
+{
+    start();
+    openVideo();
+    expectExport();
+    const std::tuple<const char*, std::size_t, const char*> cases[]
+        = {{"Transcode", 5, "transpose=2"}, {"Fix Flag", 7, "rotate=180"}};
+    for (const auto& [mode, place, element] : cases) {
+        SCOPED_TRACE(mode);
+        saveByPanel(folder() + "out.mp4");
+        QMessageBox* alert = shownAlert();
+        delegate().leftRotateBTNClicked(); // whatever way leads past the alert
+        answer(alert, mode);
+        finish();
+        EXPECT_EQ(createdArguments().at(place), element);
+        std::filesystem::remove(folder() + "out.mp4");
+    }
 }
 
 TEST_F(SaveTest, theUntouchedStateStillOffersTheChoice)

@@ -57,4 +57,21 @@ TEST(ArgumentListLineTest, aWholeListIsOneLine)
         R"(["-i", "/in.mp4", "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=-90", "-y", "/out.mp4"])");
 }
 
+TEST(FixFlagLinesTest, aListWithItsRotationIsTheOnlyLine)
+{
+    for (const std::int64_t rotation : {0, -90, 360}) {
+        const auto arguments = fixFlagArgumentList("/in.mp4", "/out.mp4", rotation);
+        EXPECT_EQ(fixFlagLines(arguments, rotation), std::vector<std::string>{argumentListLine(arguments)});
+    }
+}
+
+TEST(FixFlagLinesTest, aMissingRotationIsToldBeforeTheList)
+{
+    const auto rotation = fixFlagRotation({5, false, false}, 0);
+    const auto arguments = fixFlagArgumentList("/in.mp4", "/out.mp4", rotation);
+    EXPECT_EQ(fixFlagLines(arguments, rotation),
+        (std::vector<std::string>{"Something Wrong!",
+            R"(["-i", "/in.mp4", "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "-y", "/out.mp4"])"}));
+}
+
 } // namespace tarnwell::test

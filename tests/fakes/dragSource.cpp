@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Another program to drag from: a magenta window in the screen's corner, above all others. A drag that begins
-// in it carries what the arguments say, each a type and a text. It says on standard output what becomes of
-// the drag: "ready" when the window is there, "action N" whenever the target's answer changes, "end N" with
-// the action done.
+// in it carries what the arguments say, each a type and a text; behind an argument "then" stands what the
+// next drag carries. It says on standard output what becomes of the drag: "ready" when the window is there,
+// "action N" whenever the target's answer changes, "end N" with the action done.
 #include <QApplication>
 #include <QDrag>
 #include <QMimeData>
@@ -42,9 +42,12 @@ protected:
     {
         auto* drag = new QDrag(this);
         auto* contents = new QMimeData;
-        const QStringList arguments = QCoreApplication::arguments();
-        for (int i = 1; i + 1 < arguments.size(); i += 2)
-            contents->setData(arguments[i], arguments[i + 1].toUtf8());
+        const auto then = m_drag.indexOf(QStringLiteral("then"));
+        const auto end = then < 0 ? m_drag.size() : then;
+        for (qsizetype i = 0; i + 1 < end; i += 2)
+            contents->setData(m_drag[i], m_drag[i + 1].toUtf8());
+        if (then >= 0)
+            m_drag = m_drag.mid(then + 1);
         drag->setMimeData(contents);
         connect(drag, &QDrag::actionChanged, drag, [](Qt::DropAction action) { say("action", action); });
         say("end", drag->exec(Qt::CopyAction));
@@ -61,6 +64,7 @@ protected:
 
 private:
     bool m_isShown = false;
+    QStringList m_drag = QCoreApplication::arguments().mid(1); // the next one, and what follows
 };
 
 } // namespace

@@ -13,8 +13,10 @@
 #include <iostream>
 #include <iterator>
 #include <map>
+#include <poll.h>
 #include <sstream>
 #include <string>
+#include <sys/ioctl.h>
 #include <thread>
 #include <unistd.h>
 
@@ -177,6 +179,19 @@ void waitForFile(const std::string& path)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
 }
 
+/// Until the reader of standard error, a pipe, has taken all of it: what is written next is then read apart.
+/// Returns too where the reader has gone.
+void waitUntilRead()
+{
+    const auto isUnread = [] {
+        int unread = 0;
+        pollfd pipe = {STDERR_FILENO, 0, 0};
+        return ::ioctl(STDERR_FILENO, FIONREAD, &unread) == 0 && unread > 0 && ::poll(&pipe, 1, 0) == 0;
+    };
+    while (isUnread())
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+}
+
 const std::map<std::string, std::function<void(const Words&)>> commands = {
     {"print-file", [](const Words& path) { writeAll(STDOUT_FILENO, contentsOf(path)); }},
     {"print", [](const Words& text) { writeAll(STDOUT_FILENO, unescaped(text)); }},
@@ -217,6 +232,7 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
         }},
     {"ignore-termination", [](const Words&) { std::signal(SIGTERM, SIG_IGN); }},
     {"wait-for", waitForFile},
+    {"wait-until-read", [](const Words&) { waitUntilRead(); }},
     {"sleep",
         [](const Words& count) { std::this_thread::sleep_for(std::chrono::milliseconds(std::stol(count))); }},
     {"hang",

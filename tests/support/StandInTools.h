@@ -22,6 +22,7 @@ namespace tarnwell::test
 /// record-pid PATH             writes the process number down
 /// copy PATH                   copies the file to the path in the last argument
 /// touch PATH, wait-for PATH   makes a file; waits until somebody has made it
+/// wait-until-read             waits until standard error, a pipe, has been read to what is its end now
 /// on-termination PATH         from now on a SIGTERM makes the file and exits with 255
 /// ignore-termination          from now on a SIGTERM does nothing
 /// sleep MILLISECONDS, hang    waits; for ever

@@ -219,6 +219,10 @@ void WindowTest::saveByPanel(const std::string& path)
 {
     type(QKeySequence(QStringLiteral("Ctrl+S")));
     choose(shownPanel(), path);
+    // As above; but where the panel asks a question, the answer is the test's.
+    auto* panel = shownDialog<QFileDialog>();
+    if (panel != nullptr && !isAlertShown())
+        choose(panel, path);
 }
 
 } // namespace tarnwell::test

@@ -13,6 +13,9 @@
 #include <QTest>
 
 #include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace tarnwell::test
 {
@@ -76,6 +79,8 @@ protected:
     void SetUp() override
     {
         makeSampleVideo(video(), {.size = {640, 480}});
+        const std::string socket = qgetenv("XDG_RUNTIME_DIR").toStdString() + "/" + socketName.toStdString();
+        std::filesystem::remove(socket); // an earlier weston was killed and has left it
         m_weston.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
         m_weston.setStandardErrorFile(QProcess::nullDevice());
         m_weston.setStandardOutputFile(QProcess::nullDevice());
@@ -83,7 +88,6 @@ protected:
             {QStringLiteral("--backend=x11-backend.so"), QStringLiteral("--width=1200"),
                 QStringLiteral("--height=900"), QStringLiteral("--socket=") + socketName,
                 QStringLiteral("--idle-time=0")});
-        const std::string socket = qgetenv("XDG_RUNTIME_DIR").toStdString() + "/" + socketName.toStdString();
         ASSERT_TRUE(waitUntil([&] { return exists(socket); })) << "weston does not start";
         start(m_program, "/bin/tarnwell", {});
         // What invites a drop is the widest plain area of the window: the frame around it is looked for by
@@ -116,37 +120,60 @@ protected:
         return before == screen() && placeOf(QColor(Qt::black)).isValid();
     }
 
-    /// Drags that path from the other program to the middle of the nested desktop; the button stays pressed.
-    void drag(const std::string& path)
+    /// Shows the other program, from which those paths can be dragged, one after the other.
+    void showSource(const std::vector<std::string>& paths)
     {
-        start(m_source, "/tests/dragSource",
-            {QStringLiteral("text/uri-list"), QString::fromStdString("file://" + path + "\r\n")});
+        QStringList drags;
+        for (const auto& path : paths)
+            drags << QStringLiteral("then") << QStringLiteral("text/uri-list")
+                  << QString::fromStdString("file://" + path + "\r\n");
+        start(m_source, "/tests/dragSource", drags.mid(1));
         ASSERT_TRUE(waitUntil([] { return placeOf(sourceColour).width() > 50; })) << "no source to drag from";
         QTest::qWait(300);
+        m_sourcePlace = placeOf(sourceColour);
         // weston learns where the pointer is when it enters weston's window, and follows it from there.
-        const QPoint source = placeOf(sourceColour).center();
         moveTo(QPoint(1, 1));
         QTest::qWait(300);
-        glide(QPoint(50, 210), source);
+        glide(QPoint(50, 210), m_sourcePlace.center());
         QTest::qWait(300);
+    }
+
+    /// Drags from the other program to the middle of the nested desktop; the button stays pressed. The
+    /// pointer must be in the source.
+    void drag()
+    {
         point({QStringLiteral("mousedown"), QStringLiteral("1")});
         QTest::qWait(200);
-        const QPoint middle = QGuiApplication::primaryScreen()->geometry().center();
-        const bool isInTheWay = placeOf(sourceColour).adjusted(-20, -20, 20, 20).contains(middle);
-        glide(source, isInTheWay ? middle + QPoint(0, 150) : middle);
+        glide(m_sourcePlace.center(), target());
         QTest::qWait(500);
+    }
+
+    /// Gives up the drag: nothing is done where nothing is taken.
+    void giveUp()
+    {
+        glide(target(), m_sourcePlace.center());
+        EXPECT_EQ(drop(), "end 0");
+        QTest::qWait(300);
+    }
+
+    /// Whether the source has been told, in this drag, that the target would take a copy.
+    bool isCopyOffered()
+    {
+        m_said += m_source.readAllStandardOutput();
+        return m_said.contains("action 1");
     }
 
     /// What the source says was done in the end: "end 1" for a copy, "end 0" for nothing.
     QByteArray drop()
     {
         point({QStringLiteral("mouseup"), QStringLiteral("1")});
-        QByteArray said;
         waitUntil([&] {
-            said += m_source.readAllStandardOutput();
-            return said.contains("end ");
+            m_said += m_source.readAllStandardOutput();
+            return m_said.contains("end ");
         });
-        return said.mid(said.indexOf("end ")).trimmed();
+        const QByteArray end = m_said.mid(m_said.indexOf("end ")).trimmed();
+        m_said.clear();
+        return end;
     }
 
     /// The sample's corners are plain red, green, blue and yellow.
@@ -159,23 +186,39 @@ protected:
     std::string folder() const { return m_folder.path(); }
 
 private:
+    /// A place in the window of the program.
+    QPoint target() const
+    {
+        const QPoint middle = QGuiApplication::primaryScreen()->geometry().center();
+        const bool isInTheWay = m_sourcePlace.adjusted(-20, -20, 20, 20).contains(middle);
+        return isInTheWay ? middle + QPoint(0, 150) : middle;
+    }
+
     TemporaryDirectory m_folder;
     QProcess m_weston;
     QProcess m_program;
     QProcess m_source;
+    QByteArray m_said; // by the source, about its present drag
+    QRect m_sourcePlace;
 };
 
 TEST_F(WaylandDropTest, aFileIsTakenAndShown)
 {
     EXPECT_FALSE(showsVideo());
-    drag(video());
+    showSource({video()});
+    drag();
     EXPECT_EQ(drop(), "end 1");
     EXPECT_TRUE(waitUntil([] { return showsVideo(); }));
 }
 
 TEST_F(WaylandDropTest, aFolderIsNot)
 {
-    drag(folder());
+    showSource({video(), folder()});
+    drag();
+    EXPECT_TRUE(waitUntil([this] { return isCopyOffered(); })) << "the drag does not reach the window";
+    giveUp();
+    drag(); // of the folder, on the same way
+    EXPECT_FALSE(isCopyOffered());
     EXPECT_EQ(drop(), "end 0");
     QTest::qWait(300);
     EXPECT_FALSE(showsVideo());

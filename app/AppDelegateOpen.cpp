@@ -4,7 +4,6 @@
 #include "app/AppDelegate.h"
 #include "app/DragAndDropFileInNSImageView.h"
 #include "app/PictureDescription.h"
-#include "app/StillFrame.h"
 #include "app/SupportAddress.h"
 #include "desktop/Panels.h"
 #include "desktop/ProgressBarMode.h"
@@ -61,6 +60,7 @@ void AppDelegate::analyzeFile(const FileURL& url)
 void AppDelegate::acceptFile(const FileProbe& probe)
 {
     // Two extractions on purpose: the view's picture and the one that previews are drawn from are separate.
+    // As long as both files are the same they share their memory.
     required(m_outlets.posterFrameIMGV).setImage(extractPosterFrame(probe));
     currentImage = extractPosterFrame(probe);
     m_orientation = {};
@@ -79,7 +79,7 @@ void AppDelegate::refuseFile(const std::string& messageText, const std::string& 
 
 QImage AppDelegate::extractPosterFrame(const FileProbe& probe)
 {
-    return extractStillFrame(probe, m_tools);
+    return extractStillFrame(probe, m_tools, m_lastStill);
 }
 
 void AppDelegate::showAnalysisProgress()

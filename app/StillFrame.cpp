@@ -13,7 +13,8 @@
 
 #include <cstdio>
 #include <fstream>
-#include <iterator>
+#include <sstream>
+#include <utility>
 
 namespace tarnwell
 {
@@ -24,19 +25,34 @@ namespace
 // A still of the largest video that decoders take, 16384 x 16384, is a GiB.
 constexpr int largestPictureInMebibytes = 4096;
 
-/// Null for what is no picture, or not there. Reads the bytes itself: the path need not be text in any
-/// encoding.
-QImage loadPicture(const std::string& path)
+/// Empty where there is no such file. The path need not be text in any encoding.
+std::string bytesOf(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return std::move(bytes).str();
+}
+
+/// Null for what is no picture.
+QImage decoded(const std::string& bytes)
 {
     QImageReader::setAllocationLimit(largestPictureInMebibytes);
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
     QBuffer buffer(&data);
     return QImageReader(&buffer).read();
 }
 
-QImage pictureMadeBy(const std::string& creatorPath, const FileProbe& probe, const BlockingWait& wait)
+void loadPicture(const std::string& path, DecodedPicture& last)
+{
+    std::string bytes = bytesOf(path);
+    if (last.picture.isNull() || bytes != last.bytes)
+        last.picture = decoded(bytes);
+    last.bytes = std::move(bytes);
+}
+
+void loadPictureMadeBy(
+    const std::string& creatorPath, const FileProbe& probe, const BlockingWait& wait, DecodedPicture& last)
 {
     const TemporaryDirectory folder;
     const std::string stillPath = posterFramePath(folder.path());
@@ -44,27 +60,24 @@ QImage pictureMadeBy(const std::string& creatorPath, const FileProbe& probe, con
     creator.setExecutable(creatorPath);
     creator.setArguments(posterFrameArguments(probe.duration, required(probe.fileFullPath), stillPath));
     creator.launch(); // one that does not start leaves no picture, which is found out below
-    QImage picture;
     wait([&] {
         creator.waitUntilExit();
-        picture = loadPicture(stillPath); // here, because a large one takes its time
+        loadPicture(stillPath, last); // here, because a large one takes its time
     });
     std::remove(stillPath.c_str());
-    return picture;
 }
 
 } // namespace
 
-QImage extractStillFrame(const FileProbe& probe, const ToolContext& tools)
+QImage extractStillFrame(const FileProbe& probe, const ToolContext& tools, DecodedPicture& last)
 {
-    QImage picture;
     if (const auto creator = tools.bundle.pathForResource("creator"))
-        picture = pictureMadeBy(*creator, probe, tools.wait);
+        loadPictureMadeBy(*creator, probe, tools.wait, last);
     else
-        picture = loadPicture(required(tools.bundle.pathForImageResource("poster")));
-    if (picture.isNull())
+        loadPicture(required(tools.bundle.pathForImageResource("poster")), last);
+    if (last.picture.isNull())
         programStops();
-    return picture;
+    return last.picture;
 }
 
 } // namespace tarnwell

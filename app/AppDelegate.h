@@ -100,7 +100,7 @@ private:
     Synchronized<std::shared_ptr<Process>> globalProcess;
     std::optional<bool> isProcessCancelledByUser; // absent before the first export
     std::optional<QImage> currentImage; // the still of the open video, as extracted
-    DecodedPicture m_lastStill; // the same one, or that of an opening that goes on
+    DecodedPicture m_lastStill; // the one that was extracted last
     OrientationState m_orientation;
     std::unique_ptr<InputGate> m_gateBeforeSheet; // from an export's start until its sheet is up
 };

@@ -60,7 +60,6 @@ void AppDelegate::analyzeFile(const FileURL& url)
 void AppDelegate::acceptFile(const FileProbe& probe)
 {
     // Two extractions on purpose: the view's picture and the one that previews are drawn from are separate.
-    // As long as both files are the same they share their memory.
     required(m_outlets.posterFrameIMGV).setImage(extractPosterFrame(probe));
     currentImage = extractPosterFrame(probe);
     m_orientation = {};

@@ -46,8 +46,8 @@ QImage decoded(const std::string& bytes)
 void loadPicture(const std::string& path, DecodedPicture& last)
 {
     std::string bytes = bytesOf(path);
-    if (last.picture.isNull() || bytes != last.bytes)
-        last.picture = decoded(bytes);
+    const bool isKnown = !last.picture.isNull() && bytes == last.bytes;
+    last.picture = isKnown ? last.picture.copy() : decoded(bytes); // copying takes less time
     last.bytes = std::move(bytes);
 }
 

@@ -20,12 +20,13 @@ namespace
 
 constexpr long megabyte = 1024; // kB, in which the system counts
 
-#ifdef __SANITIZE_ADDRESS__
-constexpr long mostGrowth = 450 * megabyte; // the sanitizer keeps what is freed for a while
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long mostGrowth = 450 * megabyte; // sanitizers keep what is freed, and books on the rest
+constexpr long mostGrowthOfAReport = 4096 * megabyte;
 #else
 constexpr long mostGrowth = 50 * megabyte;
-#endif
 constexpr long mostGrowthOfAReport = 2048 * megabyte;
+#endif
 
 /// kB: the most memory that was in use since the last call of forgetPeak.
 long peakMemory()

@@ -2,10 +2,10 @@
 #include "app/AppDelegate.h"
 
 #include "app/DragAndDropFileInNSImageView.h"
-#include "desktop/InputGate.h"
+#include "desktop/InputBlocker.h"
 #include "platform/DispatchQueue.h"
+#include "platform/FatalError.h"
 #include "platform/Process.h"
-#include "platform/ProgramStops.h"
 #include "probe/FileProbe.h"
 
 namespace tarnwell

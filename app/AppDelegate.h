@@ -23,7 +23,7 @@ namespace tarnwell
 class DispatchQueue;
 class FileHandle;
 class FileProbe;
-class InputGate;
+class InputBlocker;
 class Process;
 
 /// The one controller: holds what is known of the one open video and receives every action of the user. An
@@ -102,7 +102,7 @@ private:
     std::optional<QImage> currentImage; // the still of the open video, as extracted
     DecodedPicture m_lastStill; // the one that was extracted last
     OrientationState m_orientation;
-    std::unique_ptr<InputGate> m_gateBeforeSheet; // from an export's start until its sheet is up
+    std::unique_ptr<InputBlocker> m_blockerBeforeSheet; // from an export's start until its sheet is up
 };
 
 } // namespace tarnwell

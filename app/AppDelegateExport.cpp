@@ -2,16 +2,16 @@
 // Export: the choice of the mode, the encoder's run in the background with its progress, and the result.
 #include "app/Alerts.h"
 #include "app/AppDelegate.h"
-#include "desktop/InputGate.h"
+#include "desktop/InputBlocker.h"
 #include "desktop/ProgressBarMode.h"
 #include "desktop/Workspace.h"
 #include "export/ExportPlan.h"
 #include "export/Progress.h"
 #include "platform/Diagnostics.h"
 #include "platform/DispatchQueue.h"
+#include "platform/FatalError.h"
 #include "platform/FileHandle.h"
 #include "platform/Process.h"
-#include "platform/ProgramStops.h"
 #include "probe/FileProbe.h"
 
 #include <cstdio>
@@ -61,7 +61,7 @@ ArgumentList AppDelegate::transcodeArguments(const std::string& inputPath, const
 void AppDelegate::startCreatorRun(const std::string& outputPath, const ArgumentList& arguments)
 {
     isProcessCancelledByUser = false;
-    m_gateBeforeSheet = std::make_unique<InputGate>();
+    m_blockerBeforeSheet = std::make_unique<InputBlocker>();
     asyncUserInitiated(
         [self = shared_from_this(), outputPath, arguments] { self->runCreator(outputPath, arguments); });
 }
@@ -118,7 +118,7 @@ void AppDelegate::showProgressSheet()
     required(m_outlets.progressCancel).show();
     required(m_outlets.progressCancel).setEnabled(false); // until there is an encoder that it can end
     required(m_outlets.sheets).begin(&required(m_outlets.progressWindow));
-    m_gateBeforeSheet.reset();
+    m_blockerBeforeSheet.reset();
 }
 
 void AppDelegate::hideProgressSheet()

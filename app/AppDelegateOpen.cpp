@@ -7,7 +7,7 @@
 #include "app/SupportAddress.h"
 #include "desktop/Panels.h"
 #include "desktop/ProgressBarMode.h"
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 #include "probe/FileProbe.h"
 #include "probe/Suitability.h"
 
@@ -36,7 +36,7 @@ void AppDelegate::fileAddedByDragAndDrop(const Notification& notification)
 {
     const auto entry = notification.userInfo.find(fileDroppedKey);
     if (entry == notification.userInfo.end())
-        programStops();
+        fatalError();
     analyzeFile(required(std::any_cast<FileURL>(&entry->second)));
 }
 

@@ -3,7 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/PictureDescription.h"
 #include "orientation/Picture.h"
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 
 namespace tarnwell
 {

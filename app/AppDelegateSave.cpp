@@ -4,7 +4,7 @@
 #include "app/AppDelegate.h"
 #include "desktop/Panels.h"
 #include "desktop/PathText.h"
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 #include "probe/FileProbe.h"
 #include "util/Unicode.h"
 

@@ -2,11 +2,11 @@
 #include "app/DragAndDropFileInNSImageView.h"
 
 #include "app/DroppedFiles.h"
-#include "desktop/InputGate.h"
+#include "desktop/InputBlocker.h"
+#include "platform/FatalError.h"
 #include "platform/FileAttributes.h"
 #include "platform/FileURL.h"
 #include "platform/NotificationCenter.h"
-#include "platform/ProgramStops.h"
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -37,7 +37,7 @@ DragAndDropFileInNSImageView::DragAndDropFileInNSImageView(QWidget* parent)
 
 DragAndDropFileInNSImageView::DragAndDropFileInNSImageView(const QRect& /*frame*/)
 {
-    programStops();
+    fatalError();
 }
 
 Qt::DropAction DragAndDropFileInNSImageView::draggingEntered(const QMimeData& drag) const
@@ -72,8 +72,8 @@ void DragAndDropFileInNSImageView::dropEvent(QDropEvent* event)
     // The program from which the file comes waits for the answer, and must not wait for what is done with the
     // file. Until that begins nothing else may begin.
     const std::shared_ptr<QMimeData> drag = copyOfFileNames(*event->mimeData());
-    auto perform = [this, drag, gate = std::make_shared<InputGate>()]() mutable {
-        gate.reset();
+    auto perform = [this, drag, blocker = std::make_shared<InputBlocker>()]() mutable {
+        blocker.reset();
         performDragOperation(*drag);
     };
     QMetaObject::invokeMethod(this, std::move(perform), Qt::QueuedConnection);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/DroppedFiles.h"
 
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 
 #include <QByteArray>
 #include <QMimeData>
@@ -64,7 +64,7 @@ std::unique_ptr<QMimeData> copyOfFileNames(const QMimeData& data)
 std::optional<std::string> firstFile(const FileNameList& names)
 {
     if (names.empty())
-        programStops();
+        fatalError();
     return names.front();
 }
 

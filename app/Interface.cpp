@@ -3,7 +3,7 @@
 
 #include "app/AppDelegate.h"
 #include "desktop/FocusRing.h"
-#include "desktop/InputGate.h"
+#include "desktop/InputBlocker.h"
 #include "desktop/SymbolIcon.h"
 #include "ui_HelpSheet.h"
 #include "ui_MainWindow.h"
@@ -22,7 +22,7 @@ namespace
 {
 
 // The interface file says which symbol an item bears; how it is drawn follows the palette.
-void giveSymbols(const QMainWindow& window)
+void setIcons(const QMainWindow& window)
 {
     for (QAction* action : window.findChildren<QAction*>()) {
         const QString symbol = action->property("symbol").toString();
@@ -51,15 +51,12 @@ Interface::~Interface() = default;
 void Interface::setUpWindow()
 {
     m_main->setupUi(&m_window);
-    giveSymbols(m_window);
+    setIcons(m_window);
     // Qt itself goes to the menus by the Alt key alone, of which not every desktop lets a program know.
     const auto* toMenus = new QShortcut(Qt::Key_F10, &m_window);
     QObject::connect(toMenus, &QShortcut::activated, m_main->menuBar,
         [this] { m_main->menuBar->setActiveAction(m_main->fileMenu->menuAction()); });
-    // What the window manager shows, and not the window, can be drawn while that brings the window up.
-    const auto giveIcon
-        = [this] { m_window.setWindowIcon(QIcon(QStringLiteral(":/icon/org.tarnwell.Tarnwell.svg"))); };
-    QMetaObject::invokeMethod(&m_window, giveIcon, Qt::QueuedConnection);
+    m_window.setWindowIcon(QIcon(QStringLiteral(":/icon/org.tarnwell.Tarnwell.svg")));
     // The frame is the window manager's; as much as the style gives to one must do.
     const int title = m_window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &m_window);
     const int border
@@ -117,28 +114,28 @@ Outlets Interface::outlets()
 
 bool Interface::takesActions() const
 {
-    return !m_sheets.isBusy() && !InputGate::isClosed();
+    return !m_sheets.isBusy() && !InputBlocker::isActive();
 }
 
 void Interface::connectActions(AppDelegate& delegate)
 {
-    const auto tell = [this, &delegate](QAction* action, void (AppDelegate::*entry)()) {
+    const auto connectAction = [this, &delegate](QAction* action, void (AppDelegate::*entry)()) {
         QObject::connect(action, &QAction::triggered, &delegate, [this, &delegate, entry] {
             if (takesActions())
                 (delegate.*entry)();
         });
     };
-    tell(m_main->openMenuBTN, &AppDelegate::openMenuBTNClicked);
-    tell(m_main->openToolBarBTN, &AppDelegate::openToolBarBTNClicked);
-    tell(m_main->saveMenuBTN, &AppDelegate::saveMenuBTNClicked);
-    tell(m_main->saveToolBarBTN, &AppDelegate::saveToolBarBTNClicked);
-    tell(m_main->rotateLeftBTN, &AppDelegate::leftRotateBTNClicked);
-    tell(m_main->rotateRightBTN, &AppDelegate::rightRotateBTNClicked);
-    tell(m_main->resetBTN, &AppDelegate::resetBTNClicked);
-    tell(m_main->flipVerticallyBTN, &AppDelegate::vFlip);
-    tell(m_main->flipHorizontallyBTN, &AppDelegate::hFlip);
-    tell(m_main->helpMenuBTN, &AppDelegate::helpBTNClicked);
-    tell(m_main->helpBTN, &AppDelegate::helpBTNClicked);
+    connectAction(m_main->openMenuBTN, &AppDelegate::openMenuBTNClicked);
+    connectAction(m_main->openToolBarBTN, &AppDelegate::openToolBarBTNClicked);
+    connectAction(m_main->saveMenuBTN, &AppDelegate::saveMenuBTNClicked);
+    connectAction(m_main->saveToolBarBTN, &AppDelegate::saveToolBarBTNClicked);
+    connectAction(m_main->rotateLeftBTN, &AppDelegate::leftRotateBTNClicked);
+    connectAction(m_main->rotateRightBTN, &AppDelegate::rightRotateBTNClicked);
+    connectAction(m_main->resetBTN, &AppDelegate::resetBTNClicked);
+    connectAction(m_main->flipVerticallyBTN, &AppDelegate::vFlip);
+    connectAction(m_main->flipHorizontallyBTN, &AppDelegate::hFlip);
+    connectAction(m_main->helpMenuBTN, &AppDelegate::helpBTNClicked);
+    connectAction(m_main->helpBTN, &AppDelegate::helpBTNClicked);
     // Assistive programs can press a button that is hidden, and choose an item while the window takes no
     // input.
     QObject::connect(m_progress->progressCancel, &QPushButton::clicked, &delegate, [this, &delegate] {
@@ -150,7 +147,7 @@ void Interface::connectActions(AppDelegate& delegate)
     // Not QCoreApplication::quit: it asks every window first, and a progress sheet does not let itself be
     // closed.
     QObject::connect(m_main->quitMenuBTN, &QAction::triggered, [] {
-        if (!InputGate::isClosed())
+        if (!InputBlocker::isActive())
             QCoreApplication::exit();
     });
 }

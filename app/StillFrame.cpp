@@ -2,8 +2,8 @@
 #include "app/StillFrame.h"
 
 #include "orientation/PosterFrame.h"
+#include "platform/FatalError.h"
 #include "platform/Process.h"
-#include "platform/ProgramStops.h"
 #include "platform/TemporaryDirectory.h"
 #include "probe/FileProbe.h"
 
@@ -76,7 +76,7 @@ QImage extractStillFrame(const FileProbe& probe, const ToolContext& tools, Decod
     else
         loadPicture(required(tools.bundle.pathForImageResource("poster")), last);
     if (last.picture.isNull())
-        programStops();
+        fatalError();
     return last.picture;
 }
 

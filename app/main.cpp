@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/Application.h"
 #include "desktop/ActivationToken.h"
-#include "desktop/AttentiveWait.h"
-#include "desktop/LateArrow.h"
+#include "desktop/EventLoopWait.h"
 #include "desktop/SingleInstance.h"
 #include "platform/Bundle.h"
 #include "platform/StandardStreams.h"
@@ -30,8 +29,7 @@ int main(int argc, char* argv[])
     });
     if (instance.claim(ownToken) == SingleInstance::Role::Later)
         return 0;
-    putOffArrowPicture();
-    application = std::make_unique<Application>(ToolContext{Bundle::main(), waitAttentively});
+    application = std::make_unique<Application>(ToolContext{Bundle::main(), waitInEventLoop});
     const int status = QApplication::exec();
     application.reset();
     // Threads of a running export live on until the process ends; they must not meet the destructors of what

@@ -3,7 +3,7 @@
 #include "benchmarks/BenchWindow.h"
 #include "benchmarks/MainThreadWatch.h"
 #include "benchmarks/Sections.h"
-#include "tests/support/StandInTools.h"
+#include "tests/support/FakeTools.h"
 
 #include <unistd.h>
 
@@ -88,7 +88,7 @@ std::string encoderTelling(int linesPerSecond, const std::string& clip)
 
 void measureStatusLines(const Setting& setting)
 {
-    test::StandInTools tools;
+    test::FakeTools tools;
     tools.useRealSniffer();
     tools.useRealCreator();
     BenchWindow window(tools.context());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/SheetQueue.h"
 
-#include "desktop/InputGate.h"
+#include "desktop/InputBlocker.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -79,7 +79,7 @@ void SheetQueue::waitUntilPainted(QDialog* sheet)
 {
     if (!sheet->isVisible())
         return;
-    const InputGate gate;
+    const InputBlocker blocker;
     const QDeadlineTimer deadline(longestWaitForScreen);
     QTimer wakeUp; // so that waiting for events ends even where none comes
     wakeUp.start(exposureCheckInterval);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "export/Progress.h"
 
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 #include "util/Decimal.h"
 #include "util/Unicode.h"
 #include "util/Utils.h"
@@ -27,7 +27,7 @@ std::optional<double> elapsedSecondsFromChunk(std::string_view chunk)
         return std::nullopt;
     const auto stamps = Utils::matchesForRegex(timeStampPattern, chunk);
     if (stamps.empty())
-        programStops();
+        fatalError();
     return Utils::secondsFromTimeString(stamps.front());
 }
 

@@ -6,13 +6,12 @@
 namespace tarnwell
 {
 
-// Drawings of a whole picture into a fresh one. Main thread; sizes are pixels; the results keep the source's
-// transparency. An empty source, or a lack of memory, gives an empty picture.
+// Both functions keep the pixel format. A null source, or a lack of memory, gives a null picture.
 
-/// The picture turned about its centre by `angle` degrees counterclockwise, on a canvas that just holds it.
+/// The picture turned by `angle` degrees counterclockwise, a multiple of 90; no pixel's value changes.
 QImage rotateImage(const QImage& source, double angle);
 
-/// The picture with left and right exchanged where `horizontal`, top and bottom where `vertical`.
+/// The picture with left and right exchanged if `horizontal`, top and bottom if `vertical`.
 QImage flipImage(const QImage& source, bool horizontal, bool vertical);
 
 } // namespace tarnwell

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/DispatchQueue.h"
 
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 
 #include <system_error>
 #include <thread>
@@ -73,7 +73,7 @@ void asyncUserInitiated(DispatchQueue::Work work)
     try {
         std::thread(std::move(work)).detach();
     } catch (const std::system_error&) {
-        programStops(); // nobody would ever learn that the work was not done
+        fatalError(); // nobody would ever learn that the work was not done
     }
 }
 

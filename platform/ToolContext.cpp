@@ -4,7 +4,7 @@
 namespace tarnwell
 {
 
-void waitPlainly(const std::function<void()>& blockingCall)
+void waitBlocking(const std::function<void()>& blockingCall)
 {
     blockingCall();
 }

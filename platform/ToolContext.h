@@ -13,12 +13,12 @@ namespace tarnwell
 using BlockingWait = std::function<void(const std::function<void()>& blockingCall)>;
 
 /// Makes the call on the calling thread.
-void waitPlainly(const std::function<void()>& blockingCall);
+void waitBlocking(const std::function<void()>& blockingCall);
 
 /// What it takes to run one of the application's tools: where they stand and how to wait for them.
 struct ToolContext {
     Bundle bundle;
-    BlockingWait wait = waitPlainly;
+    BlockingWait wait = waitBlocking;
 };
 
 } // namespace tarnwell

@@ -2,9 +2,9 @@
 #include "probe/FileProbe.h"
 
 #include "platform/Diagnostics.h"
+#include "platform/FatalError.h"
 #include "platform/FileHandle.h"
 #include "platform/Process.h"
-#include "platform/ProgramStops.h"
 #include "probe/ContainerMetadata.h"
 #include "probe/HumanReadable.h"
 #include "probe/ProbeArguments.h"
@@ -118,7 +118,7 @@ void FileProbe::readChannels(const JSON& streams)
         if (channels.isNull())
             return false;
         if (!channels.optionalNumber())
-            programStops();
+            fatalError();
         return channels.integer() > stereo;
     });
 }
@@ -175,7 +175,7 @@ std::string FileProbe::specialInfoOf(const JSON& stream, TrackType type) const
     case TrackType::Other:
         return stream["codec_tag_string"].text();
     }
-    programStops();
+    fatalError();
 }
 
 } // namespace tarnwell

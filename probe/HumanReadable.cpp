@@ -2,8 +2,8 @@
 #include "probe/HumanReadable.h"
 
 #include "platform/Diagnostics.h"
+#include "platform/FatalError.h"
 #include "platform/FileAttributes.h"
-#include "platform/ProgramStops.h"
 #include "util/Decimal.h"
 
 #include <cmath>
@@ -105,7 +105,7 @@ std::string humanByteCount(std::uint64_t bytes)
         if (steps < unitStep * unit.fractionSteps || &unit == std::end(units) - 1)
             return countText(steps, unit.fractionSteps).append(" ").append(unit.name);
     }
-    programStops();
+    fatalError();
 }
 
 std::string humanDuration(double seconds)
@@ -114,7 +114,7 @@ std::string humanDuration(double seconds)
     constexpr std::int64_t sixty = 60;
     constexpr double integerLimit = 9223372036854775808.0; // 2^63
     if (!(seconds < integerLimit && seconds >= -integerLimit))
-        programStops();
+        fatalError();
     const auto whole = static_cast<std::int64_t>(seconds);
     return twoDigits(whole / secondsPerHour) + ":" + twoDigits(whole / sixty % sixty) + ":"
         + twoDigits(whole % sixty) + "." + hundredthsOf(seconds);

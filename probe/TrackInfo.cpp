@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "probe/TrackInfo.h"
 
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 
 namespace tarnwell
 {
@@ -68,7 +68,7 @@ std::string trackTypeName(TrackType type)
     case TrackType::Other:
         return "Other";
     }
-    programStops();
+    fatalError();
 }
 
 std::vector<std::string> trackCodecs(const std::vector<TrackInfo>& tracks)

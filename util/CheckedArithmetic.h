@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 
 #include <cstdint>
 
@@ -13,7 +13,7 @@ inline std::int64_t checkedSum(std::int64_t left, std::int64_t right)
 {
     std::int64_t result = 0;
     if (__builtin_add_overflow(left, right, &result))
-        programStops();
+        fatalError();
     return result;
 }
 
@@ -21,7 +21,7 @@ inline std::int64_t checkedDifference(std::int64_t left, std::int64_t right)
 {
     std::int64_t result = 0;
     if (__builtin_sub_overflow(left, right, &result))
-        programStops();
+        fatalError();
     return result;
 }
 
@@ -29,7 +29,7 @@ inline std::int64_t checkedProduct(std::int64_t left, std::int64_t right)
 {
     std::int64_t result = 0;
     if (__builtin_mul_overflow(left, right, &result))
-        programStops();
+        fatalError();
     return result;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "util/Unicode.h"
 
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 
 #include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
@@ -23,7 +23,7 @@ icu::UnicodeString decomposed(std::string_view text)
         = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
     auto result = required(normalizer).normalize(source, error);
     if (U_FAILURE(error))
-        programStops();
+        fatalError();
     return result;
 }
 

@@ -2,7 +2,7 @@
 #include "util/Utils.h"
 
 #include "platform/Diagnostics.h"
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 #include "util/Decimal.h"
 
 #include <unicode/regex.h>
@@ -55,7 +55,7 @@ std::vector<std::string_view> nonEmptyPieces(std::string_view text, char separat
 double requiredNumber(const std::vector<std::string_view>& pieces, std::size_t index)
 {
     if (index >= pieces.size())
-        programStops();
+        fatalError();
     return required(parseDecimal(pieces[index]));
 }
 
@@ -78,7 +78,7 @@ double Utils::secondsFromTimeString(std::string_view stamp)
 {
     const auto parts = nonEmptyPieces(stamp, '.');
     if (parts.empty())
-        programStops();
+        fatalError();
     const double hundredths = requiredNumber(parts, parts.size() - 1);
     const auto clock = nonEmptyPieces(parts.front(), ':');
     const double hours = requiredNumber(clock, 0);

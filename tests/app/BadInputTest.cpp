@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What users and broken tools can throw at the window, with a clear message and nothing lost.
 #include "app/AppDelegate.h"
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 
@@ -11,7 +11,7 @@
 namespace tarnwell::test
 {
 
-class BadInputTest : public StandInTest
+class BadInputTest : public FakeToolsTest
 {
 protected:
     void expectRefusal()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 #include <QDialog>
@@ -9,7 +9,7 @@
 namespace tarnwell::test
 {
 
-class ControllerTest : public StandInTest
+class ControllerTest : public FakeToolsTest
 {
 };
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What assistive tools say of the picture.
 #include "app/PictureDescription.h"
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 
@@ -30,7 +30,7 @@ TEST(OrientationWordsTest, nameTheTurnAndTheMirrors)
         EXPECT_EQ(orientationInWords(state).toStdString(), words);
 }
 
-class DescriptionTest : public StandInTest
+class DescriptionTest : public FakeToolsTest
 {
 protected:
     std::string description()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/DragAndDropFileInNSImageView.h"
-#include "desktop/InputGate.h"
+#include "desktop/InputBlocker.h"
 #include "platform/FileURL.h"
 #include "platform/NotificationCenter.h"
 #include "platform/TemporaryDirectory.h"
@@ -233,11 +233,11 @@ TEST_F(DropViewTest, theSourceOfADropIsAnsweredBeforeTheFileIsAnnounced)
     EXPECT_TRUE(isAccepted(*drag));
     drag.reset();
     EXPECT_TRUE(m_notifications.empty());
-    EXPECT_TRUE(InputGate::isClosed());
+    EXPECT_TRUE(InputBlocker::isActive());
     QCoreApplication::sendPostedEvents(&m_view);
     ASSERT_EQ(m_notifications.size(), 1U);
     EXPECT_EQ(m_view.filePath(), path);
-    EXPECT_FALSE(InputGate::isClosed());
+    EXPECT_FALSE(InputBlocker::isActive());
 }
 
 TEST_F(DropViewTest, aDropWithoutAFileIsRefusedAtOnce)
@@ -245,7 +245,7 @@ TEST_F(DropViewTest, aDropWithoutAFileIsRefusedAtOnce)
     QMimeData drag;
     drag.setText(QStringLiteral("words"));
     EXPECT_FALSE(isAccepted(drag));
-    EXPECT_FALSE(InputGate::isClosed());
+    EXPECT_FALSE(InputBlocker::isActive());
 }
 
 /// Drags of another program, from its window into this one's by the mouse.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The encoder's run as the user sees it: progress and cancel, with stand-ins for the tools.
+// The encoder's run as the user sees it: progress and cancel, with fakes for the tools.
 #include "tests/app/ExportTest.h"
 
 #include "app/AppDelegate.h"

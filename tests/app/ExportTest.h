@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 #include <QDialog>
@@ -15,7 +15,7 @@ namespace tarnwell::test
 {
 
 /// The window with an open video that leaves no choice of a mode.
-class ExportTest : public StandInTest
+class ExportTest : public FakeToolsTest
 {
 protected:
     void SetUp() override

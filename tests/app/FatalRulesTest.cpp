@@ -4,9 +4,9 @@
 #include "app/DragAndDropFileInNSImageView.h"
 #include "desktop/Alert.h"
 #include "probe/FileProbe.h"
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 #include "tests/support/SilentStop.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 
@@ -24,7 +24,7 @@ const char* const plannedExport
 
 } // namespace
 
-class FatalRulesDeathTest : public StandInTest
+class FatalRulesDeathTest : public FakeToolsTest
 {
 protected:
     void openClip()
@@ -95,7 +95,7 @@ TEST_F(FatalRulesDeathTest, anEncoderThatCannotBeStartedForAStillStopsTheProgram
     EXPECT_SILENT_STOP(openClip());
 }
 
-TEST_F(FatalRulesDeathTest, neitherAnEncoderNorAStandInPictureStopsTheProgram)
+TEST_F(FatalRulesDeathTest, neitherAnEncoderNorAFallbackPictureStopsTheProgram)
 {
     tools().removeCreator();
     EXPECT_SILENT_STOP(openClip());

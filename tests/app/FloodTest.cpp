@@ -2,8 +2,8 @@
 // Tools that never stop talking. What an encoder says is forgotten at once, so that the memory of the program
 // stays flat; a report is kept until it is understood, in a few times its size. Peaks are printed, and the
 // longest time for which the window did nothing.
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 #include <QElapsedTimer>
@@ -42,7 +42,7 @@ void forgetPeak()
 
 } // namespace
 
-class FloodTest : public StandInTest
+class FloodTest : public FakeToolsTest
 {
 protected:
     void SetUp() override

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The window without a pointer: where the keyboard is, where Tab takes it, what Space does there.
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/RealInput.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 #include <QApplication>
@@ -16,7 +16,7 @@
 namespace tarnwell::test
 {
 
-class KeyboardTest : public StandInTest
+class KeyboardTest : public FakeToolsTest
 {
 protected:
     /// The name of the control that has the keyboard, as a screen reader says it.

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 
 namespace tarnwell::test
 {
 
-class OrientationTest : public StandInTest
+class OrientationTest : public FakeToolsTest
 {
 protected:
     void SetUp() override

@@ -3,9 +3,9 @@
 #include "app/AppDelegate.h"
 #include "platform/DispatchQueue.h"
 #include "probe/FileProbe.h"
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 #include "tests/support/SilentStop.h"
-#include "tests/support/StandInTest.h"
 
 #include <functional>
 #include <memory>
@@ -13,7 +13,7 @@
 namespace tarnwell::test
 {
 
-class OutletsDeathTest : public StandInTest
+class OutletsDeathTest : public FakeToolsTest
 {
 protected:
     using Disconnect = std::function<void(Outlets&)>;

@@ -3,9 +3,10 @@
 // exports, and when it shows the result. TARNWELL_ROUNDS sets how many programs are started for each; two are
 // enough for each way to leave.
 #include "tests/support/ExternalProgram.h"
+#include "tests/support/FakeTools.h"
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/support/Reports.h"
-#include "tests/support/StandInTools.h"
 #include "tests/support/WindowTest.h"
 
 #include <QImage>
@@ -145,7 +146,7 @@ protected:
 
 private:
     OwnTemporaryFolder m_temporary;
-    StandInTools m_tools;
+    FakeTools m_tools;
     std::mt19937 m_random;
 };
 

@@ -2,8 +2,8 @@
 // Cancels, second cancels, drops and returns at random moments of exports by a tool that takes random time,
 // one export after the other in one window. TARNWELL_ROUNDS sets how many.
 #include "app/AppDelegate.h"
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 #include <QElapsedTimer>
@@ -30,7 +30,7 @@ int rounds()
 
 } // namespace
 
-class RaceTest : public StandInTest
+class RaceTest : public FakeToolsTest
 {
 protected:
     int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(m_random); }

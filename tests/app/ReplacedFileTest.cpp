@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The open file is replaced, spoilt or taken away by somebody else: what is saved is then what lies at its
 // path, or nothing, and whatever lies there stays as it is.
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 #include <QProgressBar>
@@ -13,7 +13,7 @@
 namespace tarnwell::test
 {
 
-class ReplacedFileTest : public StandInTest
+class ReplacedFileTest : public FakeToolsTest
 {
 protected:
     ReplacedFileTest()
@@ -130,7 +130,7 @@ TEST_F(ReplacedFileTest, aFileSpoiltBetweenReportAndStillNeitherStopsNorHangs)
     start();
     EXPECT_TRUE(drop(video()));
     EXPECT_FALSE(isProgressShown());
-    EXPECT_FALSE(shownPicture().isNull()); // the tool has a stand-in for what does not decode
+    EXPECT_FALSE(shownPicture().isNull()); // creator writes a placeholder where nothing decodes
     EXPECT_EQ(contentsOf(video()), "just a text\n");
     tools().useRealSniffer();
     makeSampleVideo(folder() + "good.mp4");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppDelegate.h"
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 #include <QApplication>
@@ -14,7 +14,7 @@
 namespace tarnwell::test
 {
 
-class SaveTest : public StandInTest
+class SaveTest : public FakeToolsTest
 {
 protected:
     /// From now on the encoder writes its arguments down and leaves a file.

@@ -2,6 +2,7 @@
 #include "desktop/SingleInstance.h"
 
 #include "tests/desktop/BusService.h"
+#include "tests/support/Folders.h"
 #include "tests/support/WindowTest.h"
 
 #include <QDBusConnection>

@@ -26,7 +26,7 @@ TEST(OrientationLineTest, everyPositionIsWrittenAsItIs)
         "positionState : 9223372036854775807, vFlipSte : false, hFlipState : false");
 }
 
-TEST(ArgumentListLineTest, elementsStandInQuotesBetweenBrackets)
+TEST(ArgumentListLineTest, elementsAreInQuotesBetweenBrackets)
 {
     EXPECT_EQ(argumentListLine({"-i", "/a b.mp4", "-y"}), R"(["-i", "/a b.mp4", "-y"])");
 }

@@ -2,8 +2,8 @@
 // Opens a video, turns it and saves it, through the window, while one call of the system fails; see
 // failingCalls.cpp. Says on standard error how far that went: "picture" and the text of each alert; and what
 // is wrong then.
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAction>
 
@@ -41,7 +41,7 @@ std::string children()
 
 } // namespace
 
-class FaultScenario : public StandInTest
+class FaultScenario : public FakeToolsTest
 {
 protected:
     /// The text of the alert that is up, which is then answered.

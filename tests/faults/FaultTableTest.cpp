@@ -3,6 +3,7 @@
 // first time, the second, and so on, each in a process of its own. The outcomes are printed.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 
 #include <QProcess>
 #include <QProcessEnvironment>

@@ -3,8 +3,8 @@
 // the first argument names, below the name that the second gives this run; what a picture cannot miss is
 // tested as well.
 #include "desktop/PathText.h"
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/StandInTest.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -101,7 +101,7 @@ QImage scene(QSize size)
 
 } // namespace
 
-class Gallery : public StandInTest, public testing::WithParamInterface<Theme>
+class Gallery : public FakeToolsTest, public testing::WithParamInterface<Theme>
 {
 protected:
     void SetUp() override

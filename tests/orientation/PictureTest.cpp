@@ -167,11 +167,6 @@ TEST(PictureShapeTest, theUntouchedPreviewShowsTheFrameUnchanged)
     EXPECT_EQ(preview(frame, {1, false, false}), frame);
 }
 
-TEST(PictureShapeTest, theCanvasOfAnotherAngleIsTheTurnedSize)
-{
-    EXPECT_EQ(rotateImage(pattern({100, 50}, QImage::Format_RGB32), 30).size(), QSize(62, 93));
-}
-
 TEST(PictureShapeTest, theSourceStaysAsItIs)
 {
     const QImage frame = pattern({20, 10}, QImage::Format_RGB32);

@@ -3,7 +3,7 @@
 
 #include "platform/FileHandle.h"
 #include "platform/Process.h"
-#include "tests/support/StandInTools.h"
+#include "tests/support/FakeTools.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@
 namespace tarnwell::test
 {
 
-/// A child that follows a script of the stand-in tool's, its standard output on a pipe.
+/// A child that follows a script of the fake tool's, its standard output on a pipe.
 class ProcessTestSetup : public testing::Test
 {
 protected:
@@ -35,7 +35,7 @@ protected:
     /// Waits until the child prints; what it prints.
     std::string nextPrinted() { return m_output->fileHandleForReading()->availableData(); }
 
-    StandInTools m_tools;
+    FakeTools m_tools;
     std::shared_ptr<Pipe> m_output = std::make_shared<Pipe>();
     std::unique_ptr<Process> m_process = std::make_unique<Process>();
 };

@@ -11,7 +11,7 @@ namespace tarnwell::test
 TEST(ToolContextTest, thePlainWaitMakesTheCallOnTheCallingThread)
 {
     std::thread::id caller;
-    waitPlainly([&caller] { caller = std::this_thread::get_id(); });
+    waitBlocking([&caller] { caller = std::this_thread::get_id(); });
     EXPECT_EQ(caller, std::this_thread::get_id());
 }
 

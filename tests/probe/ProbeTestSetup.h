@@ -2,7 +2,7 @@
 #pragma once
 
 #include "probe/FileProbe.h"
-#include "tests/support/StandInTools.h"
+#include "tests/support/FakeTools.h"
 
 #include <gtest/gtest.h>
 
@@ -39,7 +39,7 @@ protected:
     /// The description that construction gives with sniffer as it is set up.
     FileProbe probe(const std::string& fileName = "clip.mp4");
 
-    StandInTools m_tools;
+    FakeTools m_tools;
 };
 
 } // namespace tarnwell::test

@@ -2,6 +2,7 @@
 #include "probe/Suitability.h"
 #include "tests/probe/ProbeTestSetup.h"
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 
 #include <cctype>
 

@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(Rest, TrackTypeTest,
         StreamCase{"noObject", "\"video\"", "Other"}, StreamCase{"null", "null", "Other"}),
     nameOf);
 
-TEST(TrackCodecsTest, theyStandInTheOrderOfTheTracks)
+TEST(TrackCodecsTest, theyKeepTheOrderOfTheTracks)
 {
     EXPECT_EQ(trackCodecs({{{"trackCodec", std::string("h264")}}, {{"trackCodec", std::string("aac")}}}),
         (std::vector<std::string>{"h264", "aac"}));

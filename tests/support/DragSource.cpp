@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/DragSource.h"
 
+#include "tests/support/Folders.h"
 #include "tests/support/RealInput.h"
 #include "tests/support/WindowTest.h"
 

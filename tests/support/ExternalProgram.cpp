@@ -2,6 +2,7 @@
 #include "tests/support/ExternalProgram.h"
 
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/support/Samples.h"
 #include "tests/support/WindowTest.h"
 

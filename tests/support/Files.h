@@ -18,7 +18,7 @@ bool exists(const std::string& path);
 /// The names in the folder, sorted.
 std::vector<std::string> namesIn(const std::string& folder);
 
-/// The arguments that a stand-in tool wrote down with its command `record`.
+/// The arguments that a fake tool wrote down with its command `record`.
 std::vector<std::string> recordedArguments(const std::string& path);
 
 } // namespace tarnwell::test

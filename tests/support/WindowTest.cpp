@@ -2,9 +2,10 @@
 #include "tests/support/WindowTest.h"
 
 #include "app/AppDelegate.h"
-#include "desktop/AttentiveWait.h"
+#include "desktop/EventLoopWait.h"
 #include "desktop/PathText.h"
 #include "platform/FileURL.h"
+#include "tests/support/Folders.h"
 
 #include <QAction>
 #include <QApplication>
@@ -86,7 +87,7 @@ bool waitUntil(const std::function<bool()>& condition)
 
 ToolContext realTools()
 {
-    return {Bundle(TARNWELL_BUILD_FOLDER "/bin"), waitAttentively};
+    return {Bundle(TARNWELL_BUILD_FOLDER "/bin"), waitInEventLoop};
 }
 
 void WindowTest::start()
@@ -96,7 +97,7 @@ void WindowTest::start()
 
 void WindowTest::start(const ToolContext& tools)
 {
-    m_application = std::make_unique<Application>(ToolContext{tools.bundle, waitAttentively});
+    m_application = std::make_unique<Application>(ToolContext{tools.bundle, waitInEventLoop});
     waitForKeyboard(window());
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Signals for creator, at any moment.
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
 
 #include <algorithm>
@@ -238,7 +239,7 @@ TEST_F(CreatorCancelTest, aCallerThatIgnoresItsChildrenDoesNotConfuseIt)
 TEST_F(CreatorCancelTest, noMomentLeavesAnythingBehind)
 {
     constexpr int rounds = 200;
-    constexpr int longest = 12000; // microseconds; creator is done with the stand-in before
+    constexpr int longest = 12000; // microseconds; creator is done with the fake before
     std::mt19937 random(7);
     std::uniform_int_distribution<int> moment(0, longest);
     setGoodFfmpeg("print out_time_us=1000\\nprogress=continue\\n\nwrite-output half\nsleep 2\n");

@@ -134,7 +134,7 @@ TEST_F(CreatorInputTest, aPipeWithANameIsRefusedInsteadOfWaitedFor)
     EXPECT_EQ(run(transcode(pipe, output())), 1);
     EXPECT_FALSE(exists(output()));
     EXPECT_EQ(run({"-v", "quiet", "-ss", "1", "-i", pipe, "-frames:v", "1", "-y", output()}), 0);
-    EXPECT_FALSE(contentsOf(output()).empty()); // the stand-in for a picture
+    EXPECT_FALSE(contentsOf(output()).empty()); // the placeholder picture
 }
 
 TEST_F(CreatorInputTest, anInputThatIsNotThereIsAFailure)

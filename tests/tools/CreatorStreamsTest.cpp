@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What creator says, to whom, and what it hands on to ffmpeg.
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
 
 #include <algorithm>

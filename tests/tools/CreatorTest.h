@@ -13,7 +13,7 @@
 namespace tarnwell::test
 {
 
-/// Runs creator with a stand-in for ffmpeg. After each test the input is what it was, however the run ended.
+/// Runs creator with a fake for ffmpeg. After each test the input is what it was, however the run ended.
 class CreatorTest : public testing::Test
 {
 protected:

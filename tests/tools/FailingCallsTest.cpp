@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every call of the system that the tools make fails in turn, the first time, the second, and so on.
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
 
 #include <filesystem>

@@ -3,6 +3,7 @@
 // themselves, then under the tools.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/tools/Listener.h"
 #include "tests/tools/ToolProcess.h"
 

@@ -3,6 +3,7 @@
 // killed at any moment. TARNWELL_ROUNDS sets how many moments are tried.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/tools/SmallDisk.h"
 #include "tests/tools/ToolProcess.h"
 

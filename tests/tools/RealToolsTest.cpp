@@ -2,6 +2,7 @@
 // Both tools with the installed ffprobe and ffmpeg.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/tools/ToolProcess.h"
 #include "tools/TrackMatrix.h"
 

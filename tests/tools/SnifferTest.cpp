@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The probe tool, with stand-ins for ffprobe.
+// The probe tool, with fakes for ffprobe.
 #include "tests/support/Files.h"
 #include "tests/support/Reports.h"
 #include "tests/tools/MatrixText.h"

@@ -2,6 +2,7 @@
 #include "tests/tools/ToolFolder.h"
 
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 
 #include <filesystem>
 

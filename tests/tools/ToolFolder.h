@@ -9,7 +9,7 @@
 namespace tarnwell::test
 {
 
-/// Copies of the built sniffer and creator, in a folder of their own, beside which they find stand-ins for
+/// Copies of the built sniffer and creator, in a folder of their own, beside which they find fakes for
 /// ffprobe and ffmpeg; and another folder for videos.
 class ToolFolder
 {
@@ -19,7 +19,7 @@ public:
     std::string creator() const { return m_tools.path() + "creator"; }
     std::string sniffer() const { return m_tools.path() + "sniffer"; }
 
-    /// What the stand-in does from its next run on; see tests/support/StandInTools.h. Until then there is
+    /// What the fake does from its next run on; see tests/support/FakeTools.h. Until then there is
     /// none, and that of the system is used.
     void setFfmpeg(const std::string& script) { setTool("ffmpeg", script); }
     void setFfprobe(const std::string& script) { setTool("ffprobe", script); }
@@ -33,7 +33,7 @@ public:
     void breakFfmpeg() { breakTool("ffmpeg"); }
     void breakFfprobe() { breakTool("ffprobe"); }
 
-    /// Makes a file beside the tools, where a stand-in may read it; its path.
+    /// Makes a file beside the tools, where a fake may read it; its path.
     std::string addData(const std::string& name, const std::string& contents);
 
     /// A path in the folder of videos.
@@ -42,11 +42,10 @@ public:
     const std::string& videos() const { return m_videos.path(); }
 
 private:
-    void setTool(
-        const std::string& name, const std::string& script, const std::string& program = "standInTool");
+    void setTool(const std::string& name, const std::string& script, const std::string& program = "fakeTool");
     void breakTool(const std::string& name);
 
-    std::map<std::string, std::string> m_programs; // which one each stand-in is a copy of
+    std::map<std::string, std::string> m_programs; // which one each fake is a copy of
     TemporaryDirectory m_tools;
     TemporaryDirectory m_videos;
 };

@@ -57,7 +57,7 @@ public:
     /// Waits for a line that begins so; what follows in it. Fails the test where the tool ends before.
     std::string waitForError(const std::string& beginning);
 
-    /// What the stand-in tool said in lines that begin so, each without the beginning; see StandInTools.h.
+    /// What the fake tool said in lines that begin so, each without the beginning; see FakeTools.h.
     std::vector<std::string> said(const std::string& beginning) const;
     /// The same for words in hexadecimal digits.
     std::vector<std::string> saidInHex(const std::string& beginning) const;

@@ -3,6 +3,7 @@
 // What happens is read from the screen, on which weston puts windows where it likes.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/support/Samples.h"
 #include "tests/support/WindowTest.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/FakeTools.h"
 #include "tests/support/Reports.h"
 #include "tests/support/Samples.h"
-#include "tests/support/StandInTools.h"
 #include "tests/support/WindowTest.h"
 
 #include <QImage>
@@ -22,17 +22,17 @@ inline constexpr QSize stillSize = {48, 32};
 inline constexpr const char* editingControls[] = {"saveToolBarBTN", "rotateLeftBTN", "rotateRightBTN",
     "resetBTN", "flipVerticallyBTN", "flipHorizontallyBTN"};
 
-/// The real window with stand-in tools. At first sniffer reports an H.264 video of 8 seconds, and creator
+/// The real window with fake tools. At first sniffer reports an H.264 video of 8 seconds, and creator
 /// copies a still picture to its output. Sniffer writes its arguments into the file "probed" of the test's
 /// folder.
-class StandInTest : public WindowTest
+class FakeToolsTest : public WindowTest
 {
 protected:
-    StandInTest();
+    FakeToolsTest();
 
     void start() { WindowTest::start(m_tools.context()); }
 
-    StandInTools& tools() { return m_tools; }
+    FakeTools& tools() { return m_tools; }
 
     /// The still that creator delivers; its corners differ.
     const QImage& still() const { return m_still; }
@@ -50,7 +50,7 @@ protected:
     static int coloursIn(const QImage& picture);
 
 private:
-    StandInTools m_tools;
+    FakeTools m_tools;
     QImage m_still;
 };
 

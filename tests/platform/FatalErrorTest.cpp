@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 
 #include "tests/support/SilentStop.h"
 
@@ -10,9 +10,9 @@
 namespace tarnwell::test
 {
 
-TEST(ProgramStopsDeathTest, theProgramEndsAtOnceWithoutAMessage)
+TEST(FatalErrorDeathTest, theProgramEndsAtOnceWithoutAMessage)
 {
-    EXPECT_SILENT_STOP(programStops());
+    EXPECT_SILENT_STOP(fatalError());
 }
 
 TEST(RequiredTest, whatAnOptionalHoldsIsGiven)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/StandInTest.h"
+#include "tests/support/FakeToolsTest.h"
 
 #include "desktop/PathText.h"
 #include "tests/support/Files.h"
@@ -11,7 +11,7 @@
 namespace tarnwell::test
 {
 
-StandInTest::StandInTest()
+FakeToolsTest::FakeToolsTest()
     : m_still(stillSize, QImage::Format_RGB32)
 {
     m_still.fill(Qt::gray);
@@ -26,18 +26,18 @@ StandInTest::StandInTest()
     m_tools.setCreator(stillScript());
 }
 
-std::string StandInTest::sniffing(const std::string& report)
+std::string FakeToolsTest::sniffing(const std::string& report)
 {
     writeFile(folder() + "report.json", report);
     return "record " + folder() + "probed\nprint-file " + folder() + "report.json\n";
 }
 
-std::string StandInTest::stillScript() const
+std::string FakeToolsTest::stillScript() const
 {
     return "copy " + folder() + "still.png\n";
 }
 
-void StandInTest::openVideo()
+void FakeToolsTest::openVideo()
 {
     writeFile(folder() + "clip.mp4", "bytes");
     ASSERT_TRUE(drop(folder() + "clip.mp4"));
@@ -46,7 +46,7 @@ void StandInTest::openVideo()
     waitForKeyboard(window());
 }
 
-int StandInTest::coloursIn(const QImage& picture)
+int FakeToolsTest::coloursIn(const QImage& picture)
 {
     constexpr std::size_t enough = 10;
     std::set<QRgb> colours;

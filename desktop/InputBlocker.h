@@ -8,16 +8,16 @@ namespace tarnwell
 
 /// While one lives, the program takes no input: keys, clicks, drags, drops and requests to close a window are
 /// dropped, not kept for later. Painting, timers and the like go on. Main thread.
-class InputGate : public QObject
+class InputBlocker : public QObject
 {
     Q_OBJECT
 
 public:
-    InputGate();
-    ~InputGate() override;
+    InputBlocker();
+    ~InputBlocker() override;
 
     /// Whether one lives.
-    static bool isClosed();
+    static bool isActive();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/AttentiveWait.h"
+#include "desktop/EventLoopWait.h"
 
 #include "desktop/Doorbell.h"
-#include "desktop/InputGate.h"
+#include "desktop/InputBlocker.h"
 
 #include <QEventLoop>
 
@@ -27,7 +27,7 @@ std::thread startThread(std::function<void()> work)
 
 } // namespace
 
-void waitAttentively(const std::function<void()>& blockingCall)
+void waitInEventLoop(const std::function<void()>& blockingCall)
 {
     QEventLoop loop;
     const Doorbell finished([&loop] { loop.quit(); });
@@ -35,7 +35,7 @@ void waitAttentively(const std::function<void()>& blockingCall)
         blockingCall();
         return;
     }
-    const InputGate gate;
+    const InputBlocker blocker;
     std::thread helper = startThread([&] {
         blockingCall();
         finished.ring();

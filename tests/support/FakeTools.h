@@ -28,7 +28,7 @@ namespace tarnwell::test
 /// sleep MILLISECONDS, hang    waits; for ever
 /// die SIGNAL, exit STATUS     ends
 ///
-/// For a stand-in that may write nowhere but to its streams and its output:
+/// For a fake that may write nowhere but to its streams and its output:
 ///
 /// say-arguments, say-environment, say-descriptors, say-pid, say-session
 ///                             lines on standard error: "argument HEX", "variable HEX", "descriptor N
@@ -43,7 +43,7 @@ namespace tarnwell::test
 /// with WORD COMMAND, without WORD COMMAND
 ///                             does the command only where the word is among the arguments, or is not
 // clang-format on
-class StandInTools
+class FakeTools
 {
 public:
     /// What the tool does from its next run on.
@@ -68,7 +68,7 @@ public:
     const std::string& folder() const { return m_folder.path(); }
 
     Bundle bundle() const;
-    ToolContext context() const { return {bundle(), waitPlainly}; }
+    ToolContext context() const { return {bundle(), waitBlocking}; }
 
 private:
     void setTool(const std::string& name, const std::string& script);

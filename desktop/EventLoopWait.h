@@ -8,6 +8,6 @@ namespace tarnwell
 
 /// Makes a blocking call on a helper thread and returns when it has returned. Until then the main thread, the
 /// only one that may call this, keeps the windows painted and takes no input.
-void waitAttentively(const std::function<void()>& blockingCall);
+void waitInEventLoop(const std::function<void()>& blockingCall);
 
 } // namespace tarnwell

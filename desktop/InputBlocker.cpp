@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/InputGate.h"
+#include "desktop/InputBlocker.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -10,7 +10,7 @@ namespace tarnwell
 namespace
 {
 
-int closedGates = 0;
+int activeBlockers = 0;
 
 bool isInput(QEvent::Type type)
 {
@@ -46,23 +46,23 @@ bool isInput(QEvent::Type type)
 
 } // namespace
 
-InputGate::InputGate()
+InputBlocker::InputBlocker()
 {
-    ++closedGates;
+    ++activeBlockers;
     QCoreApplication::instance()->installEventFilter(this);
 }
 
-InputGate::~InputGate()
+InputBlocker::~InputBlocker()
 {
-    --closedGates;
+    --activeBlockers;
 }
 
-bool InputGate::isClosed()
+bool InputBlocker::isActive()
 {
-    return closedGates > 0;
+    return activeBlockers > 0;
 }
 
-bool InputGate::eventFilter(QObject* /*watched*/, QEvent* event)
+bool InputBlocker::eventFilter(QObject* /*watched*/, QEvent* event)
 {
     if (!isInput(event->type()))
         return false;

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "platform/ProgramStops.h"
+#include "platform/FatalError.h"
 
 #include <cstdlib>
 
 namespace tarnwell
 {
 
-void programStops() noexcept
+void fatalError() noexcept
 {
     std::abort();
 }

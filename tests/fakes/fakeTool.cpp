@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Stands in for sniffer or creator. It is called by a link whose path is argv[0], and does what the script
-// beside that link says, line by line; see tests/support/StandInTools.h for the commands.
+// beside that link says, line by line; see tests/support/FakeTools.h for the commands.
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -301,7 +301,7 @@ int main(int argc, char* argv[])
     std::istringstream script(contentsOf(link + ".script")); // the file is closed while the commands run
     for (std::string line; std::getline(script, line);) {
         if (!perform(line)) {
-            std::cerr << "standInTool: unknown command: " << line << '\n';
+            std::cerr << "fakeTool: unknown command: " << line << '\n';
             return 2;
         }
     }

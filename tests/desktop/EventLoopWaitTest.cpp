@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/AttentiveWait.h"
+#include "desktop/EventLoopWait.h"
 
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/DragSource.h"
@@ -100,11 +100,11 @@ private:
 
 } // namespace
 
-TEST(AttentiveWaitTest, returnsWhenTheCallHasReturned)
+TEST(EventLoopWaitTest, returnsWhenTheCallHasReturned)
 {
     bool hasReturned = false;
     std::thread::id thread;
-    waitAttentively([&] {
+    waitInEventLoop([&] {
         thread = std::this_thread::get_id();
         std::this_thread::yield();
         hasReturned = true;
@@ -113,18 +113,18 @@ TEST(AttentiveWaitTest, returnsWhenTheCallHasReturned)
     EXPECT_NE(thread, std::this_thread::get_id());
 }
 
-TEST(AttentiveWaitTest, callsOneAfterTheOtherAreAllMade)
+TEST(EventLoopWaitTest, callsOneAfterTheOtherAreAllMade)
 {
     int calls = 0;
     for (int i = 0; i < 200; ++i)
-        waitAttentively([&] { ++calls; });
+        waitInEventLoop([&] { ++calls; });
     EXPECT_EQ(calls, 200);
 }
 
-TEST(AttentiveWaitTest, theWindowIsPaintedMeanwhile)
+TEST(EventLoopWaitTest, theWindowIsPaintedMeanwhile)
 {
     BusyWindow window;
-    waitAttentively([&] {
+    waitInEventLoop([&] {
         for (int i = 0; i < 3; ++i) {
             const int earlier = window.paintings().value();
             QMetaObject::invokeMethod(
@@ -134,7 +134,7 @@ TEST(AttentiveWaitTest, theWindowIsPaintedMeanwhile)
     });
 }
 
-TEST(AttentiveWaitTest, aWindowThatWasCoveredIsShownAgainMeanwhile)
+TEST(EventLoopWaitTest, aWindowThatWasCoveredIsShownAgainMeanwhile)
 {
     BusyWindow window;
     window.move(0, 0);
@@ -142,7 +142,7 @@ TEST(AttentiveWaitTest, aWindowThatWasCoveredIsShownAgainMeanwhile)
     const QPoint place = DragSource::place.bottomRight() - QPoint(20, 20);
     ASSERT_TRUE(
         waitUntil([&] { return window.geometry().contains(place) && colourOnScreen(place) == Qt::green; }));
-    waitAttentively([&] {
+    waitInEventLoop([&] {
         {
             const DragSource cover("");
             EXPECT_EQ(colourOnScreen(place), QColor(Qt::magenta));
@@ -156,11 +156,11 @@ TEST(AttentiveWaitTest, aWindowThatWasCoveredIsShownAgainMeanwhile)
     });
 }
 
-TEST(AttentiveWaitTest, clicksAndKeysAreDroppedAndNotKeptForLater)
+TEST(EventLoopWaitTest, clicksAndKeysAreDroppedAndNotKeptForLater)
 {
     BusyWindow window;
     const QPoint button = screenPosition(window.button());
-    waitAttentively([&] {
+    waitInEventLoop([&] {
         realClickAt(button);
         realKeys("a");
         realKeys("Return");
@@ -175,11 +175,11 @@ TEST(AttentiveWaitTest, clicksAndKeysAreDroppedAndNotKeptForLater)
     EXPECT_EQ(window.typed(), QStringLiteral("b"));
 }
 
-TEST(AttentiveWaitTest, aRequestToCloseTheWindowIsDropped)
+TEST(EventLoopWaitTest, aRequestToCloseTheWindowIsDropped)
 {
     BusyWindow window;
     Count requests;
-    waitAttentively([&] {
+    waitInEventLoop([&] {
         QMetaObject::invokeMethod(
             &window,
             [&] {
@@ -194,12 +194,12 @@ TEST(AttentiveWaitTest, aRequestToCloseTheWindowIsDropped)
     EXPECT_TRUE(window.isVisible());
 }
 
-TEST(AttentiveWaitTest, aDropIsRefusedAndNotKeptForLater)
+TEST(EventLoopWaitTest, aDropIsRefusedAndNotKeptForLater)
 {
     BusyWindow window;
     const QPoint place = screenPosition(window);
     bool isTaken = true;
-    waitAttentively([&] {
+    waitInEventLoop([&] {
         DragSource source("file:///dropped");
         source.dragTo(place);
         isTaken = source.drop();
@@ -214,13 +214,13 @@ TEST(AttentiveWaitTest, aDropIsRefusedAndNotKeptForLater)
     EXPECT_TRUE(waitUntil([&] { return window.drops() == 1; }));
 }
 
-TEST(AttentiveWaitTest, aDragThatHoversAlreadyCannotBeDropped)
+TEST(EventLoopWaitTest, aDragThatHoversAlreadyCannotBeDropped)
 {
     BusyWindow window;
     DragSource source("file:///dropped");
     source.dragTo(screenPosition(window));
     source.waitUntilAccepted();
-    waitAttentively([&] {
+    waitInEventLoop([&] {
         std::optional<EventCounter> arrivals;
         const auto onMainThread = [&](const std::function<void()>& work) {
             QMetaObject::invokeMethod(&window, work, Qt::BlockingQueuedConnection);
@@ -238,13 +238,13 @@ TEST(AttentiveWaitTest, aDragThatHoversAlreadyCannotBeDropped)
     EXPECT_EQ(window.drops(), 0);
 }
 
-TEST(AttentiveWaitTest, mayBeCalledInsideAClick)
+TEST(EventLoopWaitTest, mayBeCalledInsideAClick)
 {
     BusyWindow window;
     const QPoint button = screenPosition(window.button());
     int calls = 0;
     QObject::connect(&window.button(), &QPushButton::clicked, &window, [&] {
-        waitAttentively([&] {
+        waitInEventLoop([&] {
             ++calls;
             realClickAt(button);
         });

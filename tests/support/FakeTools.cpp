@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/StandInTools.h"
+#include "tests/support/FakeTools.h"
 
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 
 #include <filesystem>
 
@@ -21,39 +22,39 @@ void replaceLink(const std::string& target, const std::string& link)
 
 } // namespace
 
-void StandInTools::addPoster()
+void FakeTools::addPoster()
 {
     replaceLink(buildFolder + "/share/tarnwell/poster.png", folder() + "poster.png");
 }
 
-void StandInTools::removeSniffer()
+void FakeTools::removeSniffer()
 {
     std::filesystem::remove(folder() + "sniffer");
 }
 
-void StandInTools::makeUnstartable(const std::string& name)
+void FakeTools::makeUnstartable(const std::string& name)
 {
     std::filesystem::remove(folder() + name);
     writeFile(folder() + name, "no program");
 }
 
-void StandInTools::removeCreator()
+void FakeTools::removeCreator()
 {
     std::filesystem::remove(folder() + "creator");
 }
 
-Bundle StandInTools::bundle() const
+Bundle FakeTools::bundle() const
 {
     return Bundle(folder().substr(0, folder().size() - 1));
 }
 
-void StandInTools::setTool(const std::string& name, const std::string& script)
+void FakeTools::setTool(const std::string& name, const std::string& script)
 {
     writeFile(folder() + name + ".script", script);
-    replaceLink(buildFolder + "/tests/standInTool", folder() + name);
+    replaceLink(buildFolder + "/tests/fakeTool", folder() + name);
 }
 
-void StandInTools::useRealTool(const std::string& name)
+void FakeTools::useRealTool(const std::string& name)
 {
     replaceLink(buildFolder + "/libexec/tarnwell/" + name, folder() + name);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/InputGate.h"
+#include "desktop/InputBlocker.h"
 
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/RealInput.h"
@@ -21,10 +21,10 @@
 namespace tarnwell::test
 {
 
-class InputGateTest : public testing::Test
+class InputBlockerTest : public testing::Test
 {
 protected:
-    InputGateTest()
+    InputBlockerTest()
     {
         m_field.setGeometry(10, 60, 200, 30);
         m_field.show();
@@ -43,17 +43,17 @@ protected:
     QLineEdit m_field{&m_window};
 };
 
-TEST_F(InputGateTest, inputArrivesWithoutAGate)
+TEST_F(InputBlockerTest, inputArrivesWithoutABlocker)
 {
     clickAndType();
     EXPECT_EQ(m_window.clicks(), 1);
     EXPECT_EQ(m_field.text(), QStringLiteral("a"));
 }
 
-TEST_F(InputGateTest, clicksAndKeysAreDroppedAndNotKeptForLater)
+TEST_F(InputBlockerTest, clicksAndKeysAreDroppedAndNotKeptForLater)
 {
     {
-        const InputGate gate;
+        const InputBlocker blocker;
         clickAndType();
         EXPECT_EQ(m_window.clicks(), 0);
         EXPECT_EQ(m_field.text(), QString());
@@ -66,13 +66,13 @@ TEST_F(InputGateTest, clicksAndKeysAreDroppedAndNotKeptForLater)
     EXPECT_EQ(m_field.text(), QStringLiteral("a"));
 }
 
-TEST_F(InputGateTest, shortcutsAreDropped)
+TEST_F(InputBlockerTest, shortcutsAreDropped)
 {
     int activations = 0;
     const QShortcut shortcut(
         QKeySequence(QStringLiteral("Ctrl+L")), &m_window, [&] { ++activations; }, Qt::WindowShortcut);
     {
-        const InputGate gate;
+        const InputBlocker blocker;
         realKeys("ctrl+l");
     }
     QCoreApplication::processEvents();
@@ -81,10 +81,10 @@ TEST_F(InputGateTest, shortcutsAreDropped)
     EXPECT_EQ(activations, 1);
 }
 
-TEST_F(InputGateTest, aRequestToCloseTheWindowIsDropped)
+TEST_F(InputBlockerTest, aRequestToCloseTheWindowIsDropped)
 {
     {
-        const InputGate gate;
+        const InputBlocker blocker;
         m_window.windowHandle()->close();
     }
     QCoreApplication::processEvents();
@@ -93,14 +93,14 @@ TEST_F(InputGateTest, aRequestToCloseTheWindowIsDropped)
     EXPECT_TRUE(waitUntil([this] { return !m_window.isVisible(); }));
 }
 
-TEST_F(InputGateTest, aGateWithinAGateOpensNothing)
+TEST_F(InputBlockerTest, anInnerBlockerLeavesTheOuterOneInForce)
 {
-    EXPECT_FALSE(InputGate::isClosed());
-    const InputGate outer;
+    EXPECT_FALSE(InputBlocker::isActive());
+    const InputBlocker outer;
     {
-        const InputGate inner;
+        const InputBlocker inner;
     }
-    EXPECT_TRUE(InputGate::isClosed());
+    EXPECT_TRUE(InputBlocker::isActive());
     clickAndType();
     EXPECT_EQ(m_window.clicks(), 0);
     EXPECT_EQ(m_field.text(), QString());
@@ -131,7 +131,7 @@ private:
     std::optional<QEvent::Type> m_received;
 };
 
-TEST_F(InputGateTest, otherKindsOfInputAreDroppedAndNotAccepted)
+TEST_F(InputBlockerTest, otherKindsOfInputAreDroppedAndNotAccepted)
 {
     const QMimeData data;
     const QPoint place(5, 5);
@@ -147,15 +147,15 @@ TEST_F(InputGateTest, otherKindsOfInputAreDroppedAndNotAccepted)
         EXPECT_TRUE(receiver.receives(enter)); // a move or a drop comes only to where a drag has entered
         EXPECT_TRUE(receiver.receives(*input));
         EXPECT_TRUE(receiver.receives(enter));
-        const InputGate gate;
+        const InputBlocker blocker;
         EXPECT_FALSE(receiver.receives(*input));
         EXPECT_FALSE(input->isAccepted());
     }
 }
 
-TEST_F(InputGateTest, timersAndPaintingGoOn)
+TEST_F(InputBlockerTest, timersAndPaintingGoOn)
 {
-    const InputGate gate;
+    const InputBlocker blocker;
     Receiver receiver;
     for (const auto type : {QEvent::Paint, QEvent::Timer, QEvent::UpdateRequest, QEvent::Expose,
              QEvent::Resize, QEvent::Enter, QEvent::Leave, QEvent::WindowActivate, QEvent::User}) {

@@ -106,7 +106,7 @@ TEST_F(ControllerTest, reopeningBringsAMinimisedWindowBackWithTheKeyboard)
     ASSERT_TRUE(waitUntil([this] { return window().isMinimized(); }));
     application().reopen();
     EXPECT_TRUE(waitUntil([this] { return window().isVisible() && !window().isMinimized(); }));
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+    EXPECT_TRUE(waitUntil([this] { return hasKeyboard(window()); }));
 }
 
 TEST_F(ControllerTest, reopeningBringsAHiddenWindowBackWithTheKeyboard)
@@ -116,7 +116,7 @@ TEST_F(ControllerTest, reopeningBringsAHiddenWindowBackWithTheKeyboard)
     other.show();
     window().hide();
     application().reopen();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+    EXPECT_TRUE(waitUntil([this] { return hasKeyboard(window()); }));
 }
 
 TEST_F(ControllerTest, reopeningOnlyRaisesAVisibleWindow)
@@ -128,7 +128,7 @@ TEST_F(ControllerTest, reopeningOnlyRaisesAVisibleWindow)
     waitForKeyboard(other);
     application().reopen();
     EXPECT_TRUE(waitUntil([this] { return isOnTop(window()); }));
-    EXPECT_TRUE(other.isActiveWindow());
+    EXPECT_TRUE(hasKeyboard(other));
 }
 
 TEST_F(ControllerTest, aHiddenCancelButtonDoesNothing)

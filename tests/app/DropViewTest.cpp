@@ -256,7 +256,7 @@ protected:
     {
         m_view.resize(1000, 800);
         m_view.show();
-        waitForRealKeyboard(m_view);
+        waitForKeyboard(m_view);
     }
 
     QPoint target() { return screenPosition(m_view); }

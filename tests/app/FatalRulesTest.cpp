@@ -34,8 +34,7 @@ protected:
         drop(folder() + "clip.mp4");
     }
 
-    /// Saves and goes on until the program ends. The encoder itself ends at once: one that outlived the
-    /// program would hold on to the pipe through which its death is noticed.
+    /// Saves and processes events until the program stops.
     void saveAndWait(const std::string& creatorScript)
     {
         tools().setCreator(stillScript() + creatorScript); // an output gives no line about it
@@ -46,18 +45,14 @@ protected:
     {
         action("flipVerticallyBTN").trigger(); // one mirror: no choice of a mode
         saveByPanel(folder() + "out.mp4");
-        waitUntil([] { return false; });
+        runUntilStop();
     }
 
     /// One that is there, and so gives a description without a word.
     std::string anyFile() const { return folder() + "still.png"; }
 
-    /// Runs the encoder without any plan, and goes on until the condition holds.
-    void runAndWait(const std::function<bool()>& condition)
-    {
-        delegate().startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"});
-        waitUntil(condition);
-    }
+    /// Runs the encoder without any plan.
+    void runCreator() { delegate().startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"}); }
 
     void post(std::map<std::string, std::any> userInfo)
     {
@@ -162,14 +157,15 @@ TEST_F(FatalRulesDeathTest, aFlagToRewriteWithoutAFileStopsTheProgram)
 TEST_F(FatalRulesDeathTest, progressWithoutAFileStopsTheProgram)
 {
     tools().setCreator(stillScript() + "error time=00:00:01.00\n");
-    EXPECT_SILENT_STOP((start(), runAndWait([] { return false; })));
+    EXPECT_SILENT_STOP((start(), runCreator(), runUntilStop()));
 }
 
 TEST_F(FatalRulesDeathTest, aCancelledResultWithoutAPathStopsTheProgram)
 {
     EXPECT_SILENT_STOP([&] {
         start();
-        runAndWait([this] { return isAlertShown(); });
+        runCreator();
+        shownAlert();
         delegate().closeBTNInsideProgressWindowClicked();
         const auto probe = std::make_shared<FileProbe>(anyFile(), tools().context());
         probe->fileFullPath.reset();

@@ -128,10 +128,10 @@ TEST_F(KeyboardTest, comesBackToItsPlaceAfterASheet)
     realKeys("space");
     auto& help = find<QDialog>("helpWindow");
     ASSERT_TRUE(waitUntil([&help] { return help.isVisible(); }));
-    waitForRealKeyboard(help);
+    waitForKeyboard(help);
     realKeys("Return");
     ASSERT_TRUE(waitUntil([&help] { return !help.isVisible(); }));
-    waitForRealKeyboard(window());
+    waitForKeyboard(window());
     EXPECT_EQ(owner(), "Help");
 }
 

@@ -28,19 +28,19 @@ protected:
         return *m_delegate;
     }
 
-    /// Does what the controller hands to the main thread, until the condition holds.
-    void workUntil(const std::function<bool()>& condition)
+    /// Runs what the controller submits to the main thread, until the condition holds.
+    void drainUntil(const std::string& awaited, const std::function<bool()>& condition)
     {
-        waitUntil([&] {
+        waitFor(awaited, [&] {
             m_queue->drain();
             return condition();
         });
     }
 
     /// The same until the program stops.
-    void workOn()
+    void drainUntilStop()
     {
-        workUntil([] { return false; });
+        drainUntil("the end of the program", [] { return false; });
     }
 
     void analyse(const Disconnect& disconnect)
@@ -141,7 +141,7 @@ TEST_F(OutletsDeathTest, anExportNeedsEveryPartOfTheProgressSheet)
     for (const Disconnect& disconnect : partsOfTheProgressSheet()) {
         EXPECT_SILENT_STOP([&] {
             startWithout(disconnect).startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"});
-            workOn();
+            drainUntilStop();
         }());
     }
 }
@@ -160,10 +160,10 @@ TEST_F(OutletsDeathTest, progressNeedsTheBarThoughTheSheetIsUp)
             AppDelegate& lacking = startWithout([&](Outlets& outlets) { outlets.progressBar = bar.get(); });
             lacking.analyzeFile(FileURL(folder() + "clip.mp4"));
             lacking.startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"});
-            workUntil([this] { return isProgressShown(); });
+            drainUntil("the progress sheet", [this] { return isProgressShown(); });
             bar.reset();
             writeFile(go, "");
-            workOn();
+            drainUntilStop();
         }(),
         "^Percent : 50.0\n$");
 }

@@ -139,7 +139,6 @@ TEST_F(SaveTest, theInputUnderAnotherSpellingIsPassedOn)
         saveByPanel(output);
         if (isThere)
             answer(shownAlert(), "&Yes");
-        ASSERT_TRUE(waitUntil([] { return QApplication::activeWindow() != nullptr; }));
         waitForResult();
         finish();
         const std::vector<std::string> arguments = createdArguments();

@@ -48,7 +48,7 @@ protected:
         alert.beginSheetModal(m_window, m_sheets, [this](int response) { m_responses.push_back(response); });
         m_box = m_window.findChild<QMessageBox*>();
         ASSERT_NE(m_box, nullptr);
-        waitForRealKeyboard(*m_box);
+        waitForKeyboard(*m_box);
     }
 
     QAbstractButton& button(const QString& text)
@@ -270,7 +270,7 @@ TEST_F(AlertTest, needsNoHandler)
     alertWithButtons({}).beginSheetModal(m_window, m_sheets);
     const QPointer box = m_window.findChild<QMessageBox*>();
     ASSERT_FALSE(box.isNull());
-    waitForRealKeyboard(*box);
+    waitForKeyboard(*box);
     realKeys("Return");
     EXPECT_TRUE(waitUntil([&] { return box.isNull(); }));
 }

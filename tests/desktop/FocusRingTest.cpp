@@ -32,7 +32,7 @@ protected:
         palette.setColor(QPalette::Highlight, highlight);
         m_window.setPalette(palette);
         m_window.show();
-        waitForRealKeyboard(m_window);
+        waitForKeyboard(m_window);
     }
 
     /// Whether the button's edge has the highlight's colour all around, and its middle has not.

@@ -50,7 +50,7 @@ void PanelTest::begun()
     m_panel = m_window.findChild<PathPanel*>();
     ASSERT_NE(m_panel, nullptr);
     m_panel->setDirectory(textOfPath(folder()));
-    waitForRealKeyboard(*m_panel);
+    waitForKeyboard(*m_panel);
 }
 
 void PanelTest::makeFile(const std::string& name) const
@@ -157,7 +157,7 @@ void PanelTest::answerQuestion(QMessageBox& question)
 {
     m_questions.append(question.text() + question.informativeText());
     EXPECT_TRUE(m_nextAnswer) << "unexpected: " << question.text().toStdString();
-    waitForRealKeyboard(question);
+    waitForKeyboard(question);
     QAbstractButton* button = m_nextAnswer ? question.button(*m_nextAnswer) : nullptr;
     if (button != nullptr)
         realClick(*button);
@@ -170,7 +170,7 @@ void PanelTest::waitForAnsweredQuestion()
 {
     EXPECT_TRUE(waitUntil([this] { return !m_questions.isEmpty() && !m_nextAnswer; })) << "nothing was asked";
     if (isPanelUp())
-        waitForRealKeyboard(*m_panel);
+        waitForKeyboard(*m_panel);
 }
 
 void PanelTest::forgetAnswers()

@@ -24,8 +24,7 @@ public:
         m_button.setGeometry(10, 10, 80, 30);
         connect(&m_button, &QPushButton::clicked, this, [this] { ++m_clicks; });
         show();
-        activateWindow();
-        waitForRealKeyboard(*this);
+        waitForKeyboard(*this);
     }
 
     QPushButton& button() { return m_button; }

@@ -25,8 +25,7 @@ protected:
     {
         m_other.setGeometry(0, 0, 100, 100);
         m_other.show();
-        m_other.activateWindow();
-        waitForRealKeyboard(m_other);
+        waitForKeyboard(m_other);
     }
 
     /// Starts the program again, and returns when that has left.

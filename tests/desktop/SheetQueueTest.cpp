@@ -199,11 +199,11 @@ TEST_F(SheetQueueTest, aSheetBlocksItsWindowUntilTheLastHasEnded)
     const auto second = newSheet();
     m_sheets.begin(first.get());
     m_sheets.begin(second.get());
-    waitForRealKeyboard(*first);
+    waitForKeyboard(*first);
     realClick(m_window.button());
     EXPECT_EQ(m_window.clicks(), 0);
     m_sheets.end(first.get());
-    waitForRealKeyboard(*second);
+    waitForKeyboard(*second);
     realClick(m_window.button());
     EXPECT_EQ(m_window.clicks(), 0);
     m_sheets.end(second.get());
@@ -260,7 +260,7 @@ TEST_F(SheetQueueTest, anActionOfEverySheetWorksInEachOfThem)
     m_sheets.begin(first.get());
     m_sheets.begin(second.get());
     for (Sheet* sheet : {first.get(), second.get()}) {
-        waitForRealKeyboard(*sheet);
+        waitForKeyboard(*sheet);
         const int earlier = calls;
         realKeys("F1");
         EXPECT_EQ(calls, earlier + 1);
@@ -302,7 +302,7 @@ TEST_F(SheetQueueTest, nothingCanBeDroppedOnTheWindowWhileASheetIsUp)
     DropArea area(m_window);
     const auto sheet = newSheet();
     m_sheets.begin(sheet.get());
-    waitForRealKeyboard(*sheet);
+    waitForKeyboard(*sheet);
     {
         DragSource source("file:///clip");
         source.dragTo(area.freePlace());

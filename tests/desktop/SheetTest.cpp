@@ -29,7 +29,7 @@ protected:
     void open()
     {
         m_sheet.open();
-        waitForRealKeyboard(m_sheet);
+        waitForKeyboard(m_sheet);
     }
 
     /// What the window manager's request to close it leads to.

@@ -3,7 +3,8 @@
 
 #include "tests/support/Folders.h"
 #include "tests/support/RealInput.h"
-#include "tests/support/WindowTest.h"
+#include "tests/support/Screen.h"
+#include "tests/support/Waiting.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -23,7 +24,7 @@ DragSource::DragSource(const std::string& uriList)
 DragSource::~DragSource()
 {
     m_process.kill();
-    m_process.waitForFinished();
+    EXPECT_TRUE(waitForEnd(m_process));
 }
 
 void DragSource::dragTo(QPoint screenPosition)
@@ -51,20 +52,22 @@ bool DragSource::drop()
 void DragSource::die()
 {
     m_process.kill();
-    m_process.waitForFinished();
+    EXPECT_TRUE(waitForEnd(m_process));
     realRelease();
 }
 
 void DragSource::waitForLine(const QString& beginning)
 {
+    const auto isThere = [&] { return !lineThatBegins(beginning).isEmpty(); };
+    const std::string awaited = "the line “" + beginning.toStdString() + "” of the drag source";
     if (QThread::currentThread() == QCoreApplication::instance()->thread()) {
-        EXPECT_TRUE(waitUntil([&] { return !lineThatBegins(beginning).isEmpty(); }))
-            << beginning.toStdString();
+        waitFor(awaited, isThere);
         return;
     }
-    while (lineThatBegins(beginning).isEmpty()) {
-        if (!m_process.waitForReadyRead(60000)) {
-            ADD_FAILURE() << "the source did not say: " << beginning.toStdString();
+    constexpr std::chrono::milliseconds limit = longestWait;
+    while (!isThere()) {
+        if (!m_process.waitForReadyRead(static_cast<int>(limit.count()))) {
+            ADD_FAILURE() << awaited << " did not come; screen: " << savePictureOfScreen();
             return;
         }
     }

@@ -4,7 +4,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/support/Samples.h"
-#include "tests/support/WindowTest.h"
+#include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -16,14 +16,13 @@ namespace tarnwell::test
 namespace
 {
 
-constexpr int longestWait = 60000; // milliseconds
 const std::string xdotool = "/usr/bin/xdotool";
 
 std::string outputOf(const QString& program, const QStringList& arguments)
 {
     QProcess process;
     process.start(program, arguments);
-    process.waitForFinished(longestWait);
+    EXPECT_TRUE(waitForEnd(process));
     return process.readAllStandardOutput().toStdString();
 }
 
@@ -38,20 +37,22 @@ ExternalProgram::ExternalProgram(const std::string& path)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(QString::fromStdString(path), QStringList());
-    EXPECT_TRUE(m_process.waitForStarted(longestWait));
+    constexpr std::chrono::milliseconds limit = longestWait;
+    if (!m_process.waitForStarted(static_cast<int>(limit.count())))
+        failTest(path + " did not start");
 }
 
 ExternalProgram::~ExternalProgram()
 {
     if (isRunning()) {
         m_process.kill();
-        m_process.waitForFinished(longestWait);
+        EXPECT_TRUE(waitForEnd(m_process));
     }
 }
 
 int ExternalProgram::waitForExit()
 {
-    EXPECT_TRUE(m_process.state() == QProcess::NotRunning || m_process.waitForFinished(longestWait));
+    EXPECT_TRUE(waitForEnd(m_process));
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
@@ -65,9 +66,10 @@ bool ExternalProgram::isActive(const std::string& title) const
         && isNamedSo({QStringLiteral("getwindowfocus"), QStringLiteral("getwindowname")});
 }
 
-void ExternalProgram::waitForWindow(const std::string& title)
+void ExternalProgram::waitForWindow(const std::string& title, CallSite site)
 {
-    ASSERT_TRUE(waitUntil([&] { return isActive(title); })) << title;
+    waitFor(
+        "the keyboard of “" + title + "”", [&] { return isActive(title); }, site);
 }
 
 void ExternalProgram::keys(const std::string& keys)
@@ -80,21 +82,23 @@ void ExternalProgram::text(const std::string& text)
     ASSERT_EQ(run(xdotool, {"type", "--clearmodifiers", "--delay", "4", "--", text}), 0);
 }
 
-void ExternalProgram::keysUntilWindow(const std::string& keysToPress, const std::string& title)
+void ExternalProgram::keysUntilWindow(const std::string& keysToPress, const std::string& title, CallSite site)
 {
-    ASSERT_TRUE(waitUntil([&] {
+    const auto pressUntilActive = [&] {
         if (!isActive(title))
             keys(keysToPress);
         return isActive(title);
-    })) << title;
+    };
+    waitFor("the keyboard of “" + title + "” after " + keysToPress, pressUntilActive, site);
 }
 
-std::string ExternalProgram::waitForOutput(const std::string& text)
+std::string ExternalProgram::waitForOutput(const std::string& text, CallSite site)
 {
-    EXPECT_TRUE(waitUntil([&] {
+    const auto isPrinted = [&] {
         m_output += m_process.readAllStandardOutput();
         return m_output.toStdString().find(text) != std::string::npos;
-    })) << text;
+    };
+    waitFor("the output “" + text + "”", isPrinted, site);
     return m_output.toStdString();
 }
 

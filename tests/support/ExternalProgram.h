@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/Waiting.h"
+
 #include <QProcess>
 #include <QString>
 
@@ -10,7 +12,8 @@
 namespace tarnwell::test
 {
 
-/// The built program as a process of its own, handled from outside with keys of the X server.
+/// The built program as a process of its own, operated by keys of the X server. Each wait ends the test where
+/// the awaited does not come.
 class ExternalProgram
 {
 public:
@@ -29,16 +32,16 @@ public:
     int waitForExit();
 
     /// Waits for a window of the program whose title holds `title`, until it has the keyboard.
-    void waitForWindow(const std::string& title);
+    void waitForWindow(const std::string& title, CallSite site = {});
     /// Presses keys into the window that has the keyboard, as in "ctrl+o".
     void keys(const std::string& keys);
     void text(const std::string& text);
 
     /// Presses keys again and again until the window is there: the program takes none while it is at work.
-    void keysUntilWindow(const std::string& keys, const std::string& title);
+    void keysUntilWindow(const std::string& keys, const std::string& title, CallSite site = {});
 
     /// Waits until standard output holds the text; all that was printed so far.
-    std::string waitForOutput(const std::string& text);
+    std::string waitForOutput(const std::string& text, CallSite site = {});
 
 private:
     bool isActive(const std::string& title) const;

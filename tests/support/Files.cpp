@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Files.h"
 
+#include "tests/support/TimeLimit.h"
+
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <thread>
 
 namespace tarnwell::test
 {
@@ -27,6 +31,19 @@ void writeFile(const std::string& path, const std::string& contents)
 bool exists(const std::string& path)
 {
     return std::filesystem::exists(path);
+}
+
+testing::AssertionResult waitForFile(const std::string& path)
+{
+    constexpr std::chrono::milliseconds interval(2);
+    const auto deadline = std::chrono::steady_clock::now() + longestWait;
+    while (!exists(path)) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return testing::AssertionFailure()
+                << path << " did not come within " << longestWait.count() << " s";
+        std::this_thread::sleep_for(interval);
+    }
+    return testing::AssertionSuccess();
 }
 
 std::vector<std::string> namesIn(const std::string& folder)

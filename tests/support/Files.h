@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -14,6 +16,10 @@ std::string contentsOf(const std::string& path);
 void writeFile(const std::string& path, const std::string& contents);
 
 bool exists(const std::string& path);
+
+/// Blocks until there is a file at the path; fails after the longest wait. For threads other than the main
+/// one, which must process events.
+testing::AssertionResult waitForFile(const std::string& path);
 
 /// The names in the folder, sorted.
 std::vector<std::string> namesIn(const std::string& folder);

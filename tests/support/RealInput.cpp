@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/RealInput.h"
 
-#include "tests/support/WindowTest.h"
+#include "tests/support/Keyboard.h"
+#include "tests/support/Waiting.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QApplication>
@@ -25,8 +26,6 @@ namespace tarnwell::test
 
 namespace
 {
-
-constexpr std::chrono::seconds longestWait(60); // only a broken desktop takes so long
 
 /// What has reached the program's windows so far. Keys count when they are pressed and buttons when they are
 /// released: a key's window may be gone before the key is up again.
@@ -111,38 +110,27 @@ bool isMainThread()
     return QThread::currentThread() == QCoreApplication::instance()->thread();
 }
 
-/// The window that the X server gives keys to. Qt knows it only later, or calls a window active too early.
-WId keyboardOwner()
+/// A popup takes the keys for itself while the X server sends them to the window behind it.
+bool isKeyboardReady()
 {
-    QProcess xdotool;
-    xdotool.start(QStringLiteral("xdotool"), {QStringLiteral("getwindowfocus"), QStringLiteral("-f")});
-    xdotool.waitForFinished();
-    return xdotool.readAllStandardOutput().trimmed().toULongLong();
-}
-
-bool hasKeyboard(QWindow* window)
-{
-    return window != nullptr && QGuiApplication::focusWindow() == window
-        && keyboardOwner() == window->winId();
-}
-
-/// A popup takes the keys for itself while the X server gives them to the window behind it.
-bool hasSomebodyKeyboard()
-{
-    if (QApplication::activePopupWidget() == nullptr)
-        return hasKeyboard(QGuiApplication::focusWindow());
-    const auto windows = QGuiApplication::topLevelWindows();
-    return std::any_of(windows.begin(), windows.end(), [owner = keyboardOwner()](QWindow* window) {
-        return window->handle() != nullptr && window->winId() == owner;
-    });
+    return QApplication::activePopupWidget() != nullptr ? hasProgramKeyboard()
+                                                        : hasKeyboard(QGuiApplication::focusWindow());
 }
 
 /// Other threads cannot know what Qt does; their input is sent as it is.
-void waitForSomebodyWithKeyboard()
+void waitForAnyKeyboard()
 {
-    if (!isMainThread())
-        return;
-    EXPECT_TRUE(waitUntil(hasSomebodyKeyboard)) << "nobody has the keyboard";
+    if (isMainThread())
+        waitFor("the keyboard of any window", isKeyboardReady);
+}
+
+void sendOnMainThread(QProcess& xdotool, const Arrivals& expected)
+{
+    const std::string command = xdotool.arguments().join(u' ').toStdString();
+    waitFor("the end of xdotool " + command, [&] { return xdotool.state() == QProcess::NotRunning; });
+    waitFor("the input of xdotool " + command,
+        [&] { return ArrivalCounter::hasReached(ArrivalCounter::instance().arrivals(), expected); });
+    QCoreApplication::processEvents();
 }
 
 void send(const QStringList& commands, const Arrivals& awaited)
@@ -150,15 +138,11 @@ void send(const QStringList& commands, const Arrivals& awaited)
     const Arrivals expected = soFarAnd(awaited);
     QProcess xdotool;
     xdotool.start(QStringLiteral("xdotool"), commands);
-    if (!isMainThread()) {
-        xdotool.waitForFinished(static_cast<int>(std::chrono::milliseconds(longestWait).count()));
-        EXPECT_TRUE(ArrivalCounter::instance().waitFor(expected)) << commands.join(u' ').toStdString();
+    if (isMainThread()) {
+        sendOnMainThread(xdotool, expected);
     } else {
-        EXPECT_TRUE(waitUntil([&] { return xdotool.state() == QProcess::NotRunning; }));
-        EXPECT_TRUE(waitUntil([&] {
-            return ArrivalCounter::hasReached(ArrivalCounter::instance().arrivals(), expected);
-        })) << commands.join(u' ').toStdString();
-        QCoreApplication::processEvents();
+        EXPECT_TRUE(waitForEnd(xdotool));
+        EXPECT_TRUE(ArrivalCounter::instance().waitFor(expected)) << commands.join(u' ').toStdString();
     }
     EXPECT_EQ(xdotool.exitCode(), 0) << commands.join(u' ').toStdString();
 }
@@ -197,7 +181,7 @@ void clickOpenly(QWidget& widget, QPoint point, int doubleClickInterval)
     const DoubleClickInterval interval(doubleClickInterval);
     const auto isOpen
         = [&] { return QApplication::topLevelAt(screenPosition(widget, point)) == widget.window(); };
-    EXPECT_TRUE(waitUntil(isOpen)) << "covered by another window";
+    waitFor("an uncovered “" + widget.window()->windowTitle().toStdString() + "”", isOpen);
     clickThere(screenPosition(widget, point));
 }
 
@@ -230,12 +214,6 @@ QPoint screenPosition(QWidget& widget)
     return screenPosition(widget, widget.rect().center());
 }
 
-void waitForRealKeyboard(QWidget& window)
-{
-    EXPECT_TRUE(waitUntil([&] { return hasKeyboard(window.windowHandle()); }))
-        << "it did not get the keyboard";
-}
-
 void realClick(QWidget& widget, QPoint point)
 {
     clickOpenly(widget, point, DoubleClickInterval::none);
@@ -254,13 +232,13 @@ void realDoubleClick(QWidget& widget, QPoint point)
 
 void realKeys(const std::string& keys)
 {
-    waitForSomebodyWithKeyboard();
+    waitForAnyKeyboard();
     send(keyCommand(keys), arrivalsOf(keys));
 }
 
 void realText(const std::string& text)
 {
-    waitForSomebodyWithKeyboard();
+    waitForAnyKeyboard();
     const auto keys
         = text.size() + static_cast<std::size_t>(std::count_if(text.begin(), text.end(), needsShift));
     send({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("0"), QStringLiteral("--"),

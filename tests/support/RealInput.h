@@ -11,11 +11,8 @@ namespace tarnwell::test
 {
 
 // Input that comes from the X server, as a user's does: it reaches the window that is there on the screen, or
-// does not reach it. Each call returns when the program has received the input and dealt with it, and fails
-// the test where none of its windows receives it. The main thread goes on with its events meanwhile.
-
-/// Waits until the window itself gets the keys: Qt calls a sheet active already when its parent is.
-void waitForRealKeyboard(QWidget& window);
+// does not reach it. Each call returns when the program has received and handled the input, and fails the
+// test where no window of the program receives it. The main thread processes events meanwhile.
 
 /// Clicks at the point of the widget, which no other window may cover.
 void realClick(QWidget& widget, QPoint point);
@@ -30,7 +27,7 @@ void realDoubleClick(QWidget& widget, QPoint point);
 void realText(const std::string& text);
 
 // The following may also be called from another thread, such as that of a blocking call, while the main
-// thread is at work with its events.
+// thread processes events.
 
 /// Presses the keys into the window that has the keyboard, as in "ctrl+l", "Return", "Escape".
 void realKeys(const std::string& keys);

@@ -3,6 +3,7 @@
 
 #include "desktop/PathText.h"
 #include "platform/TemporaryDirectory.h"
+#include "tests/support/Waiting.h"
 
 #include <QImageReader>
 #include <QProcess>
@@ -19,6 +20,8 @@ namespace
 {
 
 const std::string ffmpeg = "/usr/bin/ffmpeg";
+
+constexpr std::chrono::minutes longestRun(5); // an encoder on a busy machine
 
 std::string drawBox(const std::string& place, const std::string& colour)
 {
@@ -38,7 +41,13 @@ int run(const std::string& program, const std::vector<std::string>& arguments)
     QStringList list;
     for (const auto& argument : arguments)
         list.append(textOfPath(argument));
-    return QProcess::execute(textOf(program), list);
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.start(textOf(program), list);
+    EXPECT_TRUE(waitForEnd(process, longestRun));
+    if (process.error() == QProcess::FailedToStart)
+        return -2;
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
 void makeSampleVideo(const std::string& path, const SampleVideo& sample)

@@ -37,7 +37,8 @@ double meanDifference(const QImage& left, const QImage& right);
 /// mirrors.
 QImage expectedPicture(const QImage& source, int quarterTurnsLeft, bool vertically, bool horizontally);
 
-/// Runs a program with these arguments and waits for it; its exit status.
+/// Runs a program and waits for its end. Its exit status; negative where it cannot be started or is ended by
+/// a signal. Any thread; runs no events.
 int run(const std::string& program, const std::vector<std::string>& arguments);
 
 } // namespace tarnwell::test

@@ -14,6 +14,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QToolBar>
@@ -26,8 +27,6 @@ namespace tarnwell::test
 namespace
 {
 
-constexpr int longestWait = 60000; // milliseconds; only a broken program takes so long
-
 template <typename Dialog>
 Dialog* shownDialog()
 {
@@ -39,7 +38,7 @@ Dialog* shownDialog()
     return nullptr;
 }
 
-/// A box that is new on the screen may not have given its buttons a size yet; a click would miss them.
+/// The buttons of a new box have no size before its first layout, and a click would miss them.
 bool isLaidOut(const QMessageBox& box)
 {
     const auto buttons = box.buttons();
@@ -65,24 +64,9 @@ OwnTemporaryFolder::~OwnTemporaryFolder()
         qputenv(temporaryFolderVariable, m_earlier);
 }
 
-void waitForKeyboard(QWidget& widget)
-{
-    // A window manager that is still busy with the window before forgets a request at times.
-    constexpr int patience = 2000; // milliseconds
-    ASSERT_TRUE(waitUntil([&] {
-        widget.activateWindow();
-        return QTest::qWaitForWindowActive(&widget, patience);
-    }));
-}
-
 bool isOnTop(const QWidget& window)
 {
     return QApplication::topLevelAt(window.geometry().center()) == &window;
-}
-
-bool waitUntil(const std::function<bool()>& condition)
-{
-    return QTest::qWaitFor(condition, longestWait);
 }
 
 ToolContext realTools()
@@ -121,27 +105,31 @@ QImage WindowTest::shownPicture()
     return find<ImageView>("posterFrameIMGV").image();
 }
 
-void WindowTest::type(const QKeySequence& keys)
+void WindowTest::type(const QKeySequence& keys, CallSite site)
 {
-    ASSERT_TRUE(waitUntil([] { return QApplication::activeWindow() != nullptr; }));
-    QTest::keySequence(QApplication::activeWindow(), keys);
+    QWidget* sheet = QApplication::activeModalWidget();
+    QWidget& target = sheet != nullptr ? *sheet : window();
+    waitForKeyboard(target, site);
+    QTest::keySequence(&target, keys);
 }
 
-void WindowTest::clickToolBar(const char* actionName)
+void WindowTest::clickToolBar(const char* actionName, CallSite site)
 {
-    QWidget* button = find<QToolBar>("toolBar").widgetForAction(&action(actionName));
-    ASSERT_NE(button, nullptr) << actionName;
+    QWidget* button = find<QToolBar>("toolBar", site).widgetForAction(&action(actionName));
+    if (button == nullptr)
+        failTest(std::string("no button of ") + actionName, site);
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
-QMessageBox* WindowTest::shownAlert()
+QMessageBox* WindowTest::shownAlert(CallSite site)
 {
-    EXPECT_TRUE(waitUntil([] { return shownDialog<QMessageBox>() != nullptr; })) << "no alert came";
-    auto* alert = shownDialog<QMessageBox>();
-    if (alert != nullptr) {
-        waitForKeyboard(*alert);
-        EXPECT_TRUE(waitUntil([alert] { return isLaidOut(*alert); }));
-    }
+    QMessageBox* alert = nullptr;
+    const auto isThere = [&alert] {
+        alert = shownDialog<QMessageBox>();
+        return alert != nullptr && isLaidOut(*alert);
+    };
+    waitFor("an alert", isThere, site);
+    waitForKeyboard(*alert, site);
     return alert;
 }
 
@@ -150,16 +138,19 @@ bool WindowTest::isAlertShown()
     return shownDialog<QMessageBox>() != nullptr;
 }
 
-void WindowTest::answer(QMessageBox* alert, const char* buttonText)
+void WindowTest::answer(QMessageBox* alert, const char* buttonText, CallSite site)
 {
-    ASSERT_NE(alert, nullptr);
-    for (QAbstractButton* button : alert->buttons()) {
-        if (button->text() == QString::fromLatin1(buttonText)) {
-            QTest::mouseClick(button, Qt::LeftButton);
-            return;
-        }
-    }
-    ADD_FAILURE() << "no button " << buttonText;
+    const auto buttons = alert->buttons();
+    const auto button = std::find_if(buttons.begin(), buttons.end(),
+        [&](const auto* each) { return each->text() == QString::fromLatin1(buttonText); });
+    if (button == buttons.end())
+        failTest(
+            "no button “" + std::string(buttonText) + "” in the alert “" + alert->text().toStdString() + "”",
+            site);
+    const QPointer<QMessageBox> answered = alert;
+    QTest::mouseClick(*button, Qt::LeftButton);
+    waitFor(
+        "the end of the alert", [&answered] { return answered.isNull() || !answered->isVisible(); }, site);
 }
 
 bool WindowTest::isProgressShown()
@@ -185,45 +176,42 @@ bool WindowTest::drop(const QMimeData& data)
         return false;
     QDropEvent drop(centre, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&view, &drop);
-    QCoreApplication::sendPostedEvents(&view); // the answer comes first, the work after it
+    QCoreApplication::sendPostedEvents(&view); // the view answers first and starts the analysis from an event
     return drop.isAccepted();
 }
 
-QFileDialog* WindowTest::shownPanel()
+QFileDialog* WindowTest::shownPanel(CallSite site)
 {
-    EXPECT_TRUE(waitUntil([] { return shownDialog<QFileDialog>() != nullptr; })) << "no panel came";
-    auto* panel = shownDialog<QFileDialog>();
-    if (panel != nullptr)
-        waitForKeyboard(*panel);
+    QFileDialog* panel = nullptr;
+    waitFor(
+        "a file panel", [&panel] { return (panel = shownDialog<QFileDialog>()) != nullptr; }, site);
+    waitForKeyboard(*panel, site);
     return panel;
 }
 
-void WindowTest::choose(QFileDialog* panel, const std::string& path)
+void WindowTest::choose(QFileDialog* panel, const std::string& path, CallSite site)
 {
-    ASSERT_NE(panel, nullptr);
     auto* field = panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-    ASSERT_NE(field, nullptr);
+    if (field == nullptr)
+        failTest("the panel has no name field", site);
+    field->setCompleter(nullptr); // its popup would take the Return
     field->setText(textOfPath(path));
+    const QPointer<QFileDialog> chosen = panel;
     QTest::keyClick(field, Qt::Key_Return);
+    const auto isDone = [&] { return chosen.isNull() || !chosen->isVisible() || isAlertShown(); };
+    waitFor("the end of the file panel", isDone, site);
 }
 
-void WindowTest::openByPanel(const std::string& path)
+void WindowTest::openByPanel(const std::string& path, CallSite site)
 {
-    type(QKeySequence(QStringLiteral("Ctrl+O")));
-    choose(shownPanel(), path);
-    // The name field's list of completions may take the first Return.
-    if (auto* panel = shownDialog<QFileDialog>())
-        choose(panel, path);
+    type(QKeySequence(QStringLiteral("Ctrl+O")), site);
+    choose(shownPanel(site), path, site);
 }
 
-void WindowTest::saveByPanel(const std::string& path)
+void WindowTest::saveByPanel(const std::string& path, CallSite site)
 {
-    type(QKeySequence(QStringLiteral("Ctrl+S")));
-    choose(shownPanel(), path);
-    // As above; but where the panel asks a question, the answer is the test's.
-    auto* panel = shownDialog<QFileDialog>();
-    if (panel != nullptr && !isAlertShown())
-        choose(panel, path);
+    type(QKeySequence(QStringLiteral("Ctrl+S")), site);
+    choose(shownPanel(site), path, site);
 }
 
 } // namespace tarnwell::test

@@ -4,6 +4,8 @@
 #include "app/Application.h"
 #include "platform/TemporaryDirectory.h"
 #include "platform/ToolContext.h"
+#include "tests/support/Keyboard.h"
+#include "tests/support/Waiting.h"
 
 #include <QByteArray>
 #include <QMessageBox>
@@ -11,7 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,9 +23,6 @@ class QMimeData;
 
 namespace tarnwell::test
 {
-
-/// Works until the condition holds; false where that takes longer than a test should.
-bool waitUntil(const std::function<bool()>& condition);
 
 /// While it lives, the temporary folder of this process is one of its own.
 class OwnTemporaryFolder
@@ -43,73 +41,72 @@ private:
     QByteArray m_earlier;
 };
 
-/// Waits until keys that are typed reach the widget's window.
-void waitForKeyboard(QWidget& widget);
-
 /// Whether no other window covers the middle of this one.
 bool isOnTop(const QWidget& window);
 
-/// The real window of the program with tools of the test's choice, handled as a user would: by names, keys
-/// and clicks. Each test has a folder of its own for its files.
+/// The real window of the program with tools that the test chooses, operated as by a user: by names, keys and
+/// clicks. A function that does not find what it needs, or waits for it in vain, ends the test with a
+/// failure.
 class WindowTest : public testing::Test
 {
 protected:
-    /// Shows the window and waits until it has the keyboard. Without tools: the real ones of the build tree.
+    /// Shows the window and waits until it has the keyboard; with the real tools of the build tree by
+    /// default.
     void start();
     void start(const ToolContext& tools);
 
     /// The test's own folder, ending in "/".
     const std::string& folder() const { return m_folder.path(); }
 
-    /// The temporary folder of this test alone, without a closing slash: whatever the program makes lies in
-    /// it.
+    /// The temporary folder that the program uses in this test, without a closing slash.
     std::string ownTemporaryFolder() const { return m_temporary.path(); }
 
     Application& application() { return *m_application; }
     QMainWindow& window();
     AppDelegate& delegate();
 
-    /// The element of that object name in the window or a sheet of it; fails the test where there is none.
+    /// The element with that object name in the window or one of its sheets.
     template <typename Element>
-    Element& find(const char* objectName)
+    Element& find(const char* objectName, CallSite site = {})
     {
         auto* element = window().findChild<Element*>(QString::fromLatin1(objectName));
         if (element == nullptr)
-            ADD_FAILURE() << "no " << objectName;
+            failTest(std::string("no ") + objectName, site);
         return *element;
     }
 
     QAction& action(const char* objectName);
     QImage shownPicture();
 
-    /// Types a shortcut into the window that has the keyboard.
-    void type(const QKeySequence& keys);
+    /// Types a shortcut into the topmost sheet, or the window where there is none, once it has the keyboard.
+    void type(const QKeySequence& keys, CallSite site = {});
 
     /// Clicks the toolbar's button for the action.
-    void clickToolBar(const char* actionName);
+    void clickToolBar(const char* actionName, CallSite site = {});
 
-    /// The alert that is on the screen; waits for one. Null, and a failed test, where none comes.
-    QMessageBox* shownAlert();
+    /// Waits for an alert that has the keyboard. Never null.
+    QMessageBox* shownAlert(CallSite site = {});
     /// Whether an alert is on the screen now.
     bool isAlertShown();
-    /// Clicks the button of that text and waits until the alert has gone.
-    void answer(QMessageBox* alert, const char* buttonText);
+    /// Clicks the button with that text and waits until the alert is closed.
+    void answer(QMessageBox* alert, const char* buttonText, CallSite site = {});
 
     bool isProgressShown();
 
-    /// Drops the file on the picture area; returns when the window has dealt with it. Whether the drop was
-    /// taken.
+    /// Drops the file on the picture area and returns when it has been analysed. Whether the drop was
+    /// accepted.
     bool drop(const std::string& path);
     bool drop(const QMimeData& data);
 
     /// Opens by the menu's shortcut and the panel.
-    void openByPanel(const std::string& path);
-    /// Saves by the menu's shortcut and the panel; returns when the panel has closed.
-    void saveByPanel(const std::string& path);
-    /// The panel that is on the screen; waits for one.
-    QFileDialog* shownPanel();
-    /// Types the path into the panel and presses Return.
-    void choose(QFileDialog* panel, const std::string& path);
+    void openByPanel(const std::string& path, CallSite site = {});
+    /// Saves by the menu's shortcut and the panel; returns when the panel is closed or asks a question.
+    void saveByPanel(const std::string& path, CallSite site = {});
+    /// Waits for a file panel that has the keyboard. Never null.
+    QFileDialog* shownPanel(CallSite site = {});
+    /// Puts the path into the panel's name field, presses Return and waits until the panel is closed or asks
+    /// a question.
+    void choose(QFileDialog* panel, const std::string& path, CallSite site = {});
 
 private:
     OwnTemporaryFolder m_temporary;
@@ -117,7 +114,7 @@ private:
     std::unique_ptr<Application> m_application;
 };
 
-/// The answer of the process's real tools, as the program itself finds them in the build tree.
+/// The real tools of the build tree, as the program itself finds them.
 ToolContext realTools();
 
 } // namespace tarnwell::test

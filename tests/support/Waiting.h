@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/TimeLimit.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+class QProcess;
+
+namespace tarnwell::test
+{
+
+/// As a default argument: the place of the call, which a failure then names.
+struct CallSite {
+    CallSite(const char* callingFile = __builtin_FILE(), int callingLine = __builtin_LINE())
+        : file(callingFile)
+        , line(callingLine)
+    {
+    }
+
+    const char* file;
+    int line;
+};
+
+/// Ends the test with a fatal failure. Main thread.
+[[noreturn]] void failTest(const std::string& message, CallSite site = {});
+
+/// Processes events until the condition holds. Fails, with a picture of the screen, after the longest wait.
+/// Main thread.
+testing::AssertionResult waitUntil(const std::function<bool()>& condition);
+
+/// The same, but ends the test after the longest wait; the failure says that `awaited` ("an alert") did not
+/// come.
+void waitFor(const std::string& awaited, const std::function<bool()>& condition, CallSite site = {});
+
+/// Processes events until the program ends itself, which it is expected to do: ends the test where it does
+/// not.
+[[noreturn]] void runUntilStop(CallSite site = {});
+
+/// Blocks until the process has ended. Kills it, and fails, after the limit. Any thread; runs no events.
+testing::AssertionResult waitForEnd(QProcess& process, std::chrono::milliseconds limit = longestWait);
+
+} // namespace tarnwell::test

@@ -3,6 +3,7 @@
 
 #include "desktop/ImageView.h"
 #include "desktop/PathText.h"
+#include "platform/FileURL.h"
 
 #include <QStringList>
 
@@ -50,7 +51,7 @@ QString orientationInWords(const OrientationState& state)
 
 void describeFile(ImageView& view, const std::string& path)
 {
-    view.setImageWords(textOfPath(path.substr(path.rfind('/') + 1)), orientationInWords({}));
+    view.setImageWords(textOfPath(lastPathComponent(path)), orientationInWords({}));
 }
 
 void describeOrientation(ImageView& view, const OrientationState& state)

@@ -22,8 +22,8 @@ bool isUnreserved(char byte)
 std::string absolutePath(const std::string& path)
 {
     std::error_code error;
-    return (std::filesystem::current_path(error) / path)
-        .string(); // an absolute path replaces what it is joined to
+    // The operator ignores its left side if the right one is absolute.
+    return (std::filesystem::current_path(error) / path).string();
 }
 
 } // namespace
@@ -35,7 +35,7 @@ FileURL::FileURL(const std::string& path)
 
 std::string FileURL::pathExtension() const
 {
-    const std::string component = m_path.substr(m_path.rfind('/') + 1);
+    const std::string component = lastPathComponent(m_path);
     const auto dot = component.rfind('.');
     if (dot == std::string::npos)
         return {};
@@ -57,6 +57,12 @@ std::string FileURL::absoluteString() const
         text += hexDigits[value & 0xFU];
     }
     return text;
+}
+
+std::string lastPathComponent(std::string_view path)
+{
+    path = path.substr(0, path.find_last_not_of('/') + 1);
+    return std::string(path.substr(path.rfind('/') + 1));
 }
 
 std::string lowerCased(std::string text)

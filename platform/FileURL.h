@@ -2,24 +2,25 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace tarnwell
 {
 
-/// The location of a file. Keeps the path's bytes as they are, whatever their encoding.
+/// The absolute location of a file. The path is raw bytes of any encoding and is never normalised.
 class FileURL
 {
 public:
-    /// A relative path is taken from the current directory; nothing else about it is changed.
+    /// Resolves a relative path against the current directory.
     explicit FileURL(const std::string& path);
 
-    /// The absolute path, raw bytes.
+    /// Absolute.
     const std::string& path() const { return m_path; }
 
-    /// What follows the last "." of the last path component; empty where that holds none.
+    /// The part after the last "." of the last path component; empty without a ".".
     std::string pathExtension() const;
 
-    /// "file://" and the path, every byte but the unreserved ones percent-encoded.
+    /// "file://" and the path. Percent-encodes every byte but "/" and the unreserved ones (RFC 3986).
     std::string absoluteString() const;
 
     bool operator==(const FileURL&) const = default;
@@ -28,7 +29,10 @@ private:
     std::string m_path;
 };
 
-/// The text with its ASCII letters in lower case.
+/// The last component of a path that is not empty: "clip.vob" of "/videos/clip.vob/". Empty for "" and "/".
+std::string lastPathComponent(std::string_view path);
+
+/// Converts ASCII letters to lower case; all other bytes stay.
 std::string lowerCased(std::string text);
 
 } // namespace tarnwell

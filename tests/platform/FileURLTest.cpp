@@ -37,7 +37,9 @@ INSTANTIATE_TEST_SUITE_P(Paths, PathExtensionTest,
         PathCase{"dotFile", "/videos/.txt", "txt"},
         PathCase{"blankInside", "/videos/clip.mp4 copy", "mp4 copy"},
         PathCase{"relative", "clip.webm", "webm"}, PathCase{"rawBytes", "/videos/clip.\xFF", "\xFF"},
-        PathCase{"onlyADot", "/videos/.", ""}),
+        PathCase{"onlyADot", "/videos/.", ""}, PathCase{"trailingSlash", "/videos/clip.vob/", "vob"},
+        PathCase{"trailingSlashes", "/videos.txt/clip.vob///", "vob"},
+        PathCase{"dottedFolderAndTrailingSlash", "/videos.txt/clip/", ""}, PathCase{"root", "/", ""}),
     nameOf);
 
 class AbsoluteStringTest : public testing::TestWithParam<PathCase>
@@ -61,6 +63,15 @@ INSTANTIATE_TEST_SUITE_P(Paths, AbsoluteStringTest,
         PathCase{"parentFolderIsKept", "/a/../b", "file:///a/../b"},
         PathCase{"doubleSlashIsKept", "/a//b", "file:///a//b"}),
     nameOf);
+
+TEST(LastPathComponentTest, isTheLastOneThatIsNotEmpty)
+{
+    const std::pair<const char*, const char*> rows[]
+        = {{"/videos/clip.mp4", "clip.mp4"}, {"clip.mp4", "clip.mp4"}, {"/videos/clip.mp4//", "clip.mp4"},
+            {"//a", "a"}, {"a/", "a"}, {"/a\xFF/", "a\xFF"}, {"/", ""}, {"//", ""}, {"", ""}};
+    for (const auto& [path, component] : rows)
+        EXPECT_EQ(lastPathComponent(path), component) << path;
+}
 
 TEST(FileURLTest, anAbsolutePathIsKeptByteForByte)
 {

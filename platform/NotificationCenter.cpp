@@ -10,10 +10,9 @@ NotificationCenter& NotificationCenter::defaultCenter()
     return center;
 }
 
-NotificationCenter::Observation NotificationCenter::addObserver(
-    std::string name, Handler handler, const void* sender)
+NotificationCenter::Observation NotificationCenter::addObserver(std::string name, Handler handler)
 {
-    auto observer = std::make_shared<const Observer>(Observer{std::move(name), std::move(handler), sender});
+    auto observer = std::make_shared<const Observer>(Observer{std::move(name), std::move(handler)});
     m_observers.push_back(observer);
     return observer;
 }
@@ -21,13 +20,10 @@ NotificationCenter::Observation NotificationCenter::addObserver(
 void NotificationCenter::post(const Notification& notification)
 {
     std::erase_if(m_observers, [](const auto& observer) { return observer.expired(); });
-    // A handler may add observers: the ones that were there at the start are called.
-    const auto observers = m_observers;
+    const auto observers = m_observers; // handlers may change the list
     for (const auto& entry : observers) {
         const auto observer = entry.lock();
-        if (!observer || observer->name != notification.name)
-            continue;
-        if (observer->sender == nullptr || observer->sender == notification.sender)
+        if (observer && observer->name == notification.name)
             observer->handler(notification);
     }
 }

@@ -11,35 +11,35 @@
 namespace tarnwell
 {
 
-/// What an observer is told: a name, who says it (nobody in particular: nullptr), and values by key.
+/// A message to observers. `sender` identifies the object that posts it; nullptr: no object.
 struct Notification {
     std::string name;
     const void* sender = nullptr;
     std::map<std::string, std::any> userInfo;
 };
 
-/// Carries notifications between parts of the program that do not know each other. Main thread only.
+/// Delivers notifications to observers by name, within the posting call. Main thread only.
 class NotificationCenter
 {
 public:
     using Handler = std::function<void(const Notification&)>;
-    /// Observes for as long as it lives.
+    /// Its destruction ends the observation.
     using Observation = std::shared_ptr<const void>;
 
-    /// The centre of the process.
+    /// The instance that the whole program shares.
     static NotificationCenter& defaultCenter();
 
-    /// `sender` narrows the observation to one sender; nullptr hears them all.
-    [[nodiscard]] Observation addObserver(std::string name, Handler handler, const void* sender = nullptr);
+    /// Observes notifications of this name, from any sender.
+    [[nodiscard]] Observation addObserver(std::string name, Handler handler);
 
-    /// Calls every observer of the name before it returns, in the order in which they were added.
+    /// Calls the observers of the name in the order in which they were added. Observers that a handler adds
+    /// receive the next notification; observers that a handler removes are not called any more.
     void post(const Notification& notification);
 
 private:
     struct Observer {
         std::string name;
         Handler handler;
-        const void* sender;
     };
 
     std::vector<std::weak_ptr<const Observer>> m_observers;

@@ -10,7 +10,7 @@ namespace tarnwell
 
 void prepareStandardStreams()
 {
-    // open takes the lowest free number: the loop ends once 0, 1 and 2 are all in use.
+    // open returns the lowest free number.
     int descriptor = ::open("/dev/null", O_RDWR);
     while (descriptor >= 0 && descriptor <= STDERR_FILENO)
         descriptor = ::open("/dev/null", O_RDWR);

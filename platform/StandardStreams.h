@@ -4,11 +4,14 @@
 namespace tarnwell
 {
 
-/// Makes the three standard descriptors safe to rely on; call it first in main. Closed ones are opened on the
-/// null device, so that no pipe or file of the program takes their numbers and ends up in a tool's hands. A
-/// reader that goes away is an error of the write, not a signal: the tools inherit that, and so an encoder
-/// survives the end of the program that listened to it. Children stay until they are reaped, whatever
-/// the program was started with: until then nobody else gets their numbers.
+/// Prepares the standard descriptors and the signals that depend on the program's starter. Call it first in
+/// main.
+/// - Opens closed standard descriptors on /dev/null. Otherwise a pipe or file of the program takes the
+/// number,
+///   and a tool inherits it as a standard stream.
+/// - Ignores SIGPIPE: a write to a pipe without a reader fails with EPIPE. Tools inherit this, so that an
+///   encoder continues when the program that reads its output ends.
+/// - Sets SIGCHLD to its default: a child's number is not reused before the program has reaped the child.
 void prepareStandardStreams();
 
 } // namespace tarnwell

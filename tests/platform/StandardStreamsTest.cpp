@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <string>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -101,6 +102,22 @@ TEST(OpenStandardStreamsDeathTest, openDescriptorsStayWhatTheyAre)
             const int free = nextFreeDescriptor();
             prepareStandardStreams();
             leave(targets() == before && nextFreeDescriptor() == free);
+        },
+        testing::ExitedWithCode(0), "^$");
+}
+
+// With SIGCHLD ignored the system reaps children by itself, and their numbers are free at once.
+TEST(OpenStandardStreamsDeathTest, childrenStayUntilTheyAreReapedWhereTheStarterIgnoredSigchld)
+{
+    EXPECT_EXIT(
+        {
+            std::signal(SIGCHLD, SIG_IGN);
+            prepareStandardStreams();
+            const pid_t child = ::fork();
+            if (child == 0)
+                std::_Exit(7);
+            int status = 0;
+            leave(::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 7);
         },
         testing::ExitedWithCode(0), "^$");
 }

@@ -8,7 +8,8 @@
 namespace tarnwell
 {
 
-/// Sums, differences and products of signed 64-bit numbers. A result that does not fit stops the program.
+// Arithmetic on signed 64-bit numbers that stops the program on overflow.
+
 inline std::int64_t checkedSum(std::int64_t left, std::int64_t right)
 {
     std::int64_t result = 0;

@@ -3,7 +3,9 @@
 
 #include <array>
 #include <charconv>
+#include <clocale>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 namespace tarnwell
@@ -12,36 +14,16 @@ namespace tarnwell
 namespace
 {
 
-// The longest fixed texts: DBL_MAX has 309 digits before the point, the least denormal 1074 behind it, of
-// which the shortest text that reads back needs only the first few after the zeros.
-constexpr std::size_t longestFixedText = 1100;
-
-// 2^63, the first double beyond the signed 64-bit range.
-constexpr double integerLimit = 9223372036854775808.0;
+// Characters of the longest fixed text: the least denormal has 324 zeros, a sign, a point and up to 17
+// digits; DBL_MAX with two decimals is shorter.
+constexpr std::size_t longestFixedText = 400;
 
 template <typename... Format>
-std::string fixedText(double value, Format... format)
+std::string writtenNumber(double value, Format... format)
 {
     std::array<char, longestFixedText> text{};
-    const auto written
-        = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, format...);
+    const auto written = std::to_chars(text.data(), text.data() + text.size(), value, format...);
     return {text.data(), written.ptr};
-}
-
-std::string_view withoutPlus(std::string_view text)
-{
-    return text.starts_with('+') && !text.starts_with("+-") ? text.substr(1) : text;
-}
-
-template <typename Number>
-std::optional<Number> parseWhole(std::string_view text)
-{
-    text = withoutPlus(text);
-    Number number{};
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size())
-        return std::nullopt;
-    return number;
 }
 
 } // namespace
@@ -49,41 +31,67 @@ std::optional<Number> parseWhole(std::string_view text)
 std::string shortestDecimal(double value)
 {
     if (std::isnan(value))
-        return "nan";
-    if (std::isinf(value))
-        return value > 0 ? "inf" : "-inf";
-    std::string text = fixedText(value);
-    if (text.find('.') == std::string::npos)
+        return "nan"; // to_chars writes a sign too
+    std::string text = writtenNumber(value, std::chars_format::fixed);
+    if (std::isfinite(value) && text.find('.') == std::string::npos)
         text += ".0";
     return text;
+}
+
+std::string compactDecimal(double value)
+{
+    constexpr double leastWithoutExponent = 1e-6;
+    constexpr double leastLargeWithExponent = 1e21;
+    const double magnitude = std::abs(value);
+    if (magnitude == 0 || (magnitude >= leastWithoutExponent && magnitude < leastLargeWithExponent))
+        return writtenNumber(value, std::chars_format::fixed);
+    return writtenNumber(value);
 }
 
 std::string twoDigitDecimal(double value)
 {
     constexpr int digits = 2;
-    return fixedText(value, digits);
+    return writtenNumber(value, std::chars_format::fixed, digits);
 }
 
 std::optional<double> parseDecimal(std::string_view text)
 {
-    if (text.find_first_not_of("0123456789+-.eE") != std::string_view::npos)
+    if (text.empty() || text.find_first_not_of("0123456789+-.eE") != std::string_view::npos)
         return std::nullopt;
-    return parseWhole<double>(text);
+    // from_chars reports overflow and underflow alike; strtod returns infinity and zero.
+    static const locale_t decimalPoint = ::newlocale(LC_ALL_MASK, "C", nullptr);
+    const std::string terminated(text);
+    char* end = nullptr;
+    const double number = ::strtod_l(terminated.c_str(), &end, decimalPoint);
+    if (end != terminated.c_str() + terminated.size())
+        return std::nullopt;
+    return number;
 }
 
 std::optional<std::int64_t> parseInteger(std::string_view text)
 {
-    return parseWhole<std::int64_t>(text);
+    if (text.starts_with('+') && !text.starts_with("+-"))
+        text.remove_prefix(1);
+    std::int64_t number = 0;
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size())
+        return std::nullopt;
+    return number;
+}
+
+bool fitsInteger(double value)
+{
+    constexpr double limit = 0x1p63;
+    return value >= -limit && value < limit;
 }
 
 std::int64_t truncated(double value)
 {
+    using Limits = std::numeric_limits<std::int64_t>;
     if (std::isnan(value))
         return 0;
-    if (value >= integerLimit)
-        return std::numeric_limits<std::int64_t>::max();
-    if (value < -integerLimit)
-        return std::numeric_limits<std::int64_t>::min();
+    if (!fitsInteger(value))
+        return value > 0 ? Limits::max() : Limits::min();
     return static_cast<std::int64_t>(value);
 }
 

@@ -2,9 +2,9 @@
 #include "util/Unicode.h"
 
 #include "platform/FatalError.h"
+#include "util/Utf16.h"
 
 #include <unicode/normalizer2.h>
-#include <unicode/unistr.h>
 #include <unicode/utf8.h>
 
 #include <cstdint>
@@ -19,9 +19,7 @@ icu::UnicodeString decomposed(std::string_view text)
 {
     UErrorCode error = U_ZERO_ERROR;
     const auto* normalizer = icu::Normalizer2::getNFDInstance(error);
-    const auto source
-        = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-    auto result = required(normalizer).normalize(source, error);
+    auto result = required(normalizer).normalize(utf16FromUtf8(text), error);
     if (U_FAILURE(error))
         fatalError();
     return result;

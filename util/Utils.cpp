@@ -4,11 +4,10 @@
 #include "platform/Diagnostics.h"
 #include "platform/FatalError.h"
 #include "util/Decimal.h"
+#include "util/Utf16.h"
 
 #include <unicode/regex.h>
-#include <unicode/unistr.h>
 
-#include <cstdint>
 #include <memory>
 
 namespace tarnwell
@@ -20,12 +19,6 @@ namespace
 constexpr double secondsPerHour = 3600;
 constexpr double secondsPerMinute = 60;
 constexpr double hundredthsPerSecond = 100;
-
-icu::UnicodeString utf16(std::string_view text)
-{
-    return icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
 
 std::vector<std::string> matchesOf(const icu::RegexPattern& pattern, const icu::UnicodeString& text)
 {
@@ -66,12 +59,12 @@ std::vector<std::string> Utils::matchesForRegex(std::string_view pattern, std::s
     UErrorCode error = U_ZERO_ERROR;
     UParseError place{};
     const std::unique_ptr<icu::RegexPattern> compiled(
-        icu::RegexPattern::compile(utf16(pattern), 0, place, error));
+        icu::RegexPattern::compile(utf16FromUtf8(pattern), 0, place, error));
     if (U_FAILURE(error)) {
         printLine(std::string("invalid regex: ") + u_errorName(error));
         return {};
     }
-    return matchesOf(*compiled, utf16(text));
+    return matchesOf(*compiled, utf16FromUtf8(text));
 }
 
 double Utils::secondsFromTimeString(std::string_view stamp)

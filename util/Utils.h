@@ -8,16 +8,17 @@
 namespace tarnwell
 {
 
-/// Text helpers for what a running encoder reports. Any thread.
+/// Text functions for the encoder's status output. Thread-safe.
 class Utils
 {
 public:
-    /// Every match of an ICU pattern in `text` (UTF-8), whole and from left to right, none overlapping. A
-    /// pattern that does not compile prints a line "invalid regex: " with the reason and matches nothing.
+    /// All matches of an ICU regular expression in `text` (UTF-8), from left to right and without overlap;
+    /// groups are not returned. For an invalid pattern prints "invalid regex: " with ICU's error name and
+    /// returns an empty list.
     static std::vector<std::string> matchesForRegex(std::string_view pattern, std::string_view text);
 
-    /// Seconds in a time stamp HH:MM:SS.hh. The hundredths are a number that is divided by 100, so ".5" means
-    /// five of them. A stamp that lacks a part or spells no number there stops the program.
+    /// Converts HH:MM:SS.hh to seconds. The text after the point is a count of hundredths: ".5" is 0.05
+    /// seconds. A missing or non-numeric part stops the program.
     static double secondsFromTimeString(std::string_view stamp);
 };
 

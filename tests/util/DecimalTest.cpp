@@ -67,6 +67,35 @@ TEST(ShortestDecimalTest, theExtremesReadBack)
     }
 }
 
+class CompactDecimalTest : public testing::TestWithParam<DecimalCase>
+{
+};
+
+TEST_P(CompactDecimalTest, readsBackAndHasAnExponentForExtremeNumbersOnly)
+{
+    const std::string text = compactDecimal(GetParam().value);
+    EXPECT_EQ(text, GetParam().expected);
+    if (std::isfinite(GetParam().value)) {
+        EXPECT_EQ(parseDecimal(text), GetParam().value);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, CompactDecimalTest,
+    testing::Values(DecimalCase{"zero", 0, "0"}, DecimalCase{"negativeZero", -0.0, "-0"},
+        DecimalCase{"whole", 90, "90"}, DecimalCase{"hundredThousand", 100000, "100000"},
+        DecimalCase{"negativeMillion", -1e6, "-1000000"}, DecimalCase{"fraction", 12.48, "12.48"},
+        DecimalCase{"tenThousandth", 0.0001, "0.0001"}, DecimalCase{"millionth", 1e-6, "0.000001"},
+        DecimalCase{"negativeMillionth", -1e-6, "-0.000001"},
+        DecimalCase{"belowAMillionth", 9.9e-7, "9.9e-07"},
+        DecimalCase{"twentyOneDigits", 1e20, "100000000000000000000"},
+        DecimalCase{"twentyTwoDigits", 1e21, "1e+21"},
+        DecimalCase{"negativeTwentyTwoDigits", -1e21, "-1e+21"},
+        DecimalCase{"largest", Limits::max(), "1.7976931348623157e+308"},
+        DecimalCase{"least", Limits::denorm_min(), "5e-324"},
+        DecimalCase{"infinity", Limits::infinity(), "inf"},
+        DecimalCase{"negativeInfinity", -Limits::infinity(), "-inf"}),
+    [](const auto& row) { return row.param.name; });
+
 class TwoDigitDecimalTest : public testing::TestWithParam<DecimalCase>
 {
 };
@@ -80,7 +109,9 @@ INSTANTIATE_TEST_SUITE_P(Values, TwoDigitDecimalTest,
     testing::Values(DecimalCase{"zero", 0, "0.00"}, DecimalCase{"half", 75.5, "75.50"},
         DecimalCase{"roundedUp", 59.999, "60.00"}, DecimalCase{"roundedDown", 3599.994, "3599.99"},
         DecimalCase{"quarter", 40000.25, "40000.25"}, DecimalCase{"tieToEven", 0.125, "0.12"},
-        DecimalCase{"negative", -1.006, "-1.01"}, DecimalCase{"large", 1e18, "1000000000000000000.00"}),
+        DecimalCase{"negative", -1.006, "-1.01"}, DecimalCase{"negativeZero", -0.0, "-0.00"},
+        DecimalCase{"roundedToNegativeZero", -0.001, "-0.00"},
+        DecimalCase{"large", 1e18, "1000000000000000000.00"}),
     [](const auto& row) { return row.param.name; });
 
 TEST(TwoDigitDecimalTest, theLargestNumberHasRoom)
@@ -96,6 +127,7 @@ TEST(TruncatedTest, theFractionIsCutOff)
     EXPECT_EQ(truncated(2.999), 2);
     EXPECT_EQ(truncated(-2.999), -2);
     EXPECT_EQ(truncated(-0.5), 0);
+    EXPECT_EQ(truncated(-0.0), 0);
     EXPECT_EQ(truncated(90.0), 90);
 }
 
@@ -114,6 +146,15 @@ TEST(TruncatedTest, beyond64BitsItIsTheNearestInteger)
 TEST(TruncatedTest, whatIsNotANumberIsZero)
 {
     EXPECT_EQ(truncated(Limits::quiet_NaN()), 0);
+}
+
+TEST(FitsIntegerTest, theRangeEndsAtTwoTo63)
+{
+    for (const double value : {0.0, -0.5, 1e18, std::nextafter(0x1p63, 0), -0x1p63})
+        EXPECT_TRUE(fitsInteger(value)) << value;
+    for (const double value : {0x1p63, std::nextafter(-0x1p63, -Limits::infinity()), Limits::infinity(),
+             -Limits::infinity(), Limits::quiet_NaN()})
+        EXPECT_FALSE(fitsInteger(value)) << value;
 }
 
 TEST(LocaleTest, theCommaLocaleReachesTheLibraries)

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace tarnwell::test
@@ -10,6 +11,8 @@ namespace tarnwell::test
 
 namespace
 {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
 
 struct ParseCase {
     std::string name;
@@ -25,7 +28,11 @@ class ParseDecimalTest : public testing::TestWithParam<ParseCase>
 
 TEST_P(ParseDecimalTest, readsTheWholeTextOrNothing)
 {
-    EXPECT_EQ(parseDecimal(GetParam().text), GetParam().expected);
+    const auto number = parseDecimal(GetParam().text);
+    EXPECT_EQ(number, GetParam().expected);
+    if (number && GetParam().expected) { // 0 and -0 are equal
+        EXPECT_EQ(std::signbit(*number), std::signbit(*GetParam().expected));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Numbers, ParseDecimalTest,
@@ -33,7 +40,15 @@ INSTANTIATE_TEST_SUITE_P(Numbers, ParseDecimalTest,
         ParseCase{"negative", "-90", -90}, ParseCase{"plus", "+7.5", 7.5},
         ParseCase{"leadingZeros", "007", 7}, ParseCase{"noWholePart", ".5", 0.5},
         ParseCase{"noFraction", "5.", 5}, ParseCase{"exponent", "1e3", 1000},
-        ParseCase{"capitalExponent", "1E-2", 0.01}, ParseCase{"negativeZero", "-0", -0.0},
+        ParseCase{"capitalExponent", "1E-2", 0.01}, ParseCase{"zero", "0", 0.0},
+        ParseCase{"negativeZero", "-0", -0.0}, ParseCase{"negativeZeroWithFraction", "-0.00", -0.0},
+        ParseCase{"plusZero", "+0", 0.0}, ParseCase{"overflow", "1e999", infinity},
+        ParseCase{"negativeOverflow", "-1e999", -infinity},
+        ParseCase{"overflowWithoutExponent", std::string(400, '9'), infinity},
+        ParseCase{"largest", "1.7976931348623157e308", std::numeric_limits<double>::max()},
+        ParseCase{"hugeExponent", "1e99999999999999999999", infinity}, ParseCase{"underflow", "1e-999", 0.0},
+        ParseCase{"negativeUnderflow", "-1e-999", -0.0},
+        ParseCase{"denormal", "5e-324", std::numeric_limits<double>::denorm_min()},
         ParseCase{"beyondIntegers", "18446744073709551616", 18446744073709551616.0}),
     [](const auto& row) { return row.param.name; });
 

@@ -98,6 +98,15 @@ TEST(MatchesForRegexTest, matchesInNonAsciiTextAreWhole)
     EXPECT_EQ(Utils::matchesForRegex("\xC3\xA9+", "caf\xC3\xA9\xC3\xA9!"), Matches{"\xC3\xA9\xC3\xA9"});
 }
 
+TEST(MatchesForRegexTest, aNulByteIsACharacterOfThePatternAndTheText)
+{
+    using namespace std::string_literals;
+    EXPECT_EQ(Utils::matchesForRegex(timeStampPattern, "00:00:01.00\0 00:00:02.00"s),
+        (Matches{"00:00:01.00", "00:00:02.00"}));
+    EXPECT_EQ(Utils::matchesForRegex("a.b"s, "xa\0bx"s), Matches{"a\0b"s});
+    EXPECT_EQ(Utils::matchesForRegex("a\0b"s, "a a\0b"s), Matches{"a\0b"s});
+}
+
 TEST(MatchesForRegexTest, theLastDotOfAStampAcceptsAnyCharacterButALineEnd)
 {
     EXPECT_EQ(Utils::matchesForRegex(timeStampPattern, "00:00:01:50 00:00:01x50 00:00:01\n50"),

@@ -9,7 +9,6 @@
 #include "desktop/ProgressBarMode.h"
 #include "platform/FatalError.h"
 #include "probe/FileProbe.h"
-#include "probe/Suitability.h"
 
 namespace tarnwell
 {

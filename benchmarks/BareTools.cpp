@@ -4,7 +4,7 @@
 #include "benchmarks/Report.h"
 #include "export/ExportPlan.h"
 #include "orientation/PosterFrame.h"
-#include "probe/ProbeArguments.h"
+#include "probe/FileProbe.h"
 #include "tools/Job.h"
 
 namespace tarnwell::bench

@@ -9,7 +9,7 @@ namespace tarnwell
 namespace
 {
 
-constexpr std::int64_t movieKind = 9;
+constexpr std::int64_t movieKind = 9; // of the iTunes tag "stik", which ffprobe calls media_type
 
 std::string plainText(const JSON& tag)
 {

@@ -10,8 +10,9 @@
 namespace tarnwell
 {
 
-/// The twelve entries that describe a container, always all of them and in the same order, each with a "key"
-/// (its label) and a "value". `tags` is the object of the container's tags, or null.
+/// The twelve metadata entries of a container in fixed order, each with "key" (the label) and "value". A
+/// missing tag has the value "", or "No" under "HD". `tags` is the report's object of container tags, or
+/// null.
 std::vector<std::map<std::string, std::string>> containerMetadata(const JSON& tags);
 
 } // namespace tarnwell

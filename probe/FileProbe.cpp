@@ -7,8 +7,9 @@
 #include "platform/Process.h"
 #include "probe/ContainerMetadata.h"
 #include "probe/HumanReadable.h"
-#include "probe/ProbeArguments.h"
+#include "util/Decimal.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace tarnwell
@@ -17,7 +18,7 @@ namespace tarnwell
 namespace
 {
 
-/// The report on a file as `sniffer` printed it; empty where it could not be started.
+// Returns the report that sniffer prints; empty if sniffer cannot be started.
 std::string snifferReport(const std::string& path, const ToolContext& tools)
 {
     Process sniffer;
@@ -28,7 +29,7 @@ std::string snifferReport(const std::string& path, const ToolContext& tools)
     if (const auto error = sniffer.launch())
         printLine("sniffer could not be started: " + error.message());
     std::string report;
-    // The pipe is emptied while the tool runs: one that prints more than a pipe holds would wait for ever.
+    // Reads while the tool runs: a tool that fills the pipe blocks until it is read.
     tools.wait([&] {
         report = output->fileHandleForReading()->readDataToEndOfFile();
         sniffer.waitUntilExit();
@@ -36,22 +37,28 @@ std::string snifferReport(const std::string& path, const ToolContext& tools)
     return report;
 }
 
-bool isPictureTrack(const JSON& stream)
+std::vector<JSON> elementsOf(const JSON& array)
 {
-    return stream["codec_type"] == "video" && !(stream["avg_frame_rate"] == "0/0");
+    std::vector<JSON> elements;
+    for (std::size_t index = 0; index < array.count(); ++index)
+        elements.push_back(array[index]);
+    return elements;
 }
 
-template <typename Predicate>
-bool anyStream(const JSON& streams, Predicate predicate)
+bool hasMoreThanTwoChannels(const JSON& stream)
 {
-    for (std::size_t index = 0; index < streams.count(); ++index) {
-        if (predicate(streams[index]))
-            return true;
-    }
-    return false;
+    constexpr std::int64_t stereo = 2;
+    const JSON channels = stream["channels"];
+    return !channels.isNull() && truncated(required(channels.optionalNumber())) > stereo;
 }
 
 } // namespace
+
+std::vector<std::string> probeArguments(const std::string& path)
+{
+    return {"-v", "quiet", "-print_format", "json", "-show_format", "-show_streams", "-show_chapters",
+        "-show_error", path};
+}
 
 FileProbe::FileProbe(const std::string& path, const ToolContext& tools)
     : fileSize(tarnwell::fileSize(path))
@@ -71,62 +78,39 @@ void FileProbe::readReport(const JSON& report)
     hasErrors = report.hasMember("error");
     if (hasErrors)
         return;
-    const JSON streams = report["streams"];
-    if (streams.count() == 0)
+    const std::vector<JSON> streams = elementsOf(report["streams"]);
+    if (streams.empty())
         return;
-    numberOfStreams = static_cast<std::int64_t>(streams.count());
-    // A text file is no media file, whatever a demuxer makes of it.
+    numberOfStreams = static_cast<std::int64_t>(streams.size());
+    // ffprobe reads text files as video, for example with its demuxer for ANSI art.
     if (lowerCased(required(fileFullURL).pathExtension()) == "txt")
         return;
     isValidMediaFile = true;
     readFlags(streams);
-    duration = report["format"]["duration"].number();
-    bitRate = report["format"]["bit_rate"].integer();
-    metadata = containerMetadata(report["format"]["tags"]);
-    readTracks(streams);
+    const JSON format = report["format"];
+    duration = format["duration"].number();
+    bitRate = format["bit_rate"].integer();
+    metadata = containerMetadata(format["tags"]);
+    for (const JSON& stream : streams)
+        tracksInfo.push_back(trackInfoOf(stream));
 }
 
-void FileProbe::readFlags(const JSON& streams)
+void FileProbe::readFlags(const std::vector<JSON>& streams)
 {
-    isEncrypted = anyStream(streams,
+    const auto anyStream
+        = [&streams](auto predicate) { return std::any_of(streams.begin(), streams.end(), predicate); };
+    isEncrypted = anyStream(
         [](const JSON& stream) { return stream["codec_type"] == "video" && stream["codec_name"].isNull(); });
-    readFirstVideoTrack(streams);
-    hasAudioTrack = anyStream(streams, [](const JSON& stream) { return stream["codec_type"] == "audio"; });
-    readChannels(streams);
-    hasSubtitleTrack = anyStream(streams, [](const JSON& stream) {
-        return stream["codec_type"] == "subtitle" && trackTypeOf(stream) == TrackType::Subtitle;
-    });
-}
-
-void FileProbe::readFirstVideoTrack(const JSON& streams)
-{
-    for (std::size_t index = 0; index < streams.count(); ++index) {
-        const JSON stream = streams[index];
-        if (!isPictureTrack(stream))
-            continue;
-        tagRotateValue = stream["tags"]["rotate"].integer();
-        readDisplaySize(stream);
-        return;
+    const auto video = std::find_if(streams.begin(), streams.end(),
+        [](const JSON& stream) { return stream["codec_type"] == "video" && hasFrameRate(stream); });
+    if (video != streams.end()) {
+        tagRotateValue = (*video)["tags"]["rotate"].integer();
+        readDisplaySize(*video);
     }
-}
-
-void FileProbe::readChannels(const JSON& streams)
-{
-    constexpr std::int64_t stereo = 2;
-    hasAudioTrackWhichHasMoreThanTwoChannels = anyStream(streams, [](const JSON& stream) {
-        const JSON channels = stream["channels"];
-        if (channels.isNull())
-            return false;
-        if (!channels.optionalNumber())
-            fatalError();
-        return channels.integer() > stereo;
-    });
-}
-
-void FileProbe::readTracks(const JSON& streams)
-{
-    for (std::size_t index = 0; index < streams.count(); ++index)
-        tracksInfo.push_back(trackInfoOf(streams[index]));
+    hasAudioTrack = anyStream([](const JSON& stream) { return trackTypeOf(stream) == TrackType::Audio; });
+    hasAudioTrackWhichHasMoreThanTwoChannels = anyStream(hasMoreThanTwoChannels);
+    hasSubtitleTrack
+        = anyStream([](const JSON& stream) { return trackTypeOf(stream) == TrackType::Subtitle; });
 }
 
 void FileProbe::readDisplaySize(const JSON& stream)
@@ -143,8 +127,7 @@ void FileProbe::readDisplaySize(const JSON& stream)
 TrackInfo FileProbe::trackInfoOf(const JSON& stream)
 {
     const TrackType type = trackTypeOf(stream);
-    // Of several such streams the last one gives the size, and an entry shows the size as it stands at its
-    // turn.
+    // The last such stream determines the size; a track's special info has the size up to that track.
     if (type == TrackType::Video && isVideoByCodec(stream))
         readDisplaySize(stream);
     const double seconds = stream["duration"].number();
@@ -176,6 +159,12 @@ std::string FileProbe::specialInfoOf(const JSON& stream, TrackType type) const
         return stream["codec_tag_string"].text();
     }
     fatalError();
+}
+
+bool isSuitable(const FileProbe& probe)
+{
+    return probe.isValidMediaFile && !probe.hasErrors && !probe.isEncrypted && probe.hasVideoTrack
+        && probe.videoWidth != 0;
 }
 
 } // namespace tarnwell

@@ -6,8 +6,7 @@
 #include "platform/FileAttributes.h"
 #include "util/Decimal.h"
 
-#include <cmath>
-#include <cstdlib>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -23,7 +22,7 @@ constexpr std::string_view noBytes = "Zero KB";
 struct Unit {
     std::string_view name;
     std::uint64_t bytes;
-    std::uint64_t fractionSteps; // 10 for one digit behind the point, 100 for two
+    std::uint64_t fractionSteps; // 10: one digit after the point; 100: two
 };
 
 constexpr Unit units[] = {
@@ -35,7 +34,8 @@ constexpr Unit units[] = {
     {"EB", 1000000000000000000, 100},
 };
 
-// Counted in steps of the last digit that is shown. Division first: the largest counts leave no room to add.
+// The count in units of the last printed digit, rounded half up. Adding half a step to `bytes` could
+// overflow.
 std::uint64_t roundedSteps(std::uint64_t bytes, const Unit& unit)
 {
     const std::uint64_t step = unit.bytes / unit.fractionSteps;
@@ -101,7 +101,7 @@ std::string humanByteCount(std::uint64_t bytes)
         return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
     for (const auto& unit : units) {
         const auto steps = roundedSteps(bytes, unit);
-        // What rounds to a thousand of this unit is one of the next.
+        // 1000 of a unit is printed as 1 of the next one.
         if (steps < unitStep * unit.fractionSteps || &unit == std::end(units) - 1)
             return countText(steps, unit.fractionSteps).append(" ").append(unit.name);
     }
@@ -112,10 +112,9 @@ std::string humanDuration(double seconds)
 {
     constexpr std::int64_t secondsPerHour = 3600;
     constexpr std::int64_t sixty = 60;
-    constexpr double integerLimit = 9223372036854775808.0; // 2^63
-    if (!(seconds < integerLimit && seconds >= -integerLimit))
+    if (!fitsInteger(seconds))
         fatalError();
-    const auto whole = static_cast<std::int64_t>(seconds);
+    const std::int64_t whole = truncated(seconds);
     return twoDigits(whole / secondsPerHour) + ":" + twoDigits(whole / sixty % sixty) + ":"
         + twoDigits(whole % sixty) + "." + hundredthsOf(seconds);
 }

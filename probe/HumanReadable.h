@@ -7,19 +7,20 @@
 namespace tarnwell
 {
 
-/// Bytes of the file at `path`; 0 where that cannot be told, and a line says why.
+/// The size in bytes of the file at `path`. Prints the reason and returns 0 if it cannot be read.
 std::uint64_t fileSize(const std::string& path);
 
-/// The size of the file at `path` as people read it; "Unknown File Size" where that cannot be told, and a
-/// line says why.
+/// The size of the file at `path` as humanByteCount formats it. Prints the reason and returns "Unknown File
+/// Size" if it cannot be read.
 std::string humanFileSize(const std::string& path);
 
-/// A byte count in decimal units (1 kB = 1000 bytes): bytes and KB whole, MB with at most one digit behind
-/// the point, larger units with at most two, rounded half up, zeros at the end left out.
+/// Formats a byte count in decimal units (1 KB = 1000 bytes), rounded half up: bytes and KB without fraction,
+/// MB with up to one digit after the point, larger units with up to two. 0 is "Zero KB".
 std::string humanByteCount(std::uint64_t bytes);
 
-/// Seconds as hours:minutes:seconds.hundredths, at least two digits each. The seconds are cut off and the
-/// hundredths rounded, each on its own. Seconds beyond 64 bits, or not finite, stop the program.
+/// Formats seconds as hours:minutes:seconds.hundredths, with at least two digits each. Truncates the seconds
+/// and rounds the hundredths independently: 59.999 is "00:00:59.00". Seconds beyond 64 bits or not finite
+/// stop the program.
 std::string humanDuration(double seconds);
 
 } // namespace tarnwell

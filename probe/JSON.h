@@ -14,22 +14,23 @@
 namespace tarnwell
 {
 
-/// A value of a parsed JSON text, read tolerantly: whatever is missing or of another kind than asked for
-/// reads as null, "" or 0, and never fails. Copies share the parsed text and are cheap. Texts are UTF-8.
+/// A value of a parsed JSON text. No read fails: a missing value, or one of another kind, reads as null, ""
+/// or 0. Copies share the parsed text. Texts are UTF-8.
 class JSON
 {
 public:
-    /// Null.
+    /// The value null.
     JSON() = default;
 
-    /// The whole text as one value, or the parser's description of what is wrong with it.
+    /// Returns the value that the whole text represents, or the description of the error in one line. Numbers
+    /// beyond double's range are infinite.
     static std::variant<JSON, std::string> parse(std::string_view text);
 
-    /// The member or element; null where there is none or the value is of the wrong kind. Look-ups chain.
+    /// The member or element; null if it is missing or the value is of another kind. Look-ups chain.
     JSON operator[](std::string_view member) const;
     JSON operator[](std::size_t index) const;
 
-    /// Whether an object has the member at all, be its value null.
+    /// Whether the value is an object with this member. The member's value may be null.
     bool hasMember(std::string_view member) const;
 
     bool isNull() const;
@@ -37,19 +38,20 @@ public:
     /// Elements of an array, members of an object, otherwise 0.
     std::size_t count() const;
 
-    /// A string as it is, a number as decimal text, a boolean as "true" or "false"; otherwise "".
+    /// A string unchanged, a number as decimal text (see compactDecimal), a boolean as "true" or "false";
+    /// otherwise "".
     std::string text() const;
 
-    /// A number, a string that spells a decimal number, or a boolean as 1 or 0; otherwise 0.
+    /// A number, a string parsed as a decimal number, or a boolean as 1 or 0; otherwise 0.
     double number() const;
 
-    /// The same, truncated; beyond 64 bits the nearest integer there is.
+    /// The same, truncated. Beyond 64 bits the nearest 64-bit integer.
     std::int64_t integer() const;
 
-    /// A number, or a boolean as 1 or 0. Absent for every other kind, strings that spell a number included.
+    /// A number, or a boolean as 1 or 0. Empty for every other kind, including strings.
     std::optional<double> optionalNumber() const;
 
-    /// Equality with a literal holds between values of one kind only: "90" equals no number.
+    /// Values of different kinds are never equal: the text "90" does not equal the number 90.
     bool operator==(std::string_view literal) const;
     bool operator==(const char* literal) const { return *this == std::string_view(literal); }
     bool operator==(double literal) const;
@@ -58,8 +60,10 @@ public:
 
 private:
     explicit JSON(std::shared_ptr<const nlohmann::json> value);
+    JSON part(const nlohmann::json& value) const;
 
-    std::shared_ptr<const nlohmann::json> m_value; // null: the value is null
+    std::shared_ptr<const nlohmann::json>
+        m_value; // shares ownership of the whole text; nullptr: the value null
 };
 
 } // namespace tarnwell

@@ -16,7 +16,7 @@ bool isMotionJpegTrackOfQuickTime(const JSON& stream)
 
 bool isReadableSubtitle(const JSON& stream)
 {
-    return !(stream["codec_tag_string"] == "text") && !stream["codec_name"].isNull();
+    return stream["codec_tag_string"] != "text" && !stream["codec_name"].isNull();
 }
 
 bool isUntaggedPicture(const JSON& stream)
@@ -29,12 +29,17 @@ TrackType videoTrackTypeOf(const JSON& stream)
 {
     if (isMotionJpegTrackOfQuickTime(stream))
         return TrackType::Other;
-    if (isVideoByCodec(stream) || !(stream["avg_frame_rate"] == "0/0"))
+    if (isVideoByCodec(stream) || hasFrameRate(stream))
         return TrackType::Video;
     return isUntaggedPicture(stream) ? TrackType::Poster : TrackType::Other;
 }
 
 } // namespace
+
+bool hasFrameRate(const JSON& stream)
+{
+    return stream["avg_frame_rate"] != "0/0";
+}
 
 bool isVideoByCodec(const JSON& stream)
 {

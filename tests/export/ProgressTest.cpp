@@ -99,6 +99,8 @@ TEST(PercentLineTest, theShortestDecimalIsWritten)
     EXPECT_EQ(percentLine(12.5), "Percent : 12.5");
     EXPECT_EQ(percentLine(40), "Percent : 40.0");
     EXPECT_EQ(percentLine(0), "Percent : 0.0");
+    EXPECT_EQ(percentLine(percentOf(-0.0, 8)), "Percent : -0.0");
+    EXPECT_EQ(percentLine(percentOf(0, -8)), "Percent : -0.0");
     EXPECT_EQ(percentLine(percentOf(1, 3)), "Percent : 33.33333333333333");
     EXPECT_EQ(percentLine(percentOf(12, 8)), "Percent : 150.0");
 }

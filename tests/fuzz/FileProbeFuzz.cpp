@@ -2,7 +2,6 @@
 // Any bytes as sniffer's report: the description is whole, and the program stops only where that is promised.
 #include "probe/FileProbe.h"
 #include "probe/JSON.h"
-#include "probe/Suitability.h"
 #include "tests/fuzz/Promise.h"
 #include "tests/fuzz/SnifferOutput.h"
 #include "tools/Report.h"

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <sys/stat.h>
 
 namespace tarnwell::test
@@ -67,6 +68,8 @@ TEST_F(FileProbeFailureTest, outputThatIsNoReportPrintsOneLineAndSetsNothing)
     expectUnreadable("rubbish\nin two lines");
     expectUnreadable(R"({"streams": [{"codec_type": "video")");
     expectUnreadable(std::string(oneVideo) + "x");
+    expectUnreadable(oneVideo + std::string("\0", 1));
+    expectUnreadable(oneVideo + std::string("\0{}", 3));
     expectUnreadable(std::string("\0\0\0\0", 4));
     expectUnreadable("{\"format\": {\"filename\": \"\xFF\"}}");
 }
@@ -190,6 +193,19 @@ TEST_F(FileProbeFailureTest, aReportLargerThanAPipeIsReadWhole)
     EXPECT_EQ(metadataOf(description, "Comment").size(), fiveMegabytes);
 }
 
+TEST_F(FileProbeFailureTest, aNumberBeyondDoubleDoesNotMakeTheReportUnreadable)
+{
+    for (const std::string number : {"1e999", "\"1e999\""}) {
+        SCOPED_TRACE(number);
+        const FileProbe description
+            = probeReported(R"({"streams": [{"codec_type": "audio"}], "format": {"duration": )" + number
+                + R"(, "bit_rate": )" + number + "}}");
+        EXPECT_TRUE(description.isValidMediaFile);
+        EXPECT_EQ(description.duration, std::numeric_limits<double>::infinity());
+        EXPECT_EQ(description.bitRate, std::numeric_limits<std::int64_t>::max());
+    }
+}
+
 TEST_F(FileProbeFailureTest, aFloodOfRubbishIsReadToItsEnd)
 {
     m_tools.setSniffer("flood 5000000\ntouch " + path("done"));
@@ -249,7 +265,10 @@ TEST_F(FileProbeDeathTest, channelsOfAnyStreamAreRead)
 
 TEST_F(FileProbeDeathTest, aTracksDurationBeyond64BitsStopsTheProgram)
 {
-    EXPECT_SILENT_STOP(probeOfStreams(R"({"codec_type": "audio", "duration": "1e30"})"));
+    for (const std::string duration : {"1e30", "\"1e30\"", "1e999", "\"1e999\""}) {
+        SCOPED_TRACE(duration);
+        EXPECT_SILENT_STOP(probeOfStreams(R"({"codec_type": "audio", "duration": )" + duration + "}"));
+    }
 }
 
 } // namespace tarnwell::test

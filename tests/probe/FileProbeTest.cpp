@@ -2,7 +2,10 @@
 #include "tests/probe/ProbeTestSetup.h"
 #include "tests/support/Files.h"
 
+#include <fcntl.h>
+#include <filesystem>
 #include <thread>
+#include <unistd.h>
 
 namespace tarnwell::test
 {
@@ -17,6 +20,18 @@ TEST_F(FileProbeTest, thePathAndItsUrlAreKeptUnchanged)
     EXPECT_EQ(description.fileFullPath, path("my \xFF clip.mp4"));
     EXPECT_EQ(description.fileFullURL, FileURL(path("my \xFF clip.mp4")));
     EXPECT_TRUE(description.fileFullURL->absoluteString().ends_with("/my%20%FF%20clip.mp4"));
+}
+
+TEST_F(FileProbeTest, aRelativePathIsKeptAndItsUrlIsAbsolute)
+{
+    m_tools.setSniffer("record " + path("arguments") + "\nprint {\"streams\": [{}]}");
+    const FileProbe description("folder/../no such clip.mp4", m_tools.context());
+    EXPECT_EQ(description.fileFullPath, "folder/../no such clip.mp4");
+    ASSERT_TRUE(description.fileFullURL);
+    EXPECT_EQ(description.fileFullURL->path(),
+        std::filesystem::current_path().string() + "/folder/../no such clip.mp4");
+    EXPECT_EQ(recordedArguments(path("arguments")).back(), "folder/../no such clip.mp4");
+    EXPECT_EQ(textOf(description.tracksInfo.at(0), "trackPresentInfile"), "folder/../no such clip.mp4");
 }
 
 TEST_F(FileProbeTest, theFilesSizeIsKeptInBytesAndInWords)
@@ -93,13 +108,16 @@ TEST_F(FileProbeTest, theSpecialInfoDependsOnTheKind)
            {"codec_type": "subtitle", "codec_name": "mov_text", "tags": {"language": "fra"}},
            {"codec_type": "video", "codec_name": "png", "codec_tag_string": "[0][0][0][0]",
             "avg_frame_rate": "0/0", "width": 600, "height": "400"},
-           {"codec_type": "data", "codec_tag_string": "tmcd", "tags": {"language": "eng"}})");
-    ASSERT_EQ(description.tracksInfo.size(), 4U);
+           {"codec_type": "data", "codec_tag_string": "tmcd", "tags": {"language": "eng"}},
+           {"codec_type": "video", "codec_name": "png", "codec_tag_string": "[0][0][0][0]",
+            "avg_frame_rate": "0/0", "height": 400})");
+    ASSERT_EQ(description.tracksInfo.size(), 5U);
     EXPECT_EQ(textOf(description.tracksInfo[0], "trackSpecialInfo"), "7.1");
     EXPECT_EQ(textOf(description.tracksInfo[1], "trackSpecialInfo"), "fra");
     EXPECT_EQ(textOf(description.tracksInfo[2], "trackSpecialInfo"), "600x400");
     EXPECT_EQ(textOf(description.tracksInfo[3], "trackSpecialInfo"), "tmcd");
     EXPECT_EQ(textOf(description.tracksInfo[3], "trackLanguage"), "eng");
+    EXPECT_EQ(textOf(description.tracksInfo[4], "trackSpecialInfo"), "x400");
 }
 
 TEST_F(FileProbeTest, aVideoWithoutACodecNameIsEncryptedAndReadOn)
@@ -211,6 +229,27 @@ TEST_F(FileProbeTest, theToolIsWaitedForAsTheCallerSays)
     };
     EXPECT_TRUE(FileProbe(path("clip.mp4"), {m_tools.bundle(), onAnotherThread}).isValidMediaFile);
     EXPECT_EQ(waits, 1);
+}
+
+TEST_F(FileProbeTest, theToolIsWaitedForAfterItHasClosedItsOutput)
+{
+    m_tools.setSniffer("print {\"streams\": [{}]}\nclose 1\nsleep 300\ntouch " + path("done"));
+    EXPECT_TRUE(probe().isValidMediaFile);
+    EXPECT_TRUE(exists(path("done")));
+}
+
+TEST_F(FileProbeTest, theToolInheritsStandardInput)
+{
+    writeFile(path("input"), R"({"streams": [{}, {}, {}]})");
+    m_tools.setSniffer("print-file /dev/stdin");
+    const int before = ::dup(STDIN_FILENO);
+    const int input = ::open(path("input").c_str(), O_RDONLY | O_CLOEXEC);
+    ::dup2(input, STDIN_FILENO);
+    const FileProbe description = probe();
+    ::dup2(before, STDIN_FILENO);
+    ::close(before);
+    ::close(input);
+    EXPECT_EQ(description.numberOfStreams, 3);
 }
 
 } // namespace tarnwell::test

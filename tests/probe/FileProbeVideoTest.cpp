@@ -152,6 +152,21 @@ TEST_F(FileProbeVideoTest, anH264VideoBehindAnotherOneGivesTheSize)
     EXPECT_EQ(specialInfos(probe), (Infos{"Video 640x480", "Video 320x240", "Video 320x240"}));
 }
 
+TEST_F(FileProbeVideoTest, aStreamOfAnotherKindDoesNotGiveTheSize)
+{
+    for (const std::string stream :
+        {R"({"codec_type": "data", "codec_name": "h264", "width": 320, "height": 240})",
+            R"({"codec_type": "attachment", "codec_name": "theora", "width": 320, "height": 240})",
+            R"({"codec_type": "audio", "codec_tag_string": "WMV3", "width": 320, "height": 240})",
+            R"({"codec_type": "subtitle", "codec_name": "wmv3", "width": 320, "height": 240})",
+            R"({"codec_name": "h264", "width": 320, "height": 240})"}) {
+        SCOPED_TRACE(stream);
+        expectSize(probeOfStreams(video("vp9", 640, 480, moving) + "," + stream), 640, 480);
+        EXPECT_FALSE(probeOfStreams(stream).hasVideoTrack);
+        EXPECT_FALSE(probeOfStreams(stream).videoWidth);
+    }
+}
+
 TEST_F(FileProbeVideoTest, windowsMediaWithoutAFrameRateIsAVideo)
 {
     const FileProbe probe = probeOfStreams(video(

@@ -52,7 +52,8 @@ INSTANTIATE_TEST_SUITE_P(Mismatches, HumanDurationTest,
 INSTANTIATE_TEST_SUITE_P(Negative, HumanDurationTest,
     testing::Values(DurationCase{"minusOneAndAHalf", -1.5, "00:00:0-1.50"},
         DurationCase{"minusAMinuteAndAQuarter", -75.5, "00:0-1:0-15.50"},
-        DurationCase{"minusHalf", -0.5, "00:00:00.50"},
+        DurationCase{"minusHalf", -0.5, "00:00:00.50"}, DurationCase{"minusZero", -0.0, "00:00:00.00"},
+        DurationCase{"lessThanHalfAHundredth", -0.004, "00:00:00.00"},
         DurationCase{"minusTenHours", -36000, "0-10:00:00.00"}),
     [](const auto& row) { return row.param.name; });
 

@@ -3,11 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace tarnwell::test
 {
 
 namespace
 {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
 
 struct TextCase {
     std::string name;
@@ -44,7 +48,16 @@ INSTANTIATE_TEST_SUITE_P(Texts, BrokenJSONTest,
         TextCase{"hexadecimal", "[0x1]"}, TextCase{"lineFeedInText", "[\"a\nb\"]"},
         TextCase{"invalidUtf8", "[\"\xFF\"]"}, TextCase{"cutOffUtf8", "[\"\xC3\"]"},
         TextCase{"overlongUtf8", "[\"\xC0\xAF\"]"}, TextCase{"loneSurrogate", R"(["\uD800"])"},
-        TextCase{"utf16", std::string("\xFF\xFE{\0}\0", 6)}),
+        TextCase{"utf16", std::string("\xFF\xFE{\0}\0", 6)},
+        TextCase{"nulByteAtTheEnd", std::string("{}\0", 3)},
+        TextCase{"nulByteAndRubbish", std::string("{}\0rubbish", 10)},
+        TextCase{"nulByteAndAnotherValue", std::string("{}\0{}", 5)},
+        TextCase{"nulByteInText", std::string("[\"a\0b\"]", 7)},
+        TextCase{"nulBytesAlone", std::string(4, '\0')}, TextCase{"overflowAndRubbish", "[1e999]x"},
+        TextCase{"overflowWithALeadingZero", "[1e999, 01e999]"},
+        TextCase{"overflowWithoutAWholePart", "[1e999, -.5e999]"},
+        TextCase{"overflowWithoutAFraction", "[1e999, 5.e999]"},
+        TextCase{"overflowInOpenText", "[1e999, \"a"}, TextCase{"overflowAndEscapeAtTheEnd", "[1e999, \"\\"}),
     [](const auto& row) { return row.param.name; });
 
 TEST(JSONParsingTest, everyKindMayStandAlone)
@@ -57,6 +70,27 @@ TEST(JSONParsingTest, textsAreUnescaped)
 {
     const auto parsed = JSON::parse(R"(["\u00e9\n\"\\\/\ud83c\udfac"])");
     EXPECT_EQ(std::get<JSON>(parsed)[0].text(), "\xC3\xA9\n\"\\/\xF0\x9F\x8E\xAC");
+}
+
+TEST(JSONParsingTest, anEscapedNulIsACharacter)
+{
+    const auto parsed = JSON::parse(R"(["a\u0000b"])");
+    EXPECT_EQ(std::get<JSON>(parsed)[0].text(), std::string("a\0b", 3));
+}
+
+TEST(JSONParsingTest, aNumberBeyondTheRangeLeavesTheRestOfTheTextReadable)
+{
+    const auto parsed = JSON::parse(
+        R"({"a": 1e999, "1e999": "say \"1e999\"", "b": [-1e999, 1.5, 1e999], "c": "\\", "d": 1e999, "e": 7})");
+    ASSERT_TRUE(std::holds_alternative<JSON>(parsed));
+    const JSON object = std::get<JSON>(parsed);
+    EXPECT_EQ(object["a"].number(), infinity);
+    EXPECT_EQ(object["1e999"].text(), "say \"1e999\"");
+    EXPECT_EQ(object["b"][0].number(), -infinity);
+    EXPECT_EQ(object["b"][1].number(), 1.5);
+    EXPECT_EQ(object["c"].text(), "\\");
+    EXPECT_EQ(object["d"].number(), infinity);
+    EXPECT_EQ(object["e"].integer(), 7);
 }
 
 TEST(JSONParsingTest, ofTwoMembersOfOneNameTheLastOneCounts)

@@ -2,6 +2,7 @@
 #include "tests/probe/ProbeTestSetup.h"
 #include "tests/util/CommaLocale.h"
 
+#include <cmath>
 #include <limits>
 
 namespace tarnwell::test
@@ -12,6 +13,8 @@ namespace
 
 constexpr auto largest = std::numeric_limits<std::int64_t>::max();
 constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
 
 struct ValueCase {
     std::string name;
@@ -57,6 +60,14 @@ INSTANTIATE_TEST_SUITE_P(Numbers, JSONValueTest,
         ValueCase{"beyond63Bits", "9223372036854775808", "9223372036854775808", 0x1p63, largest, 0x1p63},
         ValueCase{"unsignedLargest", "18446744073709551615", "18446744073709551615", 0x1p64, largest, 0x1p64},
         ValueCase{"huge", "1e300", "1e+300", 1e300, largest, 1e300},
+        ValueCase{"wholeFraction", "90.0", "90", 90, 90, 90},
+        ValueCase{"hundredThousand", "100000.0", "100000", 100000, 100000, 100000},
+        ValueCase{"hundredThousandWithExponent", "1e5", "100000", 100000, 100000, 100000},
+        ValueCase{"tenThousandth", "0.0001", "0.0001", 0.0001, 0, 0.0001},
+        ValueCase{"beyondDouble", "1e999", "inf", infinity, largest, infinity},
+        ValueCase{"beyondDoubleNegative", "-1e999", "-inf", -infinity, smallest, -infinity},
+        ValueCase{"beyondDoubleWithoutExponent", std::string(400, '9'), "inf", infinity, largest, infinity},
+        ValueCase{"belowDouble", "1e-999", "0", 0, 0, 0},
         ValueCase{"hugeNegative", "-1e300", "-1e+300", -1e300, smallest, -1e300}),
     nameOf);
 
@@ -77,7 +88,9 @@ INSTANTIATE_TEST_SUITE_P(Texts, JSONValueTest,
         ValueCase{"nanWord", "\"nan\"", "nan", 0, 0, std::nullopt},
         ValueCase{"rate", "\"0/0\"", "0/0", 0, 0, std::nullopt},
         ValueCase{"trueWord", "\"true\"", "true", 0, 0, std::nullopt},
-        ValueCase{"beyondEveryNumber", "\"1e999\"", "1e999", 0, 0, std::nullopt}),
+        ValueCase{"beyondDouble", "\"1e999\"", "1e999", infinity, largest, std::nullopt},
+        ValueCase{"beyondDoubleNegative", "\"-1e999\"", "-1e999", -infinity, smallest, std::nullopt},
+        ValueCase{"belowDouble", "\"1e-999\"", "1e-999", 0, 0, std::nullopt}),
     nameOf);
 
 INSTANTIATE_TEST_SUITE_P(OtherKinds, JSONValueTest,
@@ -88,6 +101,16 @@ INSTANTIATE_TEST_SUITE_P(OtherKinds, JSONValueTest,
         ValueCase{"emptyObject", "{}", "", 0, 0, std::nullopt},
         ValueCase{"object", R"({"a": 7})", "", 0, 0, std::nullopt}),
     nameOf);
+
+TEST(JSONNegativeZeroTest, theSignIsKept)
+{
+    for (const auto* text : {"-0.0", "\"-0\"", "\"-0.0\""}) {
+        EXPECT_TRUE(std::signbit(json(text).number())) << text;
+        EXPECT_EQ(json(text).integer(), 0) << text;
+    }
+    EXPECT_EQ(json("-0.0").text(), "-0");
+    EXPECT_TRUE(json("-0.0") == 0.0);
+}
 
 TEST(JSONMissingValueTest, whatIsMissingReadsAsNull)
 {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "probe/ProbeArguments.h"
-
+#include "probe/FileProbe.h"
 #include "tests/probe/ProbeTestSetup.h"
 #include "tests/support/Files.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "probe/Suitability.h"
+#include "probe/FileProbe.h"
 #include "tests/probe/ProbeTestSetup.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "probe/Suitability.h"
-
+#include "probe/FileProbe.h"
 #include "tests/probe/ProbeTestSetup.h"
 
 namespace tarnwell::test

@@ -73,11 +73,8 @@ void AppDelegate::runCreator(const std::string& outputPath, const ArgumentList& 
     const auto creator = std::make_shared<Process>();
     creator->setExecutable(required(m_tools.bundle.pathForResource("creator")));
     creator->setArguments(arguments);
-    creator->setGroup(
-        Process::Group::Own); // an interrupt that ends the program in a terminal is not meant for it
-    // However early a cancel comes: what is deleted afterwards must not be an older file that the encoder had
-    // no time to put aside.
-    creator->setTermination(Process::Termination::WhenReady);
+    // Ctrl+C in a terminal ends the application, not the encoder.
+    creator->setSession(Process::Session::Own);
     const auto standardError = std::make_shared<Pipe>();
     creator->setStandardError(standardError);
     standardError->fileHandleForReading()->setReadabilityHandler(

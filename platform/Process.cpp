@@ -15,7 +15,7 @@ namespace tarnwell
 namespace
 {
 
-/// Owns what posix_spawn is told about descriptors, the process group and signals.
+/// The file actions and attributes of one posix_spawn call.
 class SpawnPlan
 {
 public:
@@ -23,7 +23,7 @@ public:
     {
         posix_spawn_file_actions_init(&actions);
         posix_spawnattr_init(&attributes);
-        setSignalMask(noSignals());
+        resetSignals();
     }
     ~SpawnPlan()
     {
@@ -33,45 +33,34 @@ public:
     SpawnPlan(const SpawnPlan&) = delete;
     SpawnPlan& operator=(const SpawnPlan&) = delete;
 
-    void giveStream(const Pipe& pipe, int stream)
+    void redirect(int stream, const Pipe& pipe)
     {
         posix_spawn_file_actions_adddup2(&actions, pipe.writingDescriptor(), stream);
     }
 
-    void leaveGroup()
-    {
-        posix_spawnattr_setpgroup(&attributes, 0);
-        m_flags |= POSIX_SPAWN_SETPGROUP;
-        posix_spawnattr_setflags(&attributes, m_flags);
-    }
-
-    void holdTermination()
-    {
-        sigset_t signals = noSignals();
-        sigaddset(&signals, SIGTERM);
-        setSignalMask(signals);
-    }
+    void startSession() { addFlags(POSIX_SPAWN_SETSID); }
 
     posix_spawn_file_actions_t actions;
     posix_spawnattr_t attributes;
 
 private:
-    static sigset_t noSignals()
+    void resetSignals()
     {
-        sigset_t none;
-        sigemptyset(&none);
-        return none;
-    }
-
-    // A thread of the application may block signals; the child must not inherit that, SIGTERM above all.
-    void setSignalMask(const sigset_t& signals)
-    {
+        sigset_t signals;
+        sigemptyset(&signals);
         posix_spawnattr_setsigmask(&attributes, &signals);
-        m_flags |= POSIX_SPAWN_SETSIGMASK;
-        posix_spawnattr_setflags(&attributes, m_flags);
+        sigaddset(&signals, SIGTERM);
+        posix_spawnattr_setsigdefault(&attributes, &signals);
+        addFlags(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }
 
-    short m_flags = 0;
+    void addFlags(int flags)
+    {
+        m_flags |= flags;
+        posix_spawnattr_setflags(&attributes, static_cast<short>(m_flags));
+    }
+
+    int m_flags = 0;
 };
 
 std::vector<char*> argumentPointers(std::string& executable, std::vector<std::string>& arguments)
@@ -83,7 +72,8 @@ std::vector<char*> argumentPointers(std::string& executable, std::vector<std::st
     return pointers;
 }
 
-bool lacksPipe(const std::shared_ptr<Pipe>& pipe)
+/// The system refused to create the pipe.
+bool isPipeMissing(const std::shared_ptr<Pipe>& pipe)
 {
     return pipe && pipe->writingDescriptor() < 0;
 }
@@ -102,17 +92,15 @@ std::error_code Process::launch()
 
 std::error_code Process::spawn()
 {
-    if (lacksPipe(m_standardOutput) || lacksPipe(m_standardError))
+    if (isPipeMissing(m_standardOutput) || isPipeMissing(m_standardError))
         return std::make_error_code(std::errc::too_many_files_open);
     SpawnPlan plan;
     if (m_standardOutput)
-        plan.giveStream(*m_standardOutput, STDOUT_FILENO);
+        plan.redirect(STDOUT_FILENO, *m_standardOutput);
     if (m_standardError)
-        plan.giveStream(*m_standardError, STDERR_FILENO);
-    if (m_group == Group::Own)
-        plan.leaveGroup();
-    if (m_termination == Termination::WhenReady)
-        plan.holdTermination();
+        plan.redirect(STDERR_FILENO, *m_standardError);
+    if (m_session == Session::Own)
+        plan.startSession();
     const auto pointers = argumentPointers(m_executable, m_arguments);
     const std::lock_guard lock(m_mutex);
     const int failure = ::posix_spawn(
@@ -131,8 +119,8 @@ void Process::waitUntilExit()
     }
     if (child == 0)
         return;
-    // The exit is awaited first and the child reaped afterwards under the lock: until it is reaped its number
-    // cannot belong to anyone else, and so terminate never hits a stranger.
+    // WNOWAIT leaves the child a zombie, so the system cannot reuse its number. It is reaped under the lock,
+    // which terminate also takes.
     siginfo_t exit = {};
     while (::waitid(P_PID, static_cast<id_t>(child), &exit, WEXITED | WNOWAIT) != 0 && errno == EINTR) { }
     const std::lock_guard lock(m_mutex);

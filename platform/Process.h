@@ -13,44 +13,46 @@ namespace tarnwell
 
 class Pipe;
 
-/// One run of a child process. Destroying it neither ends nor waits for the child. Set it up and launch it on
-/// one thread; waitUntilExit and terminate may then be called from any.
+/// One run of a child process. The destructor neither terminates the child nor waits for it. Configure and
+/// launch it on one thread; any thread may then call waitUntilExit and terminate.
 ///
-/// | ending                | launch          | waitUntilExit        | terminate          |
-/// |-----------------------|-----------------|----------------------|--------------------|
-/// | exit 0, exit n        | no error        | returns at the exit  | nothing afterwards |
-/// | killed by a signal    | no error        | returns at the death | nothing afterwards |
-/// | cancelled (terminate) | no error        | returns at the exit  | sends SIGTERM      |
-/// | did not start         | says why        | returns at once      | nothing            |
+/// | ending               | launch            | waitUntilExit          | terminate                  |
+/// |----------------------|-------------------|------------------------|----------------------------|
+/// | exit 0, exit n       | returns no error  | returns after the exit | does nothing after it      |
+/// | killed by a signal   | returns no error  | returns after the exit | does nothing after it      |
+/// | cancelled            | returns no error  | returns after the exit | sends SIGTERM              |
+/// | did not start        | returns the error | returns immediately    | does nothing               |
 ///
-/// How the child ended is not kept: whether a tool did its work is judged by what it left behind.
+/// The exit status is not stored: the application judges a tool by the file or the report that it leaves.
+///
+/// The child starts with an empty signal mask and the default action for SIGTERM, whatever the calling thread
+/// blocks or ignores, so terminate ends every program that does not handle SIGTERM. Other ignored signals
+/// stay ignored; SIGPIPE among them lets an encoder survive the application that reads its output.
 class Process
 {
 public:
-    /// Whether signals that the terminal sends to the application reach the child too.
-    enum class Group { Shared, Own };
-
-    /// Whether the child can be terminated from its first moment on, or starts with SIGTERM blocked and takes
-    /// it when it is ready to: one that has something to put in order before it ends.
-    enum class Termination { AtOnce, WhenReady };
+    /// A child in the application's session receives the terminal's signals (Ctrl+C) together with the
+    /// application. A child in a session of its own receives none, and the terminal never stops it when it
+    /// reads the terminal: it has no controlling terminal.
+    enum class Session { Shared, Own };
 
     /// Absolute path of the program, raw bytes.
     void setExecutable(std::string path) { m_executable = std::move(path); }
-    /// What follows the program's own name, in order, raw bytes, unchanged.
+    /// The arguments after argv[0], raw bytes, passed on unchanged.
     void setArguments(std::vector<std::string> arguments) { m_arguments = std::move(arguments); }
-    void setGroup(Group group) { m_group = group; }
-    void setTermination(Termination termination) { m_termination = termination; }
-    /// A stream without a pipe is the application's own.
+    void setSession(Session session) { m_session = session; }
+    /// A stream without a pipe is inherited from the application. Standard input is always inherited.
     void setStandardOutput(std::shared_ptr<Pipe> pipe) { m_standardOutput = std::move(pipe); }
     void setStandardError(std::shared_ptr<Pipe> pipe) { m_standardError = std::move(pipe); }
 
-    /// Starts the child and gives the writing ends away. Says why where it could not be started.
+    /// Starts the child and closes the application's copies of the pipes' writing ends. Returns the reason if
+    /// the child did not start.
     std::error_code launch();
 
-    /// Blocks the calling thread until the child has exited; at once where it never started.
+    /// Blocks the calling thread until the child has exited. Returns immediately if it never started.
     void waitUntilExit();
 
-    /// Asks the child to end (SIGTERM). Never reaches another process that got the same number later.
+    /// Sends SIGTERM to a running child. Never signals another process that reuses the child's number.
     void terminate();
 
 private:
@@ -58,8 +60,7 @@ private:
 
     std::string m_executable;
     std::vector<std::string> m_arguments;
-    Group m_group = Group::Shared;
-    Termination m_termination = Termination::AtOnce;
+    Session m_session = Session::Shared;
     std::shared_ptr<Pipe> m_standardOutput;
     std::shared_ptr<Pipe> m_standardError;
     std::mutex m_mutex;

@@ -87,6 +87,16 @@ void record(const std::string& path)
     leaveFile(path, all);
 }
 
+/// Appends one line: the names in the folder of the output, each with a blank behind it.
+void recordFolder(const std::string& path)
+{
+    std::string line;
+    const auto folder = std::filesystem::path(toolArguments[toolArgumentCount - 1]).parent_path();
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        line += entry.path().filename().string() + " ";
+    std::ofstream(path, std::ios::binary | std::ios::app) << line << '\n';
+}
+
 void flood(int descriptor, const std::string& bytes)
 {
     const std::string block(65536, 'x');
@@ -222,6 +232,12 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
         }},
     {"close", [](const Words& descriptor) { ::close(std::stoi(descriptor)); }},
     {"record", record},
+    {"record-output",
+        [](const Words& path) {
+            std::ofstream(path, std::ios::binary | std::ios::app)
+                << toolArguments[toolArgumentCount - 1] << '\n';
+        }},
+    {"record-folder", recordFolder},
     {"record-pid", [](const Words& path) { leaveFile(path, std::to_string(::getpid())); }},
     {"copy", [](const Words& path) { leaveFile(toolArguments[toolArgumentCount - 1], contentsOf(path)); }},
     {"touch", [](const Words& path) { leaveFile(path, ""); }},
@@ -281,18 +297,8 @@ bool perform(const std::string& line)
 
 } // namespace
 
-/// The application may have left it to its tool from when on it can be terminated.
-void unblockTermination()
-{
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    ::sigprocmask(SIG_UNBLOCK, &signals, nullptr);
-}
-
 int main(int argc, char* argv[])
 {
-    unblockTermination();
     toolArguments = argv;
     toolArgumentCount = argc;
     const std::string link = argv[0];

@@ -102,6 +102,16 @@ TEST_F(ProcessTerminationTest, theChildReceivesSigterm)
     EXPECT_EQ(contentsOf(path("terminated")), "SIGTERM");
 }
 
+TEST_F(ProcessTerminationTest, aProgramWithoutAnyHandlerIsEnded)
+{
+    m_process->setExecutable("/bin/sleep");
+    m_process->setArguments({"1000000"});
+    launch();
+    m_process->terminate();
+    m_process->waitUntilExit();
+    EXPECT_EQ(printed(), "");
+}
+
 TEST_F(ProcessTerminationTest, aChildThatDoesNotListenIsEnded)
 {
     setScript("print ready\nhang");

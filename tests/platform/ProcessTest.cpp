@@ -23,15 +23,34 @@ protected:
         return text;
     }
 
-    /// The signals that the child blocks, as the system writes them.
-    std::string blockedSignals()
+    /// The set of signals that the child has in this line of /proc/self/status, in hexadecimal.
+    std::string signalSet(const std::string& name)
     {
         m_process->setExecutable("/bin/grep");
-        m_process->setArguments({"--only-matching", "--perl-regexp", "SigBlk:\\t\\K.*", "/proc/self/status"});
+        m_process->setArguments(
+            {"--only-matching", "--perl-regexp", name + ":\\t\\K.*", "/proc/self/status"});
         launch();
         std::string text = printed();
         m_process->waitUntilExit();
         return text;
+    }
+
+    struct Family {
+        pid_t parent = 0;
+        pid_t group = 0;
+        pid_t session = 0;
+    };
+
+    /// Of a child that is launched as the process stands.
+    Family family()
+    {
+        std::istringstream fields(run("print-file /proc/self/stat"));
+        std::string number;
+        std::string name;
+        std::string state;
+        Family family;
+        fields >> number >> name >> state >> family.parent >> family.group >> family.session;
+        return family;
     }
 };
 
@@ -89,34 +108,20 @@ TEST_F(ProcessTest, destroyingItDoesNotEndTheChild)
     EXPECT_EQ(printed(), " and still there");
 }
 
-TEST_F(ProcessTest, aChildMayLeaveTheGroup)
+TEST_F(ProcessTest, aChildCanHaveASessionOfItsOwn)
 {
-    m_process->setGroup(Process::Group::Own);
-    setScript("record-pid " + path("pid") + "\nprint-file /proc/self/stat");
-    launch();
-    std::istringstream fields(printed());
-    m_process->waitUntilExit();
-    std::string number;
-    std::string name;
-    std::string state;
-    pid_t parent = 0;
-    pid_t group = 0;
-    fields >> number >> name >> state >> parent >> group;
-    EXPECT_EQ(parent, ::getpid());
-    EXPECT_EQ(std::to_string(group), contentsOf(path("pid")));
-    EXPECT_NE(group, ::getpgrp());
+    m_process->setSession(Process::Session::Own);
+    const Family child = family();
+    EXPECT_EQ(child.parent, ::getpid());
+    EXPECT_NE(child.session, ::getsid(0));
+    EXPECT_EQ(child.group, child.session);
 }
 
-TEST_F(ProcessTest, aChildSharesTheGroupOtherwise)
+TEST_F(ProcessTest, aChildSharesSessionAndGroupByDefault)
 {
-    std::istringstream fields(run("print-file /proc/self/stat"));
-    std::string number;
-    std::string name;
-    std::string state;
-    pid_t parent = 0;
-    pid_t group = 0;
-    fields >> number >> name >> state >> parent >> group;
-    EXPECT_EQ(group, ::getpgrp());
+    const Family child = family();
+    EXPECT_EQ(child.session, ::getsid(0));
+    EXPECT_EQ(child.group, ::getpgrp());
 }
 
 TEST_F(ProcessTest, theChildBlocksNoSignalThatItsParentBlocks)
@@ -127,15 +132,22 @@ TEST_F(ProcessTest, theChildBlocksNoSignalThatItsParentBlocks)
     ::sigaddset(&blocked, SIGTERM);
     ::sigaddset(&blocked, SIGUSR1);
     ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
-    const std::string mask = blockedSignals();
+    const std::string mask = signalSet("SigBlk");
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     EXPECT_EQ(mask, "0000000000000000\n");
 }
 
-TEST_F(ProcessTest, aChildMayTakeItsTerminationWhenItIsReady)
+TEST_F(ProcessTest, theChildDoesNotIgnoreSigtermThoughItsParentDoes)
 {
-    m_process->setTermination(Process::Termination::WhenReady);
-    EXPECT_EQ(blockedSignals(), "0000000000004000\n"); // SIGTERM and no other
+    constexpr unsigned long long termination = 1ULL << (SIGTERM - 1);
+    constexpr unsigned long long brokenPipe = 1ULL << (SIGPIPE - 1);
+    const auto terminationBefore = std::signal(SIGTERM, SIG_IGN);
+    const auto brokenPipeBefore = std::signal(SIGPIPE, SIG_IGN);
+    const auto ignored = std::stoull(signalSet("SigIgn"), nullptr, 16);
+    std::signal(SIGTERM, terminationBefore);
+    std::signal(SIGPIPE, brokenPipeBefore);
+    EXPECT_EQ(ignored & termination, 0U);
+    EXPECT_EQ(ignored & brokenPipe, brokenPipe);
 }
 
 TEST_F(ProcessTest, theChildHoldsNoEndOfAPipeButItsOwnStream)

@@ -19,6 +19,8 @@ namespace tarnwell::test
 /// print-file PATH             writes the file to standard output
 /// flood N                     writes N bytes to standard output
 /// record PATH                 writes the arguments down, see recordedArguments
+/// record-output PATH          appends a line to the file: the last argument
+/// record-folder PATH          appends a line to the file: the names in the folder of the last argument
 /// record-pid PATH             writes the process number down
 /// copy PATH                   copies the file to the path in the last argument
 /// touch PATH, wait-for PATH   makes a file; waits until somebody has made it

@@ -27,7 +27,7 @@ void AppDelegate::applicationDidFinishLaunching()
 
 void AppDelegate::applicationWillTerminate()
 {
-    // A running encoder goes on: the user gets the video that was asked for.
+    // Nothing: a running encoder finishes the video that the user asked for.
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows)
@@ -63,12 +63,24 @@ void AppDelegate::setEditingControlsEnabled(bool enabled)
 
 void AppDelegate::helpBTNClicked()
 {
-    required(m_outlets.sheets).begin(&required(m_outlets.helpWindow));
+    beginSheet(m_outlets.helpWindow);
 }
 
 void AppDelegate::okBTNInsideHelpWindowClicked()
 {
-    required(m_outlets.sheets).end(&required(m_outlets.helpWindow));
+    endSheet(m_outlets.helpWindow);
+}
+
+void AppDelegate::beginSheet(const QPointer<QDialog>& sheet)
+{
+    static_cast<void>(required(m_outlets.window)); // the queue shows its sheets on this window
+    required(m_outlets.sheets).begin(&required(sheet));
+}
+
+void AppDelegate::endSheet(const QPointer<QDialog>& sheet)
+{
+    static_cast<void>(required(m_outlets.window));
+    required(m_outlets.sheets).end(&required(sheet));
 }
 
 } // namespace tarnwell

@@ -3,7 +3,9 @@
 
 #include "app/Outlets.h"
 #include "app/StillFrame.h"
+#include "export/ExportPlan.h"
 #include "orientation/OrientationState.h"
+#include "platform/FileFingerprint.h"
 #include "platform/FileURL.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Synchronized.h"
@@ -15,7 +17,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace tarnwell
 {
@@ -26,9 +27,9 @@ class FileProbe;
 class InputBlocker;
 class Process;
 
-/// The one controller: holds what is known of the one open video and receives every action of the user. An
-/// action takes values from the fields, asks a plain function what follows, and does it. Main thread, unless
-/// said otherwise. A running export keeps it alive, hence the shared ownership.
+/// The controller: holds the state of the open video and handles every user action. An action reads fields,
+/// calls a function without side effects to decide, and carries out the decision. Main thread, unless a
+/// comment names another. Shared ownership, because the threads of a running export keep it alive.
 class AppDelegate : public QObject, public std::enable_shared_from_this<AppDelegate>
 {
     Q_OBJECT
@@ -50,6 +51,8 @@ public:
     void fileAddedByDragAndDrop(const Notification& notification);
     void analyzeFile(const FileURL& url);
     QImage extractPosterFrame(const FileProbe& probe);
+    /// For the end of the program: an export's threads can keep the controller and its folder alive.
+    void removeStillFolder();
     // AppDelegateOrientation.cpp
     void leftRotateBTNClicked();
     void rightRotateBTNClicked();
@@ -63,7 +66,7 @@ public:
     // AppDelegateExport.cpp; paths are raw bytes
     void chooseExportMode(const std::string& inputPath, const std::string& outputPath);
     void exportModeChosen(int response, const std::string& inputPath, const std::string& outputPath);
-    void startCreatorRun(const std::string& outputPath, const std::vector<std::string>& arguments);
+    void startCreatorRun(const std::string& outputPath, const ArgumentList& arguments);
     void closeBTNInsideProgressWindowClicked();
     void showResultAlert(const std::shared_ptr<const FileProbe>& outputProbe);
     void resultAlertButtonClicked(int response, const FileProbe& outputProbe);
@@ -71,6 +74,8 @@ public:
 private:
     void registerForDropNotification();
     void setEditingControlsEnabled(bool enabled);
+    void beginSheet(const QPointer<QDialog>& sheet);
+    void endSheet(const QPointer<QDialog>& sheet);
     void openFilePanel();
     void showAnalysisProgress();
     void hideAnalysisProgress();
@@ -78,31 +83,37 @@ private:
     void refuseFile(const std::string& messageText, const std::string& informativeText);
     void presentSavePanel();
     void saveTo(const std::string& outputPath);
-    std::vector<std::string> fixFlagArguments(const std::string& inputPath, const std::string& outputPath);
-    std::vector<std::string> transcodeArguments(const std::string& inputPath, const std::string& outputPath);
-    /// On a background thread of the run's own, until the encoder has exited.
-    void runCreator(const std::string& outputPath, const std::vector<std::string>& arguments);
-    /// On the thread of the pipe, once a chunk.
+    ArgumentList fixFlagArguments(const std::string& inputPath, const std::string& outputPath);
+    ArgumentList transcodeArguments(const std::string& inputPath, const std::string& outputPath);
+    /// Blocks its thread, one per run, until the encoder has exited.
+    void runCreator(const std::string& outputPath, const ArgumentList& arguments);
+    /// Called on the pipe's thread, once per chunk.
     void creatorOutputReceived(FileHandle& fileHandle);
     void updateProgress(double percent);
     void finishCreatorRun(const std::string& outputPath);
     void showProgressSheet();
     void hideProgressSheet();
+    bool isUnchangedByRun(const FileProbe& outputProbe) const;
 
+    // The application's state. The documentation refers to these fields by name, so they have no prefix.
+
+    /// The file that was analysed last, accepted or not. The threads of an export read it.
+    Synchronized<std::shared_ptr<const FileProbe>> globalFP;
+    /// The encoder of the current or last export, set by the thread of the run.
+    Synchronized<std::shared_ptr<Process>> globalProcess;
+    std::optional<bool> isProcessCancelledByUser; // absent before the first export
+    std::optional<QImage> currentImage; // the still frame of the open video, as extracted
+
+    // Everything else, with the usual prefix.
+
+    OrientationState m_orientation; // positionState, vFlipState, hFlipState
     Outlets m_outlets;
     ToolContext m_tools;
     std::shared_ptr<DispatchQueue> m_mainQueue;
     NotificationCenter::Observation m_dropObservation;
-
-    /// The file that was analysed last, accepted or not. Threads of an export read it.
-    Synchronized<std::shared_ptr<const FileProbe>> globalFP;
-    /// The encoder of the current or last export. The run's thread sets it.
-    Synchronized<std::shared_ptr<Process>> globalProcess;
-    std::optional<bool> isProcessCancelledByUser; // absent before the first export
-    std::optional<QImage> currentImage; // the still of the open video, as extracted
-    DecodedPicture m_lastStill; // the one that was extracted last
-    OrientationState m_orientation;
-    std::unique_ptr<InputBlocker> m_blockerBeforeSheet; // from an export's start until its sheet is up
+    StillFrameExtractor m_stillFrames;
+    std::optional<FileFingerprint> m_outputBeforeRun; // absent before the first export
+    std::unique_ptr<InputBlocker> m_blockerBeforeSheet; // from an export's start until its sheet is shown
 };
 
 } // namespace tarnwell

@@ -14,7 +14,8 @@
 #include "platform/Process.h"
 #include "probe/FileProbe.h"
 
-#include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 namespace tarnwell
 {
@@ -61,6 +62,7 @@ ArgumentList AppDelegate::transcodeArguments(const std::string& inputPath, const
 void AppDelegate::startCreatorRun(const std::string& outputPath, const ArgumentList& arguments)
 {
     isProcessCancelledByUser = false;
+    m_outputBeforeRun.emplace(outputPath);
     m_blockerBeforeSheet = std::make_unique<InputBlocker>();
     asyncUserInitiated(
         [self = shared_from_this(), outputPath, arguments] { self->runCreator(outputPath, arguments); });
@@ -79,7 +81,7 @@ void AppDelegate::runCreator(const std::string& outputPath, const ArgumentList& 
     creator->setStandardError(standardError);
     standardError->fileHandleForReading()->setReadabilityHandler(
         [self](FileHandle& fileHandle) { self->creatorOutputReceived(fileHandle); });
-    creator->launch(); // one that does not start leaves no output, which is found out afterwards
+    creator->launch(); // the error is ignored: the probe of the output detects it
     globalProcess.store(creator);
     m_mainQueue->async([self] { required(self->m_outlets.progressCancel).setEnabled(true); });
     creator->waitUntilExit();
@@ -113,8 +115,8 @@ void AppDelegate::showProgressSheet()
     setDeterminate(required(m_outlets.progressBar));
     required(m_outlets.progressTitle).setText(QStringLiteral("Creating Video..."));
     required(m_outlets.progressCancel).show();
-    required(m_outlets.progressCancel).setEnabled(false); // until there is an encoder that it can end
-    required(m_outlets.sheets).begin(&required(m_outlets.progressWindow));
+    required(m_outlets.progressCancel).setEnabled(false); // until globalProcess is set
+    beginSheet(m_outlets.progressWindow);
     m_blockerBeforeSheet.reset();
 }
 
@@ -122,7 +124,7 @@ void AppDelegate::hideProgressSheet()
 {
     setDeterminate(required(m_outlets.progressBar));
     required(m_outlets.progressCancel).hide();
-    required(m_outlets.sheets).end(&required(m_outlets.progressWindow));
+    endSheet(m_outlets.progressWindow);
 }
 
 void AppDelegate::closeBTNInsideProgressWindowClicked()
@@ -132,13 +134,23 @@ void AppDelegate::closeBTNInsideProgressWindowClicked()
     isProcessCancelledByUser = true;
 }
 
+bool AppDelegate::isUnchangedByRun(const FileProbe& outputProbe) const
+{
+    return outputProbe.fileFullPath && m_outputBeforeRun == FileFingerprint(*outputProbe.fileFullPath);
+}
+
 void AppDelegate::showResultAlert(const std::shared_ptr<const FileProbe>& outputProbe)
 {
+    // An older file that the run never touched is no output of the run.
+    const bool isUnchanged = isUnchangedByRun(*outputProbe);
     if (required(isProcessCancelledByUser)) {
-        std::remove(required(outputProbe->fileFullPath).c_str());
+        std::error_code ignored;
+        const std::string& path = required(outputProbe->fileFullPath);
+        if (!isUnchanged)
+            std::filesystem::remove_all(path, ignored);
         return;
     }
-    if (!outputProbe->isValidMediaFile) {
+    if (isUnchanged || !outputProbe->isValidMediaFile) {
         failureAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
         return;
     }

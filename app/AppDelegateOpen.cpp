@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Open and analyse: from the choice of a file to its still in the window, or to the alert that refuses it.
+// Open and analyse: from the choice of a file to its still frame in the window, or to the alert that refuses
+// it.
 #include "app/Alerts.h"
 #include "app/AppDelegate.h"
 #include "app/DragAndDropFileInNSImageView.h"
@@ -42,11 +43,9 @@ void AppDelegate::fileAddedByDragAndDrop(const Notification& notification)
 void AppDelegate::analyzeFile(const FileURL& url)
 {
     showAnalysisProgress();
-    const auto probe = std::make_shared<const FileProbe>(url.path(), m_tools);
-    // Its tool begins while the sheet comes up; but however soon it ends, the sheet was there.
     required(m_outlets.sheets).waitUntilPainted(&required(m_outlets.progressWindow));
-    // Even a file that is then refused: a later save works from the file that was looked at last.
-    globalFP.store(probe);
+    const auto probe = std::make_shared<const FileProbe>(url.path(), m_tools);
+    globalFP.store(probe); // a refused file too: a later save uses the file that was analysed last
     if (lowerCased(url.pathExtension()) == "vob")
         refuseFile("Tarnwell cannot open .VOB files.", "Questions? : " + supportAddress());
     else if (!isSuitable(*probe))
@@ -58,7 +57,7 @@ void AppDelegate::analyzeFile(const FileURL& url)
 
 void AppDelegate::acceptFile(const FileProbe& probe)
 {
-    // Two extractions on purpose: the view's picture and the one that previews are drawn from are separate.
+    // Two extractions, so that the view and currentImage hold separate images.
     required(m_outlets.posterFrameIMGV).setImage(extractPosterFrame(probe));
     currentImage = extractPosterFrame(probe);
     m_orientation = {};
@@ -69,7 +68,7 @@ void AppDelegate::acceptFile(const FileProbe& probe)
 
 void AppDelegate::refuseFile(const std::string& messageText, const std::string& informativeText)
 {
-    // It waits behind the progress sheet and appears when that ends.
+    // The alert waits in the queue behind the progress sheet and appears when the sheet ends.
     refusalAlert(messageText, informativeText)
         .beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
     hideAnalysisProgress();
@@ -77,7 +76,12 @@ void AppDelegate::refuseFile(const std::string& messageText, const std::string& 
 
 QImage AppDelegate::extractPosterFrame(const FileProbe& probe)
 {
-    return extractStillFrame(probe, m_tools, m_lastStill);
+    return m_stillFrames.extract(probe, m_tools);
+}
+
+void AppDelegate::removeStillFolder()
+{
+    m_stillFrames.removeFolder();
 }
 
 void AppDelegate::showAnalysisProgress()
@@ -85,14 +89,14 @@ void AppDelegate::showAnalysisProgress()
     setIndeterminate(required(m_outlets.progressBar));
     required(m_outlets.progressCancel).hide();
     required(m_outlets.progressTitle).setText(QStringLiteral("Analyzing Video..."));
-    required(m_outlets.sheets).begin(&required(m_outlets.progressWindow));
+    beginSheet(m_outlets.progressWindow);
 }
 
 void AppDelegate::hideAnalysisProgress()
 {
     setDeterminate(required(m_outlets.progressBar));
     required(m_outlets.progressCancel).show();
-    required(m_outlets.sheets).end(&required(m_outlets.progressWindow));
+    endSheet(m_outlets.progressWindow);
 }
 
 } // namespace tarnwell

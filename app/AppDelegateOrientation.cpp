@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Orientation: each change redraws the preview from the still; reset shows the still itself.
+// Orientation: each change redraws the preview from currentImage; reset shows currentImage itself.
 #include "app/AppDelegate.h"
 #include "app/PictureDescription.h"
 #include "orientation/Picture.h"

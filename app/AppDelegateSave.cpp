@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Save: from the user's wish to the pair of paths that an export starts from.
+// Save: from the user's action to the pair of paths that an export starts with.
 #include "app/Alerts.h"
 #include "app/AppDelegate.h"
 #include "desktop/Panels.h"

@@ -2,6 +2,7 @@
 #include "app/Application.h"
 
 #include "app/AppDelegate.h"
+#include "desktop/Panels.h"
 
 #include <QApplication>
 
@@ -11,6 +12,7 @@ namespace tarnwell
 Application::Application(const ToolContext& tools)
     : m_delegate(std::make_shared<AppDelegate>(m_interface.outlets(), tools, m_mainThread.queue()))
 {
+    disablePanelSettings();
     m_interface.connectActions(*m_delegate);
     QApplication::setQuitOnLastWindowClosed(m_delegate->applicationShouldTerminateAfterLastWindowClosed());
     QObject::connect(
@@ -19,7 +21,10 @@ Application::Application(const ToolContext& tools)
     m_interface.window().show();
 }
 
-Application::~Application() = default;
+Application::~Application()
+{
+    m_delegate->removeStillFolder();
+}
 
 void Application::reopen()
 {

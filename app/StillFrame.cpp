@@ -4,7 +4,6 @@
 #include "orientation/PosterFrame.h"
 #include "platform/FatalError.h"
 #include "platform/Process.h"
-#include "platform/TemporaryDirectory.h"
 #include "probe/FileProbe.h"
 
 #include <QBuffer>
@@ -22,10 +21,10 @@ namespace tarnwell
 namespace
 {
 
-// A still of the largest video that decoders take, 16384 x 16384, is a GiB.
+// A frame of 16384 x 16384 pixels, the largest size that decoders accept, takes 1 GiB.
 constexpr int largestPictureInMebibytes = 4096;
 
-/// Empty where there is no such file. The path need not be text in any encoding.
+/// The bytes of the file; empty if there is none. QFile cannot open a path that is not valid UTF-8.
 std::string bytesOf(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
@@ -34,50 +33,47 @@ std::string bytesOf(const std::string& path)
     return std::move(bytes).str();
 }
 
-/// Null for what is no picture.
-QImage decoded(const std::string& bytes)
+/// The picture in the file; null if the file is missing or no picture.
+QImage loadPicture(const std::string& path)
 {
     QImageReader::setAllocationLimit(largestPictureInMebibytes);
+    const std::string bytes = bytesOf(path);
     QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
     QBuffer buffer(&data);
     return QImageReader(&buffer).read();
 }
 
-void loadPicture(const std::string& path, DecodedPicture& last)
+} // namespace
+
+QImage StillFrameExtractor::extract(const FileProbe& probe, const ToolContext& tools)
 {
-    std::string bytes = bytesOf(path);
-    const bool isKnown = !last.picture.isNull() && bytes == last.bytes;
-    last.picture = isKnown ? last.picture.copy() : decoded(bytes); // copying takes less time
-    last.bytes = std::move(bytes);
+    const auto creator = tools.bundle.pathForResource("creator");
+    QImage picture = creator ? pictureMadeBy(*creator, probe, tools.wait)
+                             : loadPicture(required(tools.bundle.pathForImageResource("poster")));
+    if (picture.isNull())
+        fatalError();
+    return picture;
 }
 
-void loadPictureMadeBy(
-    const std::string& creatorPath, const FileProbe& probe, const BlockingWait& wait, DecodedPicture& last)
+QImage StillFrameExtractor::pictureMadeBy(
+    const std::string& creatorPath, const FileProbe& probe, const BlockingWait& wait)
 {
-    const TemporaryDirectory folder;
-    const std::string stillPath = posterFramePath(folder.path());
+    if (m_folder)
+        m_folder->restore();
+    else
+        m_folder.emplace();
+    const std::string stillPath = posterFramePath(m_folder->path());
     Process creator;
     creator.setExecutable(creatorPath);
     creator.setArguments(posterFrameArguments(probe.duration, required(probe.fileFullPath), stillPath));
-    creator.launch(); // one that does not start leaves no picture, which is found out below
+    creator.launch(); // the error is ignored: the missing picture is detected below
+    QImage picture;
     wait([&] {
         creator.waitUntilExit();
-        loadPicture(stillPath, last); // here, because a large one takes its time
+        picture = loadPicture(stillPath); // not on the main thread: large pictures take long to decode
     });
     std::remove(stillPath.c_str());
-}
-
-} // namespace
-
-QImage extractStillFrame(const FileProbe& probe, const ToolContext& tools, DecodedPicture& last)
-{
-    if (const auto creator = tools.bundle.pathForResource("creator"))
-        loadPictureMadeBy(*creator, probe, tools.wait, last);
-    else
-        loadPicture(required(tools.bundle.pathForImageResource("poster")), last);
-    if (last.picture.isNull())
-        fatalError();
-    return last.picture;
+    return picture;
 }
 
 } // namespace tarnwell

@@ -1,27 +1,36 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/TemporaryDirectory.h"
 #include "platform/ToolContext.h"
 
 #include <QImage>
 
-#include <string>
+#include <optional>
 
 namespace tarnwell
 {
 
 class FileProbe;
 
-/// A picture and the bytes of the file that it was decoded from.
-struct DecodedPicture {
-    std::string bytes;
-    QImage picture;
-};
+/// Extracts still frames with the tool `creator`. Every extraction writes the same file, which is deleted
+/// after it has been read. The file stands in a private folder that is created at the first extraction. Main
+/// thread.
+class StillFrameExtractor
+{
+public:
+    /// Returns a frame from the middle of the video, decoded by a run of `creator` of its own, or the picture
+    /// "poster" if the bundle has no such tool. Waits for the tool as `tools` says. Stops the program if the
+    /// tool leaves no readable picture.
+    QImage extract(const FileProbe& probe, const ToolContext& tools);
 
-/// A still from the middle of the described video, as `creator` decodes it; the picture "poster" where the
-/// application has no such tool. Waits for the tool as `tools` says. A tool that leaves no picture stops the
-/// program. Nothing stays behind in the temporary folder. `last` is the still before, at first an empty one,
-/// and becomes this one: of bytes that come again the picture is a copy, and not decoded again.
-QImage extractStillFrame(const FileProbe& probe, const ToolContext& tools, DecodedPicture& last);
+    /// Removes the private folder.
+    void removeFolder() { m_folder.reset(); }
+
+private:
+    QImage pictureMadeBy(const std::string& creatorPath, const FileProbe& probe, const BlockingWait& wait);
+
+    std::optional<TemporaryDirectory> m_folder; // absent before the first extraction
+};
 
 } // namespace tarnwell

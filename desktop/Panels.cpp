@@ -4,6 +4,8 @@
 #include "desktop/PathPanel.h"
 #include "desktop/SheetQueue.h"
 
+#include <QSettings>
+
 namespace tarnwell
 {
 
@@ -14,13 +16,21 @@ void beginPanel(PathPanel* panel, SheetQueue& sheets, PathHandler handler)
 {
     sheets.begin(panel, [panel, answer = std::move(handler)](int result) {
         answer(result == QDialog::Accepted ? panel->chosenPath() : std::nullopt);
-        // Only now: the answer may run an event loop of its own, inside the click or key press that the panel
-        // is still handling.
+        // Not earlier: the handler can run a nested event loop, which deletes the panel while it still
+        // processes the click or key press.
         panel->deleteLater();
     });
 }
 
 } // namespace
+
+void disablePanelSettings()
+{
+    // QFileDialog always creates a QSettings object. Below a device no file can exist or be created.
+    const QString nowhere = QStringLiteral("/dev/null/settings");
+    for (const QSettings::Scope scope : {QSettings::UserScope, QSettings::SystemScope})
+        QSettings::setPath(QSettings::NativeFormat, scope, nowhere);
+}
 
 void beginOpenPanel(QWidget& window, SheetQueue& sheets, PathHandler handler)
 {

@@ -13,15 +13,19 @@ namespace tarnwell
 
 class SheetQueue;
 
-/// Receives the chosen file's absolute path (raw bytes), or nothing when the panel was cancelled. The panel
-/// is closed by then.
+/// Keeps Qt's file dialog from reading and writing its settings (QtProject.conf), which hold the folder that
+/// was shown last. Call it before the first panel.
+void disablePanelSettings();
+
+/// Receives the absolute path of the chosen file (raw bytes), or nothing if the panel was cancelled. Called
+/// after the panel has closed.
 using PathHandler = std::function<void(std::optional<std::string> path)>;
 
-/// Asks for one existing file of any type, as a sheet on `window`.
+/// Asks for one existing file of any type in a sheet on `window`.
 void beginOpenPanel(QWidget& window, SheetQueue& sheets, PathHandler handler);
 
-/// Asks where to write an MP4 file, as a sheet on `window`, proposing `name` (without extension). The
-/// extension is added to a name typed without it, and replacing an existing file is the user's decision.
+/// Asks for the path of an MP4 file to write in a sheet on `window`. Proposes `name`, given without
+/// extension. Adds the extension to a name without it, and asks before an existing file is replaced.
 void beginSavePanel(QWidget& window, SheetQueue& sheets, const QString& name, PathHandler handler);
 
 } // namespace tarnwell

@@ -77,7 +77,7 @@ QString PathPanel::typedPath() const
     const auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
     if (field == nullptr || field->text().isEmpty())
         return {};
-    // A row of the list may lie in another folder than the one that is shown, when its whole path was typed.
+    // After a whole path was typed, the selected row can be in another folder than directory().
     const QStringList rows = selectedFiles();
     if (rows.size() == 1 && QFileInfo(rows.first()).fileName() == field->text())
         return rows.first();
@@ -127,8 +127,8 @@ void SavePanel::accept()
         acceptNativeChoice();
 }
 
-// A native dialog has asked about replacing the very file that was chosen; what the extension makes of it is
-// another.
+// A native dialog has asked before replacing the selected file, but not about the file whose name results
+// from adding the extension.
 void SavePanel::acceptNativeChoice()
 {
     const QStringList files = selectedFiles();
@@ -141,7 +141,7 @@ void SavePanel::acceptNativeChoice()
 
 void SavePanel::acceptTyped(const QString& path)
 {
-    // Qt's own reading would add the extension to a folder's name.
+    // QFileDialog::accept would add the extension to the name of a folder.
     if (QFileInfo(path).isDir()) {
         showFolder(path);
         return;

@@ -9,24 +9,24 @@
 namespace tarnwell
 {
 
-/// A file dialog whose answer is one path, taken as it was typed: Qt's own reading splits a name at quotation
-/// marks and leaves a name with any dot in it without the extension. A desktop's native dialog answers for
-/// itself.
+/// A file dialog for one path. In Qt's own dialog the text of the name field is used as typed: Qt would split
+/// it at quotation marks and would not add the extension to a name that holds a dot. The desktop's native
+/// dialog has no name field that can be read; its selected file is used.
 class PathPanel : public QFileDialog
 {
-    // No Q_OBJECT here and below: Qt gives up a desktop's native dialog for any class that bears another
-    // name.
+    // No Q_OBJECT in this class and its subclasses: Qt uses the desktop's native dialog only if the class
+    // name in the meta-object is QFileDialog.
 
 public:
     explicit PathPanel(QWidget* window);
 
-    /// The path that was chosen, raw bytes; nothing before the panel was accepted.
+    /// The chosen path, raw bytes; empty before the panel was accepted.
     std::optional<std::string> chosenPath() const;
 
 protected:
-    /// What stands in the name field as an absolute path; empty where the dialog has no such field.
+    /// The text of the name field as an absolute path; empty without a name field or with an empty one.
     QString typedPath() const;
-    /// Whether it is Qt's own dialog, whose name field can be read.
+    /// True for Qt's own dialog, false for a native one.
     bool hasNameField() const;
     void acceptPath(const QString& path);
 
@@ -34,7 +34,7 @@ private:
     QString m_acceptedPath;
 };
 
-/// Picks one existing file of any type.
+/// Asks for one existing file of any type.
 class OpenPanel : public PathPanel
 {
 public:
@@ -44,7 +44,8 @@ protected:
     void accept() override;
 };
 
-/// Picks the place of a new MP4 file and asks before one is replaced.
+/// Asks for the path of an MP4 file to write. Adds the extension to a name without it, and asks before an
+/// existing file is replaced.
 class SavePanel : public PathPanel
 {
 public:

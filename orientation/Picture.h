@@ -6,7 +6,8 @@
 namespace tarnwell
 {
 
-// Both functions keep the pixel format. A null source, or a lack of memory, gives a null picture.
+// Both functions keep the pixel format and return a new image that shares no pixels with the source. The
+// result of a null source, or if memory runs out, is a null image.
 
 /// The picture turned by `angle` degrees counterclockwise, a multiple of 90; no pixel's value changes.
 QImage rotateImage(const QImage& source, double angle);

@@ -6,8 +6,8 @@
 namespace tarnwell
 {
 
-/// A fresh folder under the system's temporary folder that only this user may enter and whose name nobody can
-/// guess. It goes with the object, together with the files in it.
+/// A new folder below the system's temporary folder: mode 0700, with a random name. The destructor removes it
+/// together with everything in it.
 class TemporaryDirectory
 {
 public:
@@ -16,9 +16,13 @@ public:
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 
-    /// The folder's absolute path, ending in "/". Where no folder could be made anywhere, the path of one
-    /// that does not exist, so that whatever is to be written there fails as a full disk would.
+    /// The folder's absolute path, ending in "/". If no folder could be created anywhere, a path at which
+    /// nothing can be created, so that writing there fails as on a full disk.
     const std::string& path() const { return m_path; }
+
+    /// Creates the folder again if it was removed. The path stays the same, unless another item has taken its
+    /// place or the path cannot be created any more: then it is a new one.
+    void restore();
 
 private:
     std::string m_path;

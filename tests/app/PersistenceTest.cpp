@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+// The built program leaves the user's folders as they are and reads no setting from them.
+#include "tests/support/ExternalProgram.h"
+#include "tests/support/Files.h"
+#include "tests/support/Samples.h"
+#include "tests/support/WindowTest.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr const char* userFolders[]
+    = {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"};
+
+/// Sets a variable of the environment for its lifetime.
+class EnvironmentValue
+{
+public:
+    EnvironmentValue(const char* name, const std::string& value)
+        : m_name(name)
+        , m_earlier(qgetenv(name))
+    {
+        qputenv(name, QByteArray::fromStdString(value));
+    }
+    ~EnvironmentValue() { m_earlier.isNull() ? qunsetenv(m_name) : qputenv(m_name, m_earlier); }
+    EnvironmentValue(const EnvironmentValue&) = delete;
+    EnvironmentValue& operator=(const EnvironmentValue&) = delete;
+
+private:
+    const char* m_name;
+    QByteArray m_earlier;
+};
+
+/// Sets the working directory for its lifetime.
+class WorkingDirectory
+{
+public:
+    explicit WorkingDirectory(const std::string& path) { std::filesystem::current_path(path); }
+    ~WorkingDirectory() { std::filesystem::current_path(m_earlier); }
+    WorkingDirectory(const WorkingDirectory&) = delete;
+    WorkingDirectory& operator=(const WorkingDirectory&) = delete;
+
+private:
+    std::filesystem::path m_earlier = std::filesystem::current_path();
+};
+
+/// The contents of every file below the folder, and "folder" for every folder, by path.
+std::map<std::string, std::string> treeOf(const std::string& folder)
+{
+    std::map<std::string, std::string> tree;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+        tree[entry.path().string()] = entry.is_directory() ? "folder" : contentsOf(entry.path().string());
+    return tree;
+}
+
+} // namespace
+
+class PersistenceTest : public testing::Test
+{
+protected:
+    PersistenceTest()
+    {
+        for (const char* name : userFolders) {
+            std::filesystem::create_directories(user() + name + "/deeper");
+            writeFile(user() + name + "/deeper/note", std::string("of ") + name);
+            m_variables.push_back(std::make_unique<EnvironmentValue>(name, user() + name));
+        }
+        std::filesystem::create_directory(working());
+        std::filesystem::create_directory(earlier());
+        writeFile(earlier() + "clip.mp4", "the panel must not start here");
+        writeFile(user() + "XDG_CONFIG_HOME/QtProject.conf",
+            "[FileDialog]\nhistory=file://" + earlier() + "\nlastVisited=file://" + earlier()
+                + "\nshortcuts=file:///\nsidebarWidth=90\nviewMode=List\n");
+        makeSampleVideo(working() + "clip.mp4", {.codec = "mpeg4"}); // no choice of a mode
+    }
+
+    std::string user() const { return m_folder.path() + "user/"; }
+    /// The folder in which the program is started.
+    std::string working() const { return m_folder.path() + "working/"; }
+    /// The folder that the settings name as the last one.
+    std::string earlier() const { return m_folder.path() + "earlier/"; }
+
+    /// Opens, turns and saves a video by names without a folder, and quits. Returns what was printed.
+    std::string doTheWholeJob() const
+    {
+        const WorkingDirectory directory(working());
+        ExternalProgram program;
+        program.waitForWindow("Tarnwell");
+        program.keysUntilWindow("ctrl+o", "Open Video");
+        program.text("clip.mp4");
+        program.keys("Return");
+        program.keysUntilWindow("ctrl+s", "Save Video");
+        program.keys("ctrl+a");
+        program.text("out.mp4");
+        program.keys("Return");
+        std::string printed = program.waitForOutput("Percent : ");
+        EXPECT_TRUE(waitUntil([this] { return exists(working() + "out.mp4"); }));
+        program.keysUntilWindow("Return", "Tarnwell"); // answers the alert
+        EXPECT_TRUE(waitUntil([&] {
+            if (program.isRunning())
+                program.keys("ctrl+q");
+            return !program.isRunning();
+        }));
+        EXPECT_EQ(program.waitForExit(), 0);
+        return printed;
+    }
+
+private:
+    OwnTemporaryFolder m_temporary;
+    TemporaryDirectory m_folder;
+    std::vector<std::unique_ptr<EnvironmentValue>> m_variables;
+};
+
+TEST_F(PersistenceTest, aRunWithBothPanelsChangesNothingInTheUsersFolders)
+{
+    const auto before = treeOf(user());
+    ASSERT_EQ(before.size(), 3 * std::size(userFolders) + 1);
+    const std::string printed = doTheWholeJob();
+    EXPECT_EQ(treeOf(user()), before);
+    // The panels started in the working directory, not in the folder of the settings.
+    EXPECT_NE(printed.find("\"-i\", \"" + working() + "clip.mp4\""), std::string::npos) << printed;
+    EXPECT_EQ(namesIn(earlier()), std::vector<std::string>{"clip.mp4"});
+    EXPECT_EQ(namesIn(working()), (std::vector<std::string>{"clip.mp4", "out.mp4"}));
+}
+
+} // namespace tarnwell::test

@@ -9,6 +9,10 @@
 
 #include <filesystem>
 #include <map>
+#include <memory>
+#include <sys/inotify.h>
+#include <unistd.h>
+#include <vector>
 
 namespace tarnwell::test
 {
@@ -51,6 +55,29 @@ private:
     std::filesystem::path m_earlier = std::filesystem::current_path();
 };
 
+/// Whether another process or this one has opened the file since the watch was created.
+class OpenWatch
+{
+public:
+    explicit OpenWatch(const std::string& path)
+        : m_descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        EXPECT_GE(::inotify_add_watch(m_descriptor, path.c_str(), IN_OPEN), 0);
+    }
+    ~OpenWatch() { ::close(m_descriptor); }
+    OpenWatch(const OpenWatch&) = delete;
+    OpenWatch& operator=(const OpenWatch&) = delete;
+
+    bool wasOpened() const
+    {
+        inotify_event event = {};
+        return ::read(m_descriptor, &event, sizeof event) > 0;
+    }
+
+private:
+    int m_descriptor;
+};
+
 /// The contents of every file below the folder, and "folder" for every folder, by path.
 std::map<std::string, std::string> treeOf(const std::string& folder)
 {
@@ -75,13 +102,14 @@ protected:
         std::filesystem::create_directory(working());
         std::filesystem::create_directory(earlier());
         writeFile(earlier() + "clip.mp4", "the panel must not start here");
-        writeFile(user() + "XDG_CONFIG_HOME/QtProject.conf",
+        writeFile(settings(),
             "[FileDialog]\nhistory=file://" + earlier() + "\nlastVisited=file://" + earlier()
                 + "\nshortcuts=file:///\nsidebarWidth=90\nviewMode=List\n");
         makeSampleVideo(working() + "clip.mp4", {.codec = "mpeg4"}); // no choice of a mode
     }
 
     std::string user() const { return m_folder.path() + "user/"; }
+    std::string settings() const { return user() + "XDG_CONFIG_HOME/QtProject.conf"; }
     /// The folder in which the program is started.
     std::string working() const { return m_folder.path() + "working/"; }
     /// The folder that the settings name as the last one.
@@ -122,7 +150,9 @@ TEST_F(PersistenceTest, aRunWithBothPanelsChangesNothingInTheUsersFolders)
 {
     const auto before = treeOf(user());
     ASSERT_EQ(before.size(), 3 * std::size(userFolders) + 1);
+    const OpenWatch settingsWatch(settings());
     const std::string printed = doTheWholeJob();
+    EXPECT_FALSE(settingsWatch.wasOpened());
     EXPECT_EQ(treeOf(user()), before);
     // The panels started in the working directory, not in the folder of the settings.
     EXPECT_NE(printed.find("\"-i\", \"" + working() + "clip.mp4\""), std::string::npos) << printed;

@@ -131,4 +131,57 @@ INSTANTIATE_TEST_SUITE_P(Values, UnusableTemporaryFolderTest,
         UnusableCase{"missing", "/dev/null/missing"}, UnusableCase{"aFile", "/proc/self/exe"}),
     [](const auto& row) { return row.param.name; });
 
+TEST(TemporaryDirectoryRestoreTest, anExistingFolderKeepsItsFiles)
+{
+    TemporaryDirectory folder;
+    const std::string path = folder.path();
+    writeFile(path + "file", "kept");
+    folder.restore();
+    EXPECT_EQ(folder.path(), path);
+    EXPECT_EQ(contentsOf(path + "file"), "kept");
+}
+
+TEST(TemporaryDirectoryRestoreTest, aRemovedFolderComesBackAtItsPathAndIsPrivate)
+{
+    TemporaryDirectory folder;
+    const std::string path = folder.path();
+    std::filesystem::remove_all(path);
+    const mode_t before = ::umask(0);
+    folder.restore();
+    ::umask(before);
+    EXPECT_EQ(folder.path(), path);
+    struct stat status = {};
+    ASSERT_EQ(::stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0700U);
+}
+
+TEST(TemporaryDirectoryRestoreTest, aLinkInItsPlaceIsNotFollowed)
+{
+    const TemporaryDirectory other;
+    TemporaryDirectory folder;
+    const std::string path = folder.path();
+    const std::string link = path.substr(0, path.size() - 1);
+    std::filesystem::remove_all(path);
+    std::filesystem::create_directory_symlink(other.path(), link);
+    folder.restore();
+    EXPECT_NE(folder.path(), path);
+    EXPECT_TRUE(exists(folder.path()));
+    std::filesystem::remove(link);
+}
+
+TEST(TemporaryDirectoryRestoreTest, aPathThatCannotBeCreatedAgainIsReplaced)
+{
+    std::optional<TemporaryDirectory> parent(std::in_place);
+    std::optional<TemporaryDirectory> folder;
+    {
+        const EnvironmentVariable variable("TMPDIR", parent->path().c_str());
+        folder.emplace();
+    }
+    const std::string path = folder->path();
+    parent.reset();
+    folder->restore();
+    EXPECT_NE(folder->path(), path);
+    EXPECT_TRUE(exists(folder->path()));
+}
+
 } // namespace tarnwell::test

@@ -10,7 +10,7 @@ namespace tarnwell
 {
 
 Application::Application(const ToolContext& tools)
-    : m_delegate(std::make_shared<AppDelegate>(m_interface.outlets(), tools, m_mainThread.queue()))
+    : m_delegate(std::make_shared<AppDelegate>(m_interface.outlets(), tools, m_mainQueue.queue()))
 {
     disablePanelSettings();
     m_interface.connectActions(*m_delegate);

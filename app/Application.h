@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/Interface.h"
-#include "desktop/MainThread.h"
+#include "desktop/MainQueue.h"
 #include "platform/ToolContext.h"
 
 #include <memory>
@@ -30,7 +30,7 @@ public:
     AppDelegate& delegate() { return *m_delegate; }
 
 private:
-    MainThread m_mainThread;
+    MainQueue m_mainQueue;
     Interface m_interface;
     std::shared_ptr<AppDelegate> m_delegate;
 };

@@ -6,8 +6,9 @@
 namespace tarnwell
 {
 
-/// Makes a blocking call on a helper thread and returns when it has returned. Until then the main thread, the
-/// only one that may call this, keeps the windows painted and takes no input.
+/// Runs a blocking call on a helper thread and returns when the call has returned. Meanwhile the main
+/// thread's event loop paints the windows and drops all input. Main thread only. Where no thread can be
+/// started, the call runs on the main thread.
 void waitInEventLoop(const std::function<void()>& blockingCall);
 
 } // namespace tarnwell

@@ -32,7 +32,7 @@ void DispatchQueue::drain()
     for (auto left = pendingCount(); left > 0; --left)
         takeNext()();
     m_isDraining = false;
-    wakeForTheRest();
+    wakeForRemaining();
 }
 
 std::size_t DispatchQueue::pendingCount()
@@ -44,16 +44,14 @@ std::size_t DispatchQueue::pendingCount()
 DispatchQueue::Work DispatchQueue::takeNext()
 {
     const std::lock_guard lock(m_mutex);
-    if (m_pending.empty()) // closed by an earlier piece
+    if (m_pending.empty()) // an earlier piece closed the queue
         return [] {};
     Work work = std::move(m_pending.front());
     m_pending.pop_front();
     return work;
 }
 
-// What arrives during a turn waits for the next one: between two turns the main thread sees to its windows,
-// however fast the work comes in.
-void DispatchQueue::wakeForTheRest()
+void DispatchQueue::wakeForRemaining()
 {
     const std::lock_guard lock(m_mutex);
     if (!m_pending.empty() && m_wake)
@@ -73,7 +71,7 @@ void asyncUserInitiated(DispatchQueue::Work work)
     try {
         std::thread(std::move(work)).detach();
     } catch (const std::system_error&) {
-        fatalError(); // nobody would ever learn that the work was not done
+        fatalError(); // the caller has no way to notice that the work never runs
     }
 }
 

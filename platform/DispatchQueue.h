@@ -9,31 +9,32 @@
 namespace tarnwell
 {
 
-/// Work that any thread hands to the main thread, done there one piece after another in the order of its
-/// submission. A piece that waits in an event loop of its own is finished before the next one begins.
+/// A first-in, first-out queue of work for the main thread. Any thread submits. The pieces run one at a time:
+/// a piece that runs an event loop of its own is finished before the next one begins.
 class DispatchQueue
 {
 public:
     using Work = std::function<void()>;
 
-    /// `wake` is called on the submitting thread, whenever work comes to an empty queue; it must bring about
-    /// a call of drain on the main thread and must not call back itself.
+    /// `wake` is called when work enters an empty queue, on the submitting thread and with the queue locked.
+    /// It must cause a call of drain on the main thread and must not use the queue itself.
     explicit DispatchQueue(Work wake);
 
-    /// Any thread. Work that comes after close is dropped.
+    /// Any thread. After close the work is dropped.
     void async(Work work);
 
-    /// Main thread: does the work that is there.
+    /// Main thread. Runs the work that is queued at the call; work submitted meanwhile waits for the next
+    /// call, so that a flood of work does not keep the event loop from painting.
     void drain();
 
-    /// Drops what is left and never calls `wake` again. For the end of the program, when submitters may live
-    /// on.
+    /// Drops the queued work and never calls `wake` again. For the end of the program, while other threads
+    /// may still submit.
     void close();
 
 private:
     std::size_t pendingCount();
     Work takeNext();
-    void wakeForTheRest();
+    void wakeForRemaining();
 
     std::mutex m_mutex;
     std::deque<Work> m_pending;
@@ -41,7 +42,7 @@ private:
     bool m_isDraining = false;
 };
 
-/// Runs `work` on a background thread of its own, which nothing waits for, not even the end of the program.
+/// Runs `work` on a detached thread. The end of the program does not wait for it.
 void asyncUserInitiated(DispatchQueue::Work work);
 
 } // namespace tarnwell

@@ -98,7 +98,7 @@ TEST_P(FaultTableTest, endsInAnAlertAStopOrTheJobDone)
 
 INSTANTIATE_TEST_SUITE_P(Calls, FaultTableTest,
     testing::Values("pipe2", "posix_spawn", "pthread_create", "read", "write", "poll", "waitid", "waitpid",
-        "stat", "lstat", "fstat", "open", "mkdtemp", "eventfd", "unlink", "unlinkat", "remove", "rename"),
+        "stat", "lstat", "fstat", "open", "mkdtemp", "unlink", "unlinkat", "remove", "rename"),
     [](const auto& call) { return std::string(call.param); });
 
 } // namespace tarnwell::test

@@ -14,7 +14,6 @@
 #include <pthread.h>
 #include <spawn.h>
 #include <string>
-#include <sys/eventfd.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -219,12 +218,6 @@ int mkostemp(char* path, int flags)
 {
     FAIL_OR(mkostemp, ENOSPC);
     return really(path, flags);
-}
-
-int eventfd(unsigned int value, int flags)
-{
-    FAIL_OR(eventfd, EMFILE);
-    return really(value, flags);
 }
 
 int fsync(int file)

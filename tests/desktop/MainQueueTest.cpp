@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/MainThread.h"
+#include "desktop/MainQueue.h"
 
 #include "tests/support/WindowTest.h"
 
@@ -8,22 +8,21 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
-#include <sys/eventfd.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 namespace tarnwell::test
 {
 
-TEST(MainThreadTest, workFromAnotherThreadRunsOnTheMainThreadInItsOrder)
+TEST(MainQueueTest, workFromAnotherThreadRunsOnTheMainThreadInItsOrder)
 {
     constexpr int count = 1000;
-    const MainThread mainThread;
+    const MainQueue mainQueue;
     std::vector<int> done;
     std::vector<std::thread::id> threads;
-    std::thread submitter([&, queue = mainThread.queue()] {
+    std::thread submitter([&, queue = mainQueue.queue()] {
         for (int i = 0; i < count; ++i) {
             queue->async([&, i] {
                 done.push_back(i);
@@ -38,15 +37,15 @@ TEST(MainThreadTest, workFromAnotherThreadRunsOnTheMainThreadInItsOrder)
     EXPECT_EQ(threads, std::vector(count, std::this_thread::get_id()));
 }
 
-TEST(MainThreadTest, everyThreadsWorkKeepsItsOrder)
+TEST(MainQueueTest, everyThreadsWorkKeepsItsOrder)
 {
     constexpr int threadCount = 4;
     constexpr int count = 250;
-    const MainThread mainThread;
+    const MainQueue mainQueue;
     std::vector<std::vector<int>> done(threadCount);
     std::vector<std::thread> submitters;
     for (std::size_t thread = 0; thread < threadCount; ++thread) {
-        submitters.emplace_back([&, thread, queue = mainThread.queue()] {
+        submitters.emplace_back([&, thread, queue = mainQueue.queue()] {
             for (int i = 0; i < count; ++i)
                 queue->async([&, thread, i] { done[thread].push_back(i); });
         });
@@ -59,34 +58,34 @@ TEST(MainThreadTest, everyThreadsWorkKeepsItsOrder)
         EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
 }
 
-TEST(MainThreadTest, workOfTheMainThreadItselfWaitsForItsTurn)
+TEST(MainQueueTest, workOfTheMainThreadItselfWaitsForItsTurn)
 {
-    const MainThread mainThread;
+    const MainQueue mainQueue;
     bool isDone = false;
-    mainThread.queue()->async([&] { isDone = true; });
+    mainQueue.queue()->async([&] { isDone = true; });
     EXPECT_FALSE(isDone);
     EXPECT_TRUE(waitUntil([&] { return isDone; }));
 }
 
-TEST(MainThreadTest, workMaySubmitWork)
+TEST(MainQueueTest, workMaySubmitWork)
 {
-    const MainThread mainThread;
+    const MainQueue mainQueue;
     std::vector<int> done;
-    mainThread.queue()->async([&] {
-        mainThread.queue()->async([&] { done.push_back(2); });
+    mainQueue.queue()->async([&] {
+        mainQueue.queue()->async([&] { done.push_back(2); });
         done.push_back(1);
     });
     EXPECT_TRUE(waitUntil([&] { return done.size() == 2; }));
     EXPECT_EQ(done, (std::vector{1, 2}));
 }
 
-TEST(MainThreadTest, workIsDoneWhileOtherWorkWaitsInAnEventLoop)
+TEST(MainQueueTest, workIsDoneWhileOtherWorkWaitsInAnEventLoop)
 {
     // The loop inside a piece of work must not begin the next piece, and that one must not be lost.
-    const MainThread mainThread;
+    const MainQueue mainQueue;
     std::vector<int> done;
-    mainThread.queue()->async([&] {
-        mainThread.queue()->async([&] { done.push_back(2); });
+    mainQueue.queue()->async([&] {
+        mainQueue.queue()->async([&] { done.push_back(2); });
         for (int i = 0; i < 10; ++i)
             QCoreApplication::processEvents();
         done.push_back(1);
@@ -95,36 +94,46 @@ TEST(MainThreadTest, workIsDoneWhileOtherWorkWaitsInAnEventLoop)
     EXPECT_EQ(done, (std::vector{1, 2}));
 }
 
-TEST(MainThreadTest, nothingRunsOnceItHasGone)
+TEST(MainQueueTest, nothingRunsOnceItHasGone)
 {
-    auto mainThread = std::make_unique<MainThread>();
-    const auto queue = mainThread->queue();
+    auto mainQueue = std::make_unique<MainQueue>();
+    const auto queue = mainQueue->queue();
     bool isDone = false;
     queue->async([&] { isDone = true; });
-    mainThread.reset();
+    mainQueue.reset();
     queue->async([&] { isDone = true; });
     std::thread([&] { queue->async([&] { isDone = true; }); }).join();
     // A later queue's work comes after all that was there before.
-    const MainThread later;
+    const MainQueue later;
     bool isLaterDone = false;
     later.queue()->async([&] { isLaterDone = true; });
     EXPECT_TRUE(waitUntil([&] { return isLaterDone; }));
     EXPECT_FALSE(isDone);
 }
 
-TEST(MainThreadTest, wakesNobodyOnceItHasGone)
+TEST(MainQueueTest, threadsMaySubmitWhileItIsDestroyed)
 {
-    auto mainThread = std::make_unique<MainThread>();
-    const auto queue = mainThread->queue();
-    mainThread.reset();
-    // Takes the number of the descriptor by which the event loop was woken.
-    const int descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    ASSERT_GE(descriptor, 0);
-    queue->async([] {});
-    eventfd_t rings = 0;
-    EXPECT_NE(::eventfd_read(descriptor, &rings), 0);
-    EXPECT_EQ(rings, 0u);
-    ::close(descriptor);
+    constexpr int rounds = 20;
+    for (int round = 0; round < rounds; ++round) {
+        auto mainQueue = std::make_unique<MainQueue>();
+        int done = 0; // main thread only
+        std::atomic<bool> isStopped = false;
+        std::atomic<int> submitted = 0;
+        std::thread submitter([&, queue = mainQueue->queue()] {
+            while (!isStopped) {
+                queue->async([&] { ++done; });
+                ++submitted;
+            }
+        });
+        EXPECT_TRUE(waitUntil([&] { return done > 0; }));
+        mainQueue.reset();
+        const int doneBefore = done;
+        const int submittedBefore = submitted;
+        EXPECT_TRUE(waitUntil([&] { return submitted > submittedBefore + 1; }));
+        EXPECT_EQ(done, doneBefore) << "work ran after the end of its queue";
+        isStopped = true;
+        submitter.join();
+    }
 }
 
 } // namespace tarnwell::test

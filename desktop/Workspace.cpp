@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/Workspace.h"
 
-#include "desktop/DesktopEntry.h"
+#include "desktop/ApplicationLauncher.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -9,11 +9,9 @@
 #include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
 #include <QDesktopServices>
-#include <QProcess>
 #include <QUrl>
 #include <QVariantMap>
 
-#include <algorithm>
 #include <fcntl.h>
 #include <functional>
 #include <unistd.h>
@@ -49,13 +47,6 @@ void callOr(const QDBusMessage& call, const std::function<void()>& otherwise)
             otherwise();
         watcher->deleteLater();
     });
-}
-
-bool passesFile(const QStringList& command, const QUrl& file)
-{
-    const QString address = QString::fromUtf8(file.toEncoded());
-    return std::any_of(command.begin(), command.end(),
-        [&](const QString& word) { return word.contains(file.toLocalFile()) || word.contains(address); });
 }
 
 QDBusMessage showItemsCall(const FileURL& file)
@@ -105,10 +96,7 @@ void activateFileViewerSelecting(const FileURL& file)
 
 void openFileWithApplication(const FileURL& file, const QString& applicationName)
 {
-    QStringList command = commandOfApplicationNamed(applicationName, urlOf(file));
-    if (!command.isEmpty() && !passesFile(command, urlOf(file)))
-        command.append(urlOf(file).toLocalFile()); // an entry need not say where a file goes
-    if (command.isEmpty() || !QProcess::startDetached(command.first(), command.mid(1)))
+    if (!launchApplication(applicationName.toStdString(), file.path()))
         QDesktopServices::openUrl(urlOf(file));
 }
 

@@ -4,8 +4,7 @@
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 
-#include <QByteArray>
-#include <QtGlobal>
+#include <QProcessEnvironment>
 
 #include <filesystem>
 #include <string>
@@ -13,50 +12,32 @@
 namespace tarnwell::test
 {
 
-/// While it lives, the desktop's applications are those that a test adds, and no others.
+/// Folders of desktop entries for a program that a test starts: it finds the applications that the test adds,
+/// and no others.
 class DataFolders
 {
 public:
-    DataFolders()
+    QProcessEnvironment environment() const
     {
-        qputenv("XDG_DATA_HOME", QByteArray::fromStdString(m_folder.path() + "user"));
-        qputenv("XDG_DATA_DIRS", QByteArray::fromStdString(m_folder.path() + "system"));
+        auto variables = QProcessEnvironment::systemEnvironment();
+        variables.insert(QStringLiteral("XDG_DATA_HOME"), QString::fromStdString(m_folder.path() + "user"));
+        variables.insert(QStringLiteral("XDG_DATA_DIRS"), QString::fromStdString(m_folder.path() + "system"));
+        return variables;
     }
 
-    ~DataFolders()
-    {
-        restore("XDG_DATA_HOME", m_usualHome);
-        restore("XDG_DATA_DIRS", m_usualSystem);
-    }
-
-    DataFolders(const DataFolders&) = delete;
-    DataFolders& operator=(const DataFolders&) = delete;
-
-    void addUserEntry(const std::string& name, const std::string& text) const { add("user/", name, text); }
-    void addSystemEntry(const std::string& name, const std::string& text) const
-    {
-        add("system/", name, text);
-    }
+    /// Adds an entry; `keys` are the lines of its main group, and of the groups after it.
+    void addUserEntry(const std::string& id, const std::string& keys) const { add("user/", id, keys); }
+    void addSystemEntry(const std::string& id, const std::string& keys) const { add("system/", id, keys); }
 
 private:
-    void add(const std::string& where, const std::string& name, const std::string& text) const
+    void add(const std::string& where, const std::string& id, const std::string& keys) const
     {
-        const std::filesystem::path path = m_folder.path() + where + "applications/" + name;
+        const std::filesystem::path path = m_folder.path() + where + "applications/" + id;
         std::filesystem::create_directories(path.parent_path());
-        writeFile(path, text);
-    }
-
-    static void restore(const char* variable, const QByteArray& value)
-    {
-        if (value.isNull())
-            qunsetenv(variable);
-        else
-            qputenv(variable, value);
+        writeFile(path, "[Desktop Entry]\nType=Application\n" + keys);
     }
 
     TemporaryDirectory m_folder;
-    QByteArray m_usualHome = qgetenv("XDG_DATA_HOME");
-    QByteArray m_usualSystem = qgetenv("XDG_DATA_DIRS");
 };
 
 } // namespace tarnwell::test

@@ -2,8 +2,8 @@
 #include "desktop/Workspace.h"
 
 #include "tests/desktop/BusService.h"
-#include "tests/desktop/DataFolders.h"
 #include "tests/support/EventCounter.h"
+#include "tests/support/Files.h"
 #include "tests/support/WindowTest.h"
 
 #include <QDBusObjectPath>
@@ -171,72 +171,6 @@ TEST_F(RevealTest, opensTheFolderOfAFileThatIsGoneWhereThereIsOnlyThePortal)
     EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
     EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
     EXPECT_TRUE(portal.calls().isEmpty());
-}
-
-class OpenWithTest : public WorkspaceTest
-{
-protected:
-    /// An application of that name; it writes its arguments down, one a line.
-    void addPlayer(const std::string& codes)
-    {
-        const std::string program = m_folder.path() + "player";
-        // Renamed only when it is complete: the test waits for the file.
-        writeFile(program,
-            "#!/bin/sh\nprintf '%s\\n' \"$@\" >'" + recordPath() + ".part'\nmv '" + recordPath() + ".part' '"
-                + recordPath() + "'\n");
-        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
-        m_folders.addUserEntry("player.desktop",
-            "[Desktop Entry]\nType=Application\nName=QuickTime Player\nExec=" + program + " " + codes + "\n");
-    }
-
-    std::string recordPath() const { return m_folder.path() + "arguments"; }
-
-    static QString player() { return QStringLiteral("QuickTime Player"); }
-
-    DataFolders m_folders;
-};
-
-TEST_F(OpenWithTest, startsTheApplicationOfThatNameWithThePath)
-{
-    addPlayer("--play %f");
-    const std::string path = makeFile("my \"clip\" $HOME.mp4");
-    openFileWithApplication(FileURL(path), player());
-    ASSERT_TRUE(waitUntil([this] { return exists(recordPath()); }));
-    EXPECT_EQ(contentsOf(recordPath()), "--play\n" + path + "\n");
-    EXPECT_TRUE(m_opened.urls().isEmpty());
-}
-
-TEST_F(OpenWithTest, startsTheApplicationOfThatNameWithTheAddress)
-{
-    addPlayer("%U");
-    openFileWithApplication(FileURL(makeFile("my clip ä.mp4")), player());
-    ASSERT_TRUE(waitUntil([this] { return exists(recordPath()); }));
-    EXPECT_EQ(contentsOf(recordPath()), "file://" + m_folder.path() + "my%20clip%20%C3%A4.mp4\n");
-}
-
-TEST_F(OpenWithTest, startsAnApplicationThatDoesNotSayWhereAFileGoesWithThePathAtTheEnd)
-{
-    addPlayer("--play");
-    const std::string path = makeFile("clip.mp4");
-    openFileWithApplication(FileURL(path), player());
-    ASSERT_TRUE(waitUntil([this] { return exists(recordPath()); }));
-    EXPECT_EQ(contentsOf(recordPath()), "--play\n" + path + "\n");
-}
-
-TEST_F(OpenWithTest, usesTheDefaultApplicationWhereNoneBearsTheName)
-{
-    const std::string path = makeFile("my clip.mp4");
-    openFileWithApplication(FileURL(path), player());
-    EXPECT_EQ(m_opened.urls(), QList<QUrl>{QUrl::fromLocalFile(QString::fromStdString(path))});
-}
-
-TEST_F(OpenWithTest, usesTheDefaultApplicationWhereTheNamedOneCannotBeStarted)
-{
-    m_folders.addUserEntry("player.desktop",
-        "[Desktop Entry]\nType=Application\nName=QuickTime Player\nExec=" + m_folder.path() + "missing %f\n");
-    const std::string path = makeFile("clip.mp4");
-    openFileWithApplication(FileURL(path), player());
-    EXPECT_EQ(m_opened.urls(), QList<QUrl>{QUrl::fromLocalFile(QString::fromStdString(path))});
 }
 
 } // namespace tarnwell::test

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/ApplicationLauncher.h"
+
+#include <gio/gdesktopappinfo.h>
+#include <gio/gio.h>
+#include <memory>
+#include <type_traits>
+
+namespace tarnwell
+{
+
+namespace
+{
+
+using Unref = std::integral_constant<decltype(&g_object_unref), g_object_unref>;
+using Free = std::integral_constant<decltype(&g_free), g_free>;
+
+template <typename Object>
+using ObjectPointer = std::unique_ptr<Object, Unref>;
+
+bool isNamed(GAppInfo* application, const std::string& name)
+{
+    if (name == g_app_info_get_name(application))
+        return true;
+    const std::unique_ptr<char, Free> untranslated(
+        g_desktop_app_info_get_string(G_DESKTOP_APP_INFO(application), G_KEY_FILE_DESKTOP_KEY_NAME));
+    return untranslated && name == untranslated.get();
+}
+
+/// Null where no application has the name. Hidden entries, and entries whose program is not installed, are no
+/// applications.
+ObjectPointer<GAppInfo> applicationNamed(const std::string& name)
+{
+    ObjectPointer<GAppInfo> found;
+    GList* const applications = g_app_info_get_all();
+    for (const GList* item = applications; item != nullptr && !found; item = item->next) {
+        auto* application = static_cast<GAppInfo*>(item->data);
+        if (isNamed(application, name))
+            found.reset(static_cast<GAppInfo*>(g_object_ref(application)));
+    }
+    g_list_free_full(applications, g_object_unref);
+    return found;
+}
+
+} // namespace
+
+bool launchApplication(const std::string& name, const std::string& path)
+{
+    const ObjectPointer<GAppInfo> application = applicationNamed(name);
+    if (!application)
+        return false;
+    const ObjectPointer<GFile> file(g_file_new_for_path(path.c_str()));
+    GList files = {file.get(), nullptr, nullptr};
+    return g_app_info_launch(application.get(), &files, nullptr, nullptr) != FALSE;
+}
+
+} // namespace tarnwell

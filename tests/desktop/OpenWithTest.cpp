@@ -64,7 +64,9 @@ protected:
     /// application instead, each with a line feed.
     std::string open(const std::string& path)
     {
-        m_process.setProcessEnvironment(m_folders.environment());
+        auto environment = m_folders.environment();
+        environment.insert(QStringLiteral("LC_ALL"), m_locale);
+        m_process.setProcessEnvironment(environment);
         m_process.start(QStringLiteral(TARNWELL_BUILD_FOLDER "/tests/openWithApplication"),
             {QStringLiteral("QuickTime Player")});
         m_process.write(QByteArray::fromStdString(path + "\n"));
@@ -79,6 +81,7 @@ protected:
     }
 
     DataFolders m_folders;
+    QString m_locale = QStringLiteral("C.UTF-8");
 
 private:
     TemporaryDirectory m_folder;
@@ -142,6 +145,23 @@ TEST_F(OpenWithTest, anEntryHiddenByTheUserHidesTheSystemsEntryOfTheSameId)
 TEST_F(OpenWithTest, anEntryThatMenusDoNotShowIsAnApplication)
 {
     m_folders.addUserEntry("player.desktop", playerName + "NoDisplay=true\n" + execOf("player", "%f"));
+    EXPECT_EQ(open(file()), "");
+    EXPECT_EQ(started(), "player\n" + file() + "\n");
+}
+
+TEST_F(OpenWithTest, theUntranslatedNameCountsInEveryLanguage)
+{
+    m_locale = QStringLiteral("de_DE.UTF-8");
+    m_folders.addUserEntry("player.desktop", playerName + "Name[de]=Abspieler\n" + execOf("player", "%f"));
+    EXPECT_EQ(open(file()), "");
+    EXPECT_EQ(started(), "player\n" + file() + "\n");
+}
+
+TEST_F(OpenWithTest, theNameInTheUsersLanguageCounts)
+{
+    m_locale = QStringLiteral("de_DE.UTF-8");
+    m_folders.addUserEntry(
+        "player.desktop", "Name=Other\nName[de]=QuickTime Player\n" + execOf("player", "%f"));
     EXPECT_EQ(open(file()), "");
     EXPECT_EQ(started(), "player\n" + file() + "\n");
 }

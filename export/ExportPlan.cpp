@@ -16,7 +16,7 @@ namespace
 constexpr std::int64_t halfTurn = 180;
 constexpr std::int64_t fullTurn = 360;
 
-// By position, from 1: transpose=2 is a quarter turn counterclockwise, transpose=1 one clockwise.
+// Indexed by position - 1. transpose=2 is a quarter turn counterclockwise, transpose=1 clockwise.
 constexpr std::array<std::string_view, 4> rotationFilters
     = {"", "transpose=2", "transpose=2,transpose=2", "transpose=1"};
 
@@ -88,7 +88,7 @@ ArgumentList transcodeArgumentList(
 
 std::string orientationLine(const OrientationState& state)
 {
-    // The label of the vertical mirror is spelled like this in what people's scripts look for.
+    // "vFlipSte" is the established spelling; scripts search for it.
     return std::string("positionState : ")
         .append(std::to_string(state.positionState))
         .append(", vFlipSte : ")

@@ -14,10 +14,10 @@ namespace
 
 constexpr std::string_view statusMark = "time=";
 
-// The last dot accepts any character; what is no dot there stops the conversion afterwards.
+// The unescaped dot matches any character. secondsFromTimeString stops the program if it is not a point.
 constexpr std::string_view timeStampPattern = "([0-9][0-9]):([0-9][0-9]):([0-9][0-9]).([0-9][0-9])";
 
-constexpr double hundred = 100.0;
+constexpr double percentPerWhole = 100.0;
 
 } // namespace
 
@@ -33,7 +33,7 @@ std::optional<double> elapsedSecondsFromChunk(std::string_view chunk)
 
 double percentOf(double elapsedSeconds, double duration)
 {
-    return elapsedSeconds / duration * hundred;
+    return elapsedSeconds / duration * percentPerWhole;
 }
 
 std::string percentLine(double percent)

@@ -8,15 +8,15 @@
 namespace tarnwell
 {
 
-/// Seconds of media that a chunk of the encoder's standard error says are done: the first time stamp in it.
-/// Nothing for a chunk that is not valid UTF-8 or does not hold "time="; one that holds "time=" and no time
-/// stamp stops the program. Chunks are judged alone. Any thread.
+/// The first time stamp, in seconds, of a chunk of creator's standard error. Empty if the chunk is invalid
+/// UTF-8 or has no "time=". A chunk with "time=" and no time stamp stops the program. Keeps no state between
+/// chunks. Thread-safe.
 std::optional<double> elapsedSecondsFromChunk(std::string_view chunk);
 
-/// Neither rounded nor kept between 0 and 100; a `duration` of 0 seconds gives infinity, or not a number.
+/// Not rounded, and not limited to 0 to 100. Infinity or not-a-number for a `duration` of 0.
 double percentOf(double elapsedSeconds, double duration);
 
-/// The line that says how far an export has come.
+/// The diagnostic line for the progress of an export.
 std::string percentLine(double percent);
 
 } // namespace tarnwell

@@ -8,7 +8,7 @@
 namespace tarnwell
 {
 
-/// The message of the alert that reports a finished export, by the orientation at that moment.
+/// The message text of the success alert. `state`: the orientation when the alert is shown.
 std::string successMessage(const OrientationState& state);
 
 } // namespace tarnwell

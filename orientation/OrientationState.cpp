@@ -34,7 +34,7 @@ std::int64_t angleOfPosition(std::int64_t positionState)
 
 bool isRotated(const OrientationState& state)
 {
-    // Unsigned, so that everything below 2 wraps to a large number.
+    // Values below 2 wrap to large unsigned numbers.
     return static_cast<std::uint64_t>(state.positionState) - 2U <= 2U;
 }
 

@@ -7,35 +7,35 @@
 namespace tarnwell
 {
 
-/// The one change that the user composes for the open video: first the rotation, then the mirrors, which act
-/// on the picture as it stands after the rotation. States that show the same picture are not folded into one.
+/// The rotation and the mirrors that the user has chosen. The rotation comes first; the mirrors apply to the
+/// rotated picture. Different states that show the same picture stay different.
 struct OrientationState {
-    /// 1 none, 2 a quarter turn counterclockwise, 3 a half turn, 4 a quarter turn clockwise.
+    /// 1: no rotation, 2: a quarter turn counterclockwise, 3: a half turn, 4: a quarter turn clockwise.
     std::int64_t positionState = 1;
-    /// Top and bottom exchanged.
+    /// Exchanges top and bottom.
     bool vFlipState = false;
-    /// Left and right exchanged.
+    /// Exchanges left and right.
     bool hFlipState = false;
 
     bool operator==(const OrientationState&) const = default;
 };
 
-/// One more, and 5 becomes 1; no other value is folded. Overflow stops the program.
+/// Adds 1 and maps 5 to 1; other values outside 1 to 4 stay. Overflow stops the program.
 std::int64_t positionAfterRotatingLeft(std::int64_t positionState);
 
-/// One less, and 0 becomes 4; no other value is folded. Overflow stops the program.
+/// Subtracts 1 and maps 0 to 4; other values outside 1 to 4 stay. Overflow stops the program.
 std::int64_t positionAfterRotatingRight(std::int64_t positionState);
 
-/// Degrees counterclockwise: 0, 90, 180 or 270 for the positions 1 to 4. Overflow stops the program.
+/// Degrees counterclockwise: (`positionState` - 1) * 90. Overflow stops the program.
 std::int64_t angleOfPosition(std::int64_t positionState);
 
-/// Whether the position turns the picture at all; values outside 1 to 4 count as not rotated.
+/// Whether the position is 2, 3 or 4.
 bool isRotated(const OrientationState& state);
 
 /// Whether a mirror is on.
 bool isFlipped(const OrientationState& state);
 
-/// The word for the change: "Rotated", "Flipped", "Rotated and Flipped" or "Processed".
+/// "Rotated", "Flipped", "Rotated and Flipped", or "Processed" for neither.
 std::string orientationLabel(const OrientationState& state);
 
 } // namespace tarnwell

@@ -19,7 +19,7 @@ QImage separateImage(const QImage& result, const QImage& source)
 
 QImage rotateImage(const QImage& source, double angle)
 {
-    // Qt's y axis points down, so its positive angles turn clockwise.
+    // Qt's positive angles are clockwise, because its y axis points down.
     return separateImage(source.transformed(QTransform().rotate(-angle), Qt::FastTransformation), source);
 }
 

@@ -21,7 +21,7 @@ std::string posterFramePath(const std::string& temporaryFolder)
 std::vector<std::string> posterFrameArguments(
     double duration, const std::string& videoPath, const std::string& posterFramePath)
 {
-    // Seeking before the input jumps there; behind it, everything up to the middle would be decoded.
+    // "-ss" before "-i" seeks in the input; after "-i" ffmpeg decodes everything up to the position.
     return {"-v", "quiet", "-ss", shortestDecimal(duration * middle), "-i", videoPath, "-frames:v", "1", "-y",
         posterFramePath};
 }

@@ -7,10 +7,10 @@
 namespace tarnwell
 {
 
-/// Where a still is written: `temporaryFolder` is the text of a folder path that ends in "/".
+/// The path of the still file. `temporaryFolder` must end in "/".
 std::string posterFramePath(const std::string& temporaryFolder);
 
-/// The encoder's argument list for one still from the middle of a video of `duration` seconds. Paths are raw
+/// The arguments of creator for one still from the middle of a video of `duration` seconds. Paths are raw
 /// bytes.
 std::vector<std::string> posterFrameArguments(
     double duration, const std::string& videoPath, const std::string& posterFramePath);

@@ -12,8 +12,7 @@ namespace tarnwell
 namespace
 {
 
-// The folder of the executable comes last: where that is a folder of many programs, another one may bear the
-// name.
+// The executable's folder comes last: in a folder such as /usr/bin another program can have the same name.
 constexpr std::string_view resourceFolders[] = {"/../libexec/tarnwell", "/../share/tarnwell", ""};
 constexpr std::string_view imageExtension = ".png";
 

@@ -8,22 +8,22 @@
 namespace tarnwell
 {
 
-/// The files that belong to the application and stand around its executable: the tools in
-/// ../libexec/tarnwell, the pictures in ../share/tarnwell, or either beside it. The build tree and an
-/// installed tree look alike.
+/// Locates the application's resources relative to its executable: tools in ../libexec/tarnwell, pictures in
+/// ../share/tarnwell, and either in the executable's own folder. The build tree and an installed tree have
+/// the same layout.
 class Bundle
 {
 public:
-    /// `executableFolder`: the folder that holds the executable, absolute, without a closing slash.
+    /// `executableFolder`: absolute path of the executable's folder, without a trailing slash.
     explicit Bundle(std::string executableFolder);
 
     /// The bundle of the running program.
     static Bundle main();
 
-    /// The path of the resource of exactly that name; nothing where no such file stands.
+    /// Returns the path of the resource with exactly this name; empty if there is no such file.
     std::optional<std::string> pathForResource(std::string_view name) const;
 
-    /// The path of the picture of that name, given without its extension.
+    /// The same for a PNG picture. `name` excludes the extension.
     std::optional<std::string> pathForImageResource(std::string_view name) const;
 
 private:

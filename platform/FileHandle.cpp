@@ -15,7 +15,7 @@ namespace tarnwell
 namespace
 {
 
-constexpr std::size_t pipeCapacity = 65536;
+constexpr std::size_t pipeCapacity = 65536; // bytes, Linux's default
 
 } // namespace
 
@@ -60,7 +60,7 @@ void FileHandle::setReadabilityHandler(ReadabilityHandler handler)
             self->deliver(handler);
         }).detach();
     } catch (const std::system_error&) {
-        // Nobody reads: the writer is to learn that rather than to wait for ever.
+        // Without a reader the writer would block; a closed pipe makes its writes fail.
         m_atEnd = true;
         ::close(std::exchange(m_descriptor, -1));
     }

@@ -9,26 +9,27 @@
 namespace tarnwell
 {
 
-/// The reading end of a pipe: a descriptor that it owns and closes.
+/// The reading end of a pipe. Owns the descriptor.
 class FileHandle : public std::enable_shared_from_this<FileHandle>
 {
 public:
     using ReadabilityHandler = std::function<void(FileHandle&)>;
 
-    /// Takes over `descriptor`; -1 makes a handle that is at its end.
+    /// Takes ownership of `descriptor`. A handle for -1 is at end of file.
     explicit FileHandle(int descriptor);
     ~FileHandle();
     FileHandle(const FileHandle&) = delete;
     FileHandle& operator=(const FileHandle&) = delete;
 
-    /// The bytes that are there now, at most one pipe's fill; waits for the first of them. Empty at the end.
+    /// Blocks until data is available and returns at most 64 KiB of it. Empty at end of file and on errors.
     std::string availableData();
 
-    /// All bytes up to the end.
+    /// Blocks until end of file and returns all bytes up to there.
     std::string readDataToEndOfFile();
 
-    /// From now on calls `handler` on a thread of the handle's own whenever bytes are there, and once at the
-    /// end, which it recognises by reading nothing. The handler must read. The thread keeps the handle alive.
+    /// Starts a thread that calls `handler` whenever data is available and once at end of file, when
+    /// availableData returns nothing. The handler must read. The thread keeps this object alive until end of
+    /// file.
     void setReadabilityHandler(ReadabilityHandler handler);
 
 private:
@@ -38,7 +39,7 @@ private:
     std::atomic<bool> m_atEnd;
 };
 
-/// A pipe whose two ends no child inherits unless a Process hands it one.
+/// A pipe. Both ends are close-on-exec; only a Process passes the writing end to its child.
 class Pipe
 {
 public:
@@ -49,10 +50,10 @@ public:
 
     const std::shared_ptr<FileHandle>& fileHandleForReading() const { return m_reading; }
 
-    /// -1 after closeWriting, and where the system had no pipe to give.
+    /// -1 after closeWriting and if the system could not create the pipe.
     int writingDescriptor() const { return m_writing; }
 
-    /// The parent's part once a child holds the writing end: without it the reader never sees the end.
+    /// Call it once a child has the writing end: an open writing end in the parent prevents end of file.
     void closeWriting();
 
 private:

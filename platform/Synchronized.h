@@ -7,7 +7,7 @@
 namespace tarnwell
 {
 
-/// A value that one thread replaces while another reads it: both sides get copies, whole ones.
+/// A value protected by a mutex. load and store copy the value; any thread may call them.
 template <typename Value>
 class Synchronized
 {
@@ -21,7 +21,7 @@ public:
     void store(Value value)
     {
         const std::lock_guard lock(m_mutex);
-        std::swap(m_value, value); // the earlier value is destroyed after the lock is given back
+        std::swap(m_value, value); // the parameter destroys the previous value after the unlock
     }
 
 private:

@@ -8,14 +8,17 @@
 namespace tarnwell
 {
 
-/// Runs a call that blocks to its end and returns only then. What becomes of the calling thread meanwhile is
-/// the implementation's affair: the main thread keeps its windows painted, others simply block.
+/// Calls a blocking function and returns after it has returned. Implementations choose the thread: on the
+/// main thread the window is repainted meanwhile.
 using BlockingWait = std::function<void(const std::function<void()>& blockingCall)>;
 
-/// Makes the call on the calling thread.
-void waitBlocking(const std::function<void()>& blockingCall);
+/// Calls the function on the calling thread.
+inline void waitBlocking(const std::function<void()>& blockingCall)
+{
+    blockingCall();
+}
 
-/// What it takes to run one of the application's tools: where they stand and how to wait for them.
+/// The location of the application's tools and the way to wait for them.
 struct ToolContext {
     Bundle bundle;
     BlockingWait wait = waitBlocking;

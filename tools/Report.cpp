@@ -17,6 +17,8 @@ constexpr double integerLimit = 9223372036854775808.0; // 2^63
 Json parsed(const std::string& report)
 {
     constexpr bool mayThrow = false;
+    if (report.find('\0') != std::string::npos)
+        return Json(Json::value_t::discarded); // the parser would take it for the end of the report
     return Json::parse(report, nullptr, mayThrow);
 }
 

@@ -192,6 +192,13 @@ TEST(ReportTest, bytesThatAreNoTextComeBackAsTheyAre)
     EXPECT_EQ(withTrueRotation(text), text);
 }
 
+TEST(ReportTest, aReportWithANulByteComesBackAsItIs)
+{
+    const std::string whole = report({video(quarterTurnRight)}).dump();
+    for (const std::string rest : {std::string(1, '\0'), std::string("\0{}", 3)})
+        EXPECT_EQ(withTrueRotation(whole + rest), whole + rest);
+}
+
 TEST(ReportTest, aReportThatEndsEarlyComesBackAsItIs)
 {
     const std::string whole = report({video(quarterTurnRight)}).dump();

@@ -6,49 +6,28 @@
 namespace tarnwell::test
 {
 
-TEST(OrientationLineTest, theUntouchedStateIsWrittenOut)
+TEST(OrientationLineTest, namesThePositionAndBothMirrors)
 {
-    EXPECT_EQ(orientationLine({1, false, false}), "positionState : 1, vFlipSte : false, hFlipState : false");
+    const std::pair<OrientationState, const char*> rows[]
+        = {{{1, false, false}, "positionState : 1, vFlipSte : false, hFlipState : false"},
+            {{2, true, false}, "positionState : 2, vFlipSte : true, hFlipState : false"},
+            {{3, false, true}, "positionState : 3, vFlipSte : false, hFlipState : true"},
+            {{4, true, true}, "positionState : 4, vFlipSte : true, hFlipState : true"},
+            {{-7, false, false}, "positionState : -7, vFlipSte : false, hFlipState : false"},
+            {{9223372036854775807, false, false},
+                "positionState : 9223372036854775807, vFlipSte : false, hFlipState : false"}};
+    for (const auto& [state, line] : rows)
+        EXPECT_EQ(orientationLine(state), line);
 }
 
-TEST(OrientationLineTest, eachMirrorStandsInItsPlace)
+TEST(ArgumentListLineTest, quotesEveryElementAndKeepsItsBytes)
 {
-    EXPECT_EQ(orientationLine({2, true, false}), "positionState : 2, vFlipSte : true, hFlipState : false");
-    EXPECT_EQ(orientationLine({3, false, true}), "positionState : 3, vFlipSte : false, hFlipState : true");
-    EXPECT_EQ(orientationLine({4, true, true}), "positionState : 4, vFlipSte : true, hFlipState : true");
-}
-
-TEST(OrientationLineTest, everyPositionIsWrittenAsItIs)
-{
-    EXPECT_EQ(
-        orientationLine({-7, false, false}), "positionState : -7, vFlipSte : false, hFlipState : false");
-    EXPECT_EQ(orientationLine({9223372036854775807, false, false}),
-        "positionState : 9223372036854775807, vFlipSte : false, hFlipState : false");
-}
-
-TEST(ArgumentListLineTest, elementsAreInQuotesBetweenBrackets)
-{
-    EXPECT_EQ(argumentListLine({"-i", "/a b.mp4", "-y"}), R"(["-i", "/a b.mp4", "-y"])");
-}
-
-TEST(ArgumentListLineTest, oneElementNeedsNoComma)
-{
-    EXPECT_EQ(argumentListLine({"-y"}), R"(["-y"])");
-}
-
-TEST(ArgumentListLineTest, anEmptyListIsAPairOfBrackets)
-{
-    EXPECT_EQ(argumentListLine({}), "[]");
-}
-
-TEST(ArgumentListLineTest, emptyElementsAreShown)
-{
-    EXPECT_EQ(argumentListLine({"", ""}), R"(["", ""])");
-}
-
-TEST(ArgumentListLineTest, bytesAreTakenAsTheyAre)
-{
-    EXPECT_EQ(argumentListLine({"caf\xC3\xA9 \xFF", "100%"}), "[\"caf\xC3\xA9 \xFF\", \"100%\"]");
+    const std::pair<ArgumentList, const char*> rows[]
+        = {{{"-i", "/a b.mp4", "-y"}, R"(["-i", "/a b.mp4", "-y"])"}, {{"-y"}, R"(["-y"])"}, {{}, "[]"},
+            {{"", ""}, R"(["", ""])"}, {{"a\"b\\"}, R"(["a"b\"])"},
+            {{"caf\xC3\xA9 \xFF", "100%"}, "[\"caf\xC3\xA9 \xFF\", \"100%\"]"}};
+    for (const auto& [list, line] : rows)
+        EXPECT_EQ(argumentListLine(list), line);
 }
 
 TEST(ArgumentListLineTest, aWholeListIsOneLine)
@@ -65,7 +44,7 @@ TEST(FixFlagLinesTest, aListWithItsRotationIsTheOnlyLine)
     }
 }
 
-TEST(FixFlagLinesTest, aMissingRotationIsToldBeforeTheList)
+TEST(FixFlagLinesTest, aMissingRotationIsReportedBeforeTheList)
 {
     const auto rotation = fixFlagRotation({5, false, false}, 0);
     const auto arguments = fixFlagArgumentList("/in.mp4", "/out.mp4", rotation);

@@ -22,7 +22,7 @@ struct CodecCase {
 struct RotationCase {
     std::string name;
     OrientationState state;
-    std::int64_t shown; // degrees without a flag in the file
+    std::int64_t shown; // the result in degrees for a file without a flag
 };
 
 struct ElementCase {
@@ -86,7 +86,7 @@ INSTANTIATE_TEST_SUITE_P(EqualMirrors, FixFlagRotationTest,
         RotationCase{"rightMirroredBothWays", {4, true, true}, 90}),
     nameOfRotation);
 
-// One mirror alone counts for nothing.
+// A single mirror does not change the rotation.
 INSTANTIATE_TEST_SUITE_P(OneMirror, FixFlagRotationTest,
     testing::Values(RotationCase{"vertically", {1, true, false}, 0},
         RotationCase{"horizontally", {1, false, true}, 0},

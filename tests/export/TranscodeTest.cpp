@@ -77,12 +77,12 @@ TEST(TranscodeListTest, pathsAreTakenAsTheyAre)
     EXPECT_EQ(arguments.back(), output);
 }
 
-TEST(TranscodeListTest, theListIsPutTogetherInSilence)
+TEST(TranscodeListTest, buildingAListPrintsNothing)
 {
     testing::internal::CaptureStdout();
     transcodeArgumentList("/in.mov", "/out.mp4", {7, false, false});
     fixFlagArgumentList("/in.mov", "/out.mp4", fixFlagRotation({7, false, false}, 0));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), ""); // the caller says what there is to say
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), ""); // the caller prints
 }
 
 } // namespace tarnwell::test

@@ -13,8 +13,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// A picture in which no two pixels near each other are alike. With alpha, the colours are valid
-/// premultiplied ones.
+/// A picture in which adjacent pixels differ. Colours with alpha are premultiplied.
 QImage pattern(QSize size, QImage::Format format)
 {
     QImage image(size, format);
@@ -33,7 +32,7 @@ QImage pattern(QSize size, QImage::Format format)
     return image;
 }
 
-/// Where the pixel at (x, y) of the result stems from, by plain arithmetic.
+/// The source position of the pixel at `result`.
 QPoint origin(QPoint result, QSize source, const OrientationState& state)
 {
     const bool isSideways = state.positionState % 2 == 0;
@@ -58,7 +57,7 @@ QImage preview(const QImage& source, const OrientationState& state)
     return flipImage(rotateImage(source, angle), state.hFlipState, state.vFlipState);
 }
 
-/// The pixel as it is stored, without a conversion that would lose what is nearly transparent.
+/// The stored value. QImage::pixel would unpremultiply it and lose bits of nearly transparent pixels.
 QRgb storedPixel(const QImage& image, int x, int y)
 {
     if (image.format() == QImage::Format_Grayscale8)
@@ -182,7 +181,7 @@ TEST(PictureShapeTest, anEmptyPictureStaysEmpty)
     EXPECT_TRUE(flipImage(QImage(), true, false).isNull());
 }
 
-TEST(PictureShapeTest, aFrameOf8kIsTurnedWhole)
+TEST(PictureShapeTest, an8KFrameIsTurnedWhole)
 {
     const QImage frame = pattern({7680, 4320}, QImage::Format_RGB32);
     const OrientationState state = {4, true, false};

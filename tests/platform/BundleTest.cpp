@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <vector>
 
 namespace tarnwell::test
 {
@@ -20,16 +21,23 @@ protected:
             std::filesystem::create_directories(m_folder.path() + name);
     }
 
-    void put(const std::string& name) { writeFile(m_folder.path() + name, "a resource"); }
-
-    /// Whether the two paths lead to the same file; the bundle's own go by way of "..".
-    void expectFound(const std::optional<std::string>& path, const std::string& name)
+    /// Creates a file, or a folder if the name ends in "/".
+    void create(const std::string& name)
     {
-        ASSERT_TRUE(path.has_value());
-        EXPECT_EQ(std::filesystem::canonical(*path), std::filesystem::canonical(m_folder.path() + name));
+        if (name.ends_with('/'))
+            std::filesystem::create_directory(m_folder.path() + name);
+        else
+            writeFile(m_folder.path() + name, "a resource");
     }
 
-    void makeFolder(const std::string& name) { std::filesystem::create_directory(m_folder.path() + name); }
+    /// Compares files, because the bundle's paths contain "..". An empty `name` expects no path.
+    void expectFound(const std::optional<std::string>& path, const std::string& name)
+    {
+        ASSERT_EQ(path.has_value(), !name.empty());
+        if (path) {
+            EXPECT_EQ(std::filesystem::canonical(*path), std::filesystem::canonical(m_folder.path() + name));
+        }
+    }
 
     Bundle bundle() const { return Bundle(m_folder.path() + "bin"); }
 
@@ -37,62 +45,35 @@ private:
     TemporaryDirectory m_folder;
 };
 
-TEST_F(BundleTest, aResourceBesideTheExecutableIsFound)
+struct ResourceCase {
+    std::string name;
+    std::vector<std::string> present;
+    std::string found; // by the name "sniffer"
+};
+
+class BundleResourceTest : public BundleTest, public testing::WithParamInterface<ResourceCase>
 {
-    put("bin/sniffer");
-    expectFound(bundle().pathForResource("sniffer"), "bin/sniffer");
+};
+
+TEST_P(BundleResourceTest, isTheFirstFileOfThatName)
+{
+    for (const auto& name : GetParam().present)
+        create(name);
+    expectFound(bundle().pathForResource("sniffer"), GetParam().found);
 }
 
-TEST_F(BundleTest, aToolInItsOwnFolderIsFound)
-{
-    put("libexec/tarnwell/sniffer");
-    expectFound(bundle().pathForResource("sniffer"), "libexec/tarnwell/sniffer");
-}
-
-TEST_F(BundleTest, aSharedResourceIsFound)
-{
-    put("share/tarnwell/sniffer");
-    expectFound(bundle().pathForResource("sniffer"), "share/tarnwell/sniffer");
-}
-
-TEST_F(BundleTest, anotherProgramOfThatNameBesideTheExecutableComesLast)
-{
-    put("bin/sniffer");
-    put("share/tarnwell/sniffer");
-    expectFound(bundle().pathForResource("sniffer"), "share/tarnwell/sniffer");
-}
-
-TEST_F(BundleTest, theToolsFolderComesBeforeTheSharedOne)
-{
-    put("libexec/tarnwell/sniffer");
-    put("share/tarnwell/sniffer");
-    expectFound(bundle().pathForResource("sniffer"), "libexec/tarnwell/sniffer");
-}
-
-TEST_F(BundleTest, aMissingResourceIsNotFound)
-{
-    put("bin/creator");
-    EXPECT_FALSE(bundle().pathForResource("sniffer"));
-}
-
-TEST_F(BundleTest, aResourceIsFoundByItsWholeNameOnly)
-{
-    put("bin/sniffer.exe");
-    EXPECT_FALSE(bundle().pathForResource("sniffer"));
-}
-
-TEST_F(BundleTest, aFolderOfThatNameIsNoResource)
-{
-    makeFolder("bin/sniffer");
-    EXPECT_FALSE(bundle().pathForResource("sniffer"));
-}
-
-TEST_F(BundleTest, aFolderOfThatNameDoesNotHideAResourceFurtherOn)
-{
-    makeFolder("bin/sniffer");
-    put("libexec/tarnwell/sniffer");
-    expectFound(bundle().pathForResource("sniffer"), "libexec/tarnwell/sniffer");
-}
+INSTANTIATE_TEST_SUITE_P(Files, BundleResourceTest,
+    testing::Values(ResourceCase{"besideTheExecutable", {"bin/sniffer"}, "bin/sniffer"},
+        ResourceCase{"amongTheTools", {"libexec/tarnwell/sniffer"}, "libexec/tarnwell/sniffer"},
+        ResourceCase{"shared", {"share/tarnwell/sniffer"}, "share/tarnwell/sniffer"},
+        ResourceCase{"sharedBeforeTheExecutablesFolder", {"bin/sniffer", "share/tarnwell/sniffer"},
+            "share/tarnwell/sniffer"},
+        ResourceCase{"toolsBeforeShared", {"share/tarnwell/sniffer", "libexec/tarnwell/sniffer"},
+            "libexec/tarnwell/sniffer"},
+        ResourceCase{"missing", {"bin/creator"}, ""}, ResourceCase{"longerName", {"bin/sniffer.exe"}, ""},
+        ResourceCase{"folder", {"bin/sniffer/"}, ""},
+        ResourceCase{"folderBeforeAFile", {"libexec/tarnwell/sniffer/", "bin/sniffer"}, "bin/sniffer"}),
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(BundleTest, anEmptyNameIsNoResource)
 {
@@ -101,13 +82,13 @@ TEST_F(BundleTest, anEmptyNameIsNoResource)
 
 TEST_F(BundleTest, aPictureIsFoundWithoutItsExtension)
 {
-    put("share/tarnwell/poster.png");
+    create("share/tarnwell/poster.png");
     expectFound(bundle().pathForImageResource("poster"), "share/tarnwell/poster.png");
 }
 
 TEST_F(BundleTest, aMissingPictureIsNotFound)
 {
-    put("share/tarnwell/poster");
+    create("share/tarnwell/poster");
     EXPECT_FALSE(bundle().pathForImageResource("poster"));
 }
 

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <iostream>
 #include <map>
 #include <poll.h>
@@ -118,6 +119,11 @@ void printNumberedLines(int count)
 {
     for (int number = 0; number < count; ++number)
         printLine(numberedLine(number));
+}
+
+long threadCount()
+{
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 }
 
 constexpr int moreThanAPipeHolds = 20000; // lines
@@ -239,8 +245,9 @@ TEST_F(DiagnosticsDeathTest, aLineToAFileIsWrittenBeforeAnImmediateEnd)
     EXPECT_EXIT(
         {
             ::dup2(STDERR_FILENO, STDOUT_FILENO);
+            const auto threads = threadCount();
             printLine("in time");
-            std::_Exit(0);
+            std::_Exit(threadCount() == threads ? 0 : 1); // no writer thread has started
         },
         testing::ExitedWithCode(0), "^in time\n$");
 }

@@ -10,11 +10,11 @@
 namespace tarnwell::test
 {
 
-/// A queue whose wake-ups are counted; the test drains it.
+/// Counts the calls of `wake`; the tests call drain.
 class DispatchQueueTest : public testing::Test
 {
 protected:
-    /// Work that writes its number down.
+    /// Returns work that appends `number` to m_notes.
     DispatchQueue::Work note(int number)
     {
         return [this, number] { m_notes.push_back(number); };
@@ -39,7 +39,7 @@ TEST_F(DispatchQueueTest, nothingIsDoneBeforeTheDrain)
     EXPECT_TRUE(m_notes.empty());
 }
 
-TEST_F(DispatchQueueTest, aPieceIsDoneOnce)
+TEST_F(DispatchQueueTest, workRunsOnce)
 {
     m_queue.async(note(1));
     m_queue.drain();
@@ -98,10 +98,10 @@ TEST_F(DispatchQueueTest, workIsDoneOnTheDrainingThread)
     EXPECT_EQ(worker, std::this_thread::get_id());
 }
 
-TEST_F(DispatchQueueTest, noPieceRunsWhileAnotherOneWaitsInALoopOfItsOwn)
+TEST_F(DispatchQueueTest, noWorkStartsDuringANestedEventLoop)
 {
     m_queue.async([this] {
-        m_queue.drain(); // what an event loop inside the piece would come to
+        m_queue.drain(); // as a nested event loop does
         m_notes.push_back(1);
     });
     m_queue.async(note(2));
@@ -109,7 +109,7 @@ TEST_F(DispatchQueueTest, noPieceRunsWhileAnotherOneWaitsInALoopOfItsOwn)
     EXPECT_EQ(m_notes, (std::vector<int>{1, 2}));
 }
 
-TEST_F(DispatchQueueTest, workSubmittedDuringATurnWaitsForTheNextOne)
+TEST_F(DispatchQueueTest, workSubmittedDuringADrainWaitsForTheNextOne)
 {
     m_queue.async([this] {
         m_notes.push_back(1);
@@ -122,7 +122,7 @@ TEST_F(DispatchQueueTest, workSubmittedDuringATurnWaitsForTheNextOne)
     EXPECT_EQ(m_notes, (std::vector<int>{1, 2, 3}));
 }
 
-TEST_F(DispatchQueueTest, workLeftForTheNextTurnWakesAgain)
+TEST_F(DispatchQueueTest, workLeftForTheNextDrainWakesAgain)
 {
     m_queue.async([this] { m_queue.async(note(3)); });
     m_queue.async(note(2));
@@ -138,7 +138,7 @@ TEST_F(DispatchQueueTest, closingDropsWhatIsLeft)
     EXPECT_TRUE(m_notes.empty());
 }
 
-TEST_F(DispatchQueueTest, workAfterClosingIsDroppedAndWakesNobody)
+TEST_F(DispatchQueueTest, workAfterClosingIsDroppedAndDoesNotWake)
 {
     m_queue.close();
     m_queue.async(note(1));
@@ -147,7 +147,7 @@ TEST_F(DispatchQueueTest, workAfterClosingIsDroppedAndWakesNobody)
     EXPECT_TRUE(m_notes.empty());
 }
 
-TEST_F(DispatchQueueTest, aPieceThatClosesTheQueueIsTheLast)
+TEST_F(DispatchQueueTest, workThatClosesTheQueueIsTheLast)
 {
     m_queue.async([this] {
         m_queue.close();
@@ -183,7 +183,7 @@ TEST(AsyncUserInitiatedTest, theCallerDoesNotWaitForTheWork)
         go.get_future().wait();
         done.set_value_at_thread_exit();
     });
-    go.set_value(); // reached although the work has not ended
+    go.set_value(); // the work waits for this
     done.get_future().wait();
 }
 

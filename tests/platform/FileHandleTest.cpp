@@ -23,7 +23,7 @@ void writeTo(const Pipe& pipe, const std::string& bytes)
     }
 }
 
-/// While it lives, the system gives this process no descriptor any more.
+/// During its lifetime the process can open no descriptor.
 class NoMoreDescriptors
 {
 public:
@@ -68,7 +68,7 @@ TEST(PipeTest, closingTheWritingEndTwiceIsHarmless)
 {
     Pipe pipe;
     pipe.closeWriting();
-    const Pipe other; // takes the number that was given back
+    const Pipe other; // reuses the descriptor
     pipe.closeWriting();
     EXPECT_NE(::fcntl(other.writingDescriptor(), F_GETFD), -1);
 }
@@ -103,7 +103,7 @@ TEST(PipeTest, bothEndsAreClosedInTheEnd)
 
 TEST(PipeTest, whereTheSystemHasNoneToGiveThereIsNoWritingEndAndNothingToRead)
 {
-    // A sanitizer looks at the types of what it meets first by way of a pipe of its own.
+    // The undefined behaviour sanitizer opens a pipe when it first checks a type.
     Pipe earlier;
     earlier.fileHandleForReading();
     const NoMoreDescriptors exhausted;
@@ -158,7 +158,7 @@ TEST(FileHandleTest, readingToTheEndGivesMoreThanAPipeHolds)
     EXPECT_EQ(pipe.fileHandleForReading()->readDataToEndOfFile(), all);
 }
 
-/// Collects what a readability handler reads; the empty chunk is the end.
+/// Collects the chunks that a readability handler reads. An empty chunk is the end of file.
 class ReadabilityHandlerTest : public testing::Test
 {
 protected:
@@ -174,7 +174,7 @@ protected:
         });
     }
 
-    /// Waits until so many bytes have come; what has come.
+    /// Waits until at least `count` bytes have arrived and returns all of them.
     std::string dataOf(std::size_t count)
     {
         std::unique_lock lock(m_mutex);
@@ -188,7 +188,7 @@ protected:
         return m_ends;
     }
 
-    /// Drops the pipe and waits for the end of the handler's thread, after which no further call can come.
+    /// Destroys the pipe and waits until the handler's thread has ended.
     void finish()
     {
         const std::weak_ptr<FileHandle> handle = m_pipe->fileHandleForReading();
@@ -196,7 +196,7 @@ protected:
         waitForTheEndOf(handle);
     }
 
-    /// The handler's thread keeps the handle for as long as it runs.
+    /// The handler's thread owns the handle until it ends.
     static void waitForTheEndOf(const std::weak_ptr<FileHandle>& handle)
     {
         while (!handle.expired())

@@ -9,7 +9,7 @@ namespace tarnwell::test
 class NotificationCenterTest : public testing::Test
 {
 protected:
-    /// A handler that writes a name down whenever it is called.
+    /// Returns a handler that appends `name` to m_notes.
     NotificationCenter::Handler note(const std::string& name)
     {
         return [this, name](const Notification&) { m_notes.push_back(name); };
@@ -19,23 +19,23 @@ protected:
     std::vector<std::string> m_notes;
 };
 
-TEST_F(NotificationCenterTest, anObserverHearsItsName)
+TEST_F(NotificationCenterTest, anObserverReceivesItsName)
 {
-    const auto observation = m_center.addObserver("FileAddedByDragAnadDrop", note("heard"));
+    const auto observation = m_center.addObserver("FileAddedByDragAnadDrop", note("received"));
     m_center.post({"FileAddedByDragAnadDrop", nullptr, {}});
-    EXPECT_EQ(m_notes, std::vector<std::string>{"heard"});
+    EXPECT_EQ(m_notes, std::vector<std::string>{"received"});
 }
 
-TEST_F(NotificationCenterTest, anObserverHearsNoOtherName)
+TEST_F(NotificationCenterTest, anObserverReceivesNoOtherName)
 {
-    const auto observation = m_center.addObserver("FileAddedByDragAnadDrop", note("heard"));
+    const auto observation = m_center.addObserver("FileAddedByDragAnadDrop", note("received"));
     for (const auto* name :
         {"FileAddedByDragAndDrop", "fileaddedbydraganaddrop", "", "FileAddedByDragAnadDrop "})
         m_center.post({name, nullptr, {}});
     EXPECT_TRUE(m_notes.empty());
 }
 
-TEST_F(NotificationCenterTest, anObserverGetsSenderAndValues)
+TEST_F(NotificationCenterTest, anObserverReceivesSenderAndValues)
 {
     Notification received;
     const auto observation = m_center.addObserver(
@@ -50,7 +50,7 @@ TEST_F(NotificationCenterTest, anObserverGetsSenderAndValues)
 
 TEST_F(NotificationCenterTest, anObserverReceivesNotificationsOfEverySender)
 {
-    const auto observation = m_center.addObserver("name", note("heard"));
+    const auto observation = m_center.addObserver("name", note("received"));
     const int sender = 0;
     m_center.post({"name", &sender, {}});
     m_center.post({"name", nullptr, {}});
@@ -76,13 +76,13 @@ TEST_F(NotificationCenterTest, observersAreCalledBeforeThePostReturns)
 
 TEST_F(NotificationCenterTest, anObservationEndsWithItsToken)
 {
-    auto observation = m_center.addObserver("name", note("heard"));
+    auto observation = m_center.addObserver("name", note("received"));
     observation.reset();
     m_center.post({"name", nullptr, {}});
     EXPECT_TRUE(m_notes.empty());
 }
 
-TEST_F(NotificationCenterTest, theEndOfOneObservationLeavesTheOthers)
+TEST_F(NotificationCenterTest, theEndOfOneObservationKeepsTheOthers)
 {
     auto first = m_center.addObserver("name", note("first"));
     const auto second = m_center.addObserver("name", note("second"));
@@ -91,8 +91,7 @@ TEST_F(NotificationCenterTest, theEndOfOneObservationLeavesTheOthers)
     EXPECT_EQ(m_notes, std::vector<std::string>{"second"});
 }
 
-// The first post drops the observers that ended before it, and the additions make the list grow: neither may
-// move what the loop reads.
+// A hundred additions reallocate the list of observers during the loop over it.
 TEST_F(NotificationCenterTest, observersAddedDuringAPostReceiveTheNextOneOnly)
 {
     constexpr int addedCount = 100;
@@ -143,17 +142,17 @@ TEST_F(NotificationCenterTest, anObserverMayPost)
     EXPECT_EQ(m_notes, (std::vector<std::string>{"inner", "outer"}));
 }
 
-TEST_F(NotificationCenterTest, aCentreHearsNothingOfAnother)
+TEST_F(NotificationCenterTest, aCentreReceivesNothingFromAnother)
 {
     NotificationCenter other;
-    const auto observation = other.addObserver("name", note("heard"));
+    const auto observation = other.addObserver("name", note("received"));
     m_center.post({"name", nullptr, {}});
     EXPECT_TRUE(m_notes.empty());
 }
 
 TEST_F(NotificationCenterTest, theDefaultCentreIsOne)
 {
-    const auto observation = NotificationCenter::defaultCenter().addObserver("name", note("heard"));
+    const auto observation = NotificationCenter::defaultCenter().addObserver("name", note("received"));
     NotificationCenter::defaultCenter().post({"name", nullptr, {}});
     EXPECT_EQ(m_notes.size(), 1U);
 }

@@ -44,7 +44,7 @@ bool aWriteWithoutAReaderIsAnError()
     return made && ::write(ends[1], "x", 1) == -1 && errno == EPIPE;
 }
 
-/// Ends a death test's child with the status 0 where the expectation held.
+/// Ends the child of a death test with status 0 if `held`.
 [[noreturn]] void leave(bool held)
 {
     std::_Exit(held ? 0 : 1);
@@ -75,7 +75,7 @@ TEST_P(StandardStreamsDeathTest, closedDescriptorsAreOpenedOnTheNullDevice)
     EXPECT_EXIT(
         {
             closeAndPrepare(closed);
-            bool held = nextFreeDescriptor() == free; // nothing else was left open
+            bool held = nextFreeDescriptor() == free; // no other descriptor is open
             for (const int descriptor : closed)
                 held = held && isNullDevice(descriptor);
             leave(held);
@@ -106,7 +106,7 @@ TEST(OpenStandardStreamsDeathTest, openDescriptorsStayWhatTheyAre)
         testing::ExitedWithCode(0), "^$");
 }
 
-// With SIGCHLD ignored the system reaps children by itself, and their numbers are free at once.
+// With SIGCHLD ignored, the kernel reaps children itself and reuses their numbers.
 TEST(OpenStandardStreamsDeathTest, childrenStayUntilTheyAreReapedWhereTheStarterIgnoredSigchld)
 {
     EXPECT_EXIT(

@@ -26,7 +26,7 @@ TEST(SynchronizedTest, theStoredValueIsLoaded)
     EXPECT_EQ(text.load(), "second");
 }
 
-TEST(SynchronizedTest, theEarlierValueIsReleased)
+TEST(SynchronizedTest, thePreviousValueIsReleased)
 {
     auto held = std::make_shared<int>(1);
     Synchronized<std::shared_ptr<int>> value;
@@ -36,25 +36,25 @@ TEST(SynchronizedTest, theEarlierValueIsReleased)
     EXPECT_EQ(held.use_count(), 1);
 }
 
-/// Calls something when it goes.
-struct Farewell {
-    std::function<void()> atTheEnd;
-    explicit Farewell(std::function<void()> call)
-        : atTheEnd(std::move(call))
+/// Calls a function in its destructor.
+struct DestructorCall {
+    std::function<void()> onDestruction;
+    explicit DestructorCall(std::function<void()> call)
+        : onDestruction(std::move(call))
     {
     }
-    ~Farewell() { atTheEnd(); }
-    Farewell(const Farewell&) = delete;
-    Farewell& operator=(const Farewell&) = delete;
+    ~DestructorCall() { onDestruction(); }
+    DestructorCall(const DestructorCall&) = delete;
+    DestructorCall& operator=(const DestructorCall&) = delete;
 };
 
-TEST(SynchronizedTest, theEarlierValueMayUseTheHolderWhenItGoes)
+TEST(SynchronizedTest, thePreviousValuesDestructorMayUseTheHolder)
 {
-    Synchronized<std::shared_ptr<Farewell>> value;
-    bool sawTheNext = false;
-    value.store(std::make_shared<Farewell>([&] { sawTheNext = value.load() == nullptr; }));
-    value.store(nullptr); // would wait for itself if the earlier value went under the lock
-    EXPECT_TRUE(sawTheNext);
+    Synchronized<std::shared_ptr<DestructorCall>> value;
+    bool sawNextValue = false;
+    value.store(std::make_shared<DestructorCall>([&] { sawNextValue = value.load() == nullptr; }));
+    value.store(nullptr); // deadlocks if store destroys the previous value under the lock
+    EXPECT_TRUE(sawNextValue);
 }
 
 TEST(SynchronizedTest, aReaderNeverSeesHalfAValue)

@@ -41,7 +41,7 @@ void expectNothingRead(const FileProbe& probe)
 class FileProbeFailureTest : public ProbeTestSetup
 {
 protected:
-    /// No flag is set, and whatever is printed is `lines` lines that say something.
+    /// Expects default values in all flags, and `lines` printed lines.
     void expectUnreadable(const std::function<FileProbe()>& construction, long lines)
     {
         testing::internal::CaptureStdout();

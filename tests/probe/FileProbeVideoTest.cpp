@@ -70,7 +70,8 @@ class RotateTagTest : public ProbeTestSetup, public testing::WithParamInterface<
 TEST_P(RotateTagTest, exchangesTheSidesForTheTextsNinetyAnd270)
 {
     const auto& row = GetParam();
-    for (const std::string codec : {"vp9", "h264"}) { // measured once, and once more as a track
+    for (const std::string codec :
+        {"vp9", "h264"}) { // h264 sets the size twice: as the first video and as a track
         SCOPED_TRACE(codec);
         const FileProbe probe = probeOfStreams(video(codec, 640, 480, moving + ", \"tags\": " + row.tags));
         expectSize(probe, row.isSwapped ? 480 : 640, row.isSwapped ? 640 : 480);
@@ -172,7 +173,7 @@ TEST_F(FileProbeVideoTest, windowsMediaWithoutAFrameRateIsAVideo)
     const FileProbe probe = probeOfStreams(video(
         "vc1", 640, 480, R"("codec_tag_string": "WMV3", "avg_frame_rate": "0/0", "tags": {"rotate": "90"})"));
     expectSize(probe, 480, 640);
-    EXPECT_EQ(probe.tagRotateValue, 0); // taken from streams with a frame rate alone
+    EXPECT_EQ(probe.tagRotateValue, 0); // only streams with a frame rate set it
     EXPECT_EQ(specialInfos(probe), Infos{"Video 480x640"});
 }
 

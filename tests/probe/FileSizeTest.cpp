@@ -11,7 +11,7 @@
 namespace tarnwell::test
 {
 
-/// Looks at both sizes of one file and at what is printed.
+/// Compares both sizes of one file and the printed line.
 class FileSizeTest : public testing::Test
 {
 protected:
@@ -49,7 +49,7 @@ TEST_F(FileSizeTest, anEmptyFileIsZero)
     expectSizes("clip", 0, "Zero KB", "");
 }
 
-TEST_F(FileSizeTest, aLargeFileIsTold)
+TEST_F(FileSizeTest, aLargeFileHasItsSizeInBytesAndInWords)
 {
     writeFile(path("clip"), "");
     std::filesystem::resize_file(path("clip"), 12300000000); // sparse

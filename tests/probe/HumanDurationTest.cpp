@@ -41,14 +41,14 @@ INSTANTIATE_TEST_SUITE_P(Durations, HumanDurationTest,
         DurationCase{"lessThanHalfAHundredth", 0.004, "00:00:00.00"}),
     [](const auto& row) { return row.param.name; });
 
-// Seconds are cut off while hundredths are rounded.
+// Seconds are truncated, hundredths rounded.
 INSTANTIATE_TEST_SUITE_P(Mismatches, HumanDurationTest,
     testing::Values(DurationCase{"justBelowAMinute", 59.999, "00:00:59.00"},
         DurationCase{"justBelowASecond", 0.996, "00:00:00.00"},
         DurationCase{"justBelowTenHoursAndAHair", 35999.999, "09:59:59.00"}),
     [](const auto& row) { return row.param.name; });
 
-// The rules for positive durations, applied to the letter.
+// The rules for positive durations without a special case for the sign.
 INSTANTIATE_TEST_SUITE_P(Negative, HumanDurationTest,
     testing::Values(DurationCase{"minusOneAndAHalf", -1.5, "00:00:0-1.50"},
         DurationCase{"minusAMinuteAndAQuarter", -75.5, "00:0-1:0-15.50"},

@@ -98,7 +98,7 @@ TEST(JSONParsingTest, ofTwoMembersOfOneNameTheLastOneCounts)
     EXPECT_EQ(std::get<JSON>(JSON::parse(R"({"a": 1, "a": 2})"))["a"].integer(), 2);
 }
 
-TEST(JSONParsingTest, deepNestingIsTakenAndGivenBack)
+TEST(JSONParsingTest, deepNestingIsParsedAndDestroyed)
 {
     constexpr std::size_t depth = 200000;
     EXPECT_TRUE(isParsed(std::string(depth, '[') + std::string(depth, ']')));
@@ -113,7 +113,7 @@ TEST(JSONParsingTest, deepNestingThatIsCutOffIsBroken)
     EXPECT_FALSE(isParsed(objects));
 }
 
-TEST(JSONParsingTest, aPartOutlivesTheWhole)
+TEST(JSONParsingTest, aMemberOutlivesTheParsedText)
 {
     JSON title;
     {

@@ -12,31 +12,31 @@
 namespace tarnwell::test
 {
 
-/// The value that a JSON text spells; fails the test where it spells none.
+/// Parses a JSON text. Fails the test if the text is invalid.
 JSON json(std::string_view text);
 
-/// The entry's text; fails the test where the track has no text under that key.
+/// Returns the text under `key`. Fails the test if there is none.
 std::string textOf(const TrackInfo& track, std::string_view key);
 
-/// The value of the container's entry of that label; fails the test where there is none.
+/// Returns the value of the metadata entry `label`. Fails the test if there is none.
 std::string metadataOf(const FileProbe& probe, std::string_view label);
 
-/// A file in a folder of its own and a sniffer that reports whatever the test wants it to.
+/// A temporary folder with a fake sniffer whose report the test sets.
 class ProbeTestSetup : public testing::Test
 {
 protected:
     std::string path(const std::string& name) const { return m_tools.folder() + name; }
 
-    /// The description of a file of that name on which sniffer prints the report.
+    /// Creates the file and probes it with a sniffer that prints `report`.
     FileProbe probeReported(const std::string& report, const std::string& fileName = "clip.mp4");
 
-    /// The same for a report of these streams, in JSON, alone.
+    /// The same for a report with these streams (JSON objects, comma-separated) and no "format".
     FileProbe probeOfStreams(const std::string& streams)
     {
         return probeReported(R"({"streams": [)" + streams + "]}");
     }
 
-    /// The description that construction gives with sniffer as it is set up.
+    /// Creates the file and probes it with the current sniffer.
     FileProbe probe(const std::string& fileName = "clip.mp4");
 
     FakeTools m_tools;

@@ -20,7 +20,7 @@ struct Size {
 };
 
 struct ReportCase {
-    std::string report; // its file's name without the ending
+    std::string report; // file name without extension
     std::string fileName;
     bool isSuitable;
     std::optional<Size> size;
@@ -71,7 +71,7 @@ TEST_P(RecordedReportTest, isReadAsItWasMeant)
     EXPECT_EQ(tracks, row.tracks);
 }
 
-// Since version 5 the rotation is no tag any more.
+// ffprobe prints no rotation tag from version 5 on.
 INSTANTIATE_TEST_SUITE_P(Rotated, RecordedReportTest,
     testing::Values(ReportCase{"phone-portrait-h264.ffprobe-4.3", "clip.mp4", true, Size{1080, 1920}, 90, 7.0,
                         {"Video|h264|1080x1920", "Audio|aac|stereo"}},
@@ -155,7 +155,7 @@ TEST_F(RecordedFlagsTest, aVideoWithoutACodecNameIsEncrypted)
 {
     EXPECT_TRUE(recorded("vvc-without-codec-name").isEncrypted);
     EXPECT_FALSE(recorded("webvtt-without-codec-name").isEncrypted);
-    EXPECT_FALSE(recorded("phone-portrait-hevc").isEncrypted); // its data streams have no name
+    EXPECT_FALSE(recorded("phone-portrait-hevc").isEncrypted); // only data streams lack a codec name
 }
 
 TEST_F(RecordedFlagsTest, surroundSoundIsFlagged)

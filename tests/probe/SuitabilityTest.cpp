@@ -5,66 +5,45 @@
 namespace tarnwell::test
 {
 
-/// Starts from a description that is suitable and changes one fact of it.
-class SuitabilityTest : public ProbeTestSetup
+namespace
 {
-protected:
-    FileProbe m_probe
-        = probeOfStreams(R"({"codec_type": "video", "codec_name": "h264", "width": 640, "height": 480})");
+
+/// One change to the description of a suitable video.
+struct ChangeCase {
+    std::string name;
+    void (*change)(FileProbe& probe);
+    bool isSuitable;
 };
 
-TEST_F(SuitabilityTest, aReadableVideoIsSuitable)
+} // namespace
+
+class SuitabilityChangeTest : public ProbeTestSetup, public testing::WithParamInterface<ChangeCase>
 {
-    EXPECT_TRUE(isSuitable(m_probe));
+};
+
+TEST_P(SuitabilityChangeTest, isDecidedByFiveFields)
+{
+    FileProbe probe
+        = probeOfStreams(R"({"codec_type": "video", "codec_name": "h264", "width": 640, "height": 480})");
+    GetParam().change(probe);
+    EXPECT_EQ(isSuitable(probe), GetParam().isSuitable);
 }
 
-TEST_F(SuitabilityTest, anInvalidFileIsNot)
-{
-    m_probe.isValidMediaFile = false;
-    EXPECT_FALSE(isSuitable(m_probe));
-}
+INSTANTIATE_TEST_SUITE_P(Changes, SuitabilityChangeTest,
+    testing::Values(ChangeCase{"none", [](FileProbe&) {}, true},
+        ChangeCase{"invalid", [](FileProbe& probe) { probe.isValidMediaFile = false; }, false},
+        ChangeCase{"errors", [](FileProbe& probe) { probe.hasErrors = true; }, false},
+        ChangeCase{"encrypted", [](FileProbe& probe) { probe.isEncrypted = true; }, false},
+        ChangeCase{"noVideoTrack", [](FileProbe& probe) { probe.hasVideoTrack = false; }, false},
+        ChangeCase{"widthZero", [](FileProbe& probe) { probe.videoWidth = 0; }, false},
+        ChangeCase{"widthAbsent", [](FileProbe& probe) { probe.videoWidth.reset(); }, true},
+        ChangeCase{"widthNegative", [](FileProbe& probe) { probe.videoWidth = -1; }, true},
+        ChangeCase{"heightZero", [](FileProbe& probe) { probe.videoHeight = 0; }, true}),
+    [](const auto& row) { return row.param.name; });
 
-TEST_F(SuitabilityTest, aFileWithErrorsIsNot)
+class SuitabilityTest : public ProbeTestSetup
 {
-    m_probe.hasErrors = true;
-    EXPECT_FALSE(isSuitable(m_probe));
-}
-
-TEST_F(SuitabilityTest, anEncryptedFileIsNot)
-{
-    m_probe.isEncrypted = true;
-    EXPECT_FALSE(isSuitable(m_probe));
-}
-
-TEST_F(SuitabilityTest, aFileWithoutAVideoTrackIsNot)
-{
-    m_probe.hasVideoTrack = false;
-    EXPECT_FALSE(isSuitable(m_probe));
-}
-
-TEST_F(SuitabilityTest, aWidthOfZeroIsNot)
-{
-    m_probe.videoWidth = 0;
-    EXPECT_FALSE(isSuitable(m_probe));
-}
-
-TEST_F(SuitabilityTest, anAbsentWidthIs)
-{
-    m_probe.videoWidth.reset();
-    EXPECT_TRUE(isSuitable(m_probe));
-}
-
-TEST_F(SuitabilityTest, aNegativeWidthIs)
-{
-    m_probe.videoWidth = -1;
-    EXPECT_TRUE(isSuitable(m_probe));
-}
-
-TEST_F(SuitabilityTest, theHeightIsNotLookedAt)
-{
-    m_probe.videoHeight = 0;
-    EXPECT_TRUE(isSuitable(m_probe));
-}
+};
 
 TEST_F(SuitabilityTest, aReportWithoutAWidthGivesZeroAndIsRefused)
 {

@@ -37,7 +37,7 @@ TEST_P(TrackTypeTest, isDecidedByTheFirstRuleThatMatches)
     EXPECT_EQ(trackTypeName(trackTypeOf(json(GetParam().stream))), GetParam().type);
 }
 
-// Motion JPEG under QuickTime's tag is no video here, whatever its frame rate.
+// Motion JPEG with QuickTime's tag is "Other" with every frame rate.
 INSTANTIATE_TEST_SUITE_P(QuickTimeMotionJpeg, TrackTypeTest,
     testing::Values(StreamCase{"moving", video("mjpeg", "jpeg", "25/1"), "Other"},
         StreamCase{"still", video("mjpeg", "jpeg", "0/0"), "Other"},
@@ -46,7 +46,7 @@ INSTANTIATE_TEST_SUITE_P(QuickTimeMotionJpeg, TrackTypeTest,
         StreamCase{"otherCodec", video("png", "jpeg", "25/1"), "Video"}),
     nameOf);
 
-// These codecs make a video even of a stream without a frame rate.
+// These codecs are video without a frame rate too.
 INSTANTIATE_TEST_SUITE_P(VideoByCodec, TrackTypeTest,
     testing::Values(StreamCase{"h264",
                         R"({"codec_type": "video", "codec_name": "h264", "avg_frame_rate": "0/0"})", "Video"},

@@ -30,8 +30,8 @@ void append(std::string& bytes, std::uint32_t number)
     bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
 }
 
-// The C library's file of number forms: a mark, the number of entries, where each begins, and the entries, of
-// which the separators stand there twice, as text and as characters.
+// Format of glibc's LC_NUMERIC file: magic number, number of entries, offset of each entry, entries. The
+// separators occur twice, as strings and as wide characters.
 std::string numberForms()
 {
     constexpr std::uint32_t mark = 0x20031115U ^ LC_NUMERIC;

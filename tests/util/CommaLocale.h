@@ -9,8 +9,8 @@
 namespace tarnwell::test
 {
 
-/// While it lives, the process writes numbers with a decimal comma and groups digits with points, as C
-/// functions and C++ streams see it. It brings its own locale, so that it needs none of the system's.
+/// During its lifetime the process's C and C++ locale has a decimal comma and groups digits with points.
+/// Creates the locale itself, because the system may have none installed.
 class CommaLocale
 {
 public:

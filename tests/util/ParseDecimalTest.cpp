@@ -30,7 +30,7 @@ TEST_P(ParseDecimalTest, readsTheWholeTextOrNothing)
 {
     const auto number = parseDecimal(GetParam().text);
     EXPECT_EQ(number, GetParam().expected);
-    if (number && GetParam().expected) { // 0 and -0 are equal
+    if (number && GetParam().expected) { // EXPECT_EQ does not tell 0 from -0
         EXPECT_EQ(std::signbit(*number), std::signbit(*GetParam().expected));
     }
 }

@@ -16,7 +16,7 @@ using Matches = std::vector<std::string>;
 
 constexpr const char* timeStampPattern = "([0-9][0-9]):([0-9][0-9]):([0-9][0-9]).([0-9][0-9])";
 
-/// The matches and what was printed meanwhile.
+/// Returns the matches and the output of matchesForRegex.
 std::pair<Matches, std::string> matchesAndOutput(std::string_view pattern, std::string_view text)
 {
     testing::internal::CaptureStdout();
@@ -32,13 +32,13 @@ struct StampCase {
 
 } // namespace
 
-TEST(MatchesForRegexTest, everyMatchIsGivenFromLeftToRight)
+TEST(MatchesForRegexTest, allMatchesAreReturnedFromLeftToRight)
 {
     EXPECT_EQ(Utils::matchesForRegex(timeStampPattern, "size=1kB time=00:00:01.00 x\rtime=00:00:02.00 y"),
         (Matches{"00:00:01.00", "00:00:02.00"}));
 }
 
-TEST(MatchesForRegexTest, aMatchIsGivenWholeAndItsGroupsAreNot)
+TEST(MatchesForRegexTest, groupsAreNotReturned)
 {
     EXPECT_EQ(Utils::matchesForRegex("(a)(b)?", "ab a"), (Matches{"ab", "a"}));
 }
@@ -91,7 +91,7 @@ TEST(MatchesForRegexTest, lettersDifferInCase)
 
 TEST(MatchesForRegexTest, matchesInNonAsciiTextAreWhole)
 {
-    const std::string film = "\xF0\x9F\x8E\xAC"; // outside the basic plane: two UTF-16 units
+    const std::string film = "\xF0\x9F\x8E\xAC"; // two UTF-16 units
     EXPECT_EQ(Utils::matchesForRegex(timeStampPattern, film + "\xC3\xA9 00:00:01.00" + film),
         Matches{"00:00:01.00"});
     EXPECT_EQ(Utils::matchesForRegex("x.y", "x" + film + "y"), Matches{"x" + film + "y"});
@@ -133,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(Stamps, SecondsFromTimeStringTest,
         StampCase{"threePointPieces", "00:00:01.77.50", 1.5},
         StampCase{"emptyPieces", "::01:::02:03..25.", 3723.25},
         StampCase{"minutesAreTheSecondsOfTwoPieces", "01:02.00", 3600 + 120 + 2},
-        // Another grouping rounds these two to 68.04 and 3856.03.
+        // A different order of the additions rounds these two to 68.04 and 3856.03.
         StampCase{"hundredthsJoinTheSecondsFirst", "00:01:08.04", 68.03999999999999},
         StampCase{"minutesComeBeforeHours", "01:04:16.03", 3856.0299999999997}),
     [](const auto& row) { return row.param.name; });

@@ -58,4 +58,5 @@ def is_text(element):
 
 def main():
     AccessTestCase.build_folder = sys.argv.pop(1)
+    screenReader.pictures_folder = AccessTestCase.build_folder
     unittest.main(verbosity=2)

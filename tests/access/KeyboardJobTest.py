@@ -5,23 +5,28 @@ import os
 import subprocess
 
 import AccessTestCase
-from screenReader import wait_until
+from screenReader import LONGEST_WAIT, wait_until
 
 MORE_THAN_CONTROLS = 15
 
 
+def xdotool(*arguments, check=True):
+    return subprocess.run(["xdotool", *arguments], check=check, capture_output=True, text=True,
+                          timeout=LONGEST_WAIT).stdout.strip()
+
+
 def press(*keys):
-    subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], check=True)
+    xdotool("key", "--clearmodifiers", *keys)
 
 
 def write(text):
-    subprocess.run(["xdotool", "type", "--clearmodifiers", "--delay", "4", "--", text], check=True)
+    xdotool("type", "--clearmodifiers", "--delay", "4", "--", text)
 
 
-def active_window():
-    """The title, without the program's name that Qt adds to every other title."""
-    answer = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], capture_output=True, text=True)
-    return answer.stdout.strip().removesuffix(" — Tarnwell")
+def keyboard_window():
+    """The title of the window that the X server sends keys to, without the program's name that Qt appends. The
+    window manager's active window is another one for a moment. Empty where no window gets keys."""
+    return xdotool("getwindowfocus", "getwindowname", check=False).removesuffix(" — Tarnwell")
 
 
 class KeyboardJobTest(AccessTestCase.AccessTestCase):
@@ -31,7 +36,7 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
 
     def wait_for(self, role, name, window):
         """Waits until keys reach that control."""
-        wait_until(lambda: self.program.focused() == (role, name) and active_window() == window,
+        wait_until(lambda: self.program.focused() == (role, name) and keyboard_window() == window,
                    f"the keyboard at {role} {name} of {window}")
 
     def go_to(self, name):
@@ -118,7 +123,7 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
         press("Escape")
         self.wait_for("image", "Video Preview", "Tarnwell")
         press("ctrl+q")
-        self.assertEqual(self.program.process.wait(), os.EX_OK)
+        self.assertEqual(self.program.process.wait(LONGEST_WAIT), os.EX_OK)
 
 
 if __name__ == "__main__":

@@ -1,14 +1,16 @@
 # SPDX-License-Identifier: MIT
 """What a screen reader does with a program: finds its controls by role and name, reads them, acts on them and
-hears what they announce. Everything goes over the accessibility bus; the program is a process of its own."""
+receives their announcements. Everything goes over the accessibility bus; the program is a separate process."""
 
+import os
 import subprocess
+import tempfile
 import time
 
 import pyatspi
 from gi.repository import Gio, GLib
 
-LONGEST_WAIT = 60  # seconds; only a broken program takes so long
+LONGEST_WAIT = 60  # seconds; only a broken program takes that long
 PAUSE = 0.01
 
 HEARD = (
@@ -20,9 +22,11 @@ HEARD = (
 # These stand for more than what is on the screen at the moment.
 ALWAYS_ENTERED = (pyatspi.ROLE_APPLICATION, pyatspi.ROLE_FRAME)
 
+pictures_folder = tempfile.gettempdir()  # the build folder once it is known
+
 
 def switch_on():
-    """Tells the desktop that there is a screen reader; programs look at this when they start."""
+    """Sets the desktop's properties that say a screen reader runs; programs read them when they start."""
     bus = Gio.bus_get_sync(Gio.BusType.SESSION)
     for name in ("IsEnabled", "ScreenReaderEnabled"):
         parameters = GLib.Variant("(ssv)", ("org.a11y.Status", name, GLib.Variant("b", True)))
@@ -30,20 +34,34 @@ def switch_on():
                       None, Gio.DBusCallFlags.NONE, -1, None)
 
 
-def wait_until(condition, what):
-    """The first answer of the condition that counts as true; fails where none comes."""
+def picture_of_screen():
+    """Saves a picture of the screen beside those of the other window tests; its path, or why there is none."""
+    folder = os.path.join(pictures_folder, "tests", "screens")
+    os.makedirs(folder, exist_ok=True)
+    descriptor, path = tempfile.mkstemp(prefix="access-", suffix=".png", dir=folder)
+    os.close(descriptor)
+    try:
+        subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-f", "x11grab", "-i", os.environ["DISPLAY"],
+                        "-frames:v", "1", "-y", path], check=True, timeout=LONGEST_WAIT)
+    except subprocess.SubprocessError as error:
+        return f"no picture: {error}"
+    return path
+
+
+def wait_until(condition, awaited):
+    """The first true result of the condition. Fails, with a picture of the screen, after the longest wait."""
     deadline = time.monotonic() + LONGEST_WAIT
     while time.monotonic() < deadline:
         while GLib.MainContext.default().iteration(False):
-            pass  # what has been announced reaches its listeners
+            pass  # announcements reach their listeners
         try:
-            answer = condition()
+            result = condition()
         except GLib.Error:
-            answer = None  # what was asked has just gone
-        if answer:
-            return answer
+            result = None  # the control has just disappeared
+        if result:
+            return result
         time.sleep(PAUSE)
-    raise AssertionError(f"in vain: {what}")
+    raise AssertionError(f"{awaited} did not come within {LONGEST_WAIT} s; screen: {picture_of_screen()}")
 
 
 def has_state(element, state):
@@ -93,7 +111,7 @@ class Program:
     def end(self):
         pyatspi.Registry.deregisterEventListener(self._hear, *HEARD)
         self.process.kill()
-        self.process.wait()
+        self.process.wait(LONGEST_WAIT)
 
     def _application(self):
         for application in pyatspi.Registry.getDesktop(0):

@@ -6,6 +6,7 @@ import subprocess
 
 WIDTH = 640
 HEIGHT = 480
+LONGEST_RUN = 300  # seconds; an encoder on a busy machine
 
 
 def make_video(path, seconds=2, size=f"{WIDTH}x{HEIGHT}"):
@@ -14,13 +15,13 @@ def make_video(path, seconds=2, size=f"{WIDTH}x{HEIGHT}"):
                     "-f", "lavfi", "-i", f"testsrc2=size={size}:rate=25:duration={seconds}",
                     "-f", "lavfi", "-i", f"sine=duration={seconds}",
                     "-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-c:a", "aac", path],
-                   check=True)
+                   check=True, timeout=LONGEST_RUN)
 
 
 def video_stream(path):
     """ffprobe's report on the video stream."""
     report = subprocess.run(["ffprobe", "-v", "error", "-of", "json", "-show_streams", path],
-                            check=True, capture_output=True, text=True).stdout
+                            check=True, capture_output=True, text=True, timeout=LONGEST_RUN).stdout
     return next(stream for stream in json.loads(report)["streams"] if stream["codec_type"] == "video")
 
 

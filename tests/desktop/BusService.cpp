@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/desktop/BusService.h"
 
+#include "tests/support/TimeLimit.h"
+
+#include <QDeadlineTimer>
 #include <QUuid>
 
 #include <gtest/gtest.h>
@@ -25,7 +28,7 @@ BusService::~BusService()
     QDBusConnection(m_connectionName).unregisterService(m_name);
     QDBusConnection::disconnectFromBus(m_connectionName);
     m_thread.quit();
-    m_thread.wait();
+    EXPECT_TRUE(m_thread.wait(QDeadlineTimer(longestWait))) << "the bus thread did not end";
     m_object.calls(); // the thread sanitizer sees the lock, and not what Qt waits with
 }
 

@@ -28,7 +28,6 @@ namespace tarnwell::test
 namespace
 {
 
-
 /// A number that one thread counts up and another one waits for.
 class Count
 {

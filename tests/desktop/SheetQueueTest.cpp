@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/SheetQueue.h"
 
+#include "desktop/Alert.h"
 #include "desktop/Sheet.h"
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/DragSource.h"
@@ -12,6 +13,8 @@
 #include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QMessageBox>
+#include <QPointer>
 #include <QWindow>
 
 #include <gtest/gtest.h>
@@ -56,6 +59,21 @@ TEST_F(SheetQueueTest, aSecondSheetWaitsAndAppearsWhenTheFirstEnds)
     m_sheets.end(first.get());
     EXPECT_FALSE(first->isVisible());
     EXPECT_TRUE(second->isVisible());
+}
+
+TEST_F(SheetQueueTest, anAlertWaitsForTheSheetThatIsUp)
+{
+    const auto progress = newSheet();
+    m_sheets.begin(progress.get());
+    Alert().beginSheetModal(m_window, m_sheets);
+    const QPointer<QMessageBox> alert = m_window.findChild<QMessageBox*>();
+    ASSERT_FALSE(alert.isNull());
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(alert->isVisible());
+    EXPECT_TRUE(progress->isVisible());
+    m_sheets.end(progress.get());
+    EXPECT_FALSE(progress->isVisible());
+    EXPECT_TRUE(alert->isVisible());
 }
 
 TEST_F(SheetQueueTest, threeSheetsAppearInTheOrderInWhichTheyBegan)

@@ -183,14 +183,35 @@ void onTermination(int)
     std::_Exit(255);
 }
 
-void waitForFile(const std::string& path)
+/// Ends this process where a wait takes longer than any test: a test that failed may have left the fake
+/// behind.
+void failAfterLongestWait(const std::string& awaited)
 {
-    while (!std::filesystem::exists(path))
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    static const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(10);
+    if (std::chrono::steady_clock::now() < deadline)
+        return;
+    say("fakeTool: waited in vain for " + awaited);
+    std::_Exit(3);
 }
 
-/// Until the reader of standard error, a pipe, has taken all of it: what is written next is then read apart.
-/// Returns too where the reader has gone.
+void waitForFile(const std::string& path)
+{
+    while (!std::filesystem::exists(path)) {
+        failAfterLongestWait(path);
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
+
+void hang()
+{
+    for (;;) {
+        failAfterLongestWait("a signal");
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+    }
+}
+
+/// Waits until the reader of standard error, a pipe, has read all of it, so that it reads the next output
+/// separately. Returns too where the pipe has no reader any more.
 void waitUntilRead()
 {
     const auto isUnread = [] {
@@ -198,8 +219,10 @@ void waitUntilRead()
         pollfd pipe = {STDERR_FILENO, 0, 0};
         return ::ioctl(STDERR_FILENO, FIONREAD, &unread) == 0 && unread > 0 && ::poll(&pipe, 1, 0) == 0;
     };
-    while (isUnread())
+    while (isUnread()) {
+        failAfterLongestWait("the reader of standard error");
         std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
 }
 
 const std::map<std::string, std::function<void(const Words&)>> commands = {
@@ -251,11 +274,7 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
     {"wait-until-read", [](const Words&) { waitUntilRead(); }},
     {"sleep",
         [](const Words& count) { std::this_thread::sleep_for(std::chrono::milliseconds(std::stol(count))); }},
-    {"hang",
-        [](const Words&) {
-            for (;;)
-                ::pause();
-        }},
+    {"hang", [](const Words&) { hang(); }},
     {"die",
         [](const Words& signal) {
             std::signal(std::stoi(signal), SIG_DFL); // a sanitizer may have taken it

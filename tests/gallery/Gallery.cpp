@@ -5,6 +5,7 @@
 #include "desktop/PathText.h"
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
+#include "tests/support/Screen.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -120,12 +121,7 @@ protected:
     /// Leaves a picture of the whole screen.
     void show(const std::string& what)
     {
-        QTest::qWait(50);
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (widget->isVisible() && QTest::qWaitForWindowExposed(widget))
-                widget->repaint();
-        }
-        QApplication::sync();
+        paintEveryWindow();
         EXPECT_TRUE(
             window().screen()->grabWindow(0).save(textOfPath(m_pictures + what + ".png"), nullptr, 60));
         expectOnScreen();
@@ -221,7 +217,6 @@ TEST_P(Gallery, anExportFromTheQuestionToTheResult)
     tools().setCreator("error time=00:00:03.00 \\n\nwait-for " + goOn + "\ncopy " + folder() + "scene.png\n");
     saveByPanel(folder() + name);
     QMessageBox* question = shownAlert();
-    ASSERT_NE(question, nullptr);
     show("question");
     answer(question, "Transcode");
     ASSERT_TRUE(

@@ -5,6 +5,7 @@
 #include "tests/long/OwnResources.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"
+#include "tests/support/TimeLimit.h"
 #include "tests/support/WindowTest.h"
 
 #include <QAction>
@@ -13,7 +14,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
-#include <unistd.h>
 
 namespace tarnwell::test
 {
@@ -25,7 +25,7 @@ namespace
 // a round would be ten times as much.
 constexpr std::size_t memoryTolerance = 4096; // kilobytes
 
-constexpr unsigned int longestRound = 120; // seconds
+constexpr std::chrono::seconds longestRound(120);
 
 int numberSet(const char* name)
 {
@@ -80,15 +80,10 @@ protected:
     void save(int round)
     {
         saveByPanel(output());
-        QMessageBox* question = shownAlert();
-        ASSERT_NE(question, nullptr);
-        answer(question, round % 4 < 2 ? "Transcode" : "Fix Flag");
-        ASSERT_TRUE(waitUntil([question, this] { return !isAlertShown() || shownAlert() != question; }));
+        answer(shownAlert(), round % 4 < 2 ? "Transcode" : "Fix Flag");
         QMessageBox* result = shownAlert();
-        ASSERT_NE(result, nullptr);
         ASSERT_TRUE(result->text().startsWith(QStringLiteral("Video "))) << result->text().toStdString();
         answer(result, "OK");
-        ASSERT_TRUE(waitUntil([this] { return !isAlertShown(); }));
         ASSERT_GT(std::filesystem::file_size(output()), 0U);
         std::filesystem::remove(output());
         waitForKeyboard(window());
@@ -105,10 +100,10 @@ protected:
     /// What is held once the threads and descriptors of the last run have gone.
     OwnResources settled(const OwnResources& expected)
     {
-        waitUntil([&expected] {
+        EXPECT_TRUE(waitUntil([&expected] {
             const OwnResources held = ownResources();
             return held.descriptors <= expected.descriptors && held.threads <= expected.threads;
-        });
+        }));
         return ownResources();
     }
 };
@@ -123,7 +118,7 @@ TEST_F(Soak, theProgramHoldsNoMoreAtTheEnd)
     OwnResources early;
     const std::size_t files = temporaryFiles();
     for (int round = 1; round <= rounds && !HasFatalFailure(); ++round) {
-        ::alarm(longestRound); // ends the process
+        startTimeLimit(longestRound, "round " + std::to_string(round) + " did not end in time");
         open(round);
         turn(round);
         save(round);
@@ -132,7 +127,7 @@ TEST_F(Soak, theProgramHoldsNoMoreAtTheEnd)
         if (round == first || round % 50 == 0)
             tell(round, ownResources(), temporaryFiles());
     }
-    ::alarm(longestRound);
+    startTimeLimit(longestRound, "the last round did not release its resources in time");
     ASSERT_FALSE(HasFatalFailure());
     const OwnResources late = settled(early);
     tell(rounds, late, temporaryFiles());

@@ -6,6 +6,7 @@
 #include "probe/FileProbe.h"
 #include "tests/long/OwnResources.h"
 #include "tests/support/Files.h"
+#include "tests/support/TimeLimit.h"
 #include "tests/support/WindowTest.h"
 
 #include <QAction>
@@ -16,7 +17,6 @@
 #include <fstream>
 #include <set>
 #include <sstream>
-#include <unistd.h>
 #include <utility>
 
 namespace tarnwell::test
@@ -25,8 +25,8 @@ namespace tarnwell::test
 namespace
 {
 
-constexpr unsigned int longestOpening = 60; // seconds
-constexpr unsigned int longestSaving = 600;
+constexpr std::chrono::seconds longestOpening(60);
+constexpr std::chrono::seconds longestSaving(600);
 constexpr double longestToSave = 10;
 
 std::string setting(const char* name)
@@ -75,9 +75,7 @@ protected:
         saveByPanel(output());
         if (waitForAlert()->text().endsWith(QStringLiteral("Available!"))) {
             m_wasAsked = true;
-            QMessageBox* question = shownAlert();
-            answer(question, mode);
-            waitUntil([this, question] { return !isAlertShown() || shownAlert() != question; });
+            answer(shownAlert(), mode);
         }
         const std::string text = oneLine(waitForAlert()->text());
         answer(shownAlert(), "OK");
@@ -88,7 +86,7 @@ protected:
         return text + (text.starts_with("Video") ? " (" : " (LEFT OVER: ") + size + " bytes)";
     }
 
-    /// However long it takes; the alarm ends what never comes.
+    /// Waits as long as the time limit of the process allows, which is longer than that of other waits.
     QMessageBox* waitForAlert()
     {
         while (!isAlertShown())
@@ -134,16 +132,16 @@ protected:
     std::string outcomeOf(const std::string& path)
     {
         const std::string original = contentsOf(path);
-        ::alarm(longestOpening); // ends the process
+        startTimeLimit(longestOpening, "the file was not opened in time");
         std::string outcome = open(path);
         takeAsNormal(outcome.substr(0, outcome.find(' ')));
         if (outcome.starts_with("picture") && isSaving()
             && FileProbe(path, realTools()).duration <= longestToSave) {
-            ::alarm(longestSaving);
+            startTimeLimit(longestSaving, "the file was not saved in time");
             outcome += saveInEveryWay();
             takeAsNormal("saved");
         }
-        ::alarm(0);
+        stopTimeLimit();
         return outcome + (contentsOf(path) == original ? "" : "; ORIGINAL CHANGED") + leftovers();
     }
 

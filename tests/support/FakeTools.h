@@ -11,23 +11,24 @@ namespace tarnwell::test
 {
 
 // clang-format off
-/// A bundle in a folder of its own whose tools do what a test writes down for them. A tool without a script
-/// is missing from the bundle. A script is a list of lines, done in order; the tool then exits with 0:
+/// A bundle in a folder of its own with fake tools, each of which runs a script of the test. A tool without a
+/// script is missing from the bundle. A script is a list of commands, one a line; after the last one the tool
+/// exits with 0:
 ///
 /// print TEXT, error TEXT      writes to standard output or error; \n, \r, \xHH are understood, no end of
 ///                             line is added
 /// print-file PATH             writes the file to standard output
 /// flood N                     writes N bytes to standard output
-/// record PATH                 writes the arguments down, see recordedArguments
+/// record PATH                 writes the arguments into the file, see recordedArguments
 /// record-output PATH          appends a line to the file: the last argument
 /// record-folder PATH          appends a line to the file: the names in the folder of the last argument
-/// record-pid PATH             writes the process number down
+/// record-pid PATH             writes the process id into the file
 /// copy PATH                   copies the file to the path in the last argument
-/// touch PATH, wait-for PATH   makes a file; waits until somebody has made it
-/// wait-until-read             waits until standard error, a pipe, has been read to what is its end now
+/// touch PATH, wait-for PATH   creates the file; waits until it exists
+/// wait-until-read             waits until the reader of standard error, a pipe, has read all of it
 /// on-termination PATH         from now on a SIGTERM makes the file and exits with 255
 /// ignore-termination          from now on a SIGTERM does nothing
-/// sleep MILLISECONDS, hang    waits; for ever
+/// sleep MILLISECONDS, hang    waits; hang does not end by itself. No wait takes longer than ten minutes
 /// die SIGNAL, exit STATUS     ends
 ///
 /// For a fake that may write nowhere but to its streams and its output:
@@ -48,14 +49,14 @@ namespace tarnwell::test
 class FakeTools
 {
 public:
-    /// What the tool does from its next run on.
+    /// Sets the script of the tool's next runs.
     void setSniffer(const std::string& script) { setTool("sniffer", script); }
     void setCreator(const std::string& script) { setTool("creator", script); }
 
     void removeSniffer();
     void removeCreator();
 
-    /// The tool is a file that is no program.
+    /// Makes the tool a file that cannot be executed.
     void makeSnifferUnstartable() { makeUnstartable("sniffer"); }
     void makeCreatorUnstartable() { makeUnstartable("creator"); }
 
@@ -63,7 +64,7 @@ public:
     void useRealSniffer() { useRealTool("sniffer"); }
     void useRealCreator() { useRealTool("creator"); }
 
-    /// The picture "poster" of the build tree becomes part of the bundle.
+    /// Adds the picture "poster" of the build tree to the bundle.
     void addPoster();
 
     /// A folder for the test's own files, ending in "/"; it is also the bundle's.

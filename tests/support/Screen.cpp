@@ -4,8 +4,12 @@
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Folders.h"
 #include "tests/support/Samples.h"
+#include "tests/support/Waiting.h"
 
+#include <QApplication>
 #include <QImage>
+#include <QWidget>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -66,6 +70,19 @@ std::string savePictureOfScreen()
         / (runningTest() + "-" + std::to_string(::getpid()) + "-" + std::to_string(++pictures) + ".png");
     const int status = grab(display(), {}, picture);
     return status == 0 ? picture : "no picture, ffmpeg exited with " + std::to_string(status);
+}
+
+void paintEveryWindow()
+{
+    QCoreApplication::processEvents(); // the layout of what was changed last
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (!widget->isVisible())
+            continue;
+        waitFor("“" + widget->windowTitle().toStdString() + "” on the screen",
+            [widget] { return !widget->isVisible() || widget->windowHandle()->isExposed(); });
+        widget->repaint();
+    }
+    QApplication::sync();
 }
 
 } // namespace tarnwell::test

@@ -16,4 +16,7 @@ QColor colourOnScreen(QPoint place);
 /// The path of the picture, or the reason why there is none. Any thread; runs no events.
 std::string savePictureOfScreen();
 
+/// Waits until every visible window of the program is on the screen, and paints it. Main thread.
+void paintEveryWindow();
+
 } // namespace tarnwell::test

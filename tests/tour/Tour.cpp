@@ -6,6 +6,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/RealInput.h"
 #include "tests/support/Samples.h"
+#include "tests/support/Screen.h"
 #include "tests/support/WindowTest.h"
 
 #include <QAction>
@@ -56,21 +57,11 @@ protected:
     /// Says what has been done and leaves a picture of the screen.
     void show(const std::string& what)
     {
-        waitUntilPainted();
+        paintEveryWindow();
         const QString name
             = QStringLiteral("%1 %2.png").arg(++m_step, 2, 10, QLatin1Char('0')).arg(textOf(what));
         EXPECT_TRUE(window().screen()->grabWindow(0).save(textOfPath(m_results) + name));
         std::cout << name.toStdString() << std::endl;
-    }
-
-    static void waitUntilPainted()
-    {
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (!widget->isVisible() || !QTest::qWaitForWindowExposed(widget))
-                continue;
-            widget->repaint();
-        }
-        QApplication::sync();
     }
 
     void clickItem(const char* actionName)
@@ -81,7 +72,6 @@ protected:
     void clickButton(const char* text)
     {
         QMessageBox* alert = shownAlert();
-        ASSERT_NE(alert, nullptr);
         for (QAbstractButton* button : alert->buttons()) {
             if (button->text() == QString::fromLatin1(text)) {
                 realClick(*button);
@@ -132,7 +122,6 @@ protected:
         waitForKeyboard(window());
         realKeys("ctrl+s");
         QFileDialog* panel = shownPanel();
-        ASSERT_NE(panel, nullptr);
         EXPECT_EQ(
             panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(), QStringLiteral("Rotated"));
         show("saving");

@@ -9,21 +9,21 @@
 namespace tarnwell
 {
 
-// The controller's alerts, ready to be shown.
+// The controller's alerts. Their texts are fixed.
 
-/// Refuses a file, in UTF-8 words.
+/// With an OK button; the texts are UTF-8.
 Alert refusalAlert(const std::string& messageText, const std::string& informativeText);
 
-/// Asks for the mode of an export: the first button rewrites the flag, the second encodes anew.
+/// Asks for the mode of an export: the first button stands for fix-flag, the second for transcode.
 Alert modeAlert();
 
-/// The chosen output is the input.
+/// For an output path that equals the input path.
 Alert sameFileAlert();
 
-/// An export left no video.
+/// For an export that left no valid video.
 Alert failureAlert();
 
-/// An export is done; the second button shows the file, the third plays it.
+/// For a finished export: the second button reveals the file, the third plays it.
 Alert successAlert(const OrientationState& state);
 
 } // namespace tarnwell

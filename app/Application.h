@@ -12,8 +12,8 @@ namespace tarnwell
 
 class AppDelegate;
 
-/// The window, its controller and what connects them. Needs a QApplication around it; what it leaves running
-/// when it goes is an encoder at work.
+/// The window, its controller and the connections between them. Needs a QApplication that outlives it. The
+/// destructor does not end a running encoder.
 class Application
 {
 public:
@@ -23,7 +23,7 @@ public:
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    /// The user has started the program again.
+    /// Brings the window forward. Called when the user starts the program again.
     void reopen();
 
     Interface& interface() { return m_interface; }

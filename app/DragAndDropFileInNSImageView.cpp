@@ -69,8 +69,8 @@ void DragAndDropFileInNSImageView::dropEvent(QDropEvent* event)
     event->setAccepted(draggedFile(*event->mimeData()).has_value());
     if (!event->isAccepted())
         return;
-    // The program from which the file comes waits for the answer, and must not wait for what is done with the
-    // file. Until that begins nothing else may begin.
+    // The drag's source program blocks until this event is answered, so the file is handled after it. Until
+    // then no other action may begin.
     const std::shared_ptr<QMimeData> drag = copyOfFileNames(*event->mimeData());
     auto perform = [this, drag, blocker = std::make_shared<InputBlocker>()]() mutable {
         blocker.reset();

@@ -11,31 +11,31 @@ class QMimeData;
 namespace tarnwell
 {
 
-/// The notification that announces a dropped file, and its one key: the value is the file's FileURL. The
-/// letters are the poster's and the observer's agreement.
+/// The notification that announces a dropped file, and the only key of its user information, whose value is
+/// the file's FileURL. The spelling "Anad" is intended.
 inline constexpr const char* fileDroppedNotification = "FileAddedByDragAnadDrop";
 inline constexpr const char* fileDroppedKey = "key";
 
-/// The picture area, on which one file can be dropped. It announces the file with a notification and knows
-/// nothing of what becomes of it; the picture that it shows is set from outside. Main thread.
+/// The picture area, a drop target for one file. It posts a notification for a dropped file and does not
+/// handle the file itself. Main thread.
 class DragAndDropFileInNSImageView : public ImageView
 {
     Q_OBJECT
 
 public:
-    /// For the interface file, which is the only way to make one.
+    /// Used by the code that uic generates from the interface file.
     explicit DragAndDropFileInNSImageView(QWidget* parent = nullptr);
     /// Stops the program.
     [[noreturn]] explicit DragAndDropFileInNSImageView(const QRect& frame);
 
-    /// The path of the last file that was dropped, raw bytes, whatever became of it; absent before the first.
+    /// The path of the last dropped file, raw bytes, accepted or not; absent before the first drop.
     const std::optional<std::string>& filePath() const { return m_filePath; }
 
-    /// Qt::CopyAction for a drag whose first file exists and is no folder, otherwise Qt::IgnoreAction.
+    /// Qt::CopyAction if the first dragged file exists and is no folder, otherwise Qt::IgnoreAction.
     Qt::DropAction draggingEntered(const QMimeData& drag) const;
 
-    /// Remembers the first file and announces it; false where the drag carries none. Returns when everybody
-    /// who listens has dealt with it.
+    /// Stores the path of the first file and posts the notification; returns after all observers have handled
+    /// it. False if the drag has no file.
     bool performDragOperation(const QMimeData& drag);
 
 protected:

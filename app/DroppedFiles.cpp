@@ -21,7 +21,7 @@ bool isThisMachine(const QByteArray& host)
     return host.isEmpty() || host == "localhost" || host == QSysInfo::machineHostName().toUtf8();
 }
 
-/// The bytes behind the percent signs as they are: a file's name need not be text in any encoding.
+/// The percent-decoded bytes of a file URI's path. A file name need not be valid UTF-8.
 std::optional<std::string> localPath(QByteArray uri)
 {
     if (!uri.toLower().startsWith(fileScheme))
@@ -34,7 +34,7 @@ std::optional<std::string> localPath(QByteArray uri)
         uri.remove(0, pathStart);
     }
     const QByteArray path = QByteArray::fromPercentEncoding(uri);
-    // A path ends at its first zero byte: what names one would open another file than it says.
+    // System calls end a path at its first NUL byte and would open another file.
     if (!path.startsWith('/') || path.contains('\0'))
         return std::nullopt;
     return path.toStdString();

@@ -13,17 +13,17 @@ class QMimeData;
 namespace tarnwell
 {
 
-/// What a drag names, in its order: absolute paths (raw bytes), and nothing for an entry that is no local
+/// The entries of a drag in their order: absolute paths (raw bytes); empty for an entry that is no local
 /// file.
 using FileNameList = std::vector<std::optional<std::string>>;
 
-/// The list that a drag carries; absent where it carries none, be it one without an entry.
+/// The drag's list of files; absent if it has none or an empty one.
 std::optional<FileNameList> fileNameList(const QMimeData& data);
 
-/// A drag that carries the same list; that of the event ends with the event.
+/// A copy of the list that outlives the drop event.
 std::unique_ptr<QMimeData> copyOfFileNames(const QMimeData& data);
 
-/// The first entry, where it is a path. The others do not count; a list without an entry stops the program.
+/// The first entry if it is a path. Stops the program if the list is empty.
 std::optional<std::string> firstFile(const FileNameList& names);
 
 } // namespace tarnwell

@@ -20,8 +20,8 @@ class MainWindow;
 class ProgressSheet;
 } // namespace Ui
 
-/// The main window and its sheets, as the interface files define them. Owns every element; a controller gets
-/// references.
+/// The main window and its sheets, as the interface files define them. Owns every element; the controller
+/// holds references.
 class Interface
 {
 public:
@@ -32,9 +32,9 @@ public:
 
     Outlets outlets();
 
-    /// From now on every control tells `delegate` what the user does, unless a sheet is up or the program is
-    /// at work: assistive tools and global menus reach a control by other ways than events. Controls of an
-    /// interface that outlives the delegate tell nobody.
+    /// Connects every control to `delegate`. Actions are ignored while a sheet is shown or input is blocked:
+    /// assistive programs and global menus trigger a control without input events. The destructor of the
+    /// delegate disconnects the controls.
     void connectActions(AppDelegate& delegate);
 
 private:

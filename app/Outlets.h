@@ -15,8 +15,8 @@
 namespace tarnwell
 {
 
-/// References to what the interface owns. One that is not connected, or whose element is gone, is null; using
-/// it then stops the program.
+/// References to elements that the interface owns. A reference is null if it was never connected or if its
+/// element was destroyed; using it then stops the program.
 struct Outlets {
     QPointer<QWidget> window;
     QPointer<SheetQueue> sheets; // of the window

@@ -12,16 +12,15 @@ namespace tarnwell
 
 class ImageView;
 
-/// The state in plain words, such as "turned right, mirrored horizontally".
+/// The state in words, such as "turned right, mirrored horizontally".
 QString orientationInWords(const OrientationState& state);
 
-// What assistive tools say of the picture: the file's name and the orientation, as in "clip.mp4, turned
-// right".
+// The picture's accessible description: the file's name and the orientation, as in "clip.mp4, turned right".
 
-/// The picture is of another file, given by its path in raw bytes, and as it was opened.
+/// Sets the name of a newly opened file, given by its path (raw bytes), and the initial orientation.
 void describeFile(ImageView& view, const std::string& path);
 
-/// The picture is of the same file in another orientation.
+/// Sets another orientation and keeps the name.
 void describeOrientation(ImageView& view, const OrientationState& state);
 
 } // namespace tarnwell

@@ -32,7 +32,7 @@ int main(int argc, char* argv[])
     application = std::make_unique<Application>(ToolContext{Bundle::main(), waitInEventLoop});
     const int status = QApplication::exec();
     application.reset();
-    // Threads of a running export live on until the process ends; they must not meet the destructors of what
-    // they still use.
+    // The threads of a running export run until the process ends. Destructors of static objects, which exit
+    // would call, could destroy what the threads use.
     std::quick_exit(status);
 }

@@ -9,18 +9,18 @@
 namespace tarnwell
 {
 
-/// What the file system says of one item.
+/// Attributes of one file system item.
 struct FileAttributes {
     bool isDirectory = false;
-    /// Bytes; absent for an item that has no size of its own, such as a device, a socket or a pipe.
+    /// In bytes; absent for a device, a socket or a pipe.
     std::optional<std::uint64_t> size;
 };
 
-/// The attributes of the item at `path` (raw bytes; a symbolic link is followed), or the system's own
-/// description of why they cannot be read.
+/// The attributes of the item at `path` (raw bytes; symbolic links are followed), or the system's error
+/// message.
 std::variant<FileAttributes, std::string> attributesOfItem(const std::string& path);
 
-/// Whether something stands at `path` that is not a directory.
+/// True if there is an item at `path` that is not a directory.
 bool isExistingFile(const std::string& path);
 
 } // namespace tarnwell

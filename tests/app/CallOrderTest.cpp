@@ -16,7 +16,9 @@
 #include <QDialog>
 #include <QWindow>
 
+#include <filesystem>
 #include <functional>
+#include <iostream>
 #include <vector>
 
 #define ROTATE_IMAGE "_ZN8tarnwell11rotateImageERK6QImaged"
@@ -53,6 +55,7 @@ struct PictureCall {
 std::vector<PictureCall> rotations;
 std::vector<PictureCall> flips;
 std::function<void()> beforeLaunch; // called on the launching thread
+std::function<void(Process&)> afterLaunch; // likewise
 std::function<void(FileProbe&)> afterProbe;
 
 } // namespace
@@ -76,7 +79,10 @@ std::error_code wrappedLaunch(Process* process)
 {
     if (beforeLaunch)
         beforeLaunch();
-    return realLaunch(process);
+    const std::error_code error = realLaunch(process);
+    if (afterLaunch)
+        afterLaunch(*process);
+    return error;
 }
 
 void wrappedFileProbe(FileProbe* probe, const std::string& path, const ToolContext& tools)
@@ -93,6 +99,7 @@ protected:
     ~CallOrderTest() override
     {
         beforeLaunch = {};
+        afterLaunch = {};
         afterProbe = {};
         forgetCalls();
     }
@@ -189,6 +196,39 @@ TEST_F(CallOrderTest, savingFromADescriptionWithoutAPathDoesNothing)
     EXPECT_FALSE(isProgressShown());
     EXPECT_FALSE(InputBlocker::isActive()); // no export has begun
     EXPECT_EQ(launches, 0);
+}
+
+// The real encoder, terminated before it can handle SIGTERM in most rounds.
+TEST_F(CallOrderTest, aSigtermRightAfterTheLaunchKeepsAnOlderFile)
+{
+    start();
+    openVideo();
+    tools().useRealCreator();
+    int untouched = 0;
+    for (int round = 0; round < 10 && !HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        const std::string saved = folder() + "saved" + std::to_string(round) + "/";
+        std::filesystem::create_directory(saved);
+        writeFile(saved + "out.mp4", "an older video");
+        afterLaunch = [launches = 0](Process& process) mutable {
+            if (++launches == 1) // the second one is the probe of the output
+                process.terminate();
+        };
+        delegate().startCreatorRun(saved + "out.mp4",
+            {"-i", folder() + "clip.mp4", "-pix_fmt", "yuv420p", "-metadata:s:v", "rotate=0", "-y",
+                saved + "out.mp4"});
+        QMessageBox* alert = shownAlert();
+        ASSERT_NE(alert, nullptr);
+        const auto names = namesIn(saved);
+        ASSERT_EQ(names.size(), 1U);
+        EXPECT_EQ(contentsOf(saved + names[0]), "an older video");
+        if (names[0] == "out.mp4") {
+            ++untouched;
+            EXPECT_EQ(alert->text(), QStringLiteral("Seems like something went wrong!"));
+        }
+        answer(alert, "OK");
+    }
+    std::cout << untouched << " of 10 encoders ended before they handled SIGTERM\n";
 }
 
 class CallOrderDeathTest : public CallOrderTest

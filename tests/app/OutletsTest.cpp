@@ -7,25 +7,58 @@
 #include "tests/support/Files.h"
 #include "tests/support/SilentStop.h"
 
+#include <QDialog>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include <cstdio>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace tarnwell::test
 {
+
+namespace
+{
+
+/// Prints a line on standard error when a sheet is shown.
+class SheetReporter : public QObject
+{
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Show)
+            std::fputs("a sheet is shown\n", stderr);
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+} // namespace
 
 class OutletsDeathTest : public FakeToolsTest
 {
 protected:
     using Disconnect = std::function<void(Outlets&)>;
+    using Destroy = std::function<void()>;
 
     /// Starts the program and adds a second controller to its interface, one that lacks something.
-    AppDelegate& startWithout(const Disconnect& disconnect)
+    AppDelegate& startWithout(const Disconnect& disconnect, const BlockingWait& wait = waitBlocking)
     {
         start();
         Outlets outlets = application().interface().outlets();
         disconnect(outlets);
-        m_delegate = std::make_shared<AppDelegate>(outlets, tools().context(), m_queue);
+        m_delegate = std::make_shared<AppDelegate>(outlets, ToolContext{tools().bundle(), wait}, m_queue);
         return *m_delegate;
+    }
+
+    /// The same for what must stop the program before a sheet is shown, or it will not be silent.
+    AppDelegate& startWithoutSheet(const Disconnect& disconnect)
+    {
+        AppDelegate& lacking = startWithout(disconnect);
+        for (const char* sheet : {"progressWindow", "helpWindow"})
+            find<QDialog>(sheet).installEventFilter(&m_reporter);
+        return lacking;
     }
 
     /// Runs what the controller submits to the main thread, until the condition holds.
@@ -56,12 +89,65 @@ protected:
         lacking.showResultAlert(std::make_shared<const FileProbe>(folder() + "still.png", tools().context()));
     }
 
+    /// Replaces an element by one that a call of the result destroys.
+    using Replace = std::function<Destroy(Outlets&)>;
+
+    static Destroy theWindow(Outlets& outlets) { return owned(outlets.window, std::make_shared<QWidget>()); }
+
+    /// The elements that the end of the progress sheet uses.
+    std::vector<Replace> partsForTheEndOfTheProgressSheet()
+    {
+        return {
+            theWindow,
+            [this](
+                Outlets& outlets) { return owned(outlets.sheets, std::make_shared<SheetQueue>(window())); },
+            [](Outlets& outlets) { return owned(outlets.progressWindow, std::make_shared<QDialog>()); },
+            [](Outlets& outlets) { return owned(outlets.progressBar, std::make_shared<QProgressBar>()); },
+            [](Outlets& outlets) { return owned(outlets.progressCancel, std::make_shared<QPushButton>()); },
+        };
+    }
+
+    /// Analyses a file and loses an element after that many runs of a tool.
+    void analyseAndLose(const Replace& replace, int toolRuns)
+    {
+        Destroy destroy;
+        int waits = 0;
+        const auto wait = [&](const std::function<void()>& blockingCall) {
+            blockingCall();
+            if (++waits == toolRuns)
+                destroy();
+        };
+        writeFile(folder() + "clip.mp4", "bytes");
+        startWithout([&](Outlets& outlets) { destroy = replace(outlets); }, wait)
+            .analyzeFile(FileURL(folder() + "clip.mp4"));
+    }
+
+    /// Loses an element after the cancel of an export, which shows no alert, and before the end of its sheet.
+    void cancelAndLose(const Replace& replace)
+    {
+        Destroy destroy;
+        Outlets shown;
+        AppDelegate& lacking = startWithout([&](Outlets& outlets) {
+            destroy = replace(outlets);
+            shown = outlets;
+        });
+        lacking.startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"});
+        drainUntil("the Cancel button",
+            [&] { return shown.progressWindow->isVisible() && shown.progressCancel->isEnabled(); });
+        lacking.closeBTNInsideProgressWindowClicked();
+        destroy();
+        drainUntilStop();
+    }
+
     static void withoutWindow(Outlets& outlets) { outlets.window = nullptr; }
+    static void withoutSheets(Outlets& outlets) { outlets.sheets = nullptr; }
+    static void withoutHelpWindow(Outlets& outlets) { outlets.helpWindow = nullptr; }
 
     std::vector<Disconnect> partsOfTheProgressSheet() const
     {
         return {
-            [](Outlets& outlets) { outlets.sheets = nullptr; },
+            withoutWindow,
+            withoutSheets,
             [](Outlets& outlets) { outlets.progressWindow = nullptr; },
             [](Outlets& outlets) { outlets.progressTitle = nullptr; },
             [](Outlets& outlets) { outlets.progressBar = nullptr; },
@@ -70,6 +156,14 @@ protected:
     }
 
 private:
+    template <typename Element, typename Outlet>
+    static Destroy owned(Outlet& outlet, std::shared_ptr<Element> element)
+    {
+        outlet = element.get();
+        return [element]() mutable { element.reset(); };
+    }
+
+    SheetReporter m_reporter;
     std::shared_ptr<DispatchQueue> m_queue = std::make_shared<DispatchQueue>([] {});
     std::shared_ptr<AppDelegate> m_delegate;
 };
@@ -99,8 +193,9 @@ TEST_F(OutletsDeathTest, aReturnToTheWindowNeedsTheWindow)
 
 TEST_F(OutletsDeathTest, anAnalysisNeedsEveryPartOfTheProgressSheet)
 {
+    writeFile(folder() + "clip.mp4", "bytes");
     for (const Disconnect& disconnect : partsOfTheProgressSheet())
-        EXPECT_SILENT_STOP(analyse(disconnect));
+        EXPECT_SILENT_STOP(startWithoutSheet(disconnect).analyzeFile(FileURL(folder() + "clip.mp4")));
 }
 
 TEST_F(OutletsDeathTest, anAcceptedFileNeedsThePictureAndEveryEditingControl)
@@ -121,7 +216,7 @@ TEST_F(OutletsDeathTest, anAcceptedFileNeedsThePictureAndEveryEditingControl)
 TEST_F(OutletsDeathTest, theAlertOfARefusedFileNeedsTheWindow)
 {
     tools().setSniffer(sniffing(errorReport()));
-    EXPECT_SILENT_STOP(analyse(withoutWindow));
+    EXPECT_SILENT_STOP(analyseAndLose(theWindow, 1));
 }
 
 TEST_F(OutletsDeathTest, theModeAlertNeedsTheWindow)
@@ -129,8 +224,10 @@ TEST_F(OutletsDeathTest, theModeAlertNeedsTheWindow)
     EXPECT_STOP_AFTER(
         [&] {
             writeFile(folder() + "clip.mp4", "bytes");
-            AppDelegate& lacking = startWithout(withoutWindow);
+            Destroy destroy;
+            AppDelegate& lacking = startWithout([&](Outlets& outlets) { destroy = theWindow(outlets); });
             lacking.analyzeFile(FileURL(folder() + "clip.mp4"));
+            destroy();
             lacking.chooseExportMode(folder() + "clip.mp4", folder() + "out.mp4");
         }(),
         "^positionState : 1, vFlipSte : false, hFlipState : false\n$");
@@ -140,7 +237,7 @@ TEST_F(OutletsDeathTest, anExportNeedsEveryPartOfTheProgressSheet)
 {
     for (const Disconnect& disconnect : partsOfTheProgressSheet()) {
         EXPECT_SILENT_STOP([&] {
-            startWithout(disconnect).startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"});
+            startWithoutSheet(disconnect).startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"});
             drainUntilStop();
         }());
     }
@@ -173,6 +270,28 @@ TEST_F(OutletsDeathTest, theAlertAtTheEndNeedsTheWindow)
     EXPECT_SILENT_STOP(showResult(withoutWindow));
     tools().setSniffer(sniffing(errorReport()));
     EXPECT_SILENT_STOP(showResult(withoutWindow));
+}
+
+TEST_F(OutletsDeathTest, theEndOfAnAnalysisNeedsEveryPartOfTheProgressSheet)
+{
+    for (const Replace& replace : partsForTheEndOfTheProgressSheet())
+        EXPECT_SILENT_STOP(analyseAndLose(replace, 3)); // one probe, two stills
+}
+
+TEST_F(OutletsDeathTest, theEndOfAnExportNeedsEveryPartOfTheProgressSheet)
+{
+    tools().setCreator("hang\n");
+    for (const Replace& replace : partsForTheEndOfTheProgressSheet())
+        EXPECT_SILENT_STOP(cancelAndLose(replace));
+}
+
+TEST_F(OutletsDeathTest, theHelpSheetNeedsItselfTheWindowAndItsQueue)
+{
+    for (const Disconnect& disconnect :
+        std::vector<Disconnect>{withoutHelpWindow, withoutWindow, withoutSheets}) {
+        EXPECT_SILENT_STOP(startWithoutSheet(disconnect).helpBTNClicked());
+        EXPECT_SILENT_STOP(startWithout(disconnect).okBTNInsideHelpWindowClicked());
+    }
 }
 
 } // namespace tarnwell::test

@@ -106,7 +106,9 @@ protected:
     {
         std::string left;
         for (const auto& name : namesIn(ownTemporaryFolder())) {
-            if (ownTemporaryFolder() + "/" + name + "/" != folder())
+            // The folder of the stills stays until the program ends.
+            const std::string path = ownTemporaryFolder() + "/" + name + "/";
+            if (path != folder() && !namesIn(path).empty())
                 left += " " + name;
         }
         for (const auto& name : namesIn(folder()))

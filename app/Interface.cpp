@@ -21,7 +21,7 @@ namespace tarnwell
 namespace
 {
 
-// The interface file says which symbol an item bears; how it is drawn follows the palette.
+// The property "symbol" in the interface file names an action's icon. The icon's colours follow the palette.
 void setIcons(const QMainWindow& window)
 {
     for (QAction* action : window.findChildren<QAction*>()) {
@@ -52,12 +52,13 @@ void Interface::setUpWindow()
 {
     m_main->setupUi(&m_window);
     setIcons(m_window);
-    // Qt itself goes to the menus by the Alt key alone, of which not every desktop lets a program know.
+    // Qt opens the menu bar with the Alt key alone, which some desktops do not pass on to programs.
     const auto* toMenus = new QShortcut(Qt::Key_F10, &m_window);
     QObject::connect(toMenus, &QShortcut::activated, m_main->menuBar,
         [this] { m_main->menuBar->setActiveAction(m_main->fileMenu->menuAction()); });
     m_window.setWindowIcon(QIcon(QStringLiteral(":/icon/org.tarnwell.Tarnwell.svg")));
-    // The frame is the window manager's; as much as the style gives to one must do.
+    // The size of the window manager's frame is not known before the window is shown; the style's metrics are
+    // an estimate.
     const int title = m_window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &m_window);
     const int border
         = 2 * m_window.style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth, nullptr, &m_window);
@@ -70,12 +71,12 @@ void Interface::setUpToolBar()
     auto* stretch = new QWidget(m_main->toolBar);
     stretch->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_main->toolBar->insertWidget(m_main->helpBTN, stretch);
-    // A click leaves the keyboard where it is.
+    // A click does not move the keyboard focus.
     for (QToolButton* button : m_main->toolBar->findChildren<QToolButton*>()) {
         button->setFocusPolicy(Qt::TabFocus);
         new FocusRing(*button);
     }
-    // A large font widens the toolbar; none of its items may fall off the end.
+    // With a large font the toolbar can need more than the window's minimum width.
     m_window.setMinimumWidth(std::max(m_window.minimumWidth(), m_main->toolBar->sizeHint().width()));
 }
 
@@ -88,7 +89,7 @@ void Interface::setUpSheets()
     m_helpWindow.setEscapeButton(m_help->helpOK);
     for (QPushButton* button : {m_progress->progressCancel, m_help->helpOK})
         new FocusRing(*button);
-    // A window blocked by its sheet takes no shortcuts, but leaving must be possible during a long export.
+    // A window that is blocked by its sheet gets no shortcuts; Quit must work during an export.
     m_sheets.addActionOfEverySheet(m_main->quitMenuBTN);
 }
 
@@ -136,16 +137,14 @@ void Interface::connectActions(AppDelegate& delegate)
     connectAction(m_main->flipHorizontallyBTN, &AppDelegate::hFlip);
     connectAction(m_main->helpMenuBTN, &AppDelegate::helpBTNClicked);
     connectAction(m_main->helpBTN, &AppDelegate::helpBTNClicked);
-    // Assistive programs can press a button that is hidden, and choose an item while the window takes no
-    // input.
+    // Assistive programs can press a hidden button.
     QObject::connect(m_progress->progressCancel, &QPushButton::clicked, &delegate, [this, &delegate] {
         if (m_progress->progressCancel->isVisible())
             delegate.closeBTNInsideProgressWindowClicked();
     });
     QObject::connect(
         m_help->helpOK, &QPushButton::clicked, &delegate, &AppDelegate::okBTNInsideHelpWindowClicked);
-    // Not QCoreApplication::quit: it asks every window first, and a progress sheet does not let itself be
-    // closed.
+    // Not QCoreApplication::quit, which closes every window first: the progress sheet refuses to close.
     QObject::connect(m_main->quitMenuBTN, &QAction::triggered, [] {
         if (!InputBlocker::isActive())
             QCoreApplication::exit();

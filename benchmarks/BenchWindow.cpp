@@ -25,7 +25,7 @@ constexpr const char* progressName = "progressWindow";
 
 bool isResult(const QWidget& widget)
 {
-    const auto* alert = qobject_cast<const QMessageBox*>(&widget);
+    const auto* alert = qobject_cast<const AlertDialog*>(&widget);
     return alert != nullptr && !alert->text().endsWith(QStringLiteral("Available!"));
 }
 

@@ -12,9 +12,8 @@ namespace tarnwell
 
 class SheetQueue;
 
-/// A message for the user, shown as a sheet: a message text, an explanation and buttons in the order in which
-/// they were added. Return presses the first button; Escape presses the one that says "OK", where there is
-/// one.
+/// The content of an alert: a message text, an informative text and buttons. Return presses the first button;
+/// Escape and a request to close the window press the button "OK", where there is one.
 class Alert
 {
 public:
@@ -27,14 +26,21 @@ public:
     static constexpr int secondButtonResponse = 1001;
     static constexpr int thirdButtonResponse = 1002;
 
+    QString messageText() const { return m_messageText; }
     void setMessageText(const QString& text) { m_messageText = text; }
+
+    QString informativeText() const { return m_informativeText; }
     void setInformativeText(const QString& text) { m_informativeText = text; }
-    /// Warning where none is set.
+
+    Style style() const { return m_style; }
     void setStyle(Style style) { m_style = style; }
-    /// An alert without a button gets one that says "OK".
+
+    /// The texts of the added buttons. An alert without a button shows one button "OK".
+    const QStringList& buttons() const { return m_buttons; }
     void addButton(const QString& text) { m_buttons.append(text); }
 
-    /// Shows the alert on `window` in its turn; the box lives until it is answered.
+    /// Shows the alert on `window` when the sheets before it have ended. The handler runs on the main thread,
+    /// and never where the dialog is destroyed without an answer.
     void beginSheetModal(QWidget& window, SheetQueue& sheets, Handler handler = {}) const;
 
 private:

@@ -16,7 +16,7 @@ class BadInputTest : public FakeToolsTest
 protected:
     void expectRefusal()
     {
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         ASSERT_NE(alert, nullptr);
         EXPECT_TRUE(alert->text().startsWith(QStringLiteral("Seems to be an unsupported file.")));
         answer(alert, "OK");
@@ -114,7 +114,7 @@ TEST_F(BadInputTest, aFloodOfStatusLinesComesThrough)
     tools().setCreator(script + stillScript());
     testing::internal::CaptureStdout();
     saveByPanel(folder() + "out.mp4");
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     EXPECT_NE(testing::internal::GetCapturedStdout().find("Percent : 25.0\n"), std::string::npos);
     answer(alert, "OK");
 }

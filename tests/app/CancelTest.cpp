@@ -122,7 +122,7 @@ protected:
     void saveOverIt()
     {
         saveByPanel(output());
-        answer(shownAlert(), "&Yes"); // the panel's question about replacing
+        answerReplaceQuestion("&Yes");
     }
 
     void saveOverIt(const std::string& creatorScript)
@@ -137,7 +137,7 @@ protected:
         // The panel's question may still be on the screen.
         EXPECT_TRUE(waitUntil([this] { return isProgressShown() || isResultShown(); }));
         EXPECT_TRUE(waitUntil([this] { return isResultShown(); }));
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         const std::string text = alert != nullptr ? alert->text().toStdString() : "no alert";
         answer(alert, "OK");
         return text;
@@ -154,7 +154,7 @@ protected:
 private:
     bool isResultShown()
     {
-        for (const auto* alert : window().findChildren<QMessageBox*>()) {
+        for (const auto* alert : window().findChildren<AlertDialog*>()) {
             if (alert->isVisible() && alert->buttons().first()->text() == QStringLiteral("OK"))
                 return true;
         }

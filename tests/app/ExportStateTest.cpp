@@ -149,7 +149,7 @@ TEST_F(ExportStateTest, theAlertOfARefusedFileIsBegunBeforeTheSheetIsHidden)
     int hidden = 0;
     CallOnEvent watch(find<QDialog>("progressWindow"), QEvent::Hide, [&] {
         ++hidden;
-        EXPECT_EQ(window().findChildren<QMessageBox*>().size(), 1);
+        EXPECT_EQ(window().findChildren<AlertDialog*>().size(), 1);
         EXPECT_FALSE(isAlertShown());
     });
     tools().setSniffer(sniffing(errorReport()));

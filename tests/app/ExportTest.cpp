@@ -206,7 +206,7 @@ TEST_F(ExportTest, aCancelAfterTheRunFindsItsEncoderStillAndDoesNoHarm)
     expectIdle();
     EXPECT_TRUE(exists(output()));
     save(leaveOutput());
-    answer(shownAlert(), "&Yes"); // the panel's question about replacing
+    answerReplaceQuestion("&Yes");
     ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
     EXPECT_EQ(shownAlert()->text(), QStringLiteral("Video Processed Successfully!"));
     finish();

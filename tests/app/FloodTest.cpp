@@ -124,7 +124,7 @@ TEST_F(FloodTest, aFloodThatIsNoReportEndsInTheAlert)
 {
     tools().setSniffer("flood 200000000\n");
     EXPECT_TRUE(drop(folder() + "clip.mp4"));
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     ASSERT_NE(alert, nullptr);
     EXPECT_TRUE(alert->text().startsWith(QStringLiteral("Seems to be an unsupported file.")));
     answer(alert, "OK");

@@ -55,7 +55,7 @@ protected:
     {
         testing::internal::CaptureStdout();
         saveByPanel(path);
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         const std::string printed = testing::internal::GetCapturedStdout();
         EXPECT_NE(printed.find("[\"-i\", \"" + m_input + "\", "), std::string::npos) << printed;
         EXPECT_EQ(alert->text(), QStringLiteral("Video Processed Successfully!"));

@@ -44,7 +44,7 @@ protected:
         if (hasChoice)
             answer(shownAlert(), "Transcode");
         ASSERT_TRUE(waitUntil([this] { return isAlertShown(); }));
-        QMessageBox* result = shownAlert();
+        AlertDialog* result = shownAlert();
         ASSERT_TRUE(result->text().endsWith(QStringLiteral("Successfully!"))) << result->text().toStdString();
         answer(result, "OK");
         waitForKeyboard(window());

@@ -93,7 +93,7 @@ TEST_F(RealExportTest, percentagesArriveInOrderOnTheMainThreadAndMatchTheLines)
     });
     testing::internal::CaptureStdout();
     saveByPanel(output());
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     const auto printed = printedPercentages(testing::internal::GetCapturedStdout());
     EXPECT_EQ(alert->text(), QStringLiteral("Video Processed Successfully!"));
     answer(alert, "OK");
@@ -116,7 +116,7 @@ TEST_F(RealExportTest, cancelEndsTheEncoderAndTheNextRunWorks)
     EXPECT_FALSE(isAlertShown());
     waitForKeyboard(window());
     saveByPanel(output());
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     EXPECT_EQ(alert->text(), QStringLiteral("Video Processed Successfully!"));
     answer(alert, "OK");
     EXPECT_FALSE(decodedFrame(output(), 10).isNull());
@@ -145,7 +145,7 @@ TEST_F(RealExportTest, aCancelDuringTheWorkKeepsTheOlderFileUnderAnotherName)
     const std::string older = "an older video";
     writeFile(output(), older);
     saveByPanel(output());
-    answer(shownAlert(), "&Yes"); // the panel's question about replacing
+    answerReplaceQuestion("&Yes");
     ASSERT_TRUE(waitUntil([this] { return bar().value() > 0; }));
     QTest::mouseClick(&find<QPushButton>("progressCancel"), Qt::LeftButton);
     ASSERT_TRUE(waitUntil([this] { return !isProgressShown(); }));

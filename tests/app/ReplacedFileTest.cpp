@@ -48,7 +48,7 @@ protected:
 
     QString answeredAlert()
     {
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         const QString text = alert->text();
         answer(alert, "OK");
         waitForKeyboard(window());

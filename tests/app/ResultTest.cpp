@@ -8,6 +8,7 @@
 #include "tests/desktop/DataFolders.h"
 #include "tests/support/EventCounter.h"
 
+#include <cstdlib>
 #include <filesystem>
 
 namespace tarnwell::test
@@ -88,10 +89,10 @@ TEST_F(ResultTest, anOutputThatIsNoMediaFails)
         SCOPED_TRACE(script);
         tools().setSniffer(sniffing(errorReport()));
         save(script);
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         EXPECT_EQ(alert->text(), QStringLiteral("Seems like something went wrong!"));
         EXPECT_EQ(alert->informativeText(), QStringLiteral("Contact : " TARNWELL_SUPPORT_ADDRESS));
-        EXPECT_EQ(alert->icon(), QMessageBox::Warning);
+        EXPECT_EQ(alert->alertStyle(), Alert::Style::Warning);
         ASSERT_EQ(alert->buttons().size(), 1);
         EXPECT_EQ(alert->buttons().first()->text(), QStringLiteral("OK"));
         finish();
@@ -112,10 +113,10 @@ TEST_F(ResultTest, theSuccessAlertOffersThreeButtons)
 {
     action("rotateLeftBTN").trigger();
     save(leaveOutput());
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     EXPECT_EQ(alert->text(), QStringLiteral("Video Rotated Successfully!"));
     EXPECT_EQ(alert->informativeText(), QStringLiteral("Questions? : " TARNWELL_SUPPORT_ADDRESS));
-    EXPECT_EQ(alert->icon(), QMessageBox::Information);
+    EXPECT_EQ(alert->alertStyle(), Alert::Style::Informational);
     ASSERT_EQ(alert->buttons().size(), 3);
     const char* const texts[] = {"OK", "Show in Finder", "Launch Video in QuickTime"};
     for (int place = 0; place < 3; ++place) {
@@ -177,29 +178,34 @@ TEST_F(ResultActionTest, launchingOpensTheOutputAndNothingElse)
     EXPECT_TRUE(shownItems().isEmpty());
 }
 
-TEST_F(ResultActionTest, launchingStartsThePlayerOfThatNameWithTheOutput)
+TEST_F(ResultTest, launchingStartsThePlayerOfThatNameWithTheOutput)
 {
-    const DataFolders folders;
-    const std::string player = folder() + "player";
-    const std::string record = folder() + "played";
-    writeFile(player,
-        "#!/bin/sh\nprintf '%s\\n' \"$@\" >'" + record + ".part'\nmv '" + record + ".part' '" + record
-            + "'\n");
-    std::filesystem::permissions(player, std::filesystem::perms::owner_all);
-    folders.addUserEntry("player.desktop",
-        "[Desktop Entry]\nType=Application\nName=QuickTime Player\nExec=" + player + " %f\n");
-    save(leaveOutput());
-    answer(shownAlert(), "Launch Video in QuickTime");
-    ASSERT_TRUE(waitUntil([&] { return exists(record); }));
-    EXPECT_EQ(contentsOf(record), output() + "\n");
-    EXPECT_TRUE(opened().isEmpty());
-    EXPECT_TRUE(shownItems().isEmpty());
+    const auto launch = [this] {
+        const UrlCatcher defaultApplication;
+        const DataFolders folders;
+        folders.setEnvironment();
+        const std::string player = folder() + "player";
+        const std::string record = folder() + "played";
+        writeFile(player,
+            "#!/bin/sh\nprintf '%s\\n' \"$@\" >'" + record + ".part'\nmv '" + record + ".part' '" + record
+                + "'\n");
+        std::filesystem::permissions(player, std::filesystem::perms::owner_all);
+        folders.addUserEntry("player.desktop", "Name=QuickTime Player\nExec=" + player + " %f\n");
+        save(leaveOutput());
+        answer(shownAlert(), "Launch Video in QuickTime");
+        EXPECT_TRUE(waitUntil([&] { return exists(record); }));
+        EXPECT_EQ(contentsOf(record), output() + "\n");
+        EXPECT_TRUE(defaultApplication.urls().isEmpty());
+        std::quick_exit(HasFailure() ? EXIT_FAILURE : EXIT_SUCCESS);
+    };
+    // In a process of its own: GIO reads the folders of applications once per process.
+    EXPECT_EXIT(launch(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
 
 TEST_F(ResultActionTest, everyOtherAnswerDoesNothing)
 {
     save(leaveOutput());
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     alert->done(0); // as when a desktop closes it: no button was clicked
     expectIdle();
     std::filesystem::remove(output());

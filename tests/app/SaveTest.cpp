@@ -101,13 +101,13 @@ TEST_F(SaveTest, theInputItselfIsRefusedAndNothingIsExported)
     openVideo();
     expectExport();
     saveByPanel(folder() + "clip.mp4");
-    answer(shownAlert(), "&Yes"); // the panel's own question about replacing
+    answerReplaceQuestion("&Yes");
     ASSERT_TRUE(waitUntil(
         [this] { return isAlertShown() && shownAlert()->text().startsWith(QStringLiteral("Input")); }));
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     EXPECT_EQ(alert->text(), QStringLiteral("Input file name is same as the output file name!"));
     EXPECT_EQ(alert->informativeText(), QStringLiteral("Please specify a different file to save."));
-    EXPECT_EQ(alert->icon(), QMessageBox::Information);
+    EXPECT_EQ(alert->alertStyle(), Alert::Style::Informational);
     EXPECT_EQ(alert->buttons().size(), 1);
     finish();
     EXPECT_FALSE(exists(folder() + "created"));
@@ -138,7 +138,7 @@ TEST_F(SaveTest, theInputUnderAnotherSpellingIsPassedOn)
         const bool isThere = exists(output);
         saveByPanel(output);
         if (isThere)
-            answer(shownAlert(), "&Yes");
+            answerReplaceQuestion("&Yes");
         waitForResult();
         finish();
         const std::vector<std::string> arguments = createdArguments();
@@ -185,7 +185,7 @@ TEST_F(SaveTest, theModeAlertSaysWhatTheModesMean)
     openVideo();
     expectExport();
     saveByPanel(folder() + "out.mp4");
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     EXPECT_EQ(alert->text(), QStringLiteral("Fix Flag mode Available!"));
     EXPECT_EQ(alert->informativeText(),
         QStringLiteral("\n"
@@ -198,7 +198,7 @@ TEST_F(SaveTest, theModeAlertSaysWhatTheModesMean)
                        "which is compatible with all video players.\n"
                        "\n"));
     EXPECT_EQ(alert->informativeText().size(), 402);
-    EXPECT_EQ(alert->icon(), QMessageBox::Warning);
+    EXPECT_EQ(alert->alertStyle(), Alert::Style::Warning);
     ASSERT_EQ(alert->buttons().size(), 2);
     EXPECT_EQ(alert->buttons().at(0)->text(), QStringLiteral("Fix Flag"));
     EXPECT_EQ(alert->buttons().at(1)->text(), QStringLiteral("Transcode"));
@@ -244,7 +244,7 @@ TEST_F(SaveTest, theListIsThatOfTheOrientationWhenTheModeIsChosen)
     for (const auto& [mode, place, element] : cases) {
         SCOPED_TRACE(mode);
         saveByPanel(folder() + "out.mp4");
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         delegate().leftRotateBTNClicked(); // whatever way leads past the alert
         answer(alert, mode);
         finish();
@@ -280,7 +280,7 @@ TEST_F(SaveTest, withoutAFlaggableCodecThereIsNoChoice)
         openVideo();
         expectExport();
         saveByPanel(folder() + codec + ".mp4");
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         EXPECT_EQ(alert->text(), QStringLiteral("Video Processed Successfully!"));
         finish();
         EXPECT_EQ(createdArguments().at(2), "-pix_fmt");
@@ -318,7 +318,7 @@ TEST_F(SaveTest, anotherResponseToTheModeAlertLeavesNothingButALine)
     openVideo();
     expectExport();
     saveByPanel(folder() + "out.mp4");
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     testing::internal::CaptureStdout();
     alert->done(0); // as when a desktop closes it: no button was clicked
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Something is Wrong!\n");
@@ -337,7 +337,7 @@ TEST_F(SaveTest, theOrientationAndTheListArePrinted)
     press({"rotateRightBTN", "flipVerticallyBTN"});
     testing::internal::CaptureStdout();
     saveByPanel(folder() + "out.mp4");
-    QMessageBox* alert = shownAlert();
+    AlertDialog* alert = shownAlert();
     const std::string printed = testing::internal::GetCapturedStdout();
     answer(alert, "OK");
     EXPECT_EQ(printed,

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/Alert.h"
-
+#include "desktop/AlertDialog.h"
 #include "desktop/SheetQueue.h"
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/RealInput.h"
@@ -9,9 +8,9 @@
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
-#include <QMessageBox>
 #include <QPointer>
 #include <QProxyStyle>
+#include <QPushButton>
 #include <QWindow>
 
 #include <gtest/gtest.h>
@@ -46,7 +45,7 @@ protected:
     void show(const Alert& alert)
     {
         alert.beginSheetModal(m_window, m_sheets, [this](int response) { m_responses.push_back(response); });
-        m_box = m_window.findChild<QMessageBox*>();
+        m_box = m_window.findChild<AlertDialog*>();
         ASSERT_NE(m_box, nullptr);
         waitForKeyboard(*m_box);
     }
@@ -79,7 +78,7 @@ protected:
 
     ParentWindow m_window;
     SheetQueue m_sheets{m_window};
-    QPointer<QMessageBox> m_box;
+    QPointer<AlertDialog> m_box;
     std::vector<int> m_responses;
 };
 
@@ -89,10 +88,10 @@ TEST_F(AlertTest, showsItsTexts)
     alert.setMessageText(QStringLiteral("First line.\nSecond line?"));
     alert.setInformativeText(QStringLiteral("Contact : someone@example.org"));
     show(alert);
-    EXPECT_EQ(label("qt_msgbox_label").text(), QStringLiteral("First line.\nSecond line?"));
-    EXPECT_TRUE(label("qt_msgbox_label").isVisible());
-    EXPECT_EQ(label("qt_msgbox_informativelabel").text(), QStringLiteral("Contact : someone@example.org"));
-    EXPECT_TRUE(label("qt_msgbox_informativelabel").isVisible());
+    EXPECT_EQ(label("alertMessage").text(), QStringLiteral("First line.\nSecond line?"));
+    EXPECT_TRUE(label("alertMessage").isVisible());
+    EXPECT_EQ(label("alertInformation").text(), QStringLiteral("Contact : someone@example.org"));
+    EXPECT_TRUE(label("alertInformation").isVisible());
     EXPECT_EQ(m_box->windowTitle(), m_window.windowTitle());
 }
 
@@ -102,9 +101,33 @@ TEST_F(AlertTest, takesItsTextsLiterally)
     alert.setMessageText(QStringLiteral("<b>bold</b> & <i>slanted</i>"));
     alert.setInformativeText(QStringLiteral("Contact : <b>Help</b> <a href='x'>desk</a>"));
     show(alert);
-    for (const char* name : {"qt_msgbox_label", "qt_msgbox_informativelabel"}) {
+    for (const char* name : {"alertMessage", "alertInformation"}) {
         EXPECT_EQ(label(name).textFormat(), Qt::PlainText) << name;
     }
+}
+
+TEST_F(AlertTest, wrapsLongTextsAtAReadableWidthAndShowsThemInWhole)
+{
+    Alert alert = alertWithButtons(resultButtons());
+    alert.setInformativeText(QStringLiteral("twelve words of text ").repeated(40));
+    show(alert);
+    const QLabel& text = label("alertInformation");
+    EXPECT_LE(text.width(), 90 * text.fontMetrics().averageCharWidth());
+    EXPECT_GE(text.width(), 60 * text.fontMetrics().averageCharWidth());
+    const QRect room(0, 0, text.width(), QWIDGETSIZE_MAX);
+    EXPECT_GE(text.height(), text.fontMetrics().boundingRect(room, Qt::TextWordWrap, text.text()).height());
+    EXPECT_LE(text.geometry().bottom(), button(resultButtons().first()).geometry().top());
+}
+
+TEST_F(AlertTest, theTextsStandBesideTheIconHoweverWideTheButtonsAre)
+{
+    show(alertWithButtons({QStringLiteral("A button with a text much longer than the message"),
+        QStringLiteral("Another button with a long text")}));
+    const QRect icon = label("alertIcon").geometry();
+    const QRect text = label("alertMessage").geometry();
+    EXPECT_GT(text.left(), icon.right());
+    EXPECT_LT(text.left(), icon.left() + 2 * label("alertIcon").sizeHint().width());
+    EXPECT_EQ(text.top(), icon.top());
 }
 
 TEST_F(AlertTest, isAnAlertToAssistiveToolsAndSaysBothTexts)
@@ -117,7 +140,7 @@ TEST_F(AlertTest, isAnAlertToAssistiveToolsAndSaysBothTexts)
     EXPECT_EQ(access->role(), QAccessible::AlertMessage);
     EXPECT_EQ(access->text(QAccessible::Name), QStringLiteral("First line.\nSecond line?"));
     EXPECT_EQ(access->text(QAccessible::Description), QStringLiteral("Contact : someone@example.org"));
-    EXPECT_EQ(label("qt_msgboxex_icon_label").accessibleName(), QStringLiteral("Warning"));
+    EXPECT_EQ(label("alertIcon").accessibleName(), QStringLiteral("Warning"));
     for (const QString& text : modeButtons()) {
         access = QAccessible::queryAccessibleInterface(&button(text));
         EXPECT_EQ(access->role(), QAccessible::PushButton);
@@ -128,7 +151,7 @@ TEST_F(AlertTest, isAnAlertToAssistiveToolsAndSaysBothTexts)
 TEST_F(AlertTest, isAWarningWhereNoStyleIsSet)
 {
     show(alertWithButtons({}));
-    EXPECT_EQ(m_box->icon(), QMessageBox::Warning);
+    EXPECT_EQ(m_box->alertStyle(), Alert::Style::Warning);
 }
 
 TEST_F(AlertTest, showsTheIconOfItsStyle)
@@ -136,9 +159,9 @@ TEST_F(AlertTest, showsTheIconOfItsStyle)
     Alert alert = alertWithButtons({});
     alert.setStyle(Alert::Style::Informational);
     show(alert);
-    EXPECT_EQ(m_box->icon(), QMessageBox::Information);
-    EXPECT_EQ(label("qt_msgboxex_icon_label").accessibleName(), QStringLiteral("Information"));
-    EXPECT_FALSE(label("qt_msgboxex_icon_label").pixmap(Qt::ReturnByValue).isNull());
+    EXPECT_EQ(m_box->alertStyle(), Alert::Style::Informational);
+    EXPECT_EQ(label("alertIcon").accessibleName(), QStringLiteral("Information"));
+    EXPECT_FALSE(label("alertIcon").pixmap(Qt::ReturnByValue).isNull());
 }
 
 TEST_F(AlertTest, showsTwoButtonsInTheOrderInWhichTheyWereAdded)
@@ -268,7 +291,7 @@ TEST_F(AlertTest, blocksItsWindowUntilItIsAnswered)
 TEST_F(AlertTest, needsNoHandler)
 {
     alertWithButtons({}).beginSheetModal(m_window, m_sheets);
-    const QPointer box = m_window.findChild<QMessageBox*>();
+    const QPointer box = m_window.findChild<AlertDialog*>();
     ASSERT_FALSE(box.isNull());
     waitForKeyboard(*box);
     realKeys("Return");
@@ -282,7 +305,7 @@ TEST_F(AlertTest, waitsForTheSheetBeforeIt)
     alertWithButtons(modeButtons()).beginSheetModal(m_window, m_sheets, [this](int response) {
         m_responses.push_back(response);
     });
-    const auto boxes = m_window.findChildren<QMessageBox*>();
+    const auto boxes = m_window.findChildren<AlertDialog*>();
     ASSERT_EQ(boxes.size(), 2);
     EXPECT_FALSE(boxes.last()->isVisible());
     realKeys("Return");
@@ -293,7 +316,7 @@ TEST_F(AlertTest, isNotAnsweredWhenItIsDestroyed)
 {
     show(alertWithButtons(modeButtons()));
     delete m_box.data();
-    EXPECT_TRUE(m_responses.empty()) << "nobody pressed a button";
+    EXPECT_TRUE(m_responses.empty()) << "no button was pressed";
     EXPECT_FALSE(m_sheets.isBusy());
 }
 

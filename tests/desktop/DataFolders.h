@@ -20,19 +20,32 @@ public:
     QProcessEnvironment environment() const
     {
         auto variables = QProcessEnvironment::systemEnvironment();
-        variables.insert(QStringLiteral("XDG_DATA_HOME"), QString::fromStdString(m_folder.path() + "user"));
-        variables.insert(QStringLiteral("XDG_DATA_DIRS"), QString::fromStdString(m_folder.path() + "system"));
+        variables.insert(QStringLiteral("XDG_DATA_HOME"), QString::fromStdString(userFolder()));
+        variables.insert(QStringLiteral("XDG_DATA_DIRS"), QString::fromStdString(systemFolder()));
         return variables;
     }
 
+    /// For this process, where it has not used GIO yet: GIO reads the variables once.
+    void setEnvironment() const
+    {
+        qputenv("XDG_DATA_HOME", QByteArray::fromStdString(userFolder()));
+        qputenv("XDG_DATA_DIRS", QByteArray::fromStdString(systemFolder()));
+    }
+
     /// Adds an entry; `keys` are the lines of its main group, and of the groups after it.
-    void addUserEntry(const std::string& id, const std::string& keys) const { add("user/", id, keys); }
-    void addSystemEntry(const std::string& id, const std::string& keys) const { add("system/", id, keys); }
+    void addUserEntry(const std::string& id, const std::string& keys) const { add(userFolder(), id, keys); }
+    void addSystemEntry(const std::string& id, const std::string& keys) const
+    {
+        add(systemFolder(), id, keys);
+    }
 
 private:
-    void add(const std::string& where, const std::string& id, const std::string& keys) const
+    std::string userFolder() const { return m_folder.path() + "user"; }
+    std::string systemFolder() const { return m_folder.path() + "system"; }
+
+    static void add(const std::string& folder, const std::string& id, const std::string& keys)
     {
-        const std::filesystem::path path = m_folder.path() + where + "applications/" + id;
+        const std::filesystem::path path = folder + "/applications/" + id;
         std::filesystem::create_directories(path.parent_path());
         writeFile(path, "[Desktop Entry]\nType=Application\n" + keys);
     }

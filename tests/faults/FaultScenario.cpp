@@ -48,7 +48,7 @@ protected:
     std::string answered(const char* button)
     {
         countCalls(false);
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         const std::string text = alert->text().toStdString();
         countCalls(true);
         answer(alert, button);
@@ -81,7 +81,7 @@ protected:
         countCalls(false);
         ASSERT_TRUE(waitUntil([this] { return isAlertShown(); }));
         countCalls(true);
-        QMessageBox* question = shownAlert();
+        AlertDialog* question = shownAlert();
         answer(question, "Transcode");
         ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
         tell(answered("OK"));

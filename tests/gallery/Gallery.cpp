@@ -216,7 +216,7 @@ TEST_P(Gallery, anExportFromTheQuestionToTheResult)
     const std::string goOn = folder() + "go-on";
     tools().setCreator("error time=00:00:03.00 \\n\nwait-for " + goOn + "\ncopy " + folder() + "scene.png\n");
     saveByPanel(folder() + name);
-    QMessageBox* question = shownAlert();
+    AlertDialog* question = shownAlert();
     show("question");
     answer(question, "Transcode");
     ASSERT_TRUE(

@@ -81,7 +81,7 @@ protected:
     {
         saveByPanel(output());
         answer(shownAlert(), round % 4 < 2 ? "Transcode" : "Fix Flag");
-        QMessageBox* result = shownAlert();
+        AlertDialog* result = shownAlert();
         ASSERT_TRUE(result->text().startsWith(QStringLiteral("Video "))) << result->text().toStdString();
         answer(result, "OK");
         ASSERT_GT(std::filesystem::file_size(output()), 0U);

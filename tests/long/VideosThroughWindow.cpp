@@ -87,7 +87,7 @@ protected:
     }
 
     /// Waits as long as the time limit of the process allows, which is longer than that of other waits.
-    QMessageBox* waitForAlert()
+    AlertDialog* waitForAlert()
     {
         while (!isAlertShown())
             QTest::qWait(10);

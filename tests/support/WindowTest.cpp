@@ -13,6 +13,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
@@ -39,11 +40,43 @@ Dialog* shownDialog()
 }
 
 /// The buttons of a new box have no size before its first layout, and a click would miss them.
-bool isLaidOut(const QMessageBox& box)
+template <typename Dialog>
+bool isLaidOut(const Dialog& dialog)
 {
-    const auto buttons = box.buttons();
+    const auto buttons = dialog.buttons();
     return std::none_of(
         buttons.begin(), buttons.end(), [](const auto* button) { return button->size().isEmpty(); });
+}
+
+/// Waits until a dialog of that type is on the screen and has the keyboard.
+template <typename Dialog>
+Dialog* waitForDialog(const char* awaited, CallSite site)
+{
+    Dialog* dialog = nullptr;
+    const auto isThere = [&dialog] {
+        dialog = shownDialog<Dialog>();
+        return dialog != nullptr && isLaidOut(*dialog);
+    };
+    waitFor(awaited, isThere, site);
+    waitForKeyboard(*dialog, site);
+    return dialog;
+}
+
+/// Clicks the button with that text and waits until the dialog is closed.
+template <typename Dialog>
+void clickButton(Dialog& dialog, const char* buttonText, CallSite site)
+{
+    const auto buttons = dialog.buttons();
+    const auto button = std::find_if(buttons.begin(), buttons.end(),
+        [&](const auto* each) { return each->text() == QString::fromLatin1(buttonText); });
+    if (button == buttons.end())
+        failTest(
+            "no button “" + std::string(buttonText) + "” in the alert “" + dialog.text().toStdString() + "”",
+            site);
+    const QPointer<Dialog> answered = &dialog;
+    QTest::mouseClick(*button, Qt::LeftButton);
+    waitFor(
+        "the end of the alert", [&answered] { return answered.isNull() || !answered->isVisible(); }, site);
 }
 
 constexpr const char* temporaryFolderVariable = "TMPDIR";
@@ -121,36 +154,24 @@ void WindowTest::clickToolBar(const char* actionName, CallSite site)
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
-QMessageBox* WindowTest::shownAlert(CallSite site)
+AlertDialog* WindowTest::shownAlert(CallSite site)
 {
-    QMessageBox* alert = nullptr;
-    const auto isThere = [&alert] {
-        alert = shownDialog<QMessageBox>();
-        return alert != nullptr && isLaidOut(*alert);
-    };
-    waitFor("an alert", isThere, site);
-    waitForKeyboard(*alert, site);
-    return alert;
+    return waitForDialog<AlertDialog>("an alert", site);
 }
 
 bool WindowTest::isAlertShown()
 {
-    return shownDialog<QMessageBox>() != nullptr;
+    return shownDialog<AlertDialog>() != nullptr || shownDialog<QMessageBox>() != nullptr;
 }
 
-void WindowTest::answer(QMessageBox* alert, const char* buttonText, CallSite site)
+void WindowTest::answer(AlertDialog* alert, const char* buttonText, CallSite site)
 {
-    const auto buttons = alert->buttons();
-    const auto button = std::find_if(buttons.begin(), buttons.end(),
-        [&](const auto* each) { return each->text() == QString::fromLatin1(buttonText); });
-    if (button == buttons.end())
-        failTest(
-            "no button “" + std::string(buttonText) + "” in the alert “" + alert->text().toStdString() + "”",
-            site);
-    const QPointer<QMessageBox> answered = alert;
-    QTest::mouseClick(*button, Qt::LeftButton);
-    waitFor(
-        "the end of the alert", [&answered] { return answered.isNull() || !answered->isVisible(); }, site);
+    clickButton(*alert, buttonText, site);
+}
+
+void WindowTest::answerReplaceQuestion(const char* buttonText, CallSite site)
+{
+    clickButton(*waitForDialog<QMessageBox>("a question about replacing the file", site), buttonText, site);
 }
 
 bool WindowTest::isProgressShown()

@@ -2,13 +2,13 @@
 #pragma once
 
 #include "app/Application.h"
+#include "desktop/AlertDialog.h"
 #include "platform/TemporaryDirectory.h"
 #include "platform/ToolContext.h"
 #include "tests/support/Keyboard.h"
 #include "tests/support/Waiting.h"
 
 #include <QByteArray>
-#include <QMessageBox>
 #include <QString>
 
 #include <gtest/gtest.h>
@@ -85,11 +85,13 @@ protected:
     void clickToolBar(const char* actionName, CallSite site = {});
 
     /// Waits for an alert that has the keyboard. Never null.
-    QMessageBox* shownAlert(CallSite site = {});
-    /// Whether an alert is on the screen now.
+    AlertDialog* shownAlert(CallSite site = {});
+    /// Whether an alert, or a question of a file panel, is on the screen now.
     bool isAlertShown();
     /// Clicks the button with that text and waits until the alert is closed.
-    void answer(QMessageBox* alert, const char* buttonText, CallSite site = {});
+    void answer(AlertDialog* alert, const char* buttonText, CallSite site = {});
+    /// The same for the question of a save panel about replacing the file, for which it waits.
+    void answerReplaceQuestion(const char* buttonText, CallSite site = {});
 
     bool isProgressShown();
 

@@ -71,7 +71,7 @@ protected:
 
     void clickButton(const char* text)
     {
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         for (QAbstractButton* button : alert->buttons()) {
             if (button->text() == QString::fromLatin1(text)) {
                 realClick(*button);

@@ -2,7 +2,7 @@
 #include "app/Interface.h"
 
 #include "app/AppDelegate.h"
-#include "desktop/FocusRing.h"
+#include "desktop/FocusRingStyle.h"
 #include "desktop/InputBlocker.h"
 #include "desktop/SymbolIcon.h"
 #include "ui_HelpSheet.h"
@@ -41,6 +41,7 @@ Interface::Interface()
     , m_progress(std::make_unique<Ui::ProgressSheet>())
     , m_help(std::make_unique<Ui::HelpSheet>())
 {
+    FocusRingStyle::install();
     setUpWindow();
     setUpToolBar();
     setUpSheets();
@@ -72,10 +73,8 @@ void Interface::setUpToolBar()
     stretch->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_main->toolBar->insertWidget(m_main->helpBTN, stretch);
     // A click does not move the keyboard focus.
-    for (QToolButton* button : m_main->toolBar->findChildren<QToolButton*>()) {
+    for (QToolButton* button : m_main->toolBar->findChildren<QToolButton*>())
         button->setFocusPolicy(Qt::TabFocus);
-        new FocusRing(*button);
-    }
     // With a large font the toolbar can need more than the window's minimum width.
     m_window.setMinimumWidth(std::max(m_window.minimumWidth(), m_main->toolBar->sizeHint().width()));
 }
@@ -87,8 +86,6 @@ void Interface::setUpSheets()
     m_progressWindow.setDescribingLabel(m_progress->progressTitle);
     m_help->setupUi(&m_helpWindow);
     m_helpWindow.setEscapeButton(m_help->helpOK);
-    for (QPushButton* button : {m_progress->progressCancel, m_help->helpOK})
-        new FocusRing(*button);
     // A window that is blocked by its sheet gets no shortcuts; Quit must work during an export.
     m_sheets.addActionOfEverySheet(m_main->quitMenuBTN);
 }

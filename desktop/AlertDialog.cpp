@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/AlertDialog.h"
 
-#include "desktop/FocusRing.h"
-
 #include <QAccessibleWidget>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -125,7 +123,6 @@ void AlertDialog::addButton(const QString& text)
     auto* button = new QPushButton(text, this);
     const int response = Alert::firstButtonResponse + static_cast<int>(m_buttons.size());
     connect(button, &QPushButton::clicked, this, [this, response] { done(response); });
-    new FocusRing(*button);
     if (text == okText())
         setEscapeButton(button);
     m_buttons.append(button);

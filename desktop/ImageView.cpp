@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/ImageView.h"
 
-#include "desktop/FocusRing.h"
 #include "desktop/SymbolIcon.h"
 
 #include <QAccessibleWidget>
@@ -10,6 +9,7 @@
 #include <QPainter>
 #include <QPalette>
 #include <QPen>
+#include <QStyleOptionFocusRect>
 
 #include <algorithm>
 #include <cmath>
@@ -92,7 +92,6 @@ ImageView::ImageView(QWidget* parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setMouseTracking(true);
     setFocusPolicy(Qt::TabFocus);
-    new FocusRing(*this);
 }
 
 void ImageView::setImage(const QImage& image)
@@ -187,6 +186,11 @@ void ImageView::paintEvent(QPaintEvent* /*event*/)
         paintPicture(painter);
     if (m_isHighlighted)
         paintHighlight(painter);
+    if (hasFocus()) {
+        QStyleOptionFocusRect option;
+        option.initFrom(this);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+    }
 }
 
 void ImageView::paintHighlight(QPainter& painter) const

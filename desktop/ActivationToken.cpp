@@ -32,7 +32,7 @@ QString textIn(const QVariantMap& map, const QString& key)
     return value.userType() == QMetaType::QString ? value.toString() : QString();
 }
 
-/// A window that is blocked would get the keyboard and have no use for it.
+/// A blocked window ignores keys, so its sheet gets the focus.
 QWidget& receiverOfKeys(QWidget& window)
 {
     QWidget* sheet = QApplication::activeModalWidget();
@@ -69,7 +69,7 @@ void activate(QWidget& window, const ActivationToken& token)
     const QString& startupId = token.startupId.isEmpty() ? token.token : token.startupId;
     if (startupId.isEmpty() || activateOnX11(*receiver.windowHandle(), startupId) || token.token.isEmpty())
         return;
-    // Where there is no X server this is the way to hand a token to Qt, which uses it at once.
+    // On Wayland, Qt reads the token of an activation from this variable.
     qputenv(tokenVariable, token.token.toLocal8Bit());
     receiver.activateWindow();
     qunsetenv(tokenVariable);

@@ -9,25 +9,26 @@ class QWidget;
 namespace tarnwell
 {
 
-/// What a desktop hands over with a start that its user asked for. Desktops let a window come forward where
-/// the program shows that the user wants it, and otherwise only let it ask for attention. A text is empty
-/// where the desktop handed nothing over.
+/// What a desktop passes to a program that the user starts. With it the desktop lets a window come to the
+/// front; without it the window may only ask for attention. A text is empty where the desktop passed nothing.
 struct ActivationToken {
     QString token = {}; // of Wayland, and of later X11 desktops
-    QString startupId = {}; // of X11; its end may say when the user acted
+    QString startupId = {}; // of X11; may end with the time of the user's action
 
-    /// What this process was started with. To be called before there is a QApplication, which uses it up.
+    /// The token in this process's environment. Call it before QApplication is constructed, which removes the
+    /// variables.
     static ActivationToken fromEnvironment();
 
-    /// What a call of org.freedesktop.Application carries. Whatever is no text counts as empty.
+    /// The token in the platform data of an org.freedesktop.Application call. A value of another type counts
+    /// as empty.
     static ActivationToken fromPlatformData(const QVariantMap& platformData);
     QVariantMap platformData() const;
 
     bool operator==(const ActivationToken&) const = default;
 };
 
-/// Brings the window, or the sheet that blocks it, to the front with the keyboard, as far as the desktop
-/// accepts the token; without one nothing happens.
+/// Asks the desktop to bring the window, or the sheet that blocks it, to the front with the keyboard focus.
+/// Does nothing where the token is empty.
 void activate(QWidget& window, const ActivationToken& token);
 
 } // namespace tarnwell

@@ -49,12 +49,12 @@ QColor mixed(const QPalette& palette, qreal textShare)
         blend(under.red(), over.red()), blend(under.green(), over.green()), blend(under.blue(), over.blue()));
 }
 
-/// The same picture, without a copy, seen through as few of its lines as leave two for each line of the
-/// height that it is scaled to: reading more of a large picture costs time and shows nothing.
+/// A view of the same pixels, without a copy, that skips lines: it keeps at least two for each line of the
+/// target height. Scaling a large picture from all of its lines is slower and looks the same.
 QImage everyOtherLine(const QImage& picture, int targetHeight)
 {
     const int step = std::max(1, picture.height() / std::max(1, targetHeight) / 2);
-    if (step == 1 || picture.colorCount() > 0) // colours of a table do not come along
+    if (step == 1 || picture.colorCount() > 0) // the view has no colour table
         return picture;
     return QImage(picture.constBits(), picture.width(), picture.height() / step,
         picture.bytesPerLine() * step, picture.format());
@@ -74,7 +74,7 @@ void drawCentred(
     painter.drawText(rect, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
 }
 
-// Qt takes a widget of its users' own for a mere container.
+// Qt's accessible role of a custom widget is a container.
 QAccessibleInterface* accessToImageView(const QString& className, QObject* object)
 {
     auto* view
@@ -88,7 +88,7 @@ ImageView::ImageView(QWidget* parent)
     : QWidget(parent)
     , m_emptySymbol(symbolIcon(QStringLiteral(":/symbols/video.svg")))
 {
-    QAccessible::installFactory(accessToImageView); // does nothing for one that is there
+    QAccessible::installFactory(accessToImageView); // Qt ignores a second installation
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setMouseTracking(true);
     setFocusPolicy(Qt::TabFocus);
@@ -115,7 +115,7 @@ void ImageView::describe()
         = m_image.isNull() ? QStringList{m_emptyTitle, m_emptyHint} : QStringList{m_imageName, m_imageState};
     words.removeAll(QString());
     const QString description = words.join(QStringLiteral(", "));
-    if (description != accessibleDescription()) // a screen reader would say the same again
+    if (description != accessibleDescription()) // each change makes a screen reader speak
         setAccessibleDescription(description);
 }
 
@@ -158,7 +158,7 @@ bool ImageView::event(QEvent* event)
         break;
     case QEvent::DragLeave:
     case QEvent::Drop:
-    case QEvent::MouseMove: // nothing is dragged any more, though nobody may have said so
+    case QEvent::MouseMove: // the drag has ended, and not every drag source reports that
     case QEvent::WindowBlocked:
         setHighlighted(false);
         break;
@@ -221,7 +221,7 @@ QSize ImageView::fittedDeviceSize(QSizeF available) const
     const QSize own = m_image.size();
     if (own.width() <= room.width() && own.height() <= room.height())
         return own;
-    // A very long, thin picture would lose its short side altogether.
+    // The short side of a very long picture must not become 0.
     return own.scaled(room, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
 }
 
@@ -241,7 +241,7 @@ void ImageView::paintPicture(QPainter& painter)
     if (area.isEmpty())
         return;
     refreshScaled(fittedDeviceSize(area.size()));
-    // Whole device pixels, or the picture would be blurred by half a pixel.
+    // Aligned to device pixels; half a pixel would blur the picture.
     const qreal ratio = m_scaled.devicePixelRatio();
     const QSizeF spare = QSizeF(area.size()) * ratio - QSizeF(m_scaled.size());
     const QPointF corner = QPointF(area.topLeft()) * ratio + QPointF(spare.width(), spare.height()) / 2;

@@ -10,9 +10,9 @@
 namespace tarnwell
 {
 
-/// Shows one picture, centred and never larger than its own pixels, or an invitation while there is none.
-/// Assistive tools hear what is to be seen: the invitation, or the name and the state that were set for the
-/// picture. Takes the keyboard by the Tab key, so that they have something to stop at.
+/// Shows one picture, centred and not enlarged, or an invitation while there is none. The accessible
+/// description is the invitation, or the name and state that were set for the picture. The Tab key reaches
+/// the view, so that screen readers read it.
 class ImageView : public QWidget
 {
     Q_OBJECT
@@ -22,14 +22,14 @@ class ImageView : public QWidget
 public:
     explicit ImageView(QWidget* parent = nullptr);
 
-    /// A null image brings back the empty state.
+    /// A null image restores the empty state.
     void setImage(const QImage& image);
 
-    /// What the picture is of and in which state it is shown, in words for those who cannot see it.
+    /// The accessible description of the picture: its file name and its orientation in words.
     void setImageWords(const QString& name, const QString& state);
     QString imageName() const { return m_imageName; }
 
-    /// The very image that was set, not the scaled one on screen; null in the empty state.
+    /// The image as it was set, not scaled; null in the empty state.
     QImage image() const { return m_image; }
 
     QString emptyTitle() const { return m_emptyTitle; }
@@ -41,7 +41,7 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-    /// Whether it shows that what hovers over it can be dropped here.
+    /// Whether the view is highlighted as the target of the current drag.
     bool isHighlighted() const { return m_isHighlighted; }
 
 protected:

@@ -6,8 +6,9 @@
 namespace tarnwell
 {
 
-/// While one lives, the program takes no input: keys, clicks, drags, drops and requests to close a window are
-/// dropped, not kept for later. Painting, timers and the like go on. Main thread.
+/// Drops all input of the program while an object of this class exists: keys, clicks, drags, drops and
+/// requests to close a window. Painting and timers go on. Qt's modal dialogs do not do this: they block other
+/// windows but not themselves, and QEventLoop::ExcludeUserInputEvents delivers the input later. Main thread.
 class InputBlocker : public QObject
 {
     Q_OBJECT
@@ -16,7 +17,7 @@ public:
     InputBlocker();
     ~InputBlocker() override;
 
-    /// Whether one lives.
+    /// Whether an object of this class exists.
     static bool isActive();
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -6,14 +6,16 @@ class QProgressBar;
 namespace tarnwell
 {
 
-/// Shows that work goes on, without saying how much of it is left.
+// QProgressBar has no indeterminate mode of its own: an empty range means it, and NaN and values out of range
+// must not reach its integers.
+
+/// Shows that work is in progress, without a percentage.
 void setIndeterminate(QProgressBar& bar);
 
-/// Shows how much is done, from 0 to 100 percent; nothing for now.
+/// Shows a percentage from 0 to 100, starting at 0.
 void setDeterminate(QProgressBar& bar);
 
-/// Shows `percent` of the work as done. The bar shows what it can: 0 for less and for what is not a number,
-/// 100 for more.
+/// Shows a percentage, rounded down. Values below 0 and NaN show as 0, values above 100 as 100.
 void setProgress(QProgressBar& bar, double percent);
 
 } // namespace tarnwell

@@ -34,7 +34,7 @@ void Sheet::showEvent(QShowEvent* event)
 
 void Sheet::reject()
 {
-    // A hidden or disabled button is not pressed by click() either.
+    // click() ignores a disabled button, but not a hidden one.
     if (m_escapeButton && m_escapeButton->isVisible())
         m_escapeButton->click();
 }

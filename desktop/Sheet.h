@@ -10,8 +10,8 @@ class QLabel;
 namespace tarnwell
 {
 
-/// A dialog that belongs to a window and blocks it and nothing else. It ends only when its owner ends it:
-/// Escape and a request to close it press its escape button, where it has one that can be pressed.
+/// A dialog that blocks its window only. Escape and a request to close it click its escape button; where that
+/// is absent, hidden or disabled, they do nothing.
 class Sheet : public QDialog
 {
     Q_OBJECT
@@ -19,11 +19,12 @@ class Sheet : public QDialog
 public:
     explicit Sheet(QWidget* window);
 
-    /// Not owned; part of the sheet.
+    /// `button` is a child of the sheet.
     void setEscapeButton(QAbstractButton* button);
 
-    /// What the label says when the sheet comes up is the sheet's description to assistive tools, and the
-    /// label's own, whose text they do not get where it has a name. Not owned; part of the sheet.
+    /// The text that the label, a child of the sheet, has when the sheet is shown becomes the accessible
+    /// description of the sheet and of the label. Assistive tools do not read the text of a label that has an
+    /// accessible name.
     void setDescribingLabel(QLabel* label);
 
     void reject() override;

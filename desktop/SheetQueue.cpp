@@ -42,8 +42,8 @@ void SheetQueue::addActionOfEverySheet(QAction* action)
     m_actions.append(action);
 }
 
-// Qt refuses a drag that comes to a blocked window, but lets one drop that hovered there before the sheet
-// came.
+// Qt refuses a drag that enters a blocked window, but accepts the drop of one that entered before the sheet
+// was shown.
 bool SheetQueue::eventFilter(QObject* watched, QEvent* event)
 {
     if (m_entries.empty() || (event->type() != QEvent::DragEnter && event->type() != QEvent::Drop))
@@ -70,7 +70,7 @@ void SheetQueue::begin(QDialog* sheet, Completion completion)
 void SheetQueue::end(QDialog* sheet)
 {
     if (sheet->isVisible())
-        sheet->done(QDialog::Accepted); // reaches remove by way of finished
+        sheet->done(QDialog::Accepted); // the signal finished calls remove
     else
         remove(sheet, QDialog::Accepted);
 }
@@ -81,7 +81,7 @@ void SheetQueue::waitUntilPainted(QDialog* sheet)
         return;
     const InputBlocker blocker;
     const QDeadlineTimer deadline(longestWaitForScreen);
-    QTimer wakeUp; // so that waiting for events ends even where none comes
+    QTimer wakeUp; // ends WaitForMoreEvents where no event arrives
     wakeUp.start(exposureCheckInterval);
     while (!isOnScreen(*sheet) && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
@@ -107,7 +107,7 @@ void SheetQueue::remove(QDialog* sheet, int result)
         completion(result);
 }
 
-// The sheet is only an address by now, and its completion would look at it.
+// The sheet is destroyed, so its completion, which may use it, is not called.
 void SheetQueue::forget(const QDialog* sheet)
 {
     const auto entry = find(sheet);

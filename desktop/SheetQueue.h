@@ -14,34 +14,34 @@ class QWidget;
 namespace tarnwell
 {
 
-/// The sheets of one window. One is shown at a time; a sheet begun while another is up waits, and appears
-/// when the ones before it have ended. While there is one, nothing can be dropped on the window. Main thread.
+/// The sheets of one window. One is shown at a time; a sheet begun while another is shown appears when the
+/// sheets before it have ended. While the queue is not empty, the window refuses drops. Main thread.
 class SheetQueue : public QObject
 {
     Q_OBJECT
 
 public:
-    /// What a sheet's end calls: QDialog's own result.
+    /// Called at the end of a sheet with the result of the QDialog.
     using Completion = std::function<void(int result)>;
 
     /// `window` must outlive the queue.
     explicit SheetQueue(QWidget& window);
 
-    /// Adds an action whose shortcut works in every sheet too.
+    /// Makes the shortcut of the action work in every sheet as well.
     void addActionOfEverySheet(QAction* action);
 
     /// Whether a sheet is shown or waits.
     bool isBusy() const { return !m_entries.empty(); }
 
-    /// Shows the sheet, now or in its turn. Not owned; a sheet that is destroyed leaves the queue. A sheet
-    /// that is in the queue already stays where it is.
+    /// Appends the sheet, which stays the caller's. A sheet that is destroyed leaves the queue without
+    /// completion. Does nothing for a sheet that is in the queue.
     void begin(QDialog* sheet, Completion completion = {});
 
     /// Ends the sheet, shown or waiting.
     void end(QDialog* sheet);
 
-    /// Returns once the sheet is on the screen, painted; at once where another one is up. Takes no input
-    /// meanwhile, and gives up after a second where no screen shows anything.
+    /// Returns when the sheet is painted on the screen, or at once where the sheet is not shown yet. Drops
+    /// input meanwhile. Gives up after a second, for screens that show nothing.
     void waitUntilPainted(QDialog* sheet);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

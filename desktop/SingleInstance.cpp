@@ -50,7 +50,7 @@ SingleInstance::Role SingleInstance::claim(const ActivationToken& token)
     bus.registerObject(objectPath(), this, QDBusConnection::ExportAllSlots);
     if (bus.registerService(serviceName()))
         return Role::First;
-    // An owner that does not answer, or is no instance of this program, must not keep the user from working.
+    // An owner that does not reply, or is another program, must not prevent the start.
     return activateOwner(bus, token) ? Role::Later : Role::First;
 }
 

@@ -10,9 +10,8 @@
 namespace tarnwell
 {
 
-/// Keeps one instance of the program per session. The first one owns a name on the session bus; a later one
-/// asks it to come forward and has nothing else to do. Without a bus every instance is the first. Main
-/// thread.
+/// Keeps one instance of the program per session. The first instance owns a name on the session bus; a later
+/// one asks it to show its window and then exits. Without a bus every instance is the first. Main thread.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -21,18 +20,18 @@ class SingleInstance : public QObject
 public:
     enum class Role { First, Later };
 
-    /// Receives what a later start carries that lets a window come forward.
+    /// Receives the activation token of a later instance.
     using Reopen = std::function<void(const ActivationToken& token)>;
 
-    /// `reopen` is called whenever a later instance was started.
+    /// `reopen` is called at each start of a later instance.
     explicit SingleInstance(Reopen reopen);
 
-    /// Takes the name, or asks its owner to come forward and waits until that has answered. The owner gets
-    /// the token that this instance was started with.
+    /// Acquires the name, or passes `token` to its owner and waits for the reply. An owner that does not
+    /// reply within two seconds does not count.
     Role claim(const ActivationToken& token = {});
 
 public Q_SLOTS:
-    // The calls that the bus carries; the names and signatures are the interface's.
+    // D-Bus methods; names and signatures are those of org.freedesktop.Application.
     void Activate(const QVariantMap& platformData);
     void Open(const QStringList& uris, const QVariantMap& platformData);
     void ActivateAction(const QString& name, const QVariantList& parameter, const QVariantMap& platformData);

@@ -34,8 +34,8 @@ QPixmap renderTinted(const QString& svgPath, QSize deviceSize, const QColor& tin
     return pixmap;
 }
 
-/// Draws one symbol at whatever size, pixel ratio and mode it is asked for. Rendered pixmaps are shared
-/// through QPixmapCache under a key that holds the tint, so a new palette never meets an old pixmap.
+/// Draws one symbol at any size, pixel ratio and mode. The key of a rendered pixmap in QPixmapCache contains
+/// its colour, so a new palette does not find pixmaps of the old one.
 class SymbolIconEngine final : public QIconEngine
 {
 public:

@@ -7,8 +7,9 @@
 namespace tarnwell
 {
 
-/// An icon drawn from a one-colour SVG and tinted with the application palette, now and after every later
-/// change of that palette. Only the SVG's opacity counts; its own colours are replaced.
+/// An icon drawn from a one-colour SVG in the colours of the application palette, so that it is legible in
+/// light, dark and high-contrast themes and follows a change of theme; Qt's own SVG icons keep the file's
+/// colours. Only the SVG's opacity is used.
 QIcon symbolIcon(const QString& svgResourcePath);
 
 } // namespace tarnwell

@@ -33,11 +33,11 @@ QUrl folderOf(const FileURL& file)
     return urlOf(FileURL(path.substr(0, path.rfind('/') + 1)));
 }
 
-/// Sends a call on the session bus and does `otherwise` where it fails, be it that there is no bus.
+/// Sends a call on the session bus. Runs `otherwise` where the call fails or there is no bus.
 void callOr(const QDBusMessage& call, const std::function<void()>& otherwise)
 {
     const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) { // a call that was never made is never answered either
+    if (!bus.isConnected()) { // the watcher of a call that was not sent never finishes
         otherwise();
         return;
     }
@@ -59,8 +59,8 @@ QDBusMessage showItemsCall(const FileURL& file)
     return call;
 }
 
-/// The portal opens the folder of a file that it is given as a descriptor, and selects the file. The message
-/// keeps a duplicate of the descriptor.
+/// Asks the portal to open the folder of the file and to select the file. The message duplicates the
+/// descriptor.
 QDBusMessage portalCall(int descriptor)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"),
@@ -79,7 +79,7 @@ void openFolderOf(const FileURL& file)
 void selectThroughThePortal(const FileURL& file)
 {
     const int descriptor = ::open(file.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0) { // Qt's bus thread can crash over a message whose descriptor is none
+    if (descriptor < 0) { // Qt can crash when it sends an invalid descriptor
         openFolderOf(file);
         return;
     }

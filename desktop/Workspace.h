@@ -8,13 +8,13 @@
 namespace tarnwell
 {
 
-// Requests to the desktop. They return at once, and what becomes of them is not examined.
+// Requests to the desktop. They do not wait for the application, and their outcome is not reported.
 
-/// Shows the file, selected, in the desktop's file viewer; where there is none that can select, its folder.
+/// Shows the file, selected, in the file manager; opens its folder where no file manager can select.
 void activateFileViewerSelecting(const FileURL& file);
 
-/// Opens the file with the application that the desktop knows by that name; where there is none, with the
-/// application that the user has set for files of its kind.
+/// Opens the file with the installed application of that name; where there is none or it cannot be started,
+/// with the default application for files of its type.
 void openFileWithApplication(const FileURL& file, const QString& applicationName);
 
 } // namespace tarnwell

@@ -68,7 +68,7 @@ void askForKeyboard(
         connection, root, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, message);
 }
 
-/// A value of a startup message, in which some characters part the values.
+/// A value of a startup message, quoted and escaped.
 QByteArray quoted(const QString& value)
 {
     QByteArray text = value.toUtf8();
@@ -77,7 +77,8 @@ QByteArray quoted(const QString& value)
     return '"' + text + '"';
 }
 
-/// Goes out in pieces of the size that an event can carry, the closing null byte with them.
+/// Sends the message with its final NUL in events of 20 bytes each, as the startup notification protocol
+/// requires.
 void endStartupNotice(
     xcb_connection_t* connection, xcb_window_t root, xcb_window_t window, const QString& startupId)
 {

@@ -11,13 +11,15 @@ class QWindow;
 namespace tarnwell
 {
 
-/// The X server's time, in milliseconds, at which the user acted: the number after the last "_TIME" of a
-/// startup id. Absent where the id does not say, or says 0, which would mean "now" and so any time.
+// Qt does not use a startup id that arrives over D-Bus. Without this code a second start of the program
+// leaves the first one's window behind other windows on X11 desktops that prevent focus stealing.
+
+/// The X server time of the user's action in milliseconds: the number after the last "_TIME" of a startup id.
+/// Absent where the id has none, or 0, which means the current time.
 std::optional<std::uint32_t> userTimeOf(const QString& startupId);
 
-/// Asks the window manager to give the window the keyboard, on the grounds of the user's action that the
-/// startup id stands for, and ends the desktop's notice that the program is starting. False, and nothing
-/// done, where the program's windows are not on an X server.
+/// Asks the window manager to activate the window (_NET_ACTIVE_WINDOW) with the time of the startup id, and
+/// ends the desktop's startup notification. Does nothing and returns false where Qt does not run on X11.
 bool activateOnX11(const QWindow& window, const QString& startupId);
 
 } // namespace tarnwell

@@ -195,7 +195,7 @@ TEST(ReportTest, bytesThatAreNoTextComeBackAsTheyAre)
 TEST(ReportTest, aReportWithANulByteComesBackAsItIs)
 {
     const std::string whole = report({video(quarterTurnRight)}).dump();
-    for (const std::string rest : {std::string(1, '\0'), std::string("\0{}", 3)})
+    for (const std::string& rest : {std::string(1, '\0'), std::string("\0{}", 3)})
         EXPECT_EQ(withTrueRotation(whole + rest), whole + rest);
 }
 

@@ -2,6 +2,7 @@
 #include "desktop/SheetQueue.h"
 
 #include "desktop/Alert.h"
+#include "desktop/AlertDialog.h"
 #include "desktop/Sheet.h"
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/DragSource.h"
@@ -13,7 +14,6 @@
 #include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QMessageBox>
 #include <QPointer>
 #include <QWindow>
 
@@ -66,7 +66,7 @@ TEST_F(SheetQueueTest, anAlertWaitsForTheSheetThatIsUp)
     const auto progress = newSheet();
     m_sheets.begin(progress.get());
     Alert().beginSheetModal(m_window, m_sheets);
-    const QPointer<QMessageBox> alert = m_window.findChild<QMessageBox*>();
+    const QPointer<AlertDialog> alert = m_window.findChild<AlertDialog*>();
     ASSERT_FALSE(alert.isNull());
     QCoreApplication::processEvents();
     EXPECT_FALSE(alert->isVisible());

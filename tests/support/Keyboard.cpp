@@ -7,8 +7,11 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <string_view>
 #include <xcb/xcb.h>
 
 namespace tarnwell::test
@@ -17,16 +20,45 @@ namespace tarnwell::test
 namespace
 {
 
-/// The window that the X server sends keys to.
-WId keyboardOwner()
+template <typename Reply>
+std::unique_ptr<Reply, void (*)(void*)> owned(Reply* reply)
+{
+    return {reply, std::free};
+}
+
+xcb_connection_t* connection()
 {
     const auto* server = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     if (server == nullptr)
-        return 0;
-    const auto request = xcb_get_input_focus(server->connection());
-    const std::unique_ptr<xcb_get_input_focus_reply_t, void (*)(void*)> reply(
-        xcb_get_input_focus_reply(server->connection(), request, nullptr), std::free);
+        failTest("this test needs an X server; scripts/virtual-desktop starts one");
+    return server->connection();
+}
+
+/// The window that the X server sends keys to.
+WId keyboardOwner()
+{
+    const auto reply
+        = owned(xcb_get_input_focus_reply(connection(), xcb_get_input_focus(connection()), nullptr));
     return reply ? reply->focus : 0;
+}
+
+/// The window that the window manager calls active. It differs from the keyboard's owner while the window
+/// manager has not yet handled a window that came or went, and may then move the keyboard again.
+WId activeWindow()
+{
+    const std::string_view name = "_NET_ACTIVE_WINDOW";
+    const auto atom = owned(xcb_intern_atom_reply(connection(),
+        xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+    const auto property = owned(xcb_get_property_reply(connection(),
+        xcb_get_property(
+            connection(), 0, root, atom ? atom->atom : xcb_atom_t{XCB_ATOM_NONE}, XCB_ATOM_WINDOW, 0, 1),
+        nullptr));
+    if (!property || xcb_get_property_value_length(property.get()) != sizeof(xcb_window_t))
+        return 0;
+    xcb_window_t window = XCB_WINDOW_NONE;
+    std::memcpy(&window, xcb_get_property_value(property.get()), sizeof window);
+    return window;
 }
 
 } // namespace
@@ -34,7 +66,7 @@ WId keyboardOwner()
 bool hasKeyboard(const QWindow* window)
 {
     return window != nullptr && window->handle() != nullptr && QGuiApplication::focusWindow() == window
-        && keyboardOwner() == window->winId();
+        && keyboardOwner() == window->winId() && activeWindow() == window->winId();
 }
 
 bool hasKeyboard(const QWidget& widget)

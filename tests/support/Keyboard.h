@@ -9,8 +9,8 @@ class QWindow;
 namespace tarnwell::test
 {
 
-/// Whether the X server sends keys to the window and Qt knows that. Qt alone calls a sheet active as soon as
-/// its parent is. Main thread.
+/// Whether the X server sends keys to the window, the window manager calls it active, and Qt knows that. Qt
+/// alone calls a sheet active as soon as its parent is. Main thread.
 bool hasKeyboard(const QWindow* window);
 bool hasKeyboard(const QWidget& widget);
 

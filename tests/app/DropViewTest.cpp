@@ -277,7 +277,7 @@ protected:
 
 TEST_F(RealDropTest, theViewIsHighlightedWhileAFileHoversAndNotForAFolder)
 {
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_view));
+    ASSERT_TRUE(waitUntil([this] { return m_view.windowHandle()->isExposed(); }));
     const QColor usual = edge();
     {
         const EventCounter entries(m_view, QEvent::DragEnter);
@@ -301,7 +301,7 @@ TEST_F(RealDropTest, theViewIsHighlightedWhileAFileHoversAndNotForAFolder)
 
 TEST_F(RealDropTest, theHighlightGoesWithASourceThatDies)
 {
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_view));
+    ASSERT_TRUE(waitUntil([this] { return m_view.windowHandle()->isExposed(); }));
     const QColor usual = edge();
     DragSource source(uriList({makeFile("clip.mp4")}));
     source.dragTo(target());

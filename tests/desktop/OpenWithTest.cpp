@@ -29,7 +29,7 @@ protected:
     ~OpenWithTest() override
     {
         m_process.closeWriteChannel();
-        m_process.waitForFinished();
+        EXPECT_TRUE(waitForEnd(m_process));
     }
 
     /// The path of a program that writes its name and its arguments down, one a line.

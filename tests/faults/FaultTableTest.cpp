@@ -22,7 +22,8 @@ namespace
 {
 
 constexpr int mostTimes = 100;
-constexpr int patience = 40000; // milliseconds
+constexpr int patience
+    = 100000; // milliseconds; longer than a wait of the scenario, which names what is missing
 
 struct Attempt {
     bool hasFailed = false; // the call

@@ -31,7 +31,7 @@ struct CallSite {
 
 /// Processes events until the condition holds. Fails, with a picture of the screen, after the longest wait.
 /// Main thread.
-testing::AssertionResult waitUntil(const std::function<bool()>& condition);
+[[nodiscard]] testing::AssertionResult waitUntil(const std::function<bool()>& condition);
 
 /// The same, but ends the test after the longest wait; the failure says that `awaited` ("an alert") did not
 /// come.
@@ -42,6 +42,7 @@ void waitFor(const std::string& awaited, const std::function<bool()>& condition,
 [[noreturn]] void runUntilStop(CallSite site = {});
 
 /// Blocks until the process has ended. Kills it, and fails, after the limit. Any thread; runs no events.
-testing::AssertionResult waitForEnd(QProcess& process, std::chrono::milliseconds limit = longestWait);
+[[nodiscard]] testing::AssertionResult waitForEnd(
+    QProcess& process, std::chrono::milliseconds limit = longestWait);
 
 } // namespace tarnwell::test

@@ -56,7 +56,9 @@ QRect placeOf(const QColor& colour)
 
 void point(const QStringList& what)
 {
-    QProcess::execute(QStringLiteral("xdotool"), what);
+    QProcess xdotool;
+    xdotool.start(QStringLiteral("xdotool"), what);
+    EXPECT_TRUE(waitForEnd(xdotool));
 }
 
 void moveTo(QPoint place)
@@ -100,7 +102,7 @@ protected:
     {
         for (QProcess* process : {&m_source, &m_program, &m_weston}) {
             process->kill();
-            process->waitForFinished();
+            EXPECT_TRUE(waitForEnd(*process));
         }
     }
 
@@ -168,7 +170,7 @@ protected:
     QByteArray drop()
     {
         point({QStringLiteral("mouseup"), QStringLiteral("1")});
-        waitUntil([&] {
+        waitFor("the end of the drag", [&] {
             m_said += m_source.readAllStandardOutput();
             return m_said.contains("end ");
         });

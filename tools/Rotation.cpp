@@ -16,7 +16,8 @@ constexpr double tolerance = 0.001; // what rounding leaves of a right angle
 constexpr double halfTurn = 180;
 constexpr int fullTurn = 360;
 
-// Rows look like "00000001:       -65536           0           0"; what stands before the colon counts them.
+/// Reads rows such as "00000001:       -65536           0           0". The number before the colon is the
+/// row's and no part of the matrix.
 std::vector<std::int64_t> numbersOf(std::string_view text)
 {
     std::vector<std::int64_t> numbers;
@@ -40,13 +41,7 @@ bool isNear(double left, double right)
     return std::abs(left - right) < tolerance;
 }
 
-bool keepsShapeAndSize(const DisplayMatrix& m)
-{
-    return isNear(std::hypot(m.a, m.b), 1) && isNear(std::hypot(m.c, m.d), 1)
-        && isNear(m.a * m.c + m.b * m.d, 0);
-}
-
-/// The four of the nine numbers that decoders look at.
+/// The four of the nine numbers that decoders use.
 std::optional<DisplayMatrix> rawMatrix(std::string_view text)
 {
     const std::vector<std::int64_t> m = numbersOf(text);
@@ -56,27 +51,34 @@ std::optional<DisplayMatrix> rawMatrix(std::string_view text)
     return DisplayMatrix{unit(0), unit(1), unit(3), unit(4)};
 }
 
-std::optional<DisplayMatrix> ifItKeepsShapeAndSize(const std::optional<DisplayMatrix>& matrix)
+} // namespace
+
+bool keepsShapeAndSize(const DisplayMatrix& m)
 {
-    return matrix && keepsShapeAndSize(*matrix) ? matrix : std::nullopt;
+    return isNear(std::hypot(m.a, m.b), 1) && isNear(std::hypot(m.c, m.d), 1)
+        && isNear(m.a * m.c + m.b * m.d, 0);
 }
 
-} // namespace
+std::optional<DisplayMatrix> withoutScale(const DisplayMatrix& m)
+{
+    const double width = std::hypot(m.a, m.b);
+    const double height = std::hypot(m.c, m.d);
+    if (width == 0 || height == 0)
+        return std::nullopt;
+    const DisplayMatrix unscaled = {m.a / width, m.b / width, m.c / height, m.d / height};
+    return keepsShapeAndSize(unscaled) ? std::optional(unscaled) : std::nullopt;
+}
 
 std::optional<DisplayMatrix> parseDisplayMatrix(std::string_view text)
 {
-    return ifItKeepsShapeAndSize(rawMatrix(text));
+    const auto matrix = rawMatrix(text);
+    return matrix && keepsShapeAndSize(*matrix) ? matrix : std::nullopt;
 }
 
 std::optional<DisplayMatrix> parseDecodedMatrix(std::string_view text)
 {
-    const auto m = rawMatrix(text);
-    if (!m)
-        return std::nullopt;
-    // Of an empty one nothing is a number, and so nothing near what is asked for.
-    const double width = std::hypot(m->a, m->b);
-    const double height = std::hypot(m->c, m->d);
-    return ifItKeepsShapeAndSize(DisplayMatrix{m->a / width, m->b / width, m->c / height, m->d / height});
+    const auto matrix = rawMatrix(text);
+    return matrix ? withoutScale(*matrix) : std::nullopt;
 }
 
 DisplayMatrix turnedLeft(double degrees)

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// How a container says its picture is to be shown: the coded point (x, y), y downwards, is shown at
-/// (a x + c y, b x + d y). Turns and mirrors only; where the picture is moved to does not count.
+/// The part of a container's display matrix that turns, mirrors and scales: the coded point (x, y), y
+/// downwards, is shown at (a x + c y, b x + d y).
 struct DisplayMatrix {
     double a = 1;
     double b = 0;
@@ -14,11 +14,18 @@ struct DisplayMatrix {
     double d = 1;
 };
 
-/// Reads the nine numbers as ffprobe prints them, in numbered rows of fixed-point numbers. Nothing for
-/// garbage and for a matrix that scales or skews the picture.
+/// Whether the matrix turns and mirrors the picture and does nothing else.
+bool keepsShapeAndSize(const DisplayMatrix& matrix);
+
+/// The turn and the mirror of a matrix that scales as well, as decoders apply it. Empty for a matrix that
+/// skews the picture or makes it vanish.
+std::optional<DisplayMatrix> withoutScale(const DisplayMatrix& matrix);
+
+/// Reads the nine numbers as ffprobe prints them, in numbered rows of fixed-point numbers. Empty for other
+/// text and for a matrix that scales or skews the picture.
 std::optional<DisplayMatrix> parseDisplayMatrix(std::string_view text);
 
-/// The same of what decoders make of the numbers: they turn and mirror the picture and do not scale it.
+/// Reads the same text as withoutScale has it.
 std::optional<DisplayMatrix> parseDecodedMatrix(std::string_view text);
 
 /// A turn counterclockwise.
@@ -27,9 +34,8 @@ DisplayMatrix turnedLeft(double degrees);
 /// First `first`, then `second`.
 DisplayMatrix combined(const DisplayMatrix& first, const DisplayMatrix& second);
 
-/// Whether the picture is shown as in a mirror.
+/// Whether the picture is shown mirrored.
 bool isMirrored(const DisplayMatrix& matrix);
 
-/// The clockwise turn in whole degrees, 0 to 359, as decoders reckon it. A mirrored matrix has such a number
-/// too.
+/// The clockwise turn in whole degrees, 0 to 359, as decoders compute it, for a mirrored matrix too.
 int rotationTag(const DisplayMatrix& matrix);

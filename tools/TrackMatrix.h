@@ -1,17 +1,30 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tools/Rotation.h"
+#include "tools/Movie.h"
 
-/// Whether the file behind the descriptor is an MP4 or QuickTime file that is all there: whole boxes up to
-/// its end, and among them a description of the tracks, one of which holds video. (ffmpeg succeeds with an
-/// empty movie too, where no frame could be decoded.)
-bool isCompleteMovie(int descriptor);
+#include <optional>
+#include <string>
+#include <vector>
 
-/// Whether the file is a movie in which every video track is shown as it is coded or turned by quarters, and
-/// nothing else. False where that cannot be told.
-bool isOnlyTurned(int descriptor);
+/// Bytes that replace those of the same number at an offset in a file.
+struct Patch {
+    FileOffset offset = 0;
+    std::string bytes;
+};
 
-/// Writes the matrix into the header of every video track of such a file, in place. False where there is
-/// none.
-bool writeTrackMatrix(int descriptor, const DisplayMatrix& matrix);
+/// What a rotation flag changes in a file of the MP4 family: the display matrices of its video tracks, and
+/// nothing else. `rotation` is counterclockwise in degrees against the coded picture of the main video track,
+/// whose own turn is the one that sniffer reports; a mirror is kept. Other video tracks are turned by the
+/// same angle against their own matrix; covers stay as they are. Empty for a QuickTime file, for one without
+/// media data or video, and for matrices that stretch the picture in one direction: those need a new file.
+std::optional<std::vector<Patch>> patchesOfFlag(const Movie& movie, double rotation);
+
+/// The matrix that the main video track of a new file has to have for that flag.
+DisplayMatrix matrixOfFlag(const Orientation& orientation, double rotation);
+
+/// Writes the patches. False where one could not be written whole.
+bool applyPatches(int file, const std::vector<Patch>& patches);
+
+/// Writes the matrix into the header of every video track of a movie, in place. False where there is none.
+bool writeTrackMatrix(int file, const DisplayMatrix& matrix);

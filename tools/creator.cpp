@@ -117,23 +117,17 @@ int makeStill(Job job, OutputFile& output)
     return isMade && isFinished(output) ? success : failure;
 }
 
-bool isPlainMovie(const std::string& path)
+/// The orientation of the input's main video track. ffprobe is asked only where the file does not say.
+Orientation orientationOf(const Job& job)
 {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    const bool isPlain = file >= 0 && isOnlyTurned(file);
+    const int file = ::open(job.input.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const auto movie = readMovie(file);
     if (file >= 0)
         ::close(file);
-    return isPlain;
-}
-
-/// The flag says a turn against the coded picture, of one whose turn is the tag's. What decoders show besides
-/// that, a mirror or the turn of a matrix that has no tag, is kept.
-DisplayMatrix matrixOfFlag(const Job& job)
-{
-    if (isPlainMovie(job.input)) // ffprobe need not be asked
-        return turnedLeft(job.rotation);
+    if (movie && !movie->videos.empty())
+        return orientationOf(*movie);
     const VideoFacts facts = factsOf(job.input);
-    return combined(facts.decoded.value_or(DisplayMatrix()), turnedLeft(job.rotation + facts.rotation));
+    return {facts.rotation, facts.decoded};
 }
 
 RunEnd makeVideo(const Job& job, const OutputFile& output)
@@ -144,7 +138,8 @@ RunEnd makeVideo(const Job& job, const OutputFile& output)
     // ffmpeg may have succeeded by its own account although the end could not be written.
     if (!isCompleteMovie(output.descriptor()))
         return RunEnd::Failed;
-    if (job.kind == Job::Kind::FixFlag && !writeTrackMatrix(output.descriptor(), matrixOfFlag(job)))
+    if (job.kind == Job::Kind::FixFlag
+        && !writeTrackMatrix(output.descriptor(), matrixOfFlag(orientationOf(job), job.rotation)))
         return RunEnd::Failed;
     return isCancelled() ? RunEnd::Cancelled : RunEnd::Succeeded;
 }

@@ -3,24 +3,55 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace tarnwell::test
 {
 
 // The boxes of an MP4 file, byte by byte, without a picture in them.
 
+constexpr std::int64_t matrixOne = 65536; // 16.16 fixed point
+constexpr std::int64_t lastOne = 1073741824; // 2.30 fixed point, the ninth number of a matrix
+
 std::string bigEndian(std::uint64_t number, int bytes);
+
+/// Signed numbers of four bytes each.
+std::string numbers(const std::vector<std::int64_t>& values);
+
+/// The nine numbers of a display matrix.
+std::vector<std::int64_t> matrixNine(double a, double b, double c, double d, int right = 0, int down = 0);
 
 std::string box(const std::string& type, const std::string& content);
 
 /// A box whose size stands in the eight bytes after its type.
 std::string longBox(const std::string& type, const std::string& content);
 
-/// A track's header up to its end; `version` 0 or 1.
-std::string trackHeader(int version, int width, int height);
+std::string fileType(const std::string& brand = "isom");
+
+/// The header of a movie that lasts 4 seconds; `version` 0 or 1.
+std::string movieHeader(int version = 0, const std::vector<std::int64_t>& matrix = matrixNine(1, 0, 0, 1));
+
+/// The box that describes tracks, with a header before them.
+std::string movieBox(const std::string& tracks);
+
+/// What a track has besides its handler.
+struct TrackBytes {
+    int version = 0; // of its header
+    int width = 320;
+    int height = 240;
+    std::vector<std::int64_t> matrix = matrixNine(1, 0, 0, 1);
+    std::uint32_t id = 1;
+    std::string format = "avc1";
+    int samples = 100;
+    int sampleDuration = 40;
+    std::vector<std::uint32_t> chapters = {}; // the tracks that hold them
+};
+
+/// A track's header up to its end.
+std::string trackHeader(const TrackBytes& bytes);
 
 /// A track with a header and a handler of that kind, such as "vide".
-std::string track(const std::string& handler, int version = 0, int width = 320, int height = 240);
+std::string track(const std::string& handler, const TrackBytes& bytes = {});
 
 /// A file of three boxes: its type, the data, and the movie with one video and one audio track.
 std::string smallMovie();

@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: MIT
-// The boxes of a movie: whether they are all there, and the matrix in a track's header.
+// The display matrices that a flag asks for, and where they are written.
 #include "tools/TrackMatrix.h"
 
-#include "platform/TemporaryDirectory.h"
-#include "tests/support/Files.h"
+#include "tests/tools/MemoryFile.h"
 #include "tests/tools/MovieBytes.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <fcntl.h>
+#include <cmath>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace tarnwell::test
@@ -20,290 +17,272 @@ namespace tarnwell::test
 namespace
 {
 
+const std::string data = box("mdat", "data");
 const DisplayMatrix quarterTurnLeft = {0, -1, 1, 0};
 
-std::string fileType()
-{
-    return box("ftyp", "isom" + bigEndian(512, 4));
-}
+using Nine = std::vector<std::int64_t>;
 
-std::string numbers(const std::vector<std::int64_t>& values)
+struct Row {
+    const char* name;
+    DisplayMatrix matrix;
+    int tag; // as sniffer reports it
+};
+
+const std::vector<Row> orientations = {
+    {"as coded", {1, 0, 0, 1}, 0},
+    {"a quarter turn to the right", {0, 1, -1, 0}, 90},
+    {"a half turn", {-1, 0, 0, -1}, 180},
+    {"a quarter turn to the left", {0, -1, 1, 0}, 270},
+    {"top and bottom exchanged", {1, 0, 0, -1}, 0},
+    {"left and right exchanged", {-1, 0, 0, 1}, 180},
+    {"mirrored at the falling diagonal", {0, 1, 1, 0}, 90},
+    {"mirrored at the rising diagonal", {0, -1, -1, 0}, 270},
+};
+
+TrackBytes withMatrix(const Nine& matrix)
 {
-    std::string bytes;
-    for (const auto value : values)
-        bytes += bigEndian(static_cast<std::uint64_t>(value) & 0xFFFFFFFFU, 4);
+    TrackBytes bytes;
+    bytes.matrix = matrix;
     return bytes;
 }
 
-constexpr std::int64_t one = 65536;
-constexpr std::int64_t last = 1073741824;
+Nine nineOf(const DisplayMatrix& m)
+{
+    return matrixNine(m.a, m.b, m.c, m.d);
+}
+
+std::string fileOf(const std::string& tracks)
+{
+    return fileType() + movieBox(tracks) + data;
+}
+
+/// The file with the flag; empty where it needs a new one.
+std::string flagged(const std::string& bytes, double rotation)
+{
+    const MemoryFile file(bytes);
+    const auto movie = readMovie(file.descriptor());
+    const auto patches = movie ? patchesOfFlag(*movie, rotation) : std::nullopt;
+    if (!patches || !applyPatches(file.descriptor(), *patches))
+        return {};
+    return file.contents();
+}
+
+/// The matrices of all tracks, in their order.
+std::vector<std::string> matricesIn(const std::string& bytes)
+{
+    std::vector<std::string> matrices;
+    for (auto place = bytes.find("tkhd"); place != std::string::npos; place = bytes.find("tkhd", place + 1))
+        matrices.push_back(matrixIn(bytes, place - 4));
+    return matrices;
+}
+
+std::string flaggedMatrix(const std::string& bytes, double rotation)
+{
+    const auto matrices = matricesIn(flagged(bytes, rotation));
+    return matrices.empty() ? "" : matrices.front();
+}
+
+bool writeMatrix(const MemoryFile& file, const DisplayMatrix& matrix)
+{
+    return writeTrackMatrix(file.descriptor(), matrix);
+}
 
 } // namespace
 
-class TrackMatrixTest : public testing::Test
+TEST(TrackMatrixTest, theMatrixIsWrittenIntoTheVideosHeaderOnly)
 {
-protected:
-    bool isComplete(const std::string& bytes)
-    {
-        return opened(bytes, [](int file) { return isCompleteMovie(file); });
-    }
-
-    bool writeMatrix(const std::string& bytes, const DisplayMatrix& matrix)
-    {
-        return opened(bytes, [&matrix](int file) { return writeTrackMatrix(file, matrix); });
-    }
-
-    bool isTurned(const std::string& bytes)
-    {
-        return opened(bytes, [](int file) { return isOnlyTurned(file); });
-    }
-
-    /// A movie with these numbers in its own header and in that of its one video track.
-    static std::string movieWith(
-        int version, const std::vector<std::int64_t>& ofMovie, std::vector<std::int64_t> ofTrack)
-    {
-        const std::size_t shift = version == 1 ? 12 : 0;
-        std::string header = bigEndian(static_cast<std::uint64_t>(version), 1) + std::string(35 + shift, '\0')
-            + numbers(ofMovie) + std::string(28, '\0');
-        std::string video = track("vide", version);
-        video.replace(video.find("tkhd") + 4 + 40 + shift, 36, numbers(ofTrack));
-        return fileType() + box("moov", box("mvhd", header) + video + track("soun", 0, 0, 0));
-    }
-
-    /// What the last call has left.
-    std::string bytes() const { return contentsOf(m_folder.path() + "movie.mp4"); }
-
-private:
-    template <typename Action>
-    bool opened(const std::string& contents, Action action)
-    {
-        writeFile(m_folder.path() + "movie.mp4", contents);
-        const int file = ::open((m_folder.path() + "movie.mp4").c_str(), O_RDWR);
-        EXPECT_GE(file, 0);
-        const bool result = action(file);
-        ::close(file);
-        return result;
-    }
-
-    TemporaryDirectory m_folder;
-};
-
-using CompleteMovieTest = TrackMatrixTest;
-
-TEST_F(CompleteMovieTest, boxesInAnyOrderAreComplete)
-{
-    const std::string data = box("mdat", std::string(1000, 'd'));
-    const std::string movie = box("moov", track("vide"));
-    EXPECT_TRUE(isComplete(smallMovie()));
-    EXPECT_TRUE(isComplete(fileType() + movie + data));
-    EXPECT_TRUE(isComplete(fileType() + box("free", "") + data + movie + box("udta", "x")));
-    EXPECT_TRUE(isComplete(movie));
-}
-
-TEST_F(CompleteMovieTest, aLongSizeCounts)
-{
-    const std::string movie = box("moov", track("vide"));
-    EXPECT_TRUE(isComplete(fileType() + longBox("mdat", std::string(1000, 'd')) + movie));
-    EXPECT_TRUE(isComplete(fileType() + longBox("mdat", "") + movie));
-    EXPECT_TRUE(isComplete(fileType() + longBox("moov", track("vide"))));
-}
-
-TEST_F(CompleteMovieTest, aBoxWithoutASizeReachesToTheEnd)
-{
-    const std::string movie = box("moov", track("vide"));
-    EXPECT_TRUE(isComplete(fileType() + movie + bigEndian(0, 4) + "mdat" + std::string(50, 'd')));
-    EXPECT_TRUE(isComplete(fileType() + bigEndian(0, 4) + "moov" + track("vide")));
-    EXPECT_FALSE(isComplete(fileType() + bigEndian(0, 4) + "mdat" + movie)); // the movie is in the data
-}
-
-TEST_F(CompleteMovieTest, withoutAMovieItIsNot)
-{
-    EXPECT_FALSE(isComplete(""));
-    EXPECT_FALSE(isComplete(fileType()));
-    EXPECT_FALSE(isComplete(fileType() + box("mdat", "data")));
-    EXPECT_FALSE(isComplete(fileType() + box("free", box("moov", track("vide")))));
-    EXPECT_FALSE(isComplete("moov"));
-    EXPECT_FALSE(isComplete(std::string(5000, '\0')));
-    EXPECT_FALSE(isComplete(std::string(5000, '\xFF')));
-    EXPECT_FALSE(isComplete("this is a text and no movie, though moov is in it"));
-}
-
-TEST_F(CompleteMovieTest, aFileThatEndsEarlyIsNot)
-{
-    const std::string whole = fileType() + box("moov", track("vide")) + longBox("mdat", std::string(60, 'd'));
-    ASSERT_TRUE(isComplete(whole));
-    const std::size_t data = whole.size() - 76;
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-        if (length == data)
-            continue; // all boxes so far are there
-        EXPECT_FALSE(isComplete(whole.substr(0, length))) << length;
+    for (const int version : {0, 1}) {
+        TrackBytes bytes = {version, 320, 240};
+        const std::string before = fileOf(track("vide", bytes) + track("soun", {version, 0, 0}));
+        const MemoryFile file(before);
+        ASSERT_TRUE(writeMatrix(file, quarterTurnLeft));
+        const std::string expected = numbers(matrixNine(0, -1, 1, 0, 0, 320));
+        std::string rest = before;
+        rest.replace(before.find("tkhd") + 4 + (version == 1 ? 52 : 40), 36, expected);
+        EXPECT_EQ(file.contents(), rest);
     }
 }
 
-TEST_F(CompleteMovieTest, nonsenseSizesAreRefused)
+TEST(TrackMatrixTest, thePictureIsMovedBackToTheOrigin)
 {
-    const std::string movie = box("moov", track("vide"));
-    for (const std::uint64_t size : {2U, 7U, 1000000U, 0xFFFFFFFFU, 0x80000000U})
-        EXPECT_FALSE(isComplete(movie + bigEndian(size, 4) + "mdat" + std::string(100, 'd'))) << size;
-    for (const std::uint64_t size : std::vector<std::uint64_t>{
-             1, 8, 15, 1000000, 0x7FFFFFFFFFFFFFFF, 0x8000000000000000, 0xFFFFFFFFFFFFFFFF})
-        EXPECT_FALSE(
-            isComplete(movie + bigEndian(1, 4) + "mdat" + bigEndian(size, 8) + std::string(100, 'd')))
-            << size;
-}
-
-TEST_F(TrackMatrixTest, theMatrixIsWrittenIntoTheVideosHeaderOnly)
-{
-    const std::string before = smallMovie();
-    ASSERT_TRUE(writeMatrix(before, quarterTurnLeft));
-    const std::size_t header = before.find("tkhd") - 4;
-    const std::string expected = numbers({0, -one, 0, one, 0, 0, 0, 320 * one, last});
-    EXPECT_EQ(matrixIn(bytes(), header), expected);
-    std::string rest = before;
-    rest.replace(header + 8 + 40, expected.size(), expected);
-    EXPECT_EQ(bytes(), rest);
-}
-
-TEST_F(TrackMatrixTest, theLongHeaderHasItsMatrixElsewhere)
-{
-    const std::string before = fileType() + box("moov", track("vide", 1, 640, 360));
-    ASSERT_TRUE(writeMatrix(before, {-1, 0, 0, -1}));
-    const std::size_t header = before.find("tkhd") - 4;
-    const std::string expected = numbers({-one, 0, 0, 0, -one, 0, 640 * one, 360 * one, last});
-    EXPECT_EQ(matrixIn(bytes(), header), expected);
-    std::string rest = before;
-    rest.replace(header + 8 + 52, expected.size(), expected);
-    EXPECT_EQ(bytes(), rest);
-}
-
-TEST_F(TrackMatrixTest, thePictureIsMovedBackToTheOrigin)
-{
-    struct Row {
-        const char* name;
-        DisplayMatrix matrix;
-        std::int64_t right;
-        std::int64_t down;
+    struct Place {
+        int right;
+        int down;
     };
-    const std::vector<Row> rows = {
-        {"as coded", {1, 0, 0, 1}, 0, 0},
-        {"a quarter turn to the left", {0, -1, 1, 0}, 0, 320},
-        {"a half turn", {-1, 0, 0, -1}, 320, 240},
-        {"a quarter turn to the right", {0, 1, -1, 0}, 240, 0},
-        {"left and right exchanged", {-1, 0, 0, 1}, 320, 0},
-        {"top and bottom exchanged", {1, 0, 0, -1}, 0, 240},
-        {"mirrored at the falling diagonal", {0, 1, 1, 0}, 0, 0},
-        {"mirrored at the rising diagonal", {0, -1, -1, 0}, 240, 320},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        ASSERT_TRUE(writeMatrix(smallMovie(), row.matrix));
-        EXPECT_EQ(matrixIn(bytes(), bytes().find("tkhd") - 4).substr(24),
-            numbers({row.right * one, row.down * one, last}));
+    const std::vector<Place> places
+        = {{0, 0}, {240, 0}, {320, 240}, {0, 320}, {0, 240}, {320, 0}, {0, 0}, {240, 320}};
+    for (std::size_t row = 0; row < orientations.size(); ++row) {
+        SCOPED_TRACE(orientations[row].name);
+        const MemoryFile file(smallMovie());
+        ASSERT_TRUE(writeMatrix(file, orientations[row].matrix));
+        EXPECT_EQ(matricesIn(file.contents()).front().substr(24),
+            numbers({places[row].right * matrixOne, places[row].down * matrixOne, lastOne}));
     }
 }
 
-TEST_F(TrackMatrixTest, everyVideoTrackIsWritten)
+TEST(TrackMatrixTest, everyVideoTrackIsWritten)
 {
-    const std::string before
-        = fileType() + box("moov", track("vide") + track("soun") + track("vide", 1) + track("text"));
-    ASSERT_TRUE(writeMatrix(before, quarterTurnLeft));
-    const std::string expected = numbers({0, -one, 0, one, 0, 0, 0, 320 * one, last});
+    const MemoryFile file(fileOf(track("vide") + track("soun") + track("vide", {1}) + track("text")));
+    ASSERT_TRUE(writeMatrix(file, quarterTurnLeft));
+    const std::string expected = numbers(matrixNine(0, -1, 1, 0, 0, 320));
     std::vector<bool> written;
-    for (auto place = before.find("tkhd"); place != std::string::npos; place = before.find("tkhd", place + 1))
-        written.push_back(matrixIn(bytes(), place - 4) == expected);
+    for (const auto& matrix : matricesIn(file.contents()))
+        written.push_back(matrix == expected);
     EXPECT_EQ(written, std::vector<bool>({true, false, true, false}));
 }
 
-TEST_F(TrackMatrixTest, boxesWithLongOrNoSizesAreFound)
+TEST(TrackMatrixTest, aFileWithoutAVideoTrackStaysAsItIs)
+{
+    for (const auto& bytes : std::vector<std::string>{"", fileType(), "no movie", fileOf(""),
+             fileOf(track("soun")), fileOf(box("trak", trackHeader({}))), track("vide")}) {
+        const MemoryFile file(bytes);
+        EXPECT_FALSE(writeMatrix(file, quarterTurnLeft));
+        EXPECT_EQ(file.contents(), bytes);
+    }
+}
+
+TEST(FlagPatchesTest, aFlagTurnsAgainstTheCodedPicture)
+{
+    for (const auto& [a, b] : std::vector<std::pair<int, int>>{{1, 0}, {0, 1}, {-1, 0}, {0, -1}}) {
+        const std::string before = fileOf(track("vide", withMatrix(matrixNine(a, b, -b, a))));
+        EXPECT_EQ(flaggedMatrix(before, 0), numbers(matrixNine(1, 0, 0, 1)));
+        EXPECT_EQ(flaggedMatrix(before, 90), numbers(matrixNine(0, -1, 1, 0, 0, 320)));
+        EXPECT_EQ(flaggedMatrix(before, -180), numbers(matrixNine(-1, 0, 0, -1, 320, 240)));
+        EXPECT_EQ(flaggedMatrix(before, 630), numbers(matrixNine(0, 1, -1, 0, 240, 0)));
+    }
+}
+
+TEST(FlagPatchesTest, nothingButTheMatricesChanges)
+{
+    const std::string before = fileOf(track("soun") + track("vide") + track("text") + track("vide", {1}));
+    const std::string after = flagged(before, 90);
+    ASSERT_EQ(after.size(), before.size());
+    std::string restored = after;
+    for (const auto place : {before.find("tkhd", before.find("tkhd") + 1), before.rfind("tkhd")}) {
+        const std::size_t matrix = place + 4 + (before[place + 4] == 1 ? 52 : 40);
+        EXPECT_NE(after.substr(matrix, 36), before.substr(matrix, 36));
+        restored.replace(matrix, 36, before.substr(matrix, 36));
+    }
+    EXPECT_EQ(restored, before);
+}
+
+TEST(FlagPatchesTest, whatIsShownIsTurnedAndMirrorsAreKept)
+{
+    for (const auto& row : orientations) {
+        const std::string before = fileOf(track("vide", withMatrix(nineOf(row.matrix))));
+        for (int quarters = 0; quarters < 4; ++quarters) {
+            SCOPED_TRACE(std::string(row.name) + ", quarter turns: " + std::to_string(quarters));
+            const DisplayMatrix expected = combined(row.matrix, turnedLeft(90 * quarters));
+            const auto rounded = nineOf({std::round(expected.a), std::round(expected.b),
+                std::round(expected.c), std::round(expected.d)});
+            EXPECT_EQ(
+                flaggedMatrix(before, 90 * quarters - row.tag).substr(0, 24), numbers(rounded).substr(0, 24));
+        }
+    }
+}
+
+TEST(FlagPatchesTest, otherVideoTracksAreTurnedAgainstTheirOwnMatrix)
+{
+    const std::string before = fileOf(track("vide", withMatrix(matrixNine(0, 1, -1, 0)))
+        + track("vide", withMatrix(matrixNine(-1, 0, 0, 1))) + track("vide"));
+    // The first one has the tag 90: a quarter turn to the left is -90 + 90.
+    EXPECT_EQ(matricesIn(flagged(before, 0)),
+        std::vector<std::string>({numbers(matrixNine(1, 0, 0, 1)), numbers(matrixNine(0, 1, 1, 0)),
+            numbers(matrixNine(0, -1, 1, 0, 0, 320))}));
+}
+
+TEST(FlagPatchesTest, coversStayAsTheyAre)
+{
+    TrackBytes cover;
+    cover.format = "jpeg";
+    cover.samples = 1;
+    const auto matrices = matricesIn(flagged(fileOf(track("vide") + track("vide", cover)), 90));
+    ASSERT_EQ(matrices.size(), 2U);
+    EXPECT_EQ(matrices[0], numbers(matrixNine(0, -1, 1, 0, 0, 320)));
+    EXPECT_EQ(matrices[1], numbers(matrixNine(1, 0, 0, 1)));
+    EXPECT_EQ(flagged(fileOf(track("vide", cover)), 90), "");
+}
+
+TEST(FlagPatchesTest, aMatrixThatZoomsKeepsItsScale)
+{
+    const std::string before = fileOf(track("vide", withMatrix(matrixNine(0, 2, -2, 0))));
+    EXPECT_EQ(flaggedMatrix(before, 90), numbers(matrixNine(2, 0, 0, 2))); // it has no tag
+}
+
+TEST(FlagPatchesTest, anEmptyMatrixCountsAsNoTurn)
+{
+    const std::string before = fileOf(track("vide", withMatrix(Nine(9, 0))));
+    EXPECT_EQ(flaggedMatrix(before, 90), numbers(matrixNine(0, -1, 1, 0, 0, 320)));
+}
+
+TEST(FlagPatchesTest, aTurnByAnyAngleIsTurnedOn)
 {
     const std::string before
-        = longBox("mdat", "data") + bigEndian(0, 4) + "moov" + track("soun") + track("vide");
-    ASSERT_TRUE(writeMatrix(before, quarterTurnLeft));
-    EXPECT_EQ(
-        matrixIn(bytes(), before.rfind("tkhd") - 4), numbers({0, -one, 0, one, 0, 0, 0, 320 * one, last}));
+        = fileOf(track("vide", withMatrix({46341, 46341, 0, -46341, 46341, 0, 0, 0, lastOne})));
+    EXPECT_EQ(flaggedMatrix(before, 90 - 45).substr(0, 24), numbers({46341, -46341, 0, 46341, 46341, 0}));
 }
 
-TEST_F(TrackMatrixTest, aFileWithoutAVideoTrackStaysAsItIs)
+TEST(FlagPatchesTest, stretchedAndSkewedPicturesNeedANewFile)
 {
-    const std::string header = trackHeader(0, 320, 240);
-    const std::string handler = box("hdlr", bigEndian(0, 8) + "vide" + bigEndian(0, 12));
-    const std::vector<std::string> files = {
-        "",
-        fileType(),
-        "no movie",
-        fileType() + box("moov", ""),
-        fileType() + box("moov", track("soun")),
-        fileType() + box("moov", box("trak", header)),
-        fileType() + box("moov", box("trak", header + box("mdia", ""))),
-        fileType() + box("moov", box("trak", header + box("mdia", box("hdlr", "")))),
-        fileType() + box("moov", box("trak", box("mdia", handler))),
-        fileType() + box("moov", box("trak", box("tkhd", "") + box("mdia", handler))),
-        fileType() + box("moov", box("trak", box("tkhd", header.substr(8, 83)) + box("mdia", handler))),
-        track("vide"),
-    };
-    for (const auto& file : files) {
-        EXPECT_FALSE(writeMatrix(file, quarterTurnLeft)) << testing::PrintToString(file);
-        EXPECT_EQ(bytes(), file);
+    for (const Nine& matrix :
+        {matrixNine(2, 0, 0, 1), matrixNine(1, 1, 0, 1), matrixNine(1, 0, 0, 0), matrixNine(1, 0, 0, 1.02)})
+        EXPECT_EQ(flagged(fileOf(track("vide", withMatrix(matrix))), 90), "")
+            << testing::PrintToString(matrix);
+}
+
+TEST(FlagPatchesTest, theMovieHeadersMatrixIsReckonedWith)
+{
+    for (const auto& ofMovie : orientations) {
+        for (const auto& ofTrack : orientations) {
+            SCOPED_TRACE(std::string(ofMovie.name) + ", track: " + ofTrack.name);
+            const std::string before = fileType()
+                + box("moov",
+                    movieHeader(1, nineOf(ofMovie.matrix))
+                        + track("vide", withMatrix(nineOf(ofTrack.matrix))))
+                + data;
+            const DisplayMatrix shown = combined(ofTrack.matrix, ofMovie.matrix);
+            const MemoryFile file(flagged(before, 90 - rotationTag(shown)));
+            const auto movie = readMovie(file.descriptor());
+            ASSERT_TRUE(movie);
+            const DisplayMatrix now = combined(mainVideo(*movie).matrix, movie->matrix);
+            const DisplayMatrix expected = combined(shown, turnedLeft(90));
+            constexpr double rounding = 1e-9;
+            EXPECT_NEAR(now.a, expected.a, rounding);
+            EXPECT_NEAR(now.b, expected.b, rounding);
+            EXPECT_NEAR(now.c, expected.c, rounding);
+            EXPECT_NEAR(now.d, expected.d, rounding);
+        }
     }
+    EXPECT_EQ(flagged(fileType() + box("moov", movieHeader(0, Nine(9, 0)) + track("vide")) + data, 90), "");
 }
 
-TEST_F(TrackMatrixTest, quarterTurnsAreOnlyTurned)
+TEST(FlagPatchesTest, otherFilesNeedANewFile)
 {
-    const std::vector<std::int64_t> unmoved = {one, 0, 0, 0, one, 0, 0, 0, last};
-    for (const int version : {0, 1}) {
-        for (const auto& [a, b] : std::vector<std::pair<int, int>>{{1, 0}, {0, 1}, {-1, 0}, {0, -1}})
-            EXPECT_TRUE(isTurned(
-                movieWith(version, unmoved, {a * one, b * one, 0, -b * one, a * one, 0, 5, 6, last})));
+    const std::string movie = movieBox(track("vide"));
+    ASSERT_NE(flagged(fileType("mp42") + movie + data, 90), "");
+    EXPECT_EQ(flagged(fileType("qt  ") + movie + data, 90), "");
+    EXPECT_EQ(flagged(movie + data, 90), "");
+    EXPECT_EQ(flagged(fileType() + movie, 90), "");
+    EXPECT_EQ(flagged(fileType() + movieBox(track("soun")) + data, 90), "");
+}
+
+TEST(OrientationTest, isWhatDecodersMakeOfTheMatrix)
+{
+    for (const auto& row : orientations) {
+        for (const double scale : {1.0, 2.0}) {
+            SCOPED_TRACE(row.name);
+            const DisplayMatrix& m = row.matrix;
+            const MemoryFile file(fileOf(
+                track("vide", withMatrix(matrixNine(m.a * scale, m.b * scale, m.c * scale, m.d * scale)))));
+            const Orientation orientation = orientationOf(readMovie(file.descriptor()).value());
+            EXPECT_EQ(orientation.rotation, scale == 1 ? row.tag : 0);
+            ASSERT_TRUE(orientation.decoded);
+            EXPECT_EQ(orientation.decoded->a, m.a);
+            EXPECT_EQ(orientation.decoded->b, m.b);
+        }
     }
-}
-
-TEST_F(TrackMatrixTest, whateverElseIsNotOnlyTurned)
-{
-    const std::vector<std::int64_t> unmoved = {one, 0, 0, 0, one, 0, 0, 0, last};
-    for (const std::vector<std::int64_t>& matrix : std::vector<std::vector<std::int64_t>>{
-             {-one, 0, 0, 0, one, 0, 0, 0, last}, {0, one, 0, one, 0, 0, 0, 0, last},
-             {2 * one, 0, 0, 0, 2 * one, 0, 0, 0, last}, {0, 0, 0, 0, 0, 0, 0, 0, 0},
-             {46341, 46341, 0, -46341, 46341, 0, 0, 0, last}, {one, 1, 0, -1, one, 0, 0, 0, last}}) {
-        EXPECT_FALSE(isTurned(movieWith(0, unmoved, matrix))) << testing::PrintToString(matrix);
-        EXPECT_FALSE(isTurned(movieWith(1, matrix, unmoved))) << testing::PrintToString(matrix);
-    }
-    EXPECT_FALSE(isTurned("no movie"));
-    EXPECT_FALSE(isTurned(smallMovie())); // its own header is empty
-    EXPECT_FALSE(isTurned(fileType() + box("moov", track("vide"))));
-    const std::string whole = movieWith(0, unmoved, unmoved);
-    for (std::size_t size = 0; size < whole.size() - track("soun", 0, 0, 0).size(); ++size)
-        EXPECT_FALSE(isTurned(whole.substr(0, size))) << size;
-}
-
-TEST_F(TrackMatrixTest, aHeaderThatIsTooShortForItsVersionIsNotWrittenBeyond)
-{
-    std::string header = trackHeader(0, 320, 240);
-    header[8] = 1; // says that it is the long one
-    const std::string handler = box("hdlr", bigEndian(0, 8) + "vide" + bigEndian(0, 12));
-    const std::string before = fileType() + box("moov", box("trak", header + box("mdia", handler)));
-    EXPECT_FALSE(writeMatrix(before, quarterTurnLeft));
-    EXPECT_EQ(bytes(), before);
-}
-
-TEST_F(TrackMatrixTest, aMovieWithoutVideoIsNotComplete)
-{
-    EXPECT_FALSE(isComplete(fileType() + box("moov", box("mvhd", bigEndian(0, 100)))));
-    EXPECT_FALSE(isComplete(fileType() + box("moov", track("soun"))));
-    EXPECT_TRUE(isComplete(fileType() + box("moov", track("soun") + track("vide"))));
-}
-
-TEST_F(TrackMatrixTest, deeplyNestedAndCutFilesDoNoHarm)
-{
-    std::string nested;
-    for (int depth = 0; depth < 2000; ++depth)
-        nested = box("moov", nested);
-    EXPECT_FALSE(isComplete(nested));
-    EXPECT_FALSE(writeMatrix(nested, quarterTurnLeft));
-    const std::string whole = smallMovie();
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-        writeMatrix(whole.substr(0, length), quarterTurnLeft);
-        EXPECT_EQ(bytes().size(), length);
-    }
+    const MemoryFile empty(fileOf(track("vide", withMatrix(Nine(9, 0)))));
+    EXPECT_FALSE(orientationOf(readMovie(empty.descriptor()).value()).decoded);
 }
 
 } // namespace tarnwell::test

@@ -1,0 +1,270 @@
+// SPDX-License-Identifier: MIT
+#include "tools/Movie.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace
+{
+
+// Both kinds of headers hold their times in four bytes in version 0 and in eight in version 1.
+constexpr FileOffset movieMatrixOffset = 36;
+constexpr FileOffset trackMatrixOffset = 40;
+constexpr FileOffset movieTimeScaleOffset = 12;
+constexpr FileOffset trackIdOffset = 12;
+constexpr FileOffset twoLongerTimes = 8; // creation, modification
+constexpr FileOffset threeLongerTimes = 12; // and the duration
+constexpr std::size_t matrixSize = 36;
+
+constexpr FileOffset handlerTypeOffset = 8;
+constexpr FileOffset entriesOffset = 8; // in a list with a version and a count
+constexpr FileOffset sampleCountOffset = 8; // in "stsz" and "stz2"
+constexpr std::size_t mostEntriesRead = 64;
+
+/// The version of a box that has one of the two layouts above.
+std::optional<int> knownVersion(const BoxReader& reader, const Box& box)
+{
+    const std::string version = reader.contentOf(box, 1);
+    if (version.empty() || (version[0] != 0 && version[0] != 1))
+        return std::nullopt;
+    return version[0];
+}
+
+double fixedPoint(std::string_view bytes)
+{
+    constexpr double one = 65536;
+    return static_cast<double>(static_cast<std::int32_t>(readBigEndian(bytes))) / one;
+}
+
+std::optional<DisplayMatrix> matrixIn(const std::string& bytes)
+{
+    if (bytes.size() < matrixSize)
+        return std::nullopt;
+    const auto number = [&bytes](std::size_t place) { return fixedPoint(bytes.substr(4 * place, 4)); };
+    return DisplayMatrix{number(0), number(1), number(3), number(4)};
+}
+
+class MovieReader
+{
+public:
+    explicit MovieReader(int file)
+        : m_reader(file)
+    {
+    }
+
+    std::optional<Movie> read()
+    {
+        const auto boxes = m_reader.boxesOfFile();
+        const Box* description = boxes ? onlyBox(*boxes, "moov") : nullptr;
+        if (description == nullptr || !readFileType(*boxes))
+            return std::nullopt;
+        m_movie.hasMediaData
+            = std::any_of(boxes->begin(), boxes->end(), [](const Box& box) { return box.is("mdat"); });
+        const auto parts = m_reader.boxesIn(*description);
+        if (!parts || !readHeader(*parts) || !readTracks(*parts))
+            return std::nullopt;
+        for (VideoTrack& video : m_movie.videos) {
+            if (std::find(m_chapterIds.begin(), m_chapterIds.end(), video.id) != m_chapterIds.end())
+                video.isCover = true;
+        }
+        return m_movie;
+    }
+
+private:
+    /// False for a type that is there twice, too late or too short.
+    bool readFileType(const std::vector<Box>& boxes)
+    {
+        constexpr std::size_t brandSize = 4;
+        const auto isType = [](const Box& box) { return box.is("ftyp"); };
+        if (std::none_of(boxes.begin(), boxes.end(), isType))
+            return true;
+        const Box* type = onlyBox(boxes, "ftyp");
+        const auto isMedia
+            = [](const Box& box) { return box.is("moov") || box.is("mdat") || box.is("moof"); };
+        const auto media = std::find_if(boxes.begin(), boxes.end(), isMedia);
+        if (type == nullptr || type->begin > media->begin)
+            return false;
+        m_movie.majorBrand = m_reader.contentOf(*type, brandSize);
+        return m_movie.majorBrand.size() == brandSize;
+    }
+
+    bool readHeader(const std::vector<Box>& parts)
+    {
+        const Box* header = onlyBox(parts, "mvhd");
+        const auto version = header != nullptr ? knownVersion(m_reader, *header) : std::nullopt;
+        if (!version || std::any_of(parts.begin(), parts.end(), [header](const Box& part) {
+                return part.is("trak") && part.begin < header->begin;
+            }))
+            return false;
+        const auto matrix = matrixIn(m_reader.contentOf(
+            *header, matrixSize, movieMatrixOffset + (*version == 1 ? threeLongerTimes : 0)));
+        if (!matrix)
+            return false;
+        m_movie.matrix = *matrix;
+        readDuration(*header, *version);
+        const auto fragments
+            = std::find_if(parts.begin(), parts.end(), [](const Box& part) { return part.is("mvex"); });
+        m_isFragmented = fragments != parts.end();
+        if (m_isFragmented && m_movie.microseconds == 0)
+            readFragmentsDuration(*fragments);
+        return true;
+    }
+
+    void readDuration(const Box& header, int version)
+    {
+        const std::size_t size = version == 1 ? 8 : 4;
+        const FileOffset offset = movieTimeScaleOffset + (version == 1 ? twoLongerTimes : 0);
+        m_timeScale = readBigEndian(m_reader.contentOf(header, 4, offset));
+        setDuration(m_reader.contentOf(header, size, offset + 4));
+    }
+
+    /// "mehd" has the duration of a file whose header has none because it was written before the samples.
+    void readFragmentsDuration(const Box& fragments)
+    {
+        const auto header = m_reader.onlyBoxIn(fragments, "mehd");
+        const auto version = header ? knownVersion(m_reader, *header) : std::nullopt;
+        if (version)
+            setDuration(m_reader.contentOf(*header, *version == 1 ? 8 : 4, 4));
+    }
+
+    /// All bits set, of four or eight bytes, stand for an unknown duration.
+    void setDuration(const std::string& bytes)
+    {
+        constexpr double microsecondsPerSecond = 1e6;
+        constexpr double longest = 1e15; // about 30 years
+        if (m_timeScale == 0 || bytes.empty() || bytes.find_first_not_of('\xFF') == std::string::npos)
+            return;
+        const double microseconds = static_cast<double>(readBigEndian(bytes))
+            / static_cast<double>(m_timeScale) * microsecondsPerSecond;
+        if (microseconds < longest)
+            m_movie.microseconds = static_cast<std::int64_t>(microseconds);
+    }
+
+    bool readTracks(const std::vector<Box>& parts)
+    {
+        return std::all_of(parts.begin(), parts.end(),
+            [this](const Box& part) { return !part.is("trak") || readTrack(part); });
+    }
+
+    bool readTrack(const Box& track)
+    {
+        const auto parts = m_reader.boxesIn(track);
+        const Box* header = parts ? onlyBox(*parts, "tkhd") : nullptr;
+        const Box* media = parts ? onlyBox(*parts, "mdia") : nullptr;
+        if (header == nullptr || media == nullptr)
+            return false;
+        const auto handler = m_reader.onlyBoxIn(*media, "hdlr");
+        const std::string type = handler ? m_reader.contentOf(*handler, 4, handlerTypeOffset) : "";
+        auto video = readTrackHeader(*header);
+        if (type.size() != 4 || !video)
+            return false;
+        if (const Box* references = onlyBox(*parts, "tref"))
+            readReferences(*references);
+        if (type == "vide") {
+            readSamples(*media, *video);
+            m_movie.videos.push_back(*video);
+        }
+        return true;
+    }
+
+    std::optional<VideoTrack> readTrackHeader(const Box& header) const
+    {
+        constexpr std::size_t pictureSize = 8; // behind the matrix
+        const auto version = knownVersion(m_reader, header);
+        if (!version)
+            return std::nullopt;
+        const FileOffset offset = trackMatrixOffset + (*version == 1 ? threeLongerTimes : 0);
+        const std::string bytes = m_reader.contentOf(header, matrixSize + pictureSize, offset);
+        if (bytes.size() != matrixSize + pictureSize)
+            return std::nullopt;
+        VideoTrack track;
+        track.id = static_cast<std::uint32_t>(readBigEndian(
+            m_reader.contentOf(header, 4, trackIdOffset + (*version == 1 ? twoLongerTimes : 0))));
+        track.matrixOffset = header.content + offset;
+        track.matrix = *matrixIn(bytes);
+        constexpr double one = 65536;
+        track.width = static_cast<double>(readBigEndian(bytes.substr(matrixSize, 4))) / one;
+        track.height = static_cast<double>(readBigEndian(bytes.substr(matrixSize + 4))) / one;
+        return track;
+    }
+
+    /// The tracks that hold the titles and pictures of this one's chapters.
+    void readReferences(const Box& references)
+    {
+        const auto chapters = m_reader.onlyBoxIn(references, "chap");
+        const std::string ids = chapters ? m_reader.contentOf(*chapters, 4 * mostEntriesRead) : "";
+        for (std::size_t place = 0; place + 4 <= ids.size(); place += 4)
+            m_chapterIds.push_back(static_cast<std::uint32_t>(readBigEndian(ids.substr(place, 4))));
+    }
+
+    void readSamples(const Box& media, VideoTrack& video)
+    {
+        video.hasFrameRate = m_isFragmented;
+        const auto information = m_reader.onlyBoxIn(media, "minf");
+        const auto table = information ? m_reader.onlyBoxIn(*information, "stbl") : std::nullopt;
+        const auto lists = table ? m_reader.boxesIn(*table) : std::nullopt;
+        if (!lists)
+            return;
+        if (const Box* durations = onlyBox(*lists, "stts"))
+            video.hasFrameRate = video.hasFrameRate || haveDuration(*durations);
+        const Box* formats = onlyBox(*lists, "stsd");
+        const Box* sizes = onlyBox(*lists, "stsz");
+        sizes = sizes != nullptr ? sizes : onlyBox(*lists, "stz2");
+        if (formats != nullptr && sizes != nullptr && !m_isFragmented)
+            video.isCover = isOnePicture(*formats, *sizes);
+    }
+
+    /// Whether one of the first entries, each a count of samples and their duration, is longer than nothing.
+    bool haveDuration(const Box& durations) const
+    {
+        constexpr std::size_t entrySize = 8;
+        const std::string entries = m_reader.contentOf(durations, entrySize * mostEntriesRead, entriesOffset);
+        for (std::size_t place = 0; place + entrySize <= entries.size(); place += entrySize) {
+            if (readBigEndian(entries.substr(place, 4)) > 0
+                && readBigEndian(entries.substr(place + 4, 4)) > 0)
+                return true;
+        }
+        return false;
+    }
+
+    /// A cover that a writer has stored as a track: one sample, in a format of pictures. "mp4v" is the format
+    /// of MPEG-4 video and of JPEG and PNG pictures; a video of one frame is rare, beside another none.
+    bool isOnePicture(const Box& formats, const Box& sizes) const
+    {
+        const std::string format = m_reader.contentOf(formats, 4, entriesOffset + 4);
+        return readBigEndian(m_reader.contentOf(sizes, 4, sampleCountOffset)) <= 1
+            && (format == "jpeg" || format == "png " || format == "mp4v");
+    }
+
+    BoxReader m_reader;
+    Movie m_movie;
+    std::uint64_t m_timeScale = 0;
+    bool m_isFragmented = false;
+    std::vector<std::uint32_t> m_chapterIds;
+};
+
+} // namespace
+
+std::optional<Movie> readMovie(int file)
+{
+    return MovieReader(file).read();
+}
+
+bool isCompleteMovie(int file)
+{
+    const auto movie = readMovie(file);
+    return movie && !movie->videos.empty();
+}
+
+const VideoTrack& mainVideo(const Movie& movie)
+{
+    const auto main = std::find_if(
+        movie.videos.begin(), movie.videos.end(), [](const VideoTrack& video) { return video.hasFrameRate; });
+    return main != movie.videos.end() ? *main : movie.videos.front();
+}
+
+Orientation orientationOf(const Movie& movie)
+{
+    const DisplayMatrix shown = combined(mainVideo(movie).matrix, movie.matrix);
+    return {keepsShapeAndSize(shown) ? rotationTag(shown) : 0, withoutScale(shown)};
+}

@@ -86,6 +86,7 @@ void resetSignals()
     sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
     std::signal(SIGPIPE, SIG_DFL);
+    std::signal(SIGXFSZ, SIG_DFL);
 }
 
 [[noreturn]] void becomeTool(const ChildPlan& plan, char* const arguments[], pid_t parent)
@@ -196,12 +197,12 @@ std::string outputOfChild(ChildPlan plan, int& status, int wishToStop)
         if (waiting[0].revents != 0)
             text += output.read();
         if (waiting[1].revents != 0)
-            sayLines(reader.read(complaints.read()), wishToStop);
+            writeErrorLines(reader.read(complaints.read()), wishToStop);
     }
     endChild(child, isStopped);
     const int end = waitForChild(child);
     while (complaints.hasMore())
-        sayLines(reader.read(complaints.read()), wishToStop);
+        writeErrorLines(reader.read(complaints.read()), wishToStop);
     status = end == 0 && !output.isWhole() ? cannotBeRun : end;
     return text;
 }

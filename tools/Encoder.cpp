@@ -2,7 +2,7 @@
 #include "tools/Encoder.h"
 
 #include "tools/Child.h"
-#include "tools/EarlyWriteOut.h"
+#include "tools/EarlyWriteback.h"
 #include "tools/StandardError.h"
 #include "tools/StatusLines.h"
 #include "tools/Stream.h"
@@ -27,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds graceAfterCancel(400);
 constexpr std::chrono::milliseconds longestSilence(450);
-int cancelDescriptor = -1;
+int cancelSignals = -1;
 bool cancelSeen = false;
 
 /// Reads ffmpeg's two streams until both have ended and it has exited, and passes a wish to cancel on to it.
@@ -39,7 +39,7 @@ public:
         , m_end(descriptorOfEnd(child))
         , m_progress(progress)
         , m_complaints(complaints)
-        , m_writeOut(output)
+        , m_writeback(output)
     {
     }
     ~Listener() { ::close(m_end); }
@@ -51,9 +51,9 @@ public:
         while (isListening() || !hasEnded(m_child)) {
             std::array<pollfd, 4> waiting
                 = {{{m_progress.reading(), POLLIN, 0}, {m_complaints.reading(), POLLIN, 0},
-                    {m_killAt ? -1 : cancelDescriptor, POLLIN, 0}, {isListening() ? -1 : m_end, POLLIN, 0}}};
+                    {m_killAt ? -1 : cancelSignals, POLLIN, 0}, {isListening() ? -1 : m_end, POLLIN, 0}}};
             ::poll(waiting.data(), waiting.size(), patience());
-            m_writeOut.goOn();
+            m_writeback.advanceToEnd();
             if (m_killAt && Clock::now() >= *m_killAt) {
                 ::kill(m_child, SIGKILL);
                 return;
@@ -63,7 +63,7 @@ public:
             else if (isSilent())
                 report(m_lastReport);
             if (waiting[1].revents != 0)
-                sayLines(m_complaintReader.read(m_complaints.read()), cancelDescriptor);
+                writeErrorLines(m_complaintReader.read(m_complaints.read()), cancelSignals);
             if (!m_killAt && isCancelled())
                 passOn();
         }
@@ -77,7 +77,7 @@ private:
     {
         if (lines.empty())
             return;
-        sayLines(lines, cancelDescriptor);
+        writeErrorLines(lines, cancelSignals);
         m_lastReport = lines.substr(lines.rfind('\n', lines.size() - 2) + 1);
         m_reportedAt = Clock::now();
     }
@@ -97,7 +97,7 @@ private:
         if (!isListening())
             return exitCheckInterval;
         const int silence = m_progress.isOpen() && !m_lastReport.empty() ? left(longestSilence) : INT_MAX;
-        return std::min(silence, EarlyWriteOut::interval);
+        return std::min(silence, EarlyWriteback::interval);
     }
 
     static int millisecondsUntil(Clock::time_point time)
@@ -116,7 +116,7 @@ private:
     int m_end;
     Stream& m_progress;
     Stream& m_complaints;
-    EarlyWriteOut m_writeOut;
+    EarlyWriteback m_writeback;
     ProgressReader m_progressReader;
     ComplaintReader m_complaintReader;
     std::string m_lastReport; // the last status line
@@ -142,20 +142,20 @@ void watchForCancelling()
             sigaddset(&signals, signal);
     }
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
-    cancelDescriptor = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
+    cancelSignals = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
 }
 
 bool isCancelled()
 {
     signalfd_siginfo info = {};
-    if (::read(cancelDescriptor, &info, sizeof info) > 0)
+    if (::read(cancelSignals, &info, sizeof info) > 0)
         cancelSeen = true;
     return cancelSeen;
 }
 
-int cancellingDescriptor()
+int cancelDescriptor()
 {
-    return cancelDescriptor;
+    return cancelSignals;
 }
 
 RunEnd runFfmpeg(const std::vector<std::string>& arguments, const std::string& input, int output)

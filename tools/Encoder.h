@@ -15,7 +15,7 @@ void watchForCancelling();
 bool isCancelled();
 
 /// Has something to read while such a signal has come that isCancelled has not seen yet.
-int cancellingDescriptor();
+int cancelDescriptor();
 
 /// Runs ffmpeg with these arguments, which may read the file `input` and write to the descriptor `output`, to
 /// its end. Status lines and complaints go to this process's standard error, whether anybody reads them or

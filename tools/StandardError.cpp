@@ -22,7 +22,7 @@ bool isTaken(int wishToStop)
 
 } // namespace
 
-void sayLines(const std::string& lines, int wishToStop)
+void writeErrorLines(const std::string& lines, int wishToStop)
 {
     for (std::size_t begin = 0; begin < lines.size();) {
         const auto end = std::min(lines.find('\n', begin), lines.size() - 1) + 1;

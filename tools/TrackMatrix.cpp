@@ -54,7 +54,14 @@ bool isTurnMirrorOrZoom(const DisplayMatrix& m)
     return isEmpty(m) || (isZoom && withoutScale(m));
 }
 
-/// Of a matrix that is a turn or a mirror.
+/// A matrix without rounding errors, so that its inverse has none.
+bool isQuarterTurnOrMirror(const DisplayMatrix& m)
+{
+    const auto isWhole = [](double number) { return number == std::trunc(number); };
+    return keepsShapeAndSize(m) && isWhole(m.a) && isWhole(m.b) && isWhole(m.c) && isWhole(m.d);
+}
+
+/// Of such a matrix.
 DisplayMatrix inverse(const DisplayMatrix& m)
 {
     return {m.a, m.c, m.b, m.d};
@@ -65,7 +72,7 @@ DisplayMatrix inverse(const DisplayMatrix& m)
 std::optional<std::vector<Patch>> patchesOfFlag(const Movie& movie, double rotation)
 {
     const bool isMp4Family = !movie.majorBrand.empty() && movie.majorBrand != quickTimeBrand;
-    if (!isMp4Family || !movie.hasMediaData || !keepsShapeAndSize(movie.matrix) || movie.videos.empty()
+    if (!isMp4Family || !movie.hasMediaData || !isQuarterTurnOrMirror(movie.matrix) || movie.videos.empty()
         || !isTurnMirrorOrZoom(mainVideo(movie).matrix))
         return std::nullopt;
     const DisplayMatrix turn = turnedLeft(rotation + orientationOf(movie).rotation);

@@ -4,6 +4,8 @@
 #include "tools/Child.h"
 #include "tools/Confinement.h"
 #include "tools/Encoder.h"
+#include "tools/FlagCopy.h"
+#include "tools/InputFile.h"
 #include "tools/Job.h"
 #include "tools/OutputFile.h"
 #include "tools/Placeholder.h"
@@ -13,7 +15,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <fcntl.h>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -26,17 +27,15 @@ constexpr int failure = 1;
 constexpr int wrongArguments = 2;
 constexpr int cancelled = 255; // as ffmpeg has it
 
-VideoFacts factsOf(const std::string& path)
+VideoFacts askFfprobe(const std::string& path)
 {
-    if (canKeepWaiting(path))
-        return {};
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments = {"-v", "quiet", "-print_format", "json", "-show_streams", path};
     ffprobe.input = path;
     ffprobe.isBrief = true;
     int status = 0;
-    return videoFactsOf(outputOfChild(ffprobe, status, cancellingDescriptor()));
+    return videoFactsOf(outputOfChild(ffprobe, status, cancelDescriptor()));
 }
 
 std::string containerOf(const Job& job)
@@ -47,17 +46,12 @@ std::string containerOf(const Job& job)
 RunEnd runJob(const Job& job, const OutputFile& output)
 {
     output.empty();
-    if (canKeepWaiting(job.input)) {
-        std::fprintf(stderr, "tarnwell: %s: not a file\n", job.input.c_str());
-        return RunEnd::Failed;
-    }
     return runFfmpeg(
         ffmpegArguments(job, {output.writablePath(), containerOf(job)}), job.input, output.descriptor());
 }
 
-bool writePlaceholder(const Job& job, const OutputFile& output)
+bool writePlaceholder(const VideoFacts& facts, const OutputFile& output)
 {
-    const VideoFacts facts = factsOf(job.input);
     const bool isOnItsSide = facts.decoded && rotationTag(*facts.decoded) % 180 == 90;
     const std::string picture = isOnItsSide ? placeholderPicture(facts.height, facts.width)
                                             : placeholderPicture(facts.width, facts.height);
@@ -101,37 +95,41 @@ bool isPicture(RunEnd end, const OutputFile& output)
     return end == RunEnd::Succeeded && !output.isEmpty();
 }
 
-/// The frame at the asked position, else the first one that decodes, else a grey picture of the same size.
-int makeStill(Job job, OutputFile& output)
+/// The frame at the given position, else the first one that decodes, else a grey picture of the same size.
+int makeStill(Job job, const InputFile& input, OutputFile& output)
 {
     if (!saveOriginal(job))
         return failure;
-    RunEnd end = runJob(job, output);
-    if (end != RunEnd::Cancelled && !isPicture(end, output)) {
+    RunEnd end = input.isOpen() ? runJob(job, output) : RunEnd::Failed;
+    if (input.isOpen() && end != RunEnd::Cancelled && !isPicture(end, output)) {
         job.position.clear();
         end = runJob(job, output);
     }
-    const bool isMade = isPicture(end, output) || (end != RunEnd::Cancelled && writePlaceholder(job, output));
+    const auto facts = [&] { return input.isOpen() ? askFfprobe(job.input) : VideoFacts(); };
+    const bool isMade
+        = isPicture(end, output) || (end != RunEnd::Cancelled && writePlaceholder(facts(), output));
     if (isCancelled())
         return cancelled;
     return isMade && isFinished(output) ? success : failure;
 }
 
 /// The orientation of the input's main video track. ffprobe is asked only where the file does not say.
-Orientation orientationOf(const Job& job)
+Orientation orientationOf(const Job& job, const InputFile& input)
 {
-    const int file = ::open(job.input.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    const auto movie = readMovie(file);
-    if (file >= 0)
-        ::close(file);
+    const auto movie = readMovie(input.descriptor());
     if (movie && !movie->videos.empty())
         return orientationOf(*movie);
-    const VideoFacts facts = factsOf(job.input);
+    const VideoFacts facts = askFfprobe(job.input);
     return {facts.rotation, facts.decoded};
 }
 
-RunEnd makeVideo(const Job& job, const OutputFile& output)
+RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& output)
 {
+    output.empty();
+    if (job.kind == Job::Kind::FixFlag) {
+        if (const auto end = copyWithFlag(input.descriptor(), output.descriptor(), job.rotation))
+            return *end;
+    }
     const RunEnd end = runJob(job, output);
     if (end != RunEnd::Succeeded)
         return end;
@@ -139,16 +137,16 @@ RunEnd makeVideo(const Job& job, const OutputFile& output)
     if (!isCompleteMovie(output.descriptor()))
         return RunEnd::Failed;
     if (job.kind == Job::Kind::FixFlag
-        && !writeTrackMatrix(output.descriptor(), matrixOfFlag(orientationOf(job), job.rotation)))
+        && !writeTrackMatrix(output.descriptor(), matrixOfFlag(orientationOf(job, input), job.rotation)))
         return RunEnd::Failed;
     return isCancelled() ? RunEnd::Cancelled : RunEnd::Succeeded;
 }
 
-int makeVideoFile(Job job, OutputFile& output)
+int makeVideoFile(Job job, const InputFile& input, OutputFile& output)
 {
     if (!saveOriginal(job))
         return failure;
-    const RunEnd end = makeVideo(job, output);
+    const RunEnd end = input.isOpen() ? makeVideo(job, input, output) : RunEnd::Failed;
     if (end == RunEnd::Succeeded && isFinished(output))
         return success;
     return endWithout(job, isCancelled() ? RunEnd::Cancelled : end);
@@ -161,7 +159,8 @@ int main(int argc, char* argv[])
     holdStandardDescriptors();
     watchForCancelling();
     std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, nobody could wait for ffmpeg
+    std::signal(SIGXFSZ, SIG_IGN); // a file that gets too large is a failed write
+    std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, ffmpeg could not be waited for
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments == std::vector<std::string>{"--confinement"}) {
         std::fputs(describeConfinement().c_str(), stdout);
@@ -177,5 +176,9 @@ int main(int argc, char* argv[])
         std::perror("tarnwell: the output cannot be written");
         return job->kind == Job::Kind::Still ? failure : endWithout(*job, RunEnd::Failed);
     }
-    return job->kind == Job::Kind::Still ? makeStill(*job, output) : makeVideoFile(*job, output);
+    const InputFile input(job->input);
+    if (!input.isOpen())
+        std::fprintf(stderr, "tarnwell: the input cannot be read: %s\n", input.error().c_str());
+    return job->kind == Job::Kind::Still ? makeStill(*job, input, output)
+                                         : makeVideoFile(*job, input, output);
 }

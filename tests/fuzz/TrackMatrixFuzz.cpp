@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a finished movie: creator takes it as whole only where its boxes are, and writes the matrices
+// Any bytes as a movie: creator takes it as whole only where its boxes fill the file, and writes the matrices
 // of track headers and nothing else.
 #include "tests/fuzz/Promise.h"
 #include "tools/TrackMatrix.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <vector>
@@ -64,19 +65,18 @@ struct Box {
     std::size_t end;
 };
 
-/// The boxes up to the first that is broken, and whether none is. A size of 0, in either of its two forms,
-/// reaches to the end.
+/// The boxes up to the first that is broken, and whether none is. A size of 0 reaches to the end.
 std::vector<Box> boxesIn(const std::string& bytes, std::size_t begin, std::size_t end, bool& areWhole)
 {
     std::vector<Box> boxes;
     for (areWhole = true; begin < end;) {
         std::uint64_t size = numberAt(bytes, begin, 4);
-        const std::size_t header = size == 1 ? 16 : 8;
-        if (size == 1)
-            size = numberAt(bytes, begin + 8, 8);
+        const std::size_t header = size == 1 ? 16 : 8; // its room is the file, as the sizes are checked
         if (size == 0)
             size = end - begin;
-        areWhole = bytes.size() - begin >= 8 && size >= header && size <= end - begin;
+        if (size == 1)
+            size = numberAt(bytes, begin + 8, 8);
+        areWhole = bytes.size() - begin >= header && size >= header && size <= end - begin;
         if (!areWhole)
             break;
         boxes.push_back({bytes.substr(begin + 4, 4), begin + header, begin + size});
@@ -85,34 +85,18 @@ std::vector<Box> boxesIn(const std::string& bytes, std::size_t begin, std::size_
     return boxes;
 }
 
-/// The first of that type in the parent, which lies in nothing where there is none.
-Box child(const std::string& bytes, const Box& parent, const std::string& type)
+/// Whether boxes fill the file, and one of them, the only one of its type, is filled by boxes with a track.
+bool hasDescription(const std::string& bytes)
 {
     bool areWhole = false;
-    for (const Box& box : boxesIn(bytes, parent.content, parent.end, areWhole)) {
-        if (box.type == type)
-            return box;
-    }
-    return {"", bytes.size(), bytes.size()};
-}
-
-bool isVideoTrack(const std::string& bytes, const Box& box)
-{
-    const Box handler = child(bytes, child(bytes, box, "mdia"), "hdlr");
-    return box.type == "trak" && handler.content + 12 <= bytes.size()
-        && bytes.compare(handler.content + 8, 4, "vide") == 0;
-}
-
-/// Whether boxes fill the file and one of them describes a track of video.
-bool isWhole(const std::string& bytes)
-{
-    const Box movie = child(bytes, {"", 0, bytes.size()}, "moov");
-    bool areWhole = false;
-    const auto tracks = boxesIn(bytes, movie.content, movie.end, areWhole);
-    const bool hasVideo = std::any_of(
-        tracks.begin(), tracks.end(), [&bytes](const Box& box) { return isVideoTrack(bytes, box); });
-    boxesIn(bytes, 0, bytes.size(), areWhole);
-    return hasVideo && areWhole;
+    const auto boxes = boxesIn(bytes, 0, bytes.size(), areWhole);
+    const auto isDescription = [](const Box& box) { return box.type == "moov"; };
+    if (!areWhole || std::count_if(boxes.begin(), boxes.end(), isDescription) != 1)
+        return false;
+    const Box& description = *std::find_if(boxes.begin(), boxes.end(), isDescription);
+    const auto parts = boxesIn(bytes, description.content, description.end, areWhole);
+    return areWhole
+        && std::any_of(parts.begin(), parts.end(), [](const Box& part) { return part.type == "trak"; });
 }
 
 /// Where the matrix of the header with that "tkhd" stands, by its size's form and its version byte.
@@ -167,6 +151,53 @@ bool hasQuarterTurns(const std::string& bytes, std::size_t turns)
     return false;
 }
 
+bool areNear(const DisplayMatrix& left, const DisplayMatrix& right)
+{
+    constexpr double rounding = 0.01;
+    return std::abs(left.a - right.a) < rounding && std::abs(left.b - right.b) < rounding
+        && std::abs(left.c - right.c) < rounding && std::abs(left.d - right.d) < rounding;
+}
+
+/// Writes the matrix into all video tracks, twice.
+void checkMatrix(const MemoryFile& file, const std::string& before, std::size_t turns)
+{
+    const DisplayMatrix matrix = turnedLeft(90.0 * static_cast<double>(turns));
+    const bool isWritten = writeTrackMatrix(file.descriptor(), matrix);
+    const std::string after = file.contents();
+    checkChanges(before, after);
+    promise(isWritten || after == before, "what fails changes nothing");
+    promise(isCompleteMovie(file.descriptor()) == isWritten, "a new matrix breaks no movie");
+    promise(!isWritten || hasQuarterTurns(after, turns), "what was written is the turn");
+    promise(writeTrackMatrix(file.descriptor(), matrix) == isWritten && file.contents() == after,
+        "the second time changes nothing");
+}
+
+/// Turns what is shown by quarters.
+void checkFlag(const MemoryFile& file, const std::string& before, std::size_t turns)
+{
+    file.write(before);
+    const auto movie = readMovie(file.descriptor());
+    if (!movie || movie->videos.empty())
+        return;
+    const Orientation shown = orientationOf(*movie);
+    const double degrees = 90.0 * static_cast<double>(turns);
+    const auto patches = patchesOfFlag(*movie, degrees - shown.rotation);
+    if (!patches)
+        return;
+    promise(!patches->empty() && applyPatches(file.descriptor(), *patches), "a flag is some patches");
+    checkChanges(before, file.contents());
+    const auto after = readMovie(file.descriptor());
+    promise(after && after->videos.size() == movie->videos.size(), "a flag breaks no movie");
+    const auto expected = combined(shown.decoded.value_or(DisplayMatrix()), turnedLeft(degrees));
+    const auto decoded = orientationOf(*after).decoded;
+    const VideoTrack& main = mainVideo(*movie);
+    constexpr double smallest = 0.02; // a smaller scale leaves too few bits of the matrix
+    const bool isLarge = std::hypot(main.matrix.a, main.matrix.b) > smallest || !shown.decoded;
+    const bool isSmall = std::hypot(main.matrix.a, main.matrix.b) < 32767;
+    promise(main.isCover || !isLarge || !isSmall || (decoded && areNear(*decoded, expected)),
+        "what is shown is turned");
+}
+
 } // namespace
 
 } // namespace tarnwell::test
@@ -177,19 +208,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const MemoryFile file;
     const std::string before = bytesOf(data, size);
     file.write(before);
-    const bool isComplete = isCompleteMovie(file.descriptor());
-    promise(isComplete == isWhole(before),
-        "a movie is complete where whole boxes fill it and one is a track of video");
-    promise(file.contents() == before, "looking changes nothing");
+    promise(!isCompleteMovie(file.descriptor()) || hasDescription(before),
+        "a complete movie consists of whole boxes and has one description");
+    promise(file.contents() == before, "reading changes nothing");
     Choices choices(before);
     const std::size_t turns = choices.below(4);
-    const bool isWritten = writeTrackMatrix(file.descriptor(), turnedLeft(90.0 * static_cast<double>(turns)));
-    const std::string after = file.contents();
-    checkChanges(before, after);
-    promise(isCompleteMovie(file.descriptor()) == isComplete, "a new matrix breaks no movie");
-    promise(!isWritten || hasQuarterTurns(after, turns), "what was written is the turn");
-    promise(writeTrackMatrix(file.descriptor(), turnedLeft(90.0 * static_cast<double>(turns))) == isWritten
-            && file.contents() == after,
-        "the second time changes nothing");
+    checkMatrix(file, before, turns);
+    checkFlag(file, before, turns);
     return 0;
 }

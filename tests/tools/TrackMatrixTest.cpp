@@ -253,7 +253,9 @@ TEST(FlagPatchesTest, theMovieHeadersMatrixIsReckonedWith)
             EXPECT_NEAR(now.d, expected.d, rounding);
         }
     }
-    EXPECT_EQ(flagged(fileType() + box("moov", movieHeader(0, Nine(9, 0)) + track("vide")) + data, 90), "");
+    for (const Nine& matrix :
+        {Nine(9, 0), matrixNine(2, 0, 0, 2), Nine{matrixOne, 0, 0, 38, matrixOne, 0, 0, 0, lastOne}})
+        EXPECT_EQ(flagged(fileType() + box("moov", movieHeader(0, matrix) + track("vide")) + data, 90), "");
 }
 
 TEST(FlagPatchesTest, otherFilesNeedANewFile)

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "tools/FlagCopy.h"
+
+#include "tools/FileCopy.h"
+#include "tools/StandardError.h"
+#include "tools/StatusLines.h"
+#include "tools/TrackMatrix.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <string>
+#include <sys/stat.h>
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+/// Writes status lines in proportion to the movie's duration, more often than twice a second.
+class CopyStatus
+{
+public:
+    CopyStatus(std::int64_t microseconds, off_t size)
+        : m_microseconds(microseconds)
+        , m_size(size)
+    {
+    }
+
+    void report(off_t copied)
+    {
+        constexpr std::chrono::milliseconds interval(250);
+        if (Clock::now() - m_reportedAt >= interval)
+            write(copied);
+    }
+
+    void reportEnd() { write(m_size); }
+
+private:
+    void write(off_t copied)
+    {
+        const double share = static_cast<double>(copied) / static_cast<double>(m_size);
+        writeErrorLines(statusLine(static_cast<std::int64_t>(share * static_cast<double>(m_microseconds))),
+            cancelDescriptor());
+        m_reportedAt = Clock::now();
+    }
+
+    std::int64_t m_microseconds;
+    off_t m_size;
+    Clock::time_point m_reportedAt;
+};
+
+bool isSameTime(const timespec& left, const timespec& right)
+{
+    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
+bool isUnchanged(int file, const struct stat& before)
+{
+    struct stat now = {};
+    return ::fstat(file, &now) == 0 && now.st_size == before.st_size
+        && isSameTime(now.st_mtim, before.st_mtim) && isSameTime(now.st_ctim, before.st_ctim);
+}
+
+RunEnd failed(const std::string& reason)
+{
+    writeErrorLines("tarnwell: the file could not be copied: " + reason + "\n", cancelDescriptor());
+    return RunEnd::Failed;
+}
+
+} // namespace
+
+std::optional<RunEnd> copyWithFlag(int input, int output, double rotation)
+{
+    struct stat before = {};
+    if (::fstat(input, &before) != 0)
+        return std::nullopt;
+    const auto movie = readMovie(input);
+    const auto patches = movie ? patchesOfFlag(*movie, rotation) : std::nullopt;
+    if (!patches)
+        return std::nullopt;
+    CopyStatus status(movie->microseconds, before.st_size);
+    const CopyEnd end = copyFile(input, output, before.st_size, [&status](off_t copied) {
+        status.report(copied);
+        return !isCancelled();
+    });
+    if (end == CopyEnd::Cancelled)
+        return RunEnd::Cancelled;
+    if (end == CopyEnd::Failed || !applyPatches(output, *patches))
+        return failed(std::strerror(errno));
+    if (!isUnchanged(input, before))
+        return failed("it was changed meanwhile");
+    status.reportEnd();
+    return RunEnd::Succeeded;
+}

@@ -86,10 +86,12 @@ std::optional<RunEnd> copyWithFlag(int input, int output, double rotation)
     });
     if (end == CopyEnd::Cancelled)
         return RunEnd::Cancelled;
-    if (end == CopyEnd::Failed || !applyPatches(output, *patches))
-        return failed(std::strerror(errno));
+    const bool isWritten = end == CopyEnd::Copied && applyPatches(output, *patches);
+    const std::string reason = std::strerror(errno);
     if (!isUnchanged(input, before))
         return failed("it was changed meanwhile");
+    if (!isWritten)
+        return failed(reason);
     status.reportEnd();
     return RunEnd::Succeeded;
 }

@@ -14,6 +14,7 @@
 #include <pthread.h>
 #include <spawn.h>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -82,18 +83,22 @@ int failing(int error)
     return -1;
 }
 
-/// Says so and waits where TARNWELL_FSYNC_WAITS_FOR, or for folders TARNWELL_FOLDER_FSYNC_WAITS_FOR, names a
-/// file, until that is there.
-void waitIfTold(int file)
+/// Where the environment variable names a file: makes a file of that name with ".waiting" and waits until the
+/// other exists.
+void waitIfTold(const char* variable)
 {
-    struct stat status = {};
-    const bool isFolder = ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
-    const char* path = std::getenv(isFolder ? "TARNWELL_FOLDER_FSYNC_WAITS_FOR" : "TARNWELL_FSYNC_WAITS_FOR");
+    const char* path = std::getenv(variable);
     if (path == nullptr)
         return;
     ::close(::creat((std::string(path) + ".waiting").c_str(), 0600));
     while (::access(path, F_OK) != 0)
         ::usleep(1000);
+}
+
+bool isFolder(int file)
+{
+    struct stat status = {};
+    return ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 } // namespace
@@ -102,6 +107,13 @@ void waitIfTold(int file)
     if (isToFail(#call, __builtin_return_address(0)))                                                        \
         return failing(error);                                                                               \
     static const auto really = real<decltype(&::call)>(#call)
+
+// A program built for files of more than 2 GiB calls functions with another name. They count as the same
+// call.
+#define FAIL_OR_64(call, error)                                                                              \
+    if (isToFail(#call, __builtin_return_address(0)))                                                        \
+        return failing(error);                                                                               \
+    static const auto really = real<decltype(&::call##64)>(#call "64")
 
 extern "C" {
 
@@ -158,6 +170,51 @@ ssize_t pwrite(int file, const void* bytes, size_t count, off_t place)
     return really(file, bytes, count, place);
 }
 
+ssize_t pwrite64(int file, const void* bytes, size_t count, off64_t place)
+{
+    FAIL_OR_64(pwrite, ENOSPC);
+    return really(file, bytes, count, place);
+}
+
+ssize_t pread64(int file, void* bytes, size_t count, off64_t place)
+{
+    FAIL_OR_64(pread, EIO);
+    return really(file, bytes, count, place);
+}
+
+off64_t lseek64(int file, off64_t offset, int from) noexcept
+{
+    FAIL_OR_64(lseek, EINVAL);
+    return really(file, offset, from);
+}
+
+int ioctl(int file, unsigned long request, ...) noexcept
+{
+    va_list rest;
+    va_start(rest, request);
+    void* argument = va_arg(rest, void*);
+    va_end(rest);
+    FAIL_OR(ioctl, EIO);
+    return really(file, request, argument);
+}
+
+/// Its second call waits where TARNWELL_COPY_WAITS_FOR names a file.
+ssize_t copy_file_range(
+    int from, off64_t* fromOffset, int to, off64_t* toOffset, size_t size, unsigned int flags)
+{
+    static std::atomic<int> copies = 0;
+    if (++copies == 2)
+        waitIfTold("TARNWELL_COPY_WAITS_FOR");
+    FAIL_OR(copy_file_range, EIO);
+    return really(from, fromOffset, to, toOffset, size, flags);
+}
+
+int sync_file_range(int file, off64_t offset, off64_t size, unsigned int flags)
+{
+    FAIL_OR(sync_file_range, EIO);
+    return really(file, offset, size, flags);
+}
+
 int poll(pollfd* files, nfds_t count, int patience)
 {
     FAIL_OR(poll, EINTR);
@@ -182,15 +239,33 @@ int stat(const char* path, struct stat* status)
     return really(path, status);
 }
 
+int stat64(const char* path, struct stat64* status) noexcept
+{
+    FAIL_OR_64(stat, EACCES);
+    return really(path, status);
+}
+
 int lstat(const char* path, struct stat* status)
 {
     FAIL_OR(lstat, EACCES);
     return really(path, status);
 }
 
+int lstat64(const char* path, struct stat64* status) noexcept
+{
+    FAIL_OR_64(lstat, EACCES);
+    return really(path, status);
+}
+
 int fstat(int file, struct stat* status)
 {
     FAIL_OR(fstat, EIO);
+    return really(file, status);
+}
+
+int fstat64(int file, struct stat64* status) noexcept
+{
+    FAIL_OR_64(fstat, EIO);
     return really(file, status);
 }
 
@@ -201,6 +276,16 @@ int open(const char* path, int flags, ...)
     const auto mode = va_arg(rest, mode_t);
     va_end(rest);
     FAIL_OR(open, EMFILE);
+    return really(path, flags, mode);
+}
+
+int open64(const char* path, int flags, ...)
+{
+    va_list rest;
+    va_start(rest, flags);
+    const auto mode = va_arg(rest, mode_t);
+    va_end(rest);
+    FAIL_OR_64(open, EMFILE);
     return really(path, flags, mode);
 }
 
@@ -220,9 +305,15 @@ int mkostemp(char* path, int flags)
     return really(path, flags);
 }
 
+int mkostemp64(char* path, int flags)
+{
+    FAIL_OR_64(mkostemp, ENOSPC);
+    return really(path, flags);
+}
+
 int fsync(int file)
 {
-    waitIfTold(file);
+    waitIfTold(isFolder(file) ? "TARNWELL_FOLDER_FSYNC_WAITS_FOR" : "TARNWELL_FSYNC_WAITS_FOR");
     FAIL_OR(fsync, EIO);
     return really(file);
 }
@@ -230,6 +321,12 @@ int fsync(int file)
 int ftruncate(int file, off_t size)
 {
     FAIL_OR(ftruncate, EIO);
+    return really(file, size);
+}
+
+int ftruncate64(int file, off64_t size) noexcept
+{
+    FAIL_OR_64(ftruncate, EIO);
     return really(file, size);
 }
 

@@ -23,10 +23,14 @@ protected:
     std::string input() const { return tools.at("clip.mp4"); }
     std::string output() const { return tools.at("Rotated.mp4"); }
 
+    /// Another content for the input.
+    void setInput(const std::string& bytes);
+
     /// The three lists, for `input` and `output` unless told otherwise.
     std::vector<std::string> still() const { return still("1.5", output()); }
     std::vector<std::string> still(const std::string& position, const std::string& path) const;
-    std::vector<std::string> fixFlag() const;
+    std::vector<std::string> fixFlag() const { return fixFlag(output()); }
+    std::vector<std::string> fixFlag(const std::string& path) const;
     std::vector<std::string> transcode() const { return transcode(input(), output()); }
     std::vector<std::string> transcode(const std::string& from, const std::string& to) const;
 
@@ -47,6 +51,7 @@ protected:
     ToolFolder tools;
 
 private:
+    std::string m_original;
     std::string m_inputAfterwards;
     std::filesystem::file_time_type m_time;
 };

@@ -3,6 +3,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
+#include "tests/tools/MovieBytes.h"
 
 #include <filesystem>
 #include <iostream>
@@ -40,13 +41,13 @@ protected:
     }
 
     /// Whole or not there at all, and an older file never lost.
-    void expectGoodEnding(int status)
+    void expectGoodEnding(int status, std::size_t otherSize = 0)
     {
         const std::string now = contentsOf(output());
         const std::string previous = contentsOf(tools.at("Rotated (previous).mp4"));
         EXPECT_TRUE(status == 0 || status == 1 || status == 255) << status;
         if (status == 0) {
-            EXPECT_EQ(now.size(), movie().size());
+            EXPECT_TRUE(now.size() == movie().size() || now.size() == otherSize) << now.size();
         } else {
             EXPECT_TRUE(now == "older" || previous == "older") << now;
         }
@@ -74,6 +75,23 @@ TEST_P(FailingCallsTest, aVideoIsMadeWholeOrNotAtAll)
         EXPECT_LT(time, mostTimes);
         std::cout << GetParam() << " failed " << time - 1 << " times\n";
     }
+}
+
+TEST_P(FailingCallsTest, aCopyIsMadeWholeOrNotAtAll)
+{
+    setGoodFfmpeg();
+    const std::string input = movieOf(3 << 20);
+    setInput(input);
+    int time = 0;
+    for (bool failed = true; failed && time < mostTimes;) {
+        SCOPED_TRACE(testing::Message() << GetParam() << " " << ++time);
+        writeFile(output(), "older");
+        const auto status = statusWith(time, tools.creator(), fixFlag());
+        expectGoodEnding(status.value_or(0), input.size());
+        failed = status.has_value();
+    }
+    EXPECT_LT(time, mostTimes);
+    std::cout << GetParam() << " failed " << time - 1 << " times\n";
 }
 
 TEST_P(FailingCallsTest, aStillOrNone)
@@ -111,7 +129,8 @@ TEST_P(FailingCallsTest, aReportIsWholeOrSaysSoByItsStatus)
 
 INSTANTIATE_TEST_SUITE_P(Calls, FailingCallsTest,
     testing::Values("pipe2", "fork", "read", "write", "pwrite", "poll", "waitid", "waitpid", "stat", "lstat",
-        "fstat", "open", "mkostemp", "fsync", "ftruncate", "linkat", "rename", "renameat2", "unlink"),
+        "fstat", "open", "mkostemp", "fsync", "ftruncate", "pread", "lseek", "ioctl", "copy_file_range",
+        "sync_file_range", "linkat", "rename", "renameat2", "unlink"),
     [](const auto& call) { return call.param; });
 
 } // namespace tarnwell::test

@@ -96,6 +96,16 @@ std::string smallMovie()
         + movieBox(track("vide") + track("soun", {0, 0, 0}));
 }
 
+std::string movieOf(std::size_t dataSize)
+{
+    std::string data;
+    data.reserve(dataSize + 8);
+    for (std::uint64_t number = 0; data.size() < dataSize; ++number)
+        data += bigEndian(number, 8);
+    data.resize(dataSize);
+    return fileType() + movieBox(track("vide")) + box("mdat", data);
+}
+
 std::string matrixIn(const std::string& file, std::size_t header)
 {
     constexpr std::size_t boxHeader = 8;

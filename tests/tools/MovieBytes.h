@@ -56,6 +56,9 @@ std::string track(const std::string& handler, const TrackBytes& bytes = {});
 /// A file of three boxes: its type, the data, and the movie with one video and one audio track.
 std::string smallMovie();
 
+/// A file with one video track and so many bytes of data that repeats nowhere.
+std::string movieOf(std::size_t dataSize);
+
 /// The nine numbers in a track header that begins at `header`.
 std::string matrixIn(const std::string& file, std::size_t header);
 

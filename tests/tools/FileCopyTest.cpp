@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+#include "tools/FileCopy.h"
+
+#include "platform/TemporaryDirectory.h"
+#include "tests/tools/MemoryFile.h"
+#include "tests/tools/MovieBytes.h"
+#include "tests/tools/RefusedCall.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+/// A file on the disk that has no name any more.
+class DiskFile
+{
+public:
+    DiskFile() { m_descriptor = ::open(m_folder.path().c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600); }
+    ~DiskFile() { ::close(m_descriptor); }
+    DiskFile(const DiskFile&) = delete;
+    DiskFile& operator=(const DiskFile&) = delete;
+
+    int descriptor() const { return m_descriptor; }
+
+    void writeAt(off_t offset, const std::string& bytes) const
+    {
+        EXPECT_EQ(
+            ::pwrite(m_descriptor, bytes.data(), bytes.size(), offset), static_cast<ssize_t>(bytes.size()));
+    }
+
+    struct stat status() const
+    {
+        struct stat status = {};
+        EXPECT_EQ(::fstat(m_descriptor, &status), 0);
+        return status;
+    }
+
+    std::string contents() const
+    {
+        std::string bytes(static_cast<std::size_t>(status().st_size), '\0');
+        EXPECT_EQ(::pread(m_descriptor, bytes.data(), bytes.size(), 0), static_cast<ssize_t>(bytes.size()));
+        return bytes;
+    }
+
+private:
+    TemporaryDirectory m_folder;
+    int m_descriptor = -1;
+};
+
+const CopyProgress always = [](off_t) { return true; };
+
+} // namespace
+
+TEST(FileCopyTest, everyByteIsCopied)
+{
+    for (const std::size_t size : {0U, 1U, 4096U, 1048576U, 3000001U}) {
+        const std::string bytes = movieOf(3000001).substr(0, size);
+        const DiskFile source;
+        const DiskFile target;
+        source.writeAt(0, bytes);
+        EXPECT_EQ(copyFile(source.descriptor(), target.descriptor(), static_cast<off_t>(size), always),
+            CopyEnd::Copied);
+        EXPECT_TRUE(target.contents() == bytes) << size;
+    }
+}
+
+TEST(FileCopyTest, aFileOfAnotherFileSystemIsCopied)
+{
+    const std::string bytes = movieOf(3000001);
+    const MemoryFile source(bytes);
+    const DiskFile target;
+    EXPECT_EQ(copyFile(source.descriptor(), target.descriptor(), static_cast<off_t>(bytes.size()), always),
+        CopyEnd::Copied);
+    EXPECT_TRUE(target.contents() == bytes);
+}
+
+TEST(FileCopyTest, aKernelThatDoesNotCopyIsNoFailure)
+{
+    EXPECT_TRUE(holdsWithout(RefusedCall::CopyFileRange, [] {
+        const std::string bytes = movieOf(3000001);
+        const DiskFile source;
+        const DiskFile target;
+        source.writeAt(0, bytes);
+        return copyFile(source.descriptor(), target.descriptor(), static_cast<off_t>(bytes.size()), always)
+            == CopyEnd::Copied
+            && target.contents() == bytes;
+    }));
+}
+
+TEST(FileCopyTest, progressComesPieceByPiece)
+{
+    const std::string bytes = movieOf(5000000);
+    const DiskFile source;
+    const DiskFile target;
+    source.writeAt(0, bytes);
+    std::vector<off_t> progress = {0};
+    EXPECT_EQ(copyFile(source.descriptor(), target.descriptor(), static_cast<off_t>(bytes.size()),
+                  [&progress](off_t copied) {
+                      EXPECT_GT(copied, progress.back());
+                      EXPECT_LE(copied - progress.back(), 1 << 20);
+                      progress.push_back(copied);
+                      return true;
+                  }),
+        CopyEnd::Copied);
+    EXPECT_EQ(progress.back(), static_cast<off_t>(bytes.size()));
+}
+
+TEST(FileCopyTest, aCancelEndsItAfterThePiece)
+{
+    const DiskFile source;
+    const DiskFile target;
+    source.writeAt(0, movieOf(5000000));
+    int calls = 0;
+    EXPECT_EQ(
+        copyFile(source.descriptor(), target.descriptor(), 5000000, [&calls](off_t) { return ++calls < 2; }),
+        CopyEnd::Cancelled);
+    EXPECT_EQ(calls, 2);
+    EXPECT_LE(target.status().st_size, 2 << 20);
+}
+
+TEST(FileCopyTest, aTargetThatCannotBeWrittenIsAFailure)
+{
+    const DiskFile source;
+    source.writeAt(0, "bytes");
+    const int target = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    EXPECT_EQ(copyFile(source.descriptor(), target, 5, always), CopyEnd::Failed);
+    EXPECT_EQ(errno, EBADF);
+    ::close(target);
+}
+
+TEST(FileCopyTest, aSourceThatIsEmptiedMeanwhileEndsTheCopy)
+{
+    const DiskFile source;
+    const DiskFile target;
+    source.writeAt(0, movieOf(5000000));
+    EXPECT_NE(copyFile(source.descriptor(), target.descriptor(), 5000000,
+                  [&source](off_t) { return ::ftruncate(source.descriptor(), 0) == 0; }),
+        CopyEnd::Cancelled);
+}
+
+TEST(FileCopyTest, holesStayHoles)
+{
+    constexpr off_t size = 5'000'000'000;
+    const std::string data = movieOf(10000);
+    const DiskFile source;
+    const DiskFile target;
+    source.writeAt(0, data);
+    source.writeAt(3'000'000'000, data);
+    ASSERT_EQ(::ftruncate(source.descriptor(), size), 0);
+    std::vector<off_t> progress;
+    EXPECT_EQ(copyFile(source.descriptor(), target.descriptor(), size,
+                  [&progress](off_t copied) {
+                      progress.push_back(copied);
+                      return true;
+                  }),
+        CopyEnd::Copied);
+    EXPECT_EQ(target.status().st_size, size);
+    EXPECT_LT(target.status().st_blocks * 512, 1 << 20);
+    EXPECT_LT(progress.size(), 10U);
+    std::string copied(data.size(), '\0');
+    ASSERT_EQ(::pread(target.descriptor(), copied.data(), copied.size(), 3'000'000'000),
+        static_cast<ssize_t>(copied.size()));
+    EXPECT_TRUE(copied == data);
+}
+
+} // namespace tarnwell::test

@@ -13,9 +13,8 @@ namespace
 {
 
 constexpr Budget encoderBudget{1.01, 150};
-constexpr Budget copyingBudget{1.05, 150};
-constexpr Budget fileCopyBudget{1.5, 0};
-constexpr Budget otherWriterBudget{1.0, 0};
+constexpr Budget fileCopyBudget{1.15, 120};
+constexpr Budget otherWriterBudget{0.6, 0};
 
 constexpr int transcodeRounds = 7;
 constexpr int flagRounds = 7;
@@ -39,7 +38,7 @@ Command fileCopy(const std::string& input, const std::string& output)
 
 Command fileCopyToTheDisk(const std::string& input, const std::string& output)
 {
-    return {"dd", {"if=" + input, "of=" + output, "bs=1M", "conv=fsync", "status=none"}};
+    return {"sh", {"-c", "cp -- \"$1\" \"$2\" && sync -- \"$2\"", "sh", input, output}};
 }
 
 Command rotationByOtherWriter(const std::string& input, const std::string& output)
@@ -83,6 +82,9 @@ FlagPairs measureFlag(
     millisecondsToRun({"cat", {input}}); // all of it is read from memory then
     FlagPairs pairs;
     for (int round = 0; round < setting.rounds(flagRounds); ++round) {
+        // A virtual machine may have to get the memory back that the last round has freed: not for the first
+        // only.
+        time(fileCopy(input, output));
         const double saved = runFresh(output, [&] { return window.save("Fix Flag", output); });
         pairs.cp.add(saved, time(fileCopy(input, output)));
         pairs.ffmpeg.add(saved, time(bareFixFlag(input, output)));
@@ -98,9 +100,9 @@ void measureLargeFile(const Setting& setting, BenchWindow& window, const std::st
     const bool hasOtherWriter = isInstalled(otherWriter);
     const FlagPairs pairs = measureFlag(setting, window, setting.clip(size), hasOtherWriter);
     const std::string what = "fix flag of " + size + ": click to result";
-    setting.report.compare(what, "cp", pairs.cp, fileCopyBudget);
-    setting.report.compare(what, "ffmpeg with the same list", pairs.ffmpeg, copyingBudget);
-    setting.report.compare(what, "dd to the disk (fsync)", pairs.toTheDisk);
+    setting.report.compare(what, "cp, then sync of the file", pairs.toTheDisk, fileCopyBudget);
+    setting.report.compare(what, "cp", pairs.cp);
+    setting.report.compare(what, "ffmpeg with the same list", pairs.ffmpeg);
     if (hasOtherWriter)
         setting.report.compare(what, otherWriter + " to a new file", pairs.other, otherWriterBudget);
     else

@@ -21,7 +21,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Older headers do not know them; their numbers are the same on every machine.
+// Older headers do not define them. The numbers are the same on all architectures.
 #ifndef SYS_close_range
 #define SYS_close_range 436
 #endif
@@ -33,27 +33,25 @@
 namespace
 {
 
-constexpr int cannotBeRun = 127;
+constexpr int cannotRun = 127;
 constexpr int signalBase = 128;
 
-// Nothing that the user's environment holds can change what the tool does, its language and its libraries
-// included.
+// The whole environment of a tool, so that no variable of the user's changes its language or its libraries.
 char path[] = "PATH=/usr/bin:/bin";
 char locale[] = "LC_ALL=C.UTF-8";
 char* const toolEnvironment[] = {path, locale, nullptr};
 
-// How long a tool whose output has ended may still take to end itself.
+// How long a tool may run on after its output has ended.
 constexpr int longestEnd = 1000; // milliseconds
 
-void sayThatItCannotBeRun(const char* program)
+void reportThatItCannotRun(const char* program)
 {
     std::fprintf(stderr, "tarnwell: %s cannot be run: %s. Please install the package ffmpeg.\n", program,
         std::strerror(errno));
 }
 
-// The null device stands in for what is not given. The descriptors that are given lie above the standard
-// ones.
-void giveStream(int descriptor, int stream)
+/// Makes `stream`, a standard descriptor, a copy of `descriptor`, which is not one; -1 is the null device.
+void redirect(int descriptor, int stream)
 {
     const int source = descriptor >= 0 ? descriptor : ::open("/dev/null", O_RDWR | O_CLOEXEC);
     ::dup2(source, stream);
@@ -64,13 +62,13 @@ void closeOnExec(int descriptor)
     ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
-// Whoever started this program may have left it descriptors of its own.
-void closeTheRestOnExec()
+/// Descriptors that this process has inherited must not reach the tool.
+void closeOthersOnExec()
 {
     constexpr unsigned int onExec = 4; // CLOSE_RANGE_CLOEXEC
     if (::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, onExec) == 0)
         return;
-    // Kernels before 5.11 cannot do this.
+    // Kernels before 5.11 have no CLOSE_RANGE_CLOEXEC.
     DIR* listing = ::opendir("/proc/self/fd");
     while (const dirent* entry = listing != nullptr ? ::readdir(listing) : nullptr) {
         if (const int descriptor = std::atoi(entry->d_name); descriptor > STDERR_FILENO)
@@ -89,33 +87,32 @@ void resetSignals()
     std::signal(SIGXFSZ, SIG_DFL);
 }
 
-[[noreturn]] void becomeTool(const ChildPlan& plan, char* const arguments[], pid_t parent)
+[[noreturn]] void execTool(const ChildPlan& plan, char* const arguments[], pid_t parent)
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (::getppid() != parent) // it ended before that was said
-        ::_exit(cannotBeRun);
+    if (::getppid() != parent) // the parent ended before the call above
+        ::_exit(cannotRun);
     resetSignals();
-    ::setsid(); // what a terminal tells its programs is for this one's parent alone
+    ::setsid(); // signals of the terminal go to the parent only
     const int ownError = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    giveStream(-1, STDIN_FILENO);
-    giveStream(plan.standardOutput, STDOUT_FILENO);
-    giveStream(plan.standardError, STDERR_FILENO);
-    closeTheRestOnExec();
+    redirect(-1, STDIN_FILENO);
+    redirect(plan.standardOutput, STDOUT_FILENO);
+    redirect(plan.standardError, STDERR_FILENO);
+    closeOthersOnExec();
     if (plan.output >= 0)
         ::fcntl(plan.output, F_SETFD, 0);
-    confine({plan.program, plan.input, plan.output, plan.isBrief});
+    confine({plan.program, plan.input, plan.output, plan.isProbe});
     ::execve(plan.program.c_str(), arguments, toolEnvironment);
     ::dup2(ownError, STDERR_FILENO);
-    sayThatItCannotBeRun(plan.program.c_str());
-    ::_exit(cannotBeRun);
+    reportThatItCannotRun(plan.program.c_str());
+    ::_exit(cannotRun);
 }
 
-/// Leaves the child a moment to end by itself, unless it is not wanted any more.
-void endChild(pid_t child, bool isUnwanted)
+/// Kills the child, after a second in which it may end by itself unless `isStopped`.
+void endChild(pid_t child, bool isStopped)
 {
-    const int end = descriptorOfEnd(child);
-    for (int waited = 0; !isUnwanted && waited < longestEnd && !hasEnded(child);
-         waited += exitCheckInterval) {
+    const int end = openExitDescriptor(child);
+    for (int waited = 0; !isStopped && waited < longestEnd && !hasEnded(child); waited += exitCheckInterval) {
         pollfd waiting = {end, POLLIN, 0};
         ::poll(&waiting, 1, exitCheckInterval);
     }
@@ -136,11 +133,11 @@ pid_t startChild(const ChildPlan& plan)
     const pid_t parent = ::getpid();
     const pid_t child = ::fork();
     if (child == 0)
-        becomeTool(plan, pointers.data(), parent);
+        execTool(plan, pointers.data(), parent);
     return child;
 }
 
-void holdStandardDescriptors()
+void openStandardDescriptors()
 {
     // open takes the lowest free number: the loop ends once 0, 1 and 2 are all in use.
     int descriptor = ::open("/dev/null", O_RDWR);
@@ -157,7 +154,7 @@ bool hasEnded(pid_t child)
         || exit.si_pid != 0;
 }
 
-int descriptorOfEnd(pid_t child)
+int openExitDescriptor(pid_t child)
 {
     return static_cast<int>(::syscall(SYS_pidfd_open, child, 0));
 }
@@ -167,23 +164,23 @@ int waitForChild(pid_t child)
     int status = 0;
     while (::waitpid(child, &status, 0) < 0) {
         if (errno != EINTR)
-            return cannotBeRun;
+            return cannotRun;
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : signalBase + WTERMSIG(status);
 }
 
-std::string outputOfChild(ChildPlan plan, int& status, int wishToStop)
+std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor)
 {
     Stream output;
-    Stream complaints;
-    status = cannotBeRun;
-    if (!output.isOpen() || !complaints.isOpen())
+    Stream errors;
+    status = cannotRun;
+    if (!output.isOpen() || !errors.isOpen())
         return {};
     plan.standardOutput = output.writing();
-    plan.standardError = plan.isHeard ? complaints.writing() : -1;
+    plan.standardError = plan.forwardsErrors ? errors.writing() : -1;
     const pid_t child = startChild(plan);
     output.closeWriting();
-    complaints.closeWriting();
+    errors.closeWriting();
     if (child < 0)
         return {};
     ComplaintReader reader;
@@ -191,23 +188,23 @@ std::string outputOfChild(ChildPlan plan, int& status, int wishToStop)
     bool isStopped = false;
     while (output.isOpen() && !isStopped) {
         std::array<pollfd, 3> waiting
-            = {{{output.reading(), POLLIN, 0}, {complaints.reading(), POLLIN, 0}, {wishToStop, POLLIN, 0}}};
+            = {{{output.reading(), POLLIN, 0}, {errors.reading(), POLLIN, 0}, {stopDescriptor, POLLIN, 0}}};
         ::poll(waiting.data(), waiting.size(), -1);
         isStopped = waiting[2].revents != 0;
         if (waiting[0].revents != 0)
             text += output.read();
         if (waiting[1].revents != 0)
-            writeErrorLines(reader.read(complaints.read()), wishToStop);
+            writeErrorLines(reader.read(errors.read()), stopDescriptor);
     }
     endChild(child, isStopped);
     const int end = waitForChild(child);
-    while (complaints.hasMore())
-        writeErrorLines(reader.read(complaints.read()), wishToStop);
-    status = end == 0 && !output.isWhole() ? cannotBeRun : end;
+    while (errors.hasMore())
+        writeErrorLines(reader.read(errors.read()), stopDescriptor);
+    status = end == 0 && !output.isWhole() ? cannotRun : end;
     return text;
 }
 
-bool canKeepWaiting(const std::string& path)
+bool canBlock(const std::string& path)
 {
     struct stat status = {};
     return ::stat(path.c_str(), &status) == 0

@@ -5,45 +5,46 @@
 #include <sys/types.h>
 #include <vector>
 
-/// What a child process is to run, on which descriptors, and the only files of the user's that it can reach.
-/// -1 stands for the null device; standard input always is.
+/// What a child process runs, its standard streams, and the only files of the user's that it can access. The
+/// descriptor -1 stands for the null device, which standard input always is.
 struct ChildPlan {
     std::string program;
     std::vector<std::string> arguments;
     int standardOutput = -1;
     int standardError = -1;
-    std::string input; // the file that it may read
-    int output = -1; // the file that it may write, under this number for the child too
-    bool isBrief = false; // a report is; see Reach
-    bool isHeard = false; // what it says on standard error is passed on, in whole lines
+    std::string input; // the path of the file that it may read
+    int output = -1; // the file that it may write; the child inherits the descriptor under the same number
+    bool isProbe = false; // it has the resource limits of a report, see Reach
+    bool forwardsErrors = false; // whole lines of its standard error go to that of this process
 };
 
-/// Starts the child, confined; it ends with this process, however that ends. -1 where no process could be
-/// made. A program that cannot be run makes the child exit with 127 after it has said so on this process's
-/// standard error.
+/// Starts the child, confined. It is killed when this process ends in any way. Returns -1 where no process
+/// could be created. Where the program cannot be run, the child writes the reason to this process's standard
+/// error and exits with 127.
 pid_t startChild(const ChildPlan& plan);
 
-/// Whether the child has ended; waitForChild is still due.
+/// Whether the child has ended. waitForChild must still be called.
 bool hasEnded(pid_t child);
 
-/// A descriptor with something to read once the child has ended, to be closed by the caller; -1 where the
-/// kernel has no such thing. Then hasEnded, asked every exitCheckInterval, must do.
-int descriptorOfEnd(pid_t child);
+/// A descriptor that becomes readable when the child ends; the caller closes it. -1 where the kernel has none
+/// (before 5.3): then call hasEnded every exitCheckInterval.
+int openExitDescriptor(pid_t child);
 constexpr int exitCheckInterval = 5; // milliseconds
 
-/// Waits for the child's end: its exit status, or 128 and the signal's number.
+/// Waits until the child ends. Returns its exit status, or 128 plus the number of the signal that killed it.
 int waitForChild(pid_t child);
 
-/// Runs the child until its standard output ends; all it printed there. `status` gets what waitForChild
-/// gives, and never 0 where the output could not be read to its end. A child that lives on long after its
-/// output, or when there is something to read at `wishToStop`, is killed.
-std::string outputOfChild(ChildPlan plan, int& status, int wishToStop = -1);
+/// Runs the child and returns what it writes to its standard output, to the end of that. `status` is set as
+/// waitForChild returns it, but never to 0 where the output could not be read to its end. The child is killed
+/// where it runs for more than a second after that, or when `stopDescriptor` becomes readable.
+std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor = -1);
 
-/// Opens standard descriptors that are closed on the null device, so that no other file takes their numbers.
-void holdStandardDescriptors();
+/// Opens closed standard descriptors on the null device, so that no other file is opened under their numbers.
+void openStandardDescriptors();
 
-/// Whether reading the file can wait for somebody else for ever, as reading a pipe that was given a name can.
-bool canKeepWaiting(const std::string& path);
+/// Whether the path is a pipe, a socket or a character device, from which a read can block without an end.
+bool canBlock(const std::string& path);
 
-/// The path of ffmpeg or ffprobe: the one beside this program where there is one, else the system's.
+/// The path of ffmpeg or ffprobe: in the folder of this program where it exists there, else in the folder
+/// that the build sets (TARNWELL_FFMPEG_FOLDER).
 std::string pathOfTool(const std::string& name);

@@ -14,11 +14,11 @@ namespace
 {
 
 // A report on the longest real film takes seconds.
-constexpr rlim_t briefTime = 600;
+constexpr rlim_t probeTime = 600;
 
 /// A real report fits the machine's memory by far. What encodes the largest pictures on many processors may
 /// need more than there is, and swap; what needs several times as much is up to no good.
-rlim_t mostMemory(bool isBrief)
+rlim_t mostMemory(bool isProbe)
 {
     constexpr rlim_t gigabyte = rlim_t(1) << 30;
     const long pages = ::sysconf(_SC_PHYS_PAGES);
@@ -26,7 +26,7 @@ rlim_t mostMemory(bool isBrief)
     if (pages <= 0 || pageSize <= 0)
         return RLIM_INFINITY;
     const rlim_t memory = static_cast<rlim_t>(pages) * static_cast<rlim_t>(pageSize);
-    return isBrief ? std::max(8 * gigabyte, memory) : std::max(32 * gigabyte, 4 * memory);
+    return isProbe ? std::max(8 * gigabyte, memory) : std::max(32 * gigabyte, 4 * memory);
 }
 
 /// A limit that is lower already stays.
@@ -41,11 +41,11 @@ bool limit(__rlimit_resource resource, rlim_t most)
 
 /// What is written and mapped counts, not what is only reserved: every thread reserves a lot that it never
 /// uses.
-bool setLimits(bool isBrief)
+bool setLimits(bool isProbe)
 {
     const bool hasNoCore = limit(RLIMIT_CORE, 0);
-    const bool hasMemory = limit(RLIMIT_DATA, mostMemory(isBrief));
-    return hasNoCore && hasMemory && (!isBrief || limit(RLIMIT_CPU, briefTime));
+    const bool hasMemory = limit(RLIMIT_DATA, mostMemory(isProbe));
+    return hasNoCore && hasMemory && (!isProbe || limit(RLIMIT_CPU, probeTime));
 }
 
 } // namespace
@@ -56,7 +56,7 @@ Confinement confine(const Reach& reach)
     confinement.noNewPrivileges = ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0;
     confinement.fileRules = restrictFiles(reach.program, reach.readable, reach.writable);
     confinement.callFilter = refuseCalls();
-    confinement.limits = setLimits(reach.isBrief); // last, since they hold for this process's own work too
+    confinement.limits = setLimits(reach.isProbe); // last, since they hold for this process's own work too
     return confinement;
 }
 

@@ -8,7 +8,7 @@ struct Reach {
     std::string program; // the one it is
     std::string readable; // the one file that it reads; empty for none
     int writable = -1; // the one file that it writes, open; -1 for none
-    bool isBrief = false; // its work never takes minutes of the processor's time
+    bool isProbe = false; // limits of memory and processor time for a report instead of an encoding
 };
 
 /// How much of it the kernel was able to promise.

@@ -30,19 +30,19 @@ constexpr std::chrono::milliseconds longestSilence(450);
 int cancelSignals = -1;
 bool cancelSeen = false;
 
-/// Reads ffmpeg's two streams until both have ended and it has exited, and passes a wish to cancel on to it.
+/// Reads ffmpeg's two streams until both have ended and it has exited. Forwards a cancel to it.
 class Listener
 {
 public:
-    Listener(pid_t child, Stream& progress, Stream& complaints, int output)
+    Listener(pid_t child, Stream& progress, Stream& errors, int output)
         : m_child(child)
-        , m_end(descriptorOfEnd(child))
+        , m_exit(openExitDescriptor(child))
         , m_progress(progress)
-        , m_complaints(complaints)
+        , m_errors(errors)
         , m_writeback(output)
     {
     }
-    ~Listener() { ::close(m_end); }
+    ~Listener() { ::close(m_exit); }
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
@@ -50,9 +50,9 @@ public:
     {
         while (isListening() || !hasEnded(m_child)) {
             std::array<pollfd, 4> waiting
-                = {{{m_progress.reading(), POLLIN, 0}, {m_complaints.reading(), POLLIN, 0},
-                    {m_killAt ? -1 : cancelSignals, POLLIN, 0}, {isListening() ? -1 : m_end, POLLIN, 0}}};
-            ::poll(waiting.data(), waiting.size(), patience());
+                = {{{m_progress.reading(), POLLIN, 0}, {m_errors.reading(), POLLIN, 0},
+                    {m_killAt ? -1 : cancelSignals, POLLIN, 0}, {isListening() ? -1 : m_exit, POLLIN, 0}}};
+            ::poll(waiting.data(), waiting.size(), timeout());
             m_writeback.advanceToEnd();
             if (m_killAt && Clock::now() >= *m_killAt) {
                 ::kill(m_child, SIGKILL);
@@ -63,15 +63,15 @@ public:
             else if (isSilent())
                 report(m_lastReport);
             if (waiting[1].revents != 0)
-                writeErrorLines(m_complaintReader.read(m_complaints.read()), cancelSignals);
+                writeErrorLines(m_errorReader.read(m_errors.read()), cancelSignals);
             if (!m_killAt && isCancelled())
-                passOn();
+                forwardCancel();
         }
     }
 
 private:
-    /// An ffmpeg that has closed its streams may still be at work, and a wish to cancel must reach it.
-    bool isListening() const { return m_progress.isOpen() || m_complaints.isOpen(); }
+    /// An ffmpeg that has closed its streams may still work; a cancel must reach it, too.
+    bool isListening() const { return m_progress.isOpen() || m_errors.isOpen(); }
 
     void report(const std::string& lines)
     {
@@ -82,7 +82,7 @@ private:
         m_reportedAt = Clock::now();
     }
 
-    /// Some versions of ffmpeg report a little less than twice a second, whatever they are told.
+    /// Some versions of ffmpeg report a little less often than twice a second.
     bool isSilent() const
     {
         return m_progress.isOpen() && !m_lastReport.empty() && left(longestSilence) == 0;
@@ -90,7 +90,7 @@ private:
 
     int left(std::chrono::milliseconds silence) const { return millisecondsUntil(m_reportedAt + silence); }
 
-    int patience() const
+    int timeout() const
     {
         if (m_killAt)
             return millisecondsUntil(*m_killAt);
@@ -106,25 +106,25 @@ private:
         return left > 0 ? static_cast<int>(left) : 0;
     }
 
-    void passOn()
+    void forwardCancel()
     {
         ::kill(m_child, SIGTERM);
         m_killAt = Clock::now() + graceAfterCancel;
     }
 
     pid_t m_child;
-    int m_end;
+    int m_exit;
     Stream& m_progress;
-    Stream& m_complaints;
+    Stream& m_errors;
     EarlyWriteback m_writeback;
     ProgressReader m_progressReader;
-    ComplaintReader m_complaintReader;
+    ComplaintReader m_errorReader;
     std::string m_lastReport; // the last status line
     Clock::time_point m_reportedAt;
     std::optional<Clock::time_point> m_killAt;
 };
 
-/// Whoever started this tool may have told it not to care, as nohup does.
+/// Whether the caller has set the signal to be ignored, as nohup does.
 bool isIgnored(int signal)
 {
     struct sigaction action = {};
@@ -133,7 +133,7 @@ bool isIgnored(int signal)
 
 } // namespace
 
-void watchForCancelling()
+void handleCancelSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
@@ -163,20 +163,20 @@ RunEnd runFfmpeg(const std::vector<std::string>& arguments, const std::string& i
     if (isCancelled())
         return RunEnd::Cancelled;
     Stream progress;
-    Stream complaints;
+    Stream errors;
     ChildPlan ffmpeg;
     ffmpeg.program = pathOfTool("ffmpeg");
     ffmpeg.arguments = arguments;
     ffmpeg.standardOutput = progress.writing();
-    ffmpeg.standardError = complaints.writing();
+    ffmpeg.standardError = errors.writing();
     ffmpeg.input = input;
     ffmpeg.output = output;
     const pid_t child = startChild(ffmpeg);
     progress.closeWriting();
-    complaints.closeWriting();
+    errors.closeWriting();
     if (child < 0)
         return RunEnd::Failed;
-    Listener(child, progress, complaints, output).listen();
+    Listener(child, progress, errors, output).listen();
     const int status = waitForChild(child);
     if (isCancelled())
         return RunEnd::Cancelled;

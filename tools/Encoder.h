@@ -7,18 +7,17 @@
 /// How a run of ffmpeg ended.
 enum class RunEnd { Succeeded, Failed, Cancelled };
 
-/// Takes SIGTERM, SIGINT and SIGHUP as wishes to cancel, from now on and for the whole process. Call it
-/// first.
-void watchForCancelling();
+/// From now on SIGTERM, SIGINT and SIGHUP cancel the work instead of ending the process. A SIGINT or SIGHUP
+/// that the caller has set to be ignored stays ignored. Call it first.
+void handleCancelSignals();
 
-/// Whether such a signal has come.
+/// Whether such a signal has arrived.
 bool isCancelled();
 
-/// Has something to read while such a signal has come that isCancelled has not seen yet.
+/// Is readable when such a signal has arrived and isCancelled has not been called since.
 int cancelDescriptor();
 
-/// Runs ffmpeg with these arguments, which may read the file `input` and write to the descriptor `output`, to
-/// its end. Status lines and complaints go to this process's standard error, whether anybody reads them or
-/// not. A wish to cancel is passed on as SIGTERM; an ffmpeg that takes its time over that is killed, since
-/// what it writes is not wanted any more.
+/// Runs ffmpeg to its end. It may read the file at the path `input` and write to the descriptor `output`. Its
+/// progress, as status lines, and its error messages go to this process's standard error. A cancel is
+/// forwarded as SIGTERM; an ffmpeg that has not ended 0.4 seconds later is killed.
 RunEnd runFfmpeg(const std::vector<std::string>& arguments, const std::string& input, int output);

@@ -16,7 +16,7 @@
 namespace
 {
 
-constexpr mode_t usualMode = 0666; // the user's mask takes its part
+constexpr mode_t usualMode = 0666; // before the umask
 constexpr int mostNames = 1000;
 constexpr std::size_t longestName = NAME_MAX;
 
@@ -41,7 +41,7 @@ bool renameToFreeName(const std::string& from, const std::string& to)
         return true;
     if (errno != EINVAL && errno != ENOSYS)
         return false;
-    // File systems that cannot rename so: a link is refused where the name is taken. Some cannot link either.
+    // The file system has no such rename. A link fails where the name exists; some file systems have none.
     if (::link(from.c_str(), to.c_str()) == 0)
         return ::unlink(from.c_str()) == 0;
     if (errno == EEXIST)
@@ -54,12 +54,13 @@ bool renameToFreeName(const std::string& from, const std::string& to)
     return ::rename(from.c_str(), to.c_str()) == 0;
 }
 
-/// As much of the text's beginning as fits, in whole letters of UTF-8.
+/// At most `most` bytes of the text's beginning, without a part of a UTF-8 character.
 std::string beginningOf(const std::string& text, std::size_t most)
 {
-    const auto isInsideLetter = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+    const auto isInsideCharacter
+        = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
     std::size_t size = std::min(text.size(), most);
-    while (size > 0 && size < text.size() && isInsideLetter(text[size]))
+    while (size > 0 && size < text.size() && isInsideCharacter(text[size]))
         --size;
     return text.substr(0, size);
 }
@@ -78,7 +79,7 @@ void syncFolder(const std::string& path)
 OutputFile::OutputFile(std::string path)
     : m_path(std::move(path))
 {
-    openNameless();
+    openUnnamed();
     if (!isOpen())
         openHidden();
 }
@@ -91,29 +92,29 @@ OutputFile::~OutputFile()
         ::unlink(m_hiddenPath.c_str());
 }
 
-void OutputFile::openNameless()
+void OutputFile::openUnnamed()
 {
     m_descriptor = ::open(folderOf(m_path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, usualMode);
 }
 
 void OutputFile::openHidden()
 {
-    removeForsaken();
+    removeStale();
     std::string candidate = folderOf(m_path) + "/" + hiddenPrefix + "XXXXXX";
     m_descriptor = ::mkostemp(candidate.data(), O_CLOEXEC);
     if (!isOpen())
         return;
-    ::flock(m_descriptor, LOCK_EX | LOCK_NB); // as long as anybody has it open
+    ::flock(m_descriptor, LOCK_EX | LOCK_NB); // marks it as in use, see removeStale
     m_hiddenPath = candidate;
     const mode_t mask = ::umask(0);
     ::umask(mask);
     ::fchmod(m_descriptor, usualMode & ~mask);
 }
 
-/// What a creator that was killed has left here: nobody holds it any more, and it has been so for a while.
-void OutputFile::removeForsaken() const
+/// Deletes hidden files of processes that were killed: older than a minute and not locked.
+void OutputFile::removeStale() const
 {
-    constexpr std::time_t shortest = 60; // seconds
+    constexpr std::time_t minimumAge = 60; // seconds
     DIR* listing = ::opendir(folderOf(m_path).c_str());
     if (listing == nullptr)
         return;
@@ -124,7 +125,7 @@ void OutputFile::removeForsaken() const
             = ::openat(::dirfd(listing), entry->d_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
         struct stat status = {};
         if (file >= 0 && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode)
-            && std::time(nullptr) - status.st_mtime > shortest && ::flock(file, LOCK_EX | LOCK_NB) == 0)
+            && std::time(nullptr) - status.st_mtime > minimumAge && ::flock(file, LOCK_EX | LOCK_NB) == 0)
             ::unlinkat(::dirfd(listing), entry->d_name, 0);
         if (file >= 0)
             ::close(file);
@@ -164,12 +165,12 @@ bool OutputFile::linkHidden()
     return false;
 }
 
-bool OutputFile::bringToDisk() const
+bool OutputFile::sync() const
 {
     return ::fsync(m_descriptor) == 0;
 }
 
-bool OutputFile::moveToPlace()
+bool OutputFile::moveToPath()
 {
     if (m_hiddenPath.empty() && !linkHidden())
         return false;
@@ -188,7 +189,7 @@ bool OutputFile::exchange() const
         && ::renameat2(AT_FDCWD, m_hiddenPath.c_str(), AT_FDCWD, m_path.c_str(), RENAME_EXCHANGE) == 0;
 }
 
-void OutputFile::takeBack()
+void OutputFile::undoMove()
 {
     if (m_hiddenPath.empty())
         ::unlink(m_path.c_str());

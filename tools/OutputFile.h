@@ -3,14 +3,14 @@
 
 #include <string>
 
-/// A file that appears at its place whole or not at all. Until it is finished it has no name, or on file
-/// systems that cannot do that a hidden one of its own beside its place; whatever stands at the place stays
-/// untouched.
+/// A file that appears at its path whole or not at all. Until it is moved there it has no name or, on file
+/// systems without unnamed files, a hidden name in the same folder. A file that exists at the path stays
+/// untouched until then.
 class OutputFile
 {
 public:
     explicit OutputFile(std::string path);
-    /// What is not finished vanishes.
+    /// Deletes a file that has not been moved to its path.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -18,42 +18,43 @@ public:
     bool isOpen() const { return m_descriptor >= 0; }
     int descriptor() const { return m_descriptor; }
 
-    /// A path by which a child that keeps the descriptor can write the file.
+    /// A path under which a child process that inherits the descriptor can write the file.
     std::string writablePath() const;
 
-    /// Throws away what was written so far.
+    /// Deletes the content.
     void empty() const;
     bool isEmpty() const;
 
-    /// Brings the data to the disk. False where that failed.
-    bool bringToDisk() const;
+    /// Waits until the data is on the disk. False on an error.
+    bool sync() const;
 
-    /// Moves the file to its place, over what stands there, which is kept beside it under a hidden name as
-    /// long as this object lives. False where that failed; then nothing has changed.
-    bool moveToPlace();
+    /// Moves the file to its path. A file that exists there is kept in the folder under a hidden name until
+    /// this object is destroyed. False on an error; then nothing has changed.
+    bool moveToPath();
 
-    /// Undoes that: what stood at the place is there again, where the file system can exchange files.
-    void takeBack();
+    /// Undoes moveToPath: a file that existed at the path is there again, where the file system can exchange
+    /// files.
+    void undoMove();
 
 private:
-    void openNameless();
+    void openUnnamed();
     void openHidden();
-    void removeForsaken() const;
+    void removeStale() const;
     bool linkHidden();
     bool exchange() const;
 
     std::string m_path;
-    std::string m_hiddenPath; // of this file, or of the older one once they are exchanged; else empty
+    std::string m_hiddenPath; // of this file or, after an exchange, of the older one; else empty
     int m_descriptor = -1;
 };
 
-/// Renames what stands at `path` to a name that says so, "NAME (WORD).EXTENSION", counting on where that is
-/// taken. The new path; empty where no file was there or it could not be renamed. Never over another file;
-/// folders stay.
+/// Renames the file at `path` to "NAME (WORD).EXTENSION", or "NAME (WORD 2).EXTENSION" and so on where that
+/// exists. Returns the new path; empty where there is no file or it could not be renamed. Never replaces
+/// another file. Folders stay.
 std::string putAside(const std::string& path, const std::string& word);
 
-/// Whether anything but a folder stands at `path`.
+/// Whether `path` exists and is no folder.
 bool isFileAt(const std::string& path);
 
-/// Whether what stands at `path`, and is no symbolic link itself, is the file that `file` leads to.
+/// Whether `path`, not followed where it is a symbolic link, is the same file as `file`, which is followed.
 bool isEntryOf(const std::string& path, const std::string& file);

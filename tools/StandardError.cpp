@@ -9,24 +9,24 @@
 namespace
 {
 
-bool isHeard = true;
+bool isRead = true; // until a line had to be dropped
 
-bool isTaken(int wishToStop)
+bool waitUntilWritable(int stopDescriptor)
 {
     constexpr int longestWait = 1000; // milliseconds
-    std::array<pollfd, 2> waiting = {{{STDERR_FILENO, POLLOUT, 0}, {wishToStop, POLLIN, 0}}};
-    ::poll(waiting.data(), waiting.size(), isHeard ? longestWait : 0);
-    isHeard = waiting[0].revents != 0;
+    std::array<pollfd, 2> waiting = {{{STDERR_FILENO, POLLOUT, 0}, {stopDescriptor, POLLIN, 0}}};
+    ::poll(waiting.data(), waiting.size(), isRead ? longestWait : 0);
+    isRead = waiting[0].revents != 0;
     return (waiting[0].revents & POLLOUT) != 0;
 }
 
 } // namespace
 
-void writeErrorLines(const std::string& lines, int wishToStop)
+void writeErrorLines(const std::string& lines, int stopDescriptor)
 {
     for (std::size_t begin = 0; begin < lines.size();) {
         const auto end = std::min(lines.find('\n', begin), lines.size() - 1) + 1;
-        if (isTaken(wishToStop)) {
+        if (waitUntilWritable(stopDescriptor)) {
             [[maybe_unused]] const auto written = ::write(STDERR_FILENO, lines.data() + begin, end - begin);
         }
         begin = end;

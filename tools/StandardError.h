@@ -3,7 +3,7 @@
 
 #include <string>
 
-/// Writes whole lines to standard error, one write each. Nobody need listen: a line that is not taken for a
-/// while is dropped, and so are the ones after it until somebody takes lines again. The wait ends when there
-/// is something to read at `wishToStop`.
-void writeErrorLines(const std::string& lines, int wishToStop = -1);
+/// Writes lines to standard error, each with one write. A line that a full pipe does not take within a second
+/// is dropped, and so are the next ones, at once, until the pipe is read again. The wait also ends when
+/// `stopDescriptor` becomes readable.
+void writeErrorLines(const std::string& lines, int stopDescriptor = -1);

@@ -3,7 +3,7 @@
 
 #include <string>
 
-/// A pipe from a child, which gets the writing end. Both ends are closed on exec.
+/// A pipe from a child process, which inherits the writing end. Both ends are close-on-exec.
 class Stream
 {
 public:
@@ -13,20 +13,20 @@ public:
     Stream& operator=(const Stream&) = delete;
 
     int writing() const { return m_writing; }
-    /// To be called once the child has its end.
+    /// Call it when the child has been started: else the pipe never ends.
     void closeWriting();
 
-    /// -1 where no pipe could be made and after the end.
+    /// -1 where no pipe could be created and after the end.
     int reading() const { return m_reading; }
     bool isOpen() const { return m_reading >= 0; }
 
-    /// One piece of what is there to read; waits for it. Nothing at the end, which closes the stream.
+    /// Waits for data and returns it, at most 64 KiB. Empty at the end, which closes the stream.
     std::string read();
 
-    /// Whether there is something to read without a wait, be it the end.
+    /// Whether data or the end can be read without a wait.
     bool hasMore() const;
 
-    /// Whether the end came after all that was written.
+    /// Whether the stream was read to its end without an error.
     bool isWhole() const { return m_isWhole; }
 
 private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The encoder tool: makes a still, a copy with another rotation flag, or a new encoding, with ffmpeg. What it
-// makes appears whole or not at all, and its input is never written to.
+// The encoder tool: makes a still, a copy with another rotation flag, or a new encoding. A file of the MP4
+// family gets its flag in a copy of its bytes; the rest is made by ffmpeg. The output appears whole or not at
+// all, and the input is never opened for writing.
 #include "tools/Child.h"
 #include "tools/Confinement.h"
 #include "tools/Encoder.h"
@@ -25,7 +26,7 @@ namespace
 constexpr int success = 0;
 constexpr int failure = 1;
 constexpr int wrongArguments = 2;
-constexpr int cancelled = 255; // as ffmpeg has it
+constexpr int cancelled = 255; // as ffmpeg exits then
 
 VideoFacts askFfprobe(const std::string& path)
 {
@@ -33,7 +34,7 @@ VideoFacts askFfprobe(const std::string& path)
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments = {"-v", "quiet", "-print_format", "json", "-show_streams", path};
     ffprobe.input = path;
-    ffprobe.isBrief = true;
+    ffprobe.isProbe = true;
     int status = 0;
     return videoFactsOf(outputOfChild(ffprobe, status, cancelDescriptor()));
 }
@@ -60,8 +61,8 @@ bool writePlaceholder(const VideoFacts& facts, const OutputFile& output)
         == static_cast<ssize_t>(picture.size());
 }
 
-/// An original that stands where the output is to go, under whatever spelling, keeps its bytes under another
-/// name. False where that could not be done.
+/// Where the output's path is the input itself, under any spelling, renames the input and continues with its
+/// new path. False where that failed.
 bool saveOriginal(Job& job)
 {
     if (!isEntryOf(job.output, job.input))
@@ -70,23 +71,25 @@ bool saveOriginal(Job& job)
     return !job.input.empty();
 }
 
-/// Whoever looks at the output's place must not take an older file for the result, nor delete it.
-int endWithout(const Job& job, RunEnd end)
+/// Renames a file at the output's path, which must neither be taken for the result nor be deleted as a part
+/// of one. Returns the exit status.
+int endWithoutOutput(const Job& job, RunEnd end)
 {
     const bool isOriginal = isEntryOf(job.output, job.input);
     if (putAside(job.output, isOriginal ? "original" : "previous").empty() && isFileAt(job.output))
-        std::fputs("tarnwell: what stood at the output's place could not be put aside\n", stderr);
+        std::fputs("tarnwell: the older file at the output's path could not be renamed\n", stderr);
     return end == RunEnd::Cancelled ? cancelled : failure;
 }
 
-/// A wish to cancel counts to the very end: whoever has it takes what stands there then for a part of it.
-bool isFinished(OutputFile& output)
+/// Puts the finished file at its path. False on an error and after a cancel, which counts until the last
+/// moment: a caller that has cancelled deletes what it finds at the path.
+bool finish(OutputFile& output)
 {
-    if (!output.bringToDisk() || isCancelled() || !output.moveToPlace())
+    if (!output.sync() || isCancelled() || !output.moveToPath())
         return false;
     if (!isCancelled())
         return true;
-    output.takeBack();
+    output.undoMove();
     return false;
 }
 
@@ -110,7 +113,7 @@ int makeStill(Job job, const InputFile& input, OutputFile& output)
         = isPicture(end, output) || (end != RunEnd::Cancelled && writePlaceholder(facts(), output));
     if (isCancelled())
         return cancelled;
-    return isMade && isFinished(output) ? success : failure;
+    return isMade && finish(output) ? success : failure;
 }
 
 /// The orientation of the input's main video track. ffprobe is asked only where the file does not say.
@@ -133,7 +136,7 @@ RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& outpu
     const RunEnd end = runJob(job, output);
     if (end != RunEnd::Succeeded)
         return end;
-    // ffmpeg may have succeeded by its own account although the end could not be written.
+    // ffmpeg exits with 0 even where it could not write the end of the file.
     if (!isCompleteMovie(output.descriptor()))
         return RunEnd::Failed;
     if (job.kind == Job::Kind::FixFlag
@@ -147,17 +150,17 @@ int makeVideoFile(Job job, const InputFile& input, OutputFile& output)
     if (!saveOriginal(job))
         return failure;
     const RunEnd end = input.isOpen() ? makeVideo(job, input, output) : RunEnd::Failed;
-    if (end == RunEnd::Succeeded && isFinished(output))
+    if (end == RunEnd::Succeeded && finish(output))
         return success;
-    return endWithout(job, isCancelled() ? RunEnd::Cancelled : end);
+    return endWithoutOutput(job, isCancelled() ? RunEnd::Cancelled : end);
 }
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    holdStandardDescriptors();
-    watchForCancelling();
+    openStandardDescriptors();
+    handleCancelSignals();
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN); // a file that gets too large is a failed write
     std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, ffmpeg could not be waited for
@@ -168,13 +171,13 @@ int main(int argc, char* argv[])
     }
     const auto job = readJob(arguments);
     if (!job) {
-        std::fputs("tarnwell: creator does not know what these arguments ask for\n", stderr);
+        std::fputs("tarnwell: creator does not know these arguments\n", stderr);
         return wrongArguments;
     }
     OutputFile output(job->output);
     if (!output.isOpen()) {
         std::perror("tarnwell: the output cannot be written");
-        return job->kind == Job::Kind::Still ? failure : endWithout(*job, RunEnd::Failed);
+        return job->kind == Job::Kind::Still ? failure : endWithoutOutput(*job, RunEnd::Failed);
     }
     const InputFile input(job->input);
     if (!input.isOpen())

@@ -32,16 +32,16 @@ bool writeAll(const std::string& text)
 
 int main(int argc, char* argv[])
 {
-    holdStandardDescriptors();
+    openStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, nobody could wait for ffprobe
+    std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, ffprobe could not be waited for
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments.assign(argv + 1, argv + argc);
-    ffprobe.isHeard = true;
+    ffprobe.forwardsErrors = true;
     ffprobe.input = ffprobe.arguments.empty() ? "" : ffprobe.arguments.back();
-    ffprobe.isBrief = true;
-    if (canKeepWaiting(ffprobe.input)) {
+    ffprobe.isProbe = true;
+    if (canBlock(ffprobe.input)) {
         std::fprintf(stderr, "tarnwell: %s: not a file\n", ffprobe.input.c_str());
         // As ffprobe reports on what it cannot read.
         writeAll("{\n    \"error\": {\n        \"code\": -22,\n        \"string\": \"Invalid argument\"\n    "

@@ -60,7 +60,7 @@ mode_t modeOf(const std::string& path)
 
 bool finish(OutputFile& file)
 {
-    return file.bringToDisk() && file.moveToPlace();
+    return file.sync() && file.moveToPath();
 }
 
 class OutputFileTest : public testing::Test
@@ -155,7 +155,7 @@ TEST_F(OutputFileTest, whatIsTakenBackMakesRoomForTheOlderFile)
         write(file, "newer");
         EXPECT_TRUE(finish(file));
         EXPECT_EQ(contentsOf(at("out.mp4")), "newer");
-        file.takeBack();
+        file.undoMove();
         EXPECT_EQ(contentsOf(at("out.mp4")), "older");
     }
     EXPECT_EQ(contentsOf(at("out.mp4")), "older");
@@ -167,7 +167,7 @@ TEST_F(OutputFileTest, whatIsTakenBackLeavesNothingWhereNothingWas)
     OutputFile file(at("out.mp4"));
     write(file, "newer");
     EXPECT_TRUE(finish(file));
-    file.takeBack();
+    file.undoMove();
     EXPECT_EQ(namesIn(folder()), Names());
 }
 

@@ -29,7 +29,7 @@ public:
     static constexpr off_t mostPending = off_t(128) << 20;
 
     /// How often, in milliseconds, a file that another process writes is looked at.
-    static constexpr int interval = 10;
+    static constexpr int interval = 50;
 
 private:
     int m_file;

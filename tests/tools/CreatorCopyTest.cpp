@@ -218,6 +218,7 @@ TEST_F(CreatorCopyTest, aCancelCountsBetweenTwoPieces)
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         writeFile(output(), "older");
         EXPECT_EQ(whileItCopies([signal](const ToolProcess& creator) { creator.signal(signal); }), cancelled);
+        EXPECT_EQ(m_errors.find("time=00:00:04.00"), std::string::npos) << "it copied to the end";
         EXPECT_EQ(otherNames(), Names({previous}));
         EXPECT_EQ(contentsOf(tools.at(previous)), "older");
         std::filesystem::remove(tools.at(previous));

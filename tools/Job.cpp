@@ -9,12 +9,20 @@ namespace
 
 using Arguments = std::vector<std::string>;
 
-// The encoder that MP4 stands for takes no odd width or height: a last line that has no partner is left out.
+// The H.264 encoder refuses odd sizes in yuv420p: the last column or line is cropped.
 const std::string evenSize = "crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0";
+
+// Makes pixels square ("sar" is their width divided by their height) by stretching the picture, or where a
+// side would exceed this limit by shrinking the other one. Square and unknown pixels pass unchanged.
+const std::string longestStretchedSide = "8192";
+const std::string squarePixels = "scale=w='round(if(gt(sar,1)*lte(iw*sar," + longestStretchedSide
+    + "),iw*sar,if(lt(sar,1)*gt(ih/sar," + longestStretchedSide
+    + "),max(iw*sar,1),iw)))':h='round(if(lt(sar,1)*lte(ih/sar," + longestStretchedSide
+    + "),ih/sar,if(gt(sar,1)*gt(iw*sar," + longestStretchedSide + "),max(ih/sar,1),ih)))',setsar=1";
 
 const std::string rotatePrefix = "rotate=";
 
-/// Whether the list is the pattern; "*" stands for any one argument.
+/// Whether the list equals the pattern, in which "*" stands for any one argument.
 bool matches(const Arguments& arguments, const Arguments& pattern)
 {
     if (arguments.size() != pattern.size())
@@ -83,10 +91,17 @@ void append(Arguments& list, const Arguments& more)
     list.insert(list.end(), more.begin(), more.end());
 }
 
-// Without the protocol's name a path could be taken for another protocol.
+// Without the name of the protocol ffmpeg takes a path such as "http://x" for another protocol.
 std::string asFile(const std::string& path)
 {
     return "file:" + path;
+}
+
+void appendTarget(Arguments& list, const Target& target)
+{
+    if (!target.container.empty())
+        append(list, {"-f", target.container});
+    append(list, {"-y", target.path});
 }
 
 } // namespace
@@ -102,22 +117,28 @@ std::optional<Job> readJob(const std::vector<std::string>& arguments)
 
 std::vector<std::string> ffmpegArguments(const Job& job, const Target& target)
 {
-    Arguments list = {"-nostdin", "-hide_banner", "-v", job.kind == Job::Kind::Still ? "quiet" : "error"};
-    if (job.kind == Job::Kind::Still) {
-        if (!job.position.empty())
-            append(list, {"-ss", job.position});
-        append(list, {"-i", asFile(job.input), "-frames:v", "1", "-update", "1"});
-    } else {
-        append(list, {"-nostats", "-progress", "pipe:1", "-i", asFile(job.input)});
-    }
     if (job.kind == Job::Kind::FixFlag)
-        append(list, {"-c:v", "copy", "-c:a", "copy"});
+        return ffmpegArguments(job, target, {"-c:v", "copy", "-c:a", "copy"});
+    if (job.kind == Job::Kind::Transcode)
+        return ffmpegArguments(job, target, {});
+    Arguments list = {"-nostdin", "-hide_banner", "-v", "quiet"};
+    if (!job.position.empty())
+        append(list, {"-ss", job.position});
+    append(list, {"-i", asFile(job.input), "-frames:v", "1", "-update", "1", "-vf", squarePixels});
+    appendTarget(list, target);
+    return list;
+}
+
+std::vector<std::string> ffmpegArguments(
+    const Job& job, const Target& target, const std::vector<std::string>& streamOptions)
+{
+    Arguments list = {"-nostdin", "-hide_banner", "-v", "error", "-nostats", "-progress", "pipe:1", "-i",
+        asFile(job.input)};
+    append(list, streamOptions);
     if (job.kind == Job::Kind::Transcode)
         append(list,
             {"-pix_fmt", "yuv420p", "-vf", job.filters.empty() ? evenSize : job.filters + "," + evenSize,
                 "-metadata:s:v", "rotate=0"});
-    if (!target.container.empty())
-        append(list, {"-f", target.container});
-    append(list, {"-y", target.path});
+    appendTarget(list, target);
     return list;
 }

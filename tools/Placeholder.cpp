@@ -2,6 +2,7 @@
 #include "tools/Placeholder.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 namespace
@@ -25,8 +26,8 @@ void appendSegment(std::string& bytes, char marker, const std::string& content)
     bytes += content;
 }
 
-// A table with one code, a single 0 bit, for the symbol 0: "no difference" for the mean, "nothing follows"
-// for the rest.
+// A Huffman table with one code, a single 0 bit, for the symbol 0: no difference to the last block's mean
+// (DC), end of block (AC).
 std::string codeTable(char kind)
 {
     std::string table(1, kind);
@@ -44,6 +45,15 @@ std::string frameHeader(int width, int height)
     return frame + std::string("\x01\x01\x11\x00", 4);
 }
 
+constexpr int longestStretchedSide = 8192; // as in the stills that ffmpeg makes, see Job.cpp
+
+/// The length of a side whose pixels are `aspect` times as long as those of the other side.
+int stretched(int side, double aspect)
+{
+    const double length = std::round(side * aspect);
+    return length <= longestStretchedSide ? static_cast<int>(length) : 0;
+}
+
 } // namespace
 
 std::string placeholderPicture(int width, int height)
@@ -56,7 +66,7 @@ std::string placeholderPicture(int width, int height)
     appendSegment(picture, '\xC4', codeTable('\x00'));
     appendSegment(picture, '\xC4', codeTable('\x10'));
     appendSegment(picture, '\xDA', std::string("\x01\x01\x00\x00\x3F\x00", 6));
-    // Two 0 bits a block; the last byte is filled up with ones.
+    // Two 0 bits a block; the last byte is padded with ones.
     const auto across = static_cast<std::uint64_t>((width + blockSide - 1) / blockSide);
     const auto down = static_cast<std::uint64_t>((height + blockSide - 1) / blockSide);
     const std::uint64_t bits = 2 * across * down;
@@ -64,4 +74,20 @@ std::string placeholderPicture(int width, int height)
     if (bits % 8 != 0)
         picture += static_cast<char>(0xFFU >> bits % 8);
     return picture + "\xFF\xD9";
+}
+
+std::string placeholderOf(const VideoFacts& video)
+{
+    int width = video.width;
+    int height = video.height;
+    const double aspect = video.pixelAspect;
+    int& longer = aspect > 1 ? width : height;
+    int& shorter = aspect > 1 ? height : width;
+    const double factor = aspect > 1 ? aspect : 1 / aspect;
+    if (const int length = stretched(longer, factor))
+        longer = length;
+    else
+        shorter = static_cast<int>(std::round(shorter / factor));
+    const bool isOnItsSide = video.decoded && rotationTag(*video.decoded) % 180 == 90;
+    return isOnItsSide ? placeholderPicture(height, width) : placeholderPicture(width, height);
 }

@@ -13,6 +13,7 @@ using Json = nlohmann::ordered_json; // keeps the report's order
 constexpr int indentation = 4;
 constexpr const char* rotateTag = "rotate";
 constexpr double integerLimit = 9223372036854775808.0; // 2^63
+constexpr double mostPixelAspect = 10000; // anything beyond that, or below its inverse, is garbage
 
 Json parsed(const std::string& report)
 {
@@ -65,13 +66,13 @@ bool isEndless(const Json& duration)
     double seconds = 0;
     if (duration.is_number())
         seconds = duration.get<double>();
-    if (duration.is_string()) // the tools leave the locale as it is in C, with a dot
+    if (duration.is_string()) // with a dot: the tools never change the locale "C"
         seconds = std::strtod(duration.get_ref<const std::string&>().c_str(), nullptr);
     return !(seconds < integerLimit && seconds >= -integerLimit);
 }
 
-/// Whether there was one. A header that lies can claim more seconds than whole numbers reach.
-bool dropEndlessDuration(Json& stream)
+/// Removes a duration that a wrong header makes longer than 64 bits hold. Returns whether there was one.
+bool removeEndlessDuration(Json& stream)
 {
     const auto duration = stream.find("duration");
     if (duration == stream.end() || !isEndless(*duration))
@@ -80,18 +81,105 @@ bool dropEndlessDuration(Json& stream)
     return true;
 }
 
-int integerOf(const Json& stream, const char* member)
+int integerOf(const Json& object, const char* member)
 {
-    const auto entry = stream.find(member);
-    return entry != stream.end() && entry->is_number_integer() ? entry->get<int>() : 0;
+    const auto entry = object.find(member);
+    return entry != object.end() && entry->is_number_integer() ? entry->get<int>() : 0;
 }
 
-VideoFacts factsOf(const Json& stream)
+std::string textOf(const Json& object, const char* member)
+{
+    const auto entry = object.find(member);
+    return entry != object.end() && entry->is_string() ? entry->get<std::string>() : std::string();
+}
+
+/// Reads "64:45". 1 for an unknown ratio, which ffprobe prints as "0:1" or not at all.
+double pixelAspectOf(const Json& stream)
+{
+    const std::string text = textOf(stream, "sample_aspect_ratio");
+    const auto colon = text.find(':');
+    if (colon == std::string::npos)
+        return 1;
+    const double width = std::strtod(text.c_str(), nullptr);
+    const double height = std::strtod(text.c_str() + colon + 1, nullptr);
+    const double ratio = height > 0 ? width / height : 0;
+    return ratio >= 1 / mostPixelAspect && ratio <= mostPixelAspect ? ratio : 1;
+}
+
+VideoFacts videoFactsIn(const Json& stream)
 {
     const std::string numbers = matrixTextOf(stream);
     const auto matrix = parseDisplayMatrix(numbers);
     return {matrix ? rotationTag(*matrix) : 0, parseDecodedMatrix(numbers), integerOf(stream, "width"),
-        integerOf(stream, "height")};
+        integerOf(stream, "height"), pixelAspectOf(stream)};
+}
+
+/// The main video stream as VideoFacts defines it; null where there is none.
+const Json* mainVideoIn(const Json& streams)
+{
+    const Json* first = nullptr;
+    for (const Json& stream : streams) {
+        if (!isVideo(stream))
+            continue;
+        if (!isText(stream, "avg_frame_rate", "0/0")) // as cover pictures have it
+            return &stream;
+        if (first == nullptr)
+            first = &stream;
+    }
+    return first;
+}
+
+/// The list of streams; null for a text that is no report.
+const Json* streamsIn(const Json& report)
+{
+    const auto streams = report.is_object() ? report.find("streams") : report.end();
+    return streams != report.end() && streams->is_array() ? &*streams : nullptr;
+}
+
+MediaStream::Kind kindOf(const Json& stream)
+{
+    if (isVideo(stream))
+        return MediaStream::Kind::Video;
+    if (isText(stream, "codec_type", "audio"))
+        return MediaStream::Kind::Sound;
+    return isText(stream, "codec_type", "subtitle") ? MediaStream::Kind::Subtitle : MediaStream::Kind::Other;
+}
+
+MediaStream streamOf(const Json& stream)
+{
+    MediaStream result;
+    result.index = integerOf(stream, "index");
+    result.kind = kindOf(stream);
+    result.codec = textOf(stream, "codec_name");
+    if (!isText(stream, "codec_tag", "0x0000"))
+        result.tag = textOf(stream, "codec_tag_string");
+    const std::string id = textOf(stream, "id"); // "0x1"
+    constexpr int anyBase = 0;
+    result.trackId = static_cast<std::uint32_t>(std::strtoul(id.c_str(), nullptr, anyBase));
+    result.channels = integerOf(stream, "channels");
+    result.channelLayout = textOf(stream, "channel_layout");
+    if (result.channelLayout == "unknown")
+        result.channelLayout.clear();
+    const auto disposition = stream.find("disposition");
+    result.isDefault
+        = disposition != stream.end() && disposition->is_object() && integerOf(*disposition, "default") == 1;
+    return result;
+}
+
+std::vector<std::pair<std::string, std::string>> fileTagsIn(const Json& report)
+{
+    std::vector<std::pair<std::string, std::string>> result;
+    const auto format = report.find("format");
+    if (format == report.end() || !format->is_object())
+        return result;
+    const auto tags = format->find("tags");
+    if (tags == format->end() || !tags->is_object())
+        return result;
+    for (const auto& [name, value] : tags->items()) {
+        if (value.is_string())
+            result.emplace_back(name, value.get<std::string>());
+    }
+    return result;
 }
 
 } // namespace
@@ -103,7 +191,7 @@ std::string withTrueRotation(const std::string& report)
         return report;
     bool isChanged = false;
     for (Json& stream : json["streams"]) {
-        if (stream.is_object() && dropEndlessDuration(stream))
+        if (stream.is_object() && removeEndlessDuration(stream))
             isChanged = true;
         if (!isVideo(stream))
             continue;
@@ -118,18 +206,24 @@ std::string withTrueRotation(const std::string& report)
 
 VideoFacts videoFactsOf(const std::string& report)
 {
+    return mediaFactsOf(report).video;
+}
+
+MediaFacts mediaFactsOf(const std::string& report)
+{
     const Json json = parsed(report);
-    if (!json.is_object() || !json.contains("streams") || !json["streams"].is_array())
+    const Json* streams = streamsIn(json);
+    if (streams == nullptr)
         return {};
-    VideoFacts facts;
-    for (const Json& stream : json["streams"]) {
-        if (!isVideo(stream))
-            continue;
-        const bool isPicture = isText(stream, "avg_frame_rate", "0/0"); // as cover pictures are
-        if (!isPicture || facts.width == 0)
-            facts = factsOf(stream);
-        if (!isPicture)
-            break;
+    MediaFacts facts;
+    if (const Json* video = mainVideoIn(*streams)) {
+        facts.video = videoFactsIn(*video);
+        facts.mainVideo = streamOf(*video);
     }
+    for (const Json& stream : *streams) {
+        if (stream.is_object())
+            facts.streams.push_back(streamOf(stream));
+    }
+    facts.tags = fileTagsIn(json);
     return facts;
 }

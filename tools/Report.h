@@ -3,20 +3,48 @@
 
 #include "tools/Rotation.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
-/// ffprobe's JSON report with each video stream's "rotate" tag set to what a decoder will really apply: taken
-/// from the stream's display matrix, and taken out where there is none. A stream's duration of more seconds
-/// than 64 bits hold is taken out too. A text that is no report comes back as it is.
+/// Returns ffprobe's JSON report with the tag "rotate" of each video stream set to the clockwise turn of its
+/// display matrix, and removed where there is no such matrix. Also removes a stream's duration that does not
+/// fit 64 bits of seconds. Text that is no report is returned unchanged.
 std::string withTrueRotation(const std::string& report);
 
-/// What a JSON report says of its first video stream that has a frame rate, or else of its first one.
+/// The main video stream of a JSON report: the first one that has a frame rate, else the first one.
 struct VideoFacts {
-    int rotation = 0; // the "rotate" tag that the report is given; 0 where it is given none
+    int rotation = 0; // the tag "rotate" that withTrueRotation sets; 0 for none
     std::optional<DisplayMatrix> decoded; // what decoders apply
     int width = 0; // coded pixels; 0 where unknown
     int height = 0;
+    double pixelAspect = 1; // width of a pixel divided by its height
 };
 
 VideoFacts videoFactsOf(const std::string& report);
+
+/// One stream of a JSON report.
+struct MediaStream {
+    enum class Kind { Video, Sound, Subtitle, Other };
+
+    int index = 0; // as in ffmpeg's option "-map 0:INDEX"
+    Kind kind = Kind::Other;
+    std::string codec; // ffmpeg's name; empty for a codec that ffmpeg does not know
+    std::string tag; // the container's four bytes for the codec; empty for none
+    std::uint32_t trackId = 0; // in MP4 and QuickTime files; 0 where unknown
+    int channels = 0;
+    std::string channelLayout; // empty where unknown
+    bool isDefault = false;
+};
+
+/// What creator has to know of an input before it starts ffmpeg. Empty members where the report says nothing.
+struct MediaFacts {
+    VideoFacts video; // of the main video stream
+    std::optional<MediaStream> mainVideo;
+    std::vector<MediaStream> streams; // in the report's order
+    std::vector<std::pair<std::string, std::string>> tags; // of the whole file, not of its streams
+};
+
+MediaFacts mediaFactsOf(const std::string& report);

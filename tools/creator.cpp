@@ -4,6 +4,7 @@
 // all, and the input is never opened for writing.
 #include "tools/Child.h"
 #include "tools/Confinement.h"
+#include "tools/Conversion.h"
 #include "tools/Encoder.h"
 #include "tools/FlagCopy.h"
 #include "tools/InputFile.h"
@@ -28,34 +29,27 @@ constexpr int failure = 1;
 constexpr int wrongArguments = 2;
 constexpr int cancelled = 255; // as ffmpeg exits then
 
-VideoFacts askFfprobe(const std::string& path)
+MediaFacts askFfprobe(const std::string& path)
 {
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");
-    ffprobe.arguments = {"-v", "quiet", "-print_format", "json", "-show_streams", path};
+    ffprobe.arguments
+        = {"-v", "quiet", "-print_format", "json", "-show_format", "-show_streams", "file:" + path};
     ffprobe.input = path;
     ffprobe.isProbe = true;
     int status = 0;
-    return videoFactsOf(outputOfChild(ffprobe, status, cancelDescriptor()));
+    return mediaFactsOf(outputOfChild(ffprobe, status, cancelDescriptor()));
 }
 
-std::string containerOf(const Job& job)
-{
-    return job.kind == Job::Kind::Still ? "image2" : "mp4";
-}
-
-RunEnd runJob(const Job& job, const OutputFile& output)
+RunEnd runStill(const Job& job, const OutputFile& output)
 {
     output.empty();
-    return runFfmpeg(
-        ffmpegArguments(job, {output.writablePath(), containerOf(job)}), job.input, output.descriptor());
+    return runFfmpeg(ffmpegArguments(job, {output.writablePath(), "image2"}), job.input, output.descriptor());
 }
 
-bool writePlaceholder(const VideoFacts& facts, const OutputFile& output)
+bool writePlaceholder(const VideoFacts& video, const OutputFile& output)
 {
-    const bool isOnItsSide = facts.decoded && rotationTag(*facts.decoded) % 180 == 90;
-    const std::string picture = isOnItsSide ? placeholderPicture(facts.height, facts.width)
-                                            : placeholderPicture(facts.width, facts.height);
+    const std::string picture = placeholderOf(video);
     output.empty();
     return ::pwrite(output.descriptor(), picture.data(), picture.size(), 0)
         == static_cast<ssize_t>(picture.size());
@@ -98,32 +92,26 @@ bool isPicture(RunEnd end, const OutputFile& output)
     return end == RunEnd::Succeeded && !output.isEmpty();
 }
 
-/// The frame at the given position, else the first one that decodes, else a grey picture of the same size.
+/// The frame at the given position, else the first one that decodes. False where there is none.
+bool decodeStill(Job job, const OutputFile& output)
+{
+    if (isPicture(runStill(job, output), output))
+        return true;
+    job.position.clear();
+    return isPicture(runStill(job, output), output);
+}
+
+/// A frame of the video, else a grey picture of the size in which it is shown.
 int makeStill(Job job, const InputFile& input, OutputFile& output)
 {
     if (!saveOriginal(job))
         return failure;
-    RunEnd end = input.isOpen() ? runJob(job, output) : RunEnd::Failed;
-    if (input.isOpen() && end != RunEnd::Cancelled && !isPicture(end, output)) {
-        job.position.clear();
-        end = runJob(job, output);
-    }
-    const auto facts = [&] { return input.isOpen() ? askFfprobe(job.input) : VideoFacts(); };
-    const bool isMade
-        = isPicture(end, output) || (end != RunEnd::Cancelled && writePlaceholder(facts(), output));
+    bool isMade = input.isOpen() && decodeStill(job, output);
+    if (!isMade && !isCancelled())
+        isMade = writePlaceholder(input.isOpen() ? askFfprobe(job.input).video : VideoFacts(), output);
     if (isCancelled())
         return cancelled;
     return isMade && finish(output) ? success : failure;
-}
-
-/// The orientation of the input's main video track. ffprobe is asked only where the file does not say.
-Orientation orientationOf(const Job& job, const InputFile& input)
-{
-    const auto movie = readMovie(input.descriptor());
-    if (movie && !movie->videos.empty())
-        return orientationOf(*movie);
-    const VideoFacts facts = askFfprobe(job.input);
-    return {facts.rotation, facts.decoded};
 }
 
 RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& output)
@@ -133,14 +121,13 @@ RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& outpu
         if (const auto end = copyWithFlag(input.descriptor(), output.descriptor(), job.rotation))
             return *end;
     }
-    const RunEnd end = runJob(job, output);
+    const MediaFacts facts = askFfprobe(job.input);
+    const RunEnd end = convert(job, facts, input.descriptor(), output);
     if (end != RunEnd::Succeeded)
         return end;
-    // ffmpeg exits with 0 even where it could not write the end of the file.
-    if (!isCompleteMovie(output.descriptor()))
-        return RunEnd::Failed;
+    const Orientation orientation = {facts.video.rotation, facts.video.decoded};
     if (job.kind == Job::Kind::FixFlag
-        && !writeTrackMatrix(output.descriptor(), matrixOfFlag(orientationOf(job, input), job.rotation)))
+        && !writeTrackMatrix(output.descriptor(), matrixOfFlag(orientation, job.rotation)))
         return RunEnd::Failed;
     return isCancelled() ? RunEnd::Cancelled : RunEnd::Succeeded;
 }

@@ -1,0 +1,173 @@
+# SPDX-License-Identifier: MIT
+"""Makes one short clip in the style of each kind of recorder."""
+
+import os
+import struct
+import subprocess
+
+import boxes
+
+PICTURE = ["-f", "lavfi", "-i", "testsrc=size=160x120:rate=10:duration=1"]
+SOUND = ["-f", "lavfi", "-i", "sine=duration=1:sample_rate=48000"]
+H264 = ["-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p"]
+HEVC = ["-c:v", "libx265", "-preset", "ultrafast", "-x265-params", "log-level=none", "-pix_fmt", "yuv420p"]
+AAC = ["-c:a", "aac", "-ac", "2"]
+
+DATE = "2023-05-06T07:08:09Z"
+SECONDS_1904 = 3766201689  # the same date in seconds since 1904
+PLACE = "+48.1372+011.5756+519.000/"
+
+# The projection of spherical video, version 1: XML in a box of a track.
+SPHERICAL_UUID = bytes.fromhex("ffcc8263f8554a938814587a02521fdd")
+SPHERICAL_XML = b"""<?xml version="1.0"?><rdf:SphericalVideo
+xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#"
+xmlns:GSpherical="http://ns.google.com/videos/1.0/spherical/"><GSpherical:Spherical>true</GSpherical:Spherical>
+<GSpherical:Stitched>true</GSpherical:Stitched>
+<GSpherical:ProjectionType>equirectangular</GSpherical:ProjectionType></rdf:SphericalVideo>"""
+
+
+def ffmpeg(folder, name, arguments):
+    path = os.path.join(folder, name)
+    subprocess.run(["ffmpeg", "-nostdin", "-v", "error", "-y", *arguments, "file:" + path], check=True)
+    return path
+
+
+def tags(**values):
+    return [word for name, value in values.items() for word in ("-metadata", f"{name}={value}")]
+
+
+def stagger_times(movie):
+    """Gives the movie, each track and its media a date of its own."""
+    boxes.set_times(movie.at("mvhd"), SECONDS_1904, SECONDS_1904 + 60)
+    for number, track in enumerate(movie.all(b"trak"), 1):
+        boxes.set_times(track.at("tkhd"), SECONDS_1904 + number, SECONDS_1904 + 70 + number)
+        boxes.set_times(track.at("mdia/mdhd"), SECONDS_1904 + number, SECONDS_1904 + 80 + number)
+
+
+def iphone(folder):
+    path = ffmpeg(folder, "iphone.mov", [
+        *PICTURE, *SOUND, *HEVC, "-tag:v", "hvc1", *AAC, "-metadata", f"creation_time={DATE}", "-movflags", "use_metadata_tags",
+        "-metadata", "com.apple.quicktime.make=Apple", "-metadata", "com.apple.quicktime.model=iPhone 14",
+        "-metadata", f"com.apple.quicktime.location.ISO6709={PLACE}",
+        "-metadata", "com.apple.quicktime.creationdate=2023-05-06T09:08:09+0200",
+    ])  # fmt: skip
+    samples, movie = boxes.movie_of(path)
+    stagger_times(movie)
+    keys = movie.at("udta").children.pop()  # an iPhone writes them outside the user data, without a version
+    keys.content = keys.content[4:]
+    movie.children.append(keys)
+    boxes.set_language(movie.all(b"trak")[1], "deu")
+    boxes.add_user_data(movie, [
+        boxes.user_text(b"\xa9xyz", PLACE), boxes.user_text(b"\xa9mak", "Apple"),
+        boxes.user_text(b"\xa9mod", "iPhone 14"), boxes.user_text(b"\xa9day", "2023-05-06T09:08:09+0200"),
+    ])  # fmt: skip
+    movie.all(b"trak")[0].children.append(keys)
+    boxes.write_movie(path, samples, movie)
+    return path
+
+
+def android(folder):
+    path = ffmpeg(folder, "android.mp4", [*PICTURE, *SOUND, *H264, *AAC, *tags(creation_time=DATE)])
+    samples, movie = boxes.movie_of(path)
+    stagger_times(movie)
+    boxes.add_user_data(movie, [boxes.user_text(b"\xa9xyz", PLACE)])
+    boxes.write_movie(path, samples, movie)
+    return path
+
+
+def gopro(folder):
+    """A track of data, made out of a track of subtitles."""
+    subtitles = os.path.join(folder, "lines.srt")
+    with open(subtitles, "w", encoding="utf-8") as file:
+        file.write("1\n00:00:00,000 --> 00:00:01,000\nGPS\n")
+    path = ffmpeg(folder, "gopro.mp4", [
+        *PICTURE, *SOUND, "-i", subtitles, *H264, *AAC, "-c:s", "mov_text", *tags(creation_time=DATE),
+    ])  # fmt: skip
+    samples, movie = boxes.movie_of(path)
+    data = movie.all(b"trak")[2]
+    handler = data.at("mdia/hdlr")
+    handler.content = handler.content[:8] + b"meta" + handler.content[12:]
+    descriptions = data.at("mdia/minf/stbl/stsd")
+    descriptions.content = descriptions.content.replace(b"tx3g", b"gpmd")
+    boxes.add_user_data(movie, [boxes.Box(b"FIRM", b"HD8.01.01.60.00"), boxes.Box(b"CAME", bytes(16))])
+    boxes.write_movie(path, samples, movie)
+    return path
+
+
+def matroska(folder):
+    chapters = os.path.join(folder, "chapters.txt")
+    with open(chapters, "w", encoding="utf-8") as file:
+        file.write(";FFMETADATA1\n")
+        for start in (0, 500):
+            file.write(f"[CHAPTER]\nTIMEBASE=1/1000\nSTART={start}\nEND={start + 500}\ntitle=Part {start}\n")
+    return ffmpeg(folder, "two-sounds.mkv", [
+        *PICTURE, *SOUND, *SOUND, "-i", chapters, "-map", "0", "-map", "1", "-map", "2", "-map_chapters", "3",
+        *HEVC, "-c:a:0", "aac", "-c:a:1", "ac3", "-ac", "2", "-metadata:s:a:0", "language=deu",
+        "-metadata:s:a:1", "language=fra", *tags(creation_time=DATE, title="A day", make="Maker", model="Model 7",
+        location=PLACE, DATE="2023-05-06", comment="Remark"),
+    ])  # fmt: skip
+
+
+def avi(folder):
+    return ffmpeg(folder, "camera.avi", [
+        *PICTURE, *SOUND, "-c:v", "mjpeg", "-c:a", "pcm_s16le", *tags(title="A day", date="2023-05-06"),
+    ])  # fmt: skip
+
+
+def transport_stream(folder):
+    return ffmpeg(folder, "broadcast.ts", [*PICTURE, *SOUND, *HEVC, *AAC, "-metadata:s:a", "language=deu"])
+
+
+def quicktime_pcm(folder):
+    """Still cameras record uncompressed sound, which MP4 does not hold."""
+    return ffmpeg(folder, "camera.mov", [
+        *PICTURE, *SOUND, *H264, "-c:a", "pcm_s16le", "-ac", "2", *tags(creation_time=DATE),
+    ])  # fmt: skip
+
+
+def dolby_vision(folder, extension):
+    path = ffmpeg(folder, "dolby-vision." + extension, [
+        *PICTURE, *SOUND, *HEVC, "-tag:v", "hvc1", *AAC, *tags(creation_time=DATE),
+    ])  # fmt: skip
+    samples, movie = boxes.movie_of(path)
+    # Version 1.0, profile 8, level 1, base layer and metadata, compatible with HLG.
+    flags = (8 << 9) | (1 << 3) | 0b101
+    record = struct.pack(">BBHB", 1, 0, flags, 4 << 4) + bytes(19)
+    boxes.add_to_sample_entry(movie.all(b"trak")[0], boxes.Box(b"dvvC", record))
+    boxes.write_movie(path, samples, movie)
+    return path
+
+
+def spherical(folder, extension):
+    path = ffmpeg(folder, "spherical." + extension, [*PICTURE, *SOUND, *H264, *AAC, *tags(creation_time=DATE)])
+    samples, movie = boxes.movie_of(path)
+    movie.all(b"trak")[0].children.append(boxes.Box(b"uuid", SPHERICAL_UUID + SPHERICAL_XML))
+    boxes.write_movie(path, samples, movie)
+    return path
+
+
+def fragmented(folder):
+    return ffmpeg(folder, "fragmented.mp4", [
+        *PICTURE, *SOUND, *H264, "-g", "5", *AAC, "-movflags", "+frag_keyframe+empty_moov",
+        *tags(creation_time=DATE),
+    ])  # fmt: skip
+
+
+def motion_photo(folder):
+    """A second video track, and data behind the description that no player knows."""
+    path = ffmpeg(folder, "motion-photo.mp4", [
+        *PICTURE, "-f", "lavfi", "-i", "testsrc2=size=320x240:rate=2:duration=1", *SOUND, "-map", "0", "-map", "1",
+        "-map", "2", *H264, *AAC, *tags(creation_time=DATE),
+    ])  # fmt: skip
+    samples, movie = boxes.movie_of(path)
+    boxes.write_movie(path, samples, movie, boxes.Box(b"mpvd", bytes(5000)).to_bytes())
+    return path
+
+
+def make_all(folder):
+    os.makedirs(folder, exist_ok=True)
+    return [
+        iphone(folder), android(folder), gopro(folder), matroska(folder), avi(folder), transport_stream(folder),
+        quicktime_pcm(folder), dolby_vision(folder, "mov"), dolby_vision(folder, "mp4"), spherical(folder, "mov"),
+        spherical(folder, "mp4"), fragmented(folder), motion_photo(folder),
+    ]  # fmt: skip

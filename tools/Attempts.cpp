@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "tools/Attempts.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace
+{
+
+using Arguments = std::vector<std::string>;
+using Kind = MediaStream::Kind;
+
+// What ffmpeg's MP4 writer takes in all versions from 4.3 on, given "-strict experimental".
+constexpr std::array<std::string_view, 12> soundCodecsOfMp4
+    = {"aac", "ac3", "alac", "dts", "eac3", "flac", "mp1", "mp2", "mp3", "opus", "truehd", "vorbis"};
+
+// FLAC and TrueHD in MP4 count as experimental, the records of Dolby Vision and of spherical video as
+// unofficial, which "experimental" includes.
+const Arguments allowEverything = {"-strict", "experimental"};
+
+// Without it ffmpeg drops the creation date. With "g" the tags of the streams are still copied.
+const Arguments keepTags = {"-map_metadata:g", "0:g"};
+
+constexpr int mostChannels = 8; // that the AAC and ALAC encoders take
+
+// The layouts that the AAC encoder takes and decoders know. ffmpeg converts any other one to the closest.
+const std::string knownLayouts = "aformat=channel_layouts=mono|stereo|2.1|3.0|4.0|quad|5.0|5.1|7.1";
+// Channels of unknown positions cannot be mixed: the first two are kept.
+const std::string firstTwoChannels = "pan=stereo|c0=c0|c1=c1";
+
+void append(Arguments& list, const Arguments& more)
+{
+    list.insert(list.end(), more.begin(), more.end());
+}
+
+std::string described(const MediaStream& stream)
+{
+    const std::string name = stream.codec.empty() ? "of an unknown codec" : "in " + stream.codec;
+    return "tarnwell: stream " + std::to_string(stream.index) + ", " + name;
+}
+
+Arguments mapped(const MediaStream& stream)
+{
+    return {"-map", "0:" + std::to_string(stream.index)};
+}
+
+enum class SoundCoding { Copy, Lossless, Aac };
+
+SoundCoding codingInCopy(const MediaStream& sound)
+{
+    const auto* end = soundCodecsOfMp4.end();
+    if (std::find(soundCodecsOfMp4.begin(), end, sound.codec) != end)
+        return SoundCoding::Copy;
+    const bool isPcm = sound.codec.compare(0, 4, "pcm_") == 0;
+    return isPcm && sound.channels <= mostChannels ? SoundCoding::Lossless : SoundCoding::Aac;
+}
+
+/// Options for the sound stream at that place among the output's.
+Arguments soundOptions(const MediaStream& sound, SoundCoding coding, int place)
+{
+    const std::string number = std::to_string(place);
+    if (coding == SoundCoding::Copy)
+        return {"-c:a:" + number, "copy"};
+    if (coding == SoundCoding::Lossless)
+        return {"-c:a:" + number, "alac"};
+    const bool canBeMixed = sound.channels <= mostChannels || !sound.channelLayout.empty();
+    return {"-c:a:" + number, "aac", "-filter:a:" + number, canBeMixed ? knownLayouts : firstTwoChannels};
+}
+
+/// QuickTime plays HEVC only under these names. Dolby Vision without a compatible picture has one of its own.
+Arguments videoTag(const MediaStream& video)
+{
+    if (video.codec != "hevc")
+        return {};
+    return {"-tag:v", video.tag == "dvh1" || video.tag == "dvhe" ? "dvh1" : "hvc1"};
+}
+
+/// A copy of all that MP4 holds.
+Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target)
+{
+    Attempt attempt;
+    Arguments options = {"-c", "copy"};
+    int sounds = 0;
+    for (const MediaStream& stream : facts.streams) {
+        const bool isSound = stream.kind == Kind::Sound && !stream.codec.empty();
+        const bool isText = stream.kind == Kind::Subtitle && stream.codec == "mov_text";
+        if (!isSound && !isText && stream.index != facts.mainVideo->index) {
+            attempt.notice += described(stream) + ", is left out\n";
+            continue;
+        }
+        append(options, mapped(stream));
+        attempt.trackIds.push_back(stream.trackId);
+        if (!isSound)
+            continue;
+        const SoundCoding coding = codingInCopy(stream);
+        append(options, soundOptions(stream, coding, sounds++));
+        if (coding != SoundCoding::Copy)
+            attempt.notice += described(stream) + ", is encoded, since MP4 does not hold it\n";
+    }
+    append(options, keepTags);
+    append(options, allowEverything);
+    append(options, videoTag(*facts.mainVideo));
+    attempt.arguments = ffmpegArguments(job, target, options);
+    return attempt;
+}
+
+/// The sound stream that ffmpeg chooses by default: one that is marked so, then the one with the most
+/// channels. Null where there is none that ffmpeg knows.
+const MediaStream* mainSound(const MediaFacts& facts)
+{
+    const MediaStream* best = nullptr;
+    const auto rank = [](const MediaStream& stream) { return std::pair(stream.isDefault, stream.channels); };
+    for (const MediaStream& stream : facts.streams) {
+        if (stream.kind != Kind::Sound || stream.codec.empty())
+            continue;
+        if (best == nullptr || rank(stream) > rank(*best))
+            best = &stream;
+    }
+    return best;
+}
+
+/// An encoding of the main video stream, with one sound stream or none.
+Attempt encoding(const Job& job, const MediaFacts& facts, const Target& target, const MediaStream* sound,
+    SoundCoding coding)
+{
+    Attempt attempt;
+    Arguments options = mapped(*facts.mainVideo);
+    attempt.trackIds.push_back(facts.mainVideo->trackId);
+    if (sound != nullptr) {
+        append(options, mapped(*sound));
+        append(options, soundOptions(*sound, coding, 0));
+        attempt.trackIds.push_back(sound->trackId);
+    }
+    for (const MediaStream& stream : facts.streams) {
+        const bool isKept
+            = stream.index == facts.mainVideo->index || (sound != nullptr && stream.index == sound->index);
+        if (!isKept)
+            attempt.notice += described(stream) + ", is left out\n";
+    }
+    append(options, keepTags);
+    attempt.arguments = ffmpegArguments(job, target, options);
+    return attempt;
+}
+
+std::vector<Attempt> copies(const Job& job, const MediaFacts& facts, const Target& target)
+{
+    std::vector<Attempt> attempts;
+    if (facts.mainVideo)
+        attempts.push_back(fullCopy(job, facts, target));
+    attempts.push_back({ffmpegArguments(job, target), {},
+        attempts.empty() ? "" : "tarnwell: all but one video and one sound stream is left out\n"});
+    return attempts;
+}
+
+std::vector<Attempt> encodings(const Job& job, const MediaFacts& facts, const Target& target)
+{
+    std::vector<Attempt> attempts;
+    if (facts.mainVideo) {
+        const MediaStream* sound = mainSound(facts);
+        if (sound != nullptr && sound->codec == "aac")
+            attempts.push_back(encoding(job, facts, target, sound, SoundCoding::Copy));
+        attempts.push_back(encoding(job, facts, target, sound, SoundCoding::Aac));
+    } else {
+        attempts.push_back({ffmpegArguments(job, target), {}, ""});
+    }
+    Arguments picture = keepTags;
+    append(picture, {"-an"});
+    attempts.push_back({ffmpegArguments(job, target, picture), {}, "tarnwell: the sound is left out\n"});
+    return attempts;
+}
+
+} // namespace
+
+std::vector<Attempt> attemptsFor(const Job& job, const MediaFacts& facts, const Target& target)
+{
+    return job.kind == Job::Kind::FixFlag ? copies(job, facts, target) : encodings(job, facts, target);
+}

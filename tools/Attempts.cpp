@@ -34,10 +34,21 @@ void append(Arguments& list, const Arguments& more)
     list.insert(list.end(), more.begin(), more.end());
 }
 
+/// ffmpeg reads the titles of chapters from such a stream and writes a new one.
+bool holdsChapterTitles(const MediaStream& stream)
+{
+    return stream.codec == "bin_data" && stream.tag == "text";
+}
+
 std::string described(const MediaStream& stream)
 {
     const std::string name = stream.codec.empty() ? "of an unknown codec" : "in " + stream.codec;
     return "tarnwell: stream " + std::to_string(stream.index) + ", " + name;
+}
+
+std::string omissionOf(const MediaStream& stream)
+{
+    return holdsChapterTitles(stream) ? "" : described(stream) + ", is left out\n";
 }
 
 Arguments mapped(const MediaStream& stream)
@@ -86,7 +97,7 @@ Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target)
         const bool isSound = stream.kind == Kind::Sound && !stream.codec.empty();
         const bool isText = stream.kind == Kind::Subtitle && stream.codec == "mov_text";
         if (!isSound && !isText && stream.index != facts.mainVideo->index) {
-            attempt.notice += described(stream) + ", is left out\n";
+            attempt.notice += omissionOf(stream);
             continue;
         }
         append(options, mapped(stream));
@@ -136,7 +147,7 @@ Attempt encoding(const Job& job, const MediaFacts& facts, const Target& target, 
         const bool isKept
             = stream.index == facts.mainVideo->index || (sound != nullptr && stream.index == sound->index);
         if (!isKept)
-            attempt.notice += described(stream) + ", is left out\n";
+            attempt.notice += omissionOf(stream);
     }
     append(options, keepTags);
     attempt.arguments = ffmpegArguments(job, target, options);

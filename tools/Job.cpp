@@ -124,7 +124,10 @@ std::vector<std::string> ffmpegArguments(const Job& job, const Target& target)
     Arguments list = {"-nostdin", "-hide_banner", "-v", "quiet"};
     if (!job.position.empty())
         append(list, {"-ss", job.position});
-    append(list, {"-i", asFile(job.input), "-frames:v", "1", "-update", "1", "-vf", squarePixels});
+    append(list, {"-i", asFile(job.input)});
+    if (!job.mayBeCover)
+        append(list, {"-map", "0:V:0"}); // the first video stream that is no cover
+    append(list, {"-frames:v", "1", "-update", "1", "-vf", squarePixels});
     appendTarget(list, target);
     return list;
 }

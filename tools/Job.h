@@ -13,6 +13,7 @@ struct Job {
     std::string input;
     std::string output;
     std::string position; // of a still, in seconds as ffmpeg reads them; empty for the first frame
+    bool mayBeCover = false; // of a still: ffmpeg chooses among all video streams, covers included
     double rotation = 0; // of a flag: degrees counterclockwise against the coded picture
     std::string filters; // of an encoding; empty for none
 };

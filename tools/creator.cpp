@@ -92,12 +92,15 @@ bool isPicture(RunEnd end, const OutputFile& output)
     return end == RunEnd::Succeeded && !output.isEmpty();
 }
 
-/// The frame at the given position, else the first one that decodes. False where there is none.
+/// The frame at the given position, else the first one that decodes, else a cover. False where there is none.
 bool decodeStill(Job job, const OutputFile& output)
 {
     if (isPicture(runStill(job, output), output))
         return true;
     job.position.clear();
+    if (isPicture(runStill(job, output), output))
+        return true;
+    job.mayBeCover = true;
     return isPicture(runStill(job, output), output);
 }
 

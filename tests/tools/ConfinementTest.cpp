@@ -90,7 +90,9 @@ protected:
         ToolProcess process(program, arguments);
         process.wait();
         const auto said = process.said(attack.name + ": ");
-        EXPECT_EQ(said.size(), 1U) << process.errorText();
+        EXPECT_FALSE(said.empty()) << process.errorText();
+        for (const std::string& line : said) // creator runs an ffmpeg that fails more than once
+            EXPECT_EQ(line, said.front());
         return said.empty() ? "" : said.front();
     }
 

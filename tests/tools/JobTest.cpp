@@ -210,11 +210,36 @@ TEST(FfmpegArgumentsTest, aStillSeeksBeforeItsInputAndNotAtAllWithoutAPosition)
 {
     auto job = readJob(lists[0]);
     ASSERT_TRUE(job);
-    EXPECT_TRUE(holds(ffmpegArguments(*job, target), {"-ss", "1.5", "-i", "file:in.mp4", "-frames:v", "1"}));
+    EXPECT_TRUE(holds(ffmpegArguments(*job, target),
+        {"-ss", "1.5", "-i", "file:in.mp4", "-map", "0:V:0", "-frames:v", "1"}));
     job->position.clear();
     const Arguments first = ffmpegArguments(*job, target);
     EXPECT_FALSE(holds(first, {"-ss"}));
-    EXPECT_TRUE(holds(first, {"-i", "file:in.mp4", "-frames:v", "1"}));
+    EXPECT_TRUE(holds(first, {"-i", "file:in.mp4", "-map", "0:V:0", "-frames:v", "1"}));
+    job->mayBeCover = true;
+    EXPECT_TRUE(holds(ffmpegArguments(*job, target), {"-i", "file:in.mp4", "-frames:v", "1"}));
+}
+
+TEST(FfmpegArgumentsTest, aStillHasSquarePixels)
+{
+    const Arguments result = ffmpegFor(lists[0]);
+    const auto filter = std::find(result.begin(), result.end(), "-vf");
+    ASSERT_NE(filter, result.end());
+    EXPECT_EQ((filter + 1)->rfind("scale=", 0), 0U);
+    EXPECT_NE((filter + 1)->find(",setsar=1"), std::string::npos);
+}
+
+TEST(FfmpegArgumentsTest, streamOptionsComeBetweenInputAndTarget)
+{
+    for (const std::size_t place : {1U, 2U}) {
+        const auto job = readJob(lists[place]);
+        ASSERT_TRUE(job);
+        const Arguments result = ffmpegArguments(*job, target, {"-map", "0:1"});
+        EXPECT_TRUE(holds(result, {"-i", "file:in.mp4", "-map", "0:1"}));
+        EXPECT_FALSE(holds(result, {"copy"}));
+        EXPECT_EQ(holds(result, {"-pix_fmt"}), place == 2);
+        EXPECT_EQ(result.back(), target.path);
+    }
 }
 
 TEST(FfmpegArgumentsTest, bothWaysOfSavingTellOfTheirProgress)

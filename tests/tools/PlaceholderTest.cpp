@@ -58,6 +58,38 @@ TEST(PlaceholderTest, sizesThatAPictureCannotHaveAreCut)
     EXPECT_EQ(decoded(placeholderPicture(2, 2147483647)).size(), QSize(2, 65500));
 }
 
+TEST(PlaceholderTest, hasTheSizeInWhichTheVideoIsShown)
+{
+    struct Row {
+        const char* name;
+        int width;
+        int height;
+        double pixelAspect;
+        bool isTurned;
+        QSize expected;
+    };
+    const std::vector<Row> rows = {
+        {"square pixels", 720, 576, 1, false, {720, 576}},
+        {"wide pixels", 720, 576, 64.0 / 45, false, {1024, 576}},
+        {"wide pixels, turned", 720, 576, 64.0 / 45, true, {576, 1024}},
+        {"tall pixels", 720, 576, 0.5, false, {720, 1152}},
+        {"wide pixels of a large picture", 7680, 4320, 2, false, {7680, 2160}},
+        {"tall pixels of a large picture", 7680, 4320, 0.5, false, {3840, 4320}},
+        {"an absurd ratio", 100, 100, 10000, false, {100, 1}},
+        {"an unknown size", 0, 0, 2, false, {1, 1}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        VideoFacts video;
+        video.width = row.width;
+        video.height = row.height;
+        video.pixelAspect = row.pixelAspect;
+        if (row.isTurned)
+            video.decoded = DisplayMatrix{0, 1, -1, 0};
+        EXPECT_EQ(decoded(placeholderOf(video)).size(), row.expected);
+    }
+}
+
 TEST(PlaceholderTest, isSmall)
 {
     EXPECT_LT(placeholderPicture(7680, 4320).size(), 200U * 1024U);

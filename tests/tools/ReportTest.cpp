@@ -262,4 +262,77 @@ TEST(VideoFactsTest, areUnknownWithoutAVideo)
     }
 }
 
+TEST(VideoFactsTest, thePixelAspectIsThatOfTheReport)
+{
+    const std::vector<std::pair<Json, double>> rows = {{"64:45", 64.0 / 45}, {"1:2", 0.5}, {"1:1", 1},
+        {"0:1", 1}, {"1:0", 1}, {"N/A", 1}, {"-4:3", 1}, {"1000000:1", 1}, {"1:1000000", 1}, {"", 1}, {3, 1}};
+    for (const auto& [text, aspect] : rows) {
+        SCOPED_TRACE(text.dump());
+        Json stream = video();
+        stream["sample_aspect_ratio"] = text;
+        EXPECT_DOUBLE_EQ(videoFactsOf(report({stream}).dump()).pixelAspect, aspect);
+    }
+    EXPECT_EQ(videoFactsOf(report({video()}).dump()).pixelAspect, 1);
+}
+
+TEST(MediaFactsTest, everyStreamIsDescribed)
+{
+    Json picture = video();
+    picture["codec_tag_string"] = "hvc1";
+    picture["codec_tag"] = "0x31637668";
+    picture["id"] = "0x1f";
+    const Json sound = {{"index", 1}, {"codec_type", "audio"}, {"codec_name", "aac"}, {"channels", 6},
+        {"channel_layout", "5.1"}, {"codec_tag_string", "[0][0][0][0]"}, {"codec_tag", "0x0000"},
+        {"disposition", {{"default", 1}}}};
+    const Json text = {{"index", 2}, {"codec_type", "subtitle"}, {"codec_name", "mov_text"}};
+    const Json other = {{"index", 3}, {"codec_type", "data"}, {"channel_layout", "unknown"}};
+    const MediaFacts facts = mediaFactsOf(report({picture, sound, text, other, Json(7)}).dump());
+    ASSERT_EQ(facts.streams.size(), 4U);
+    EXPECT_EQ(facts.streams[0].kind, MediaStream::Kind::Video);
+    EXPECT_EQ(facts.streams[0].tag, "hvc1");
+    EXPECT_EQ(facts.streams[0].trackId, 31U);
+    EXPECT_FALSE(facts.streams[0].isDefault);
+    EXPECT_EQ(facts.streams[1].kind, MediaStream::Kind::Sound);
+    EXPECT_EQ(facts.streams[1].codec, "aac");
+    EXPECT_EQ(facts.streams[1].tag, "");
+    EXPECT_EQ(facts.streams[1].channels, 6);
+    EXPECT_EQ(facts.streams[1].channelLayout, "5.1");
+    EXPECT_TRUE(facts.streams[1].isDefault);
+    EXPECT_EQ(facts.streams[2].kind, MediaStream::Kind::Subtitle);
+    EXPECT_EQ(facts.streams[3].kind, MediaStream::Kind::Other);
+    EXPECT_EQ(facts.streams[3].codec, "");
+    EXPECT_EQ(facts.streams[3].channelLayout, "");
+    EXPECT_EQ(facts.streams[3].index, 3);
+}
+
+TEST(MediaFactsTest, theMainVideoIsNoCover)
+{
+    Json cover = video();
+    cover["avg_frame_rate"] = "0/0";
+    Json main = video();
+    main["index"] = 1;
+    const MediaFacts facts = mediaFactsOf(report({cover, main}).dump());
+    ASSERT_TRUE(facts.mainVideo);
+    EXPECT_EQ(facts.mainVideo->index, 1);
+    EXPECT_FALSE(mediaFactsOf(report({{{"codec_type", "audio"}}}).dump()).mainVideo);
+}
+
+TEST(MediaFactsTest, tagsAreThoseOfTheFile)
+{
+    Json json = report({video()});
+    json["streams"][0]["tags"] = {{"title", "of the stream"}};
+    EXPECT_TRUE(mediaFactsOf(json.dump()).tags.empty());
+    json["format"]["tags"] = {{"title", "A day"}, {"number", 7}, {"MAKE", "Maker"}};
+    const auto tags = mediaFactsOf(json.dump()).tags;
+    using Tags = std::vector<std::pair<std::string, std::string>>;
+    EXPECT_EQ(tags, Tags({{"title", "A day"}, {"MAKE", "Maker"}}));
+    for (const Json& odd : {Json(5), Json("text"), Json::array()}) {
+        json["format"]["tags"] = odd;
+        EXPECT_TRUE(mediaFactsOf(json.dump()).tags.empty());
+        Json other = json;
+        other["format"] = odd;
+        EXPECT_TRUE(mediaFactsOf(other.dump()).tags.empty());
+    }
+}
+
 } // namespace tarnwell::test

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
 
 namespace
 {
@@ -11,9 +12,11 @@ namespace
 using Arguments = std::vector<std::string>;
 using Kind = MediaStream::Kind;
 
-// What ffmpeg's MP4 writer takes in all versions from 4.3 on, given "-strict experimental".
-constexpr std::array<std::string_view, 12> soundCodecsOfMp4
-    = {"aac", "ac3", "alac", "dts", "eac3", "flac", "mp1", "mp2", "mp3", "opus", "truehd", "vorbis"};
+// What ffmpeg's MP4 writer takes, given "-strict experimental": in all versions from 4.3 on, and in later
+// ones.
+constexpr std::array<std::string_view, 5> commonSoundCodecs = {"aac", "ac3", "eac3", "mp2", "mp3"};
+constexpr std::array<std::string_view, 6> otherSoundCodecs
+    = {"alac", "dts", "flac", "opus", "truehd", "vorbis"};
 
 // FLAC and TrueHD in MP4 count as experimental, the records of Dolby Vision and of spherical video as
 // unofficial, which "experimental" includes.
@@ -58,13 +61,22 @@ Arguments mapped(const MediaStream& stream)
 
 enum class SoundCoding { Copy, Lossless, Aac };
 
-SoundCoding codingInCopy(const MediaStream& sound)
+/// Which sound a copy keeps without loss.
+enum class Lossless { AllOfMp4, CommonCodecs };
+
+SoundCoding codingInCopy(const MediaStream& sound, Lossless kept)
 {
-    const auto* end = soundCodecsOfMp4.end();
-    if (std::find(soundCodecsOfMp4.begin(), end, sound.codec) != end)
+    const auto holds = [&sound](const auto& codecs) {
+        return std::find(codecs.begin(), codecs.end(), sound.codec) != codecs.end();
+    };
+    const bool isPcm = sound.codec.compare(0, 4, "pcm_") == 0 && sound.channels <= mostChannels;
+    if (holds(commonSoundCodecs))
         return SoundCoding::Copy;
-    const bool isPcm = sound.codec.compare(0, 4, "pcm_") == 0;
-    return isPcm && sound.channels <= mostChannels ? SoundCoding::Lossless : SoundCoding::Aac;
+    if (kept == Lossless::CommonCodecs)
+        return SoundCoding::Aac;
+    if (holds(otherSoundCodecs))
+        return SoundCoding::Copy;
+    return isPcm ? SoundCoding::Lossless : SoundCoding::Aac;
 }
 
 /// Options for the sound stream at that place among the output's.
@@ -88,7 +100,7 @@ Arguments videoTag(const MediaStream& video)
 }
 
 /// A copy of all that MP4 holds.
-Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target)
+Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target, Lossless kept)
 {
     Attempt attempt;
     Arguments options = {"-c", "copy"};
@@ -104,7 +116,7 @@ Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target)
         attempt.trackIds.push_back(stream.trackId);
         if (!isSound)
             continue;
-        const SoundCoding coding = codingInCopy(stream);
+        const SoundCoding coding = codingInCopy(stream, kept);
         append(options, soundOptions(stream, coding, sounds++));
         if (coding != SoundCoding::Copy)
             attempt.notice += described(stream) + ", is encoded, since MP4 does not hold it\n";
@@ -157,8 +169,12 @@ Attempt encoding(const Job& job, const MediaFacts& facts, const Target& target, 
 std::vector<Attempt> copies(const Job& job, const MediaFacts& facts, const Target& target)
 {
     std::vector<Attempt> attempts;
-    if (facts.mainVideo)
-        attempts.push_back(fullCopy(job, facts, target));
+    if (facts.mainVideo) {
+        attempts.push_back(fullCopy(job, facts, target, Lossless::AllOfMp4));
+        Attempt common = fullCopy(job, facts, target, Lossless::CommonCodecs);
+        if (common.arguments != attempts.front().arguments)
+            attempts.push_back(std::move(common));
+    }
     attempts.push_back({ffmpegArguments(job, target), {},
         attempts.empty() ? "" : "tarnwell: all but one video and one sound stream is left out\n"});
     return attempts;

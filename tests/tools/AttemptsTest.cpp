@@ -142,6 +142,18 @@ TEST(AttemptsTest, soundThatMp4DoesNotHoldIsEncodedInACopy)
     EXPECT_EQ(attempts[0].notice.find("stream 1"), std::string::npos);
 }
 
+TEST(AttemptsTest, aCopyWithSoundThatOldVersionsRefuseIsFollowedByOneInAac)
+{
+    for (const char* codec : {"alac", "dts", "flac", "opus", "truehd", "vorbis"}) {
+        const auto attempts = copies({video, sound(1, "ac3"), sound(2, codec)});
+        ASSERT_EQ(attempts.size(), 3U) << codec;
+        EXPECT_TRUE(holds(attempts[0], {"-c:a:0", "copy"}) && holds(attempts[0], {"-c:a:1", "copy"}));
+        EXPECT_TRUE(holds(attempts[1], {"-c:a:0", "copy"}) && holds(attempts[1], {"-c:a:1", "aac"}));
+        EXPECT_EQ(attempts[1].trackIds, attempts[0].trackIds);
+    }
+    EXPECT_TRUE(holds(copies({video, sound(1, "pcm_s16le")})[1], {"-c:a:0", "aac"}));
+}
+
 TEST(AttemptsTest, aCopyThatFailsIsFollowedByThePlainOne)
 {
     const auto attempts = copies({video, sound(1, "aac")});

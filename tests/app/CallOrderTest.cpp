@@ -217,7 +217,7 @@ TEST_F(CallOrderTest, aSigtermRightAfterTheLaunchKeepsAnOlderFile)
         delegate().startCreatorRun(saved + "out.mp4",
             {"-i", folder() + "clip.mp4", "-pix_fmt", "yuv420p", "-metadata:s:v", "rotate=0", "-y",
                 saved + "out.mp4"});
-        QMessageBox* alert = shownAlert();
+        AlertDialog* alert = shownAlert();
         ASSERT_NE(alert, nullptr);
         const auto names = namesIn(saved);
         ASSERT_EQ(names.size(), 1U);

@@ -19,7 +19,7 @@ Command ffmpegFor(const std::vector<std::string>& arguments, const std::string& 
 {
     const auto job = readJob(arguments);
     if (!job)
-        giveUp("creator would not take the list that the application makes");
+        exitWithError("creator rejects the argument list of the application");
     return {folderOfTools + "ffmpeg", ffmpegArguments(*job, {job->output, container})};
 }
 

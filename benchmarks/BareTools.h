@@ -9,22 +9,22 @@
 namespace tarnwell::bench
 {
 
-// The programs that the application's tools run, without the application and without its tools: the very same
-// argument lists.
+// The ffprobe and ffmpeg commands that sniffer and creator run, with the same argument lists, for direct
+// runs.
 
-/// The report on a file.
+/// The ffprobe report on a file.
 Command bareReport(const std::string& path);
 
-/// The still from the middle of a file of `duration` seconds.
+/// The extraction of the still from the middle of a file of `duration` seconds.
 Command bareStill(const std::string& path, double duration, const std::string& stillPath);
 
-/// The copy with another flag; only the tool itself then writes the flag.
+/// The stream copy of a fix flag. It leaves the flag as it is: creator writes the flag itself after ffmpeg.
 Command bareFixFlag(const std::string& path, const std::string& outputPath);
 
-/// The new encoding, a quarter turn clockwise.
+/// The transcode with a quarter turn clockwise.
 Command bareTranscode(const std::string& path, const std::string& outputPath);
 
-/// The change that the two exports above make.
+/// The orientation of both exports above.
 inline constexpr OrientationState quarterTurnRight{.positionState = 4};
 
 } // namespace tarnwell::bench

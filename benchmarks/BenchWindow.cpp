@@ -2,7 +2,7 @@
 #include "benchmarks/BenchWindow.h"
 
 #include "benchmarks/Measure.h"
-#include "benchmarks/PaintWatch.h"
+#include "benchmarks/PaintTimer.h"
 #include "benchmarks/Report.h"
 #include "desktop/PathText.h"
 
@@ -53,13 +53,13 @@ double BenchWindow::open(const std::string& path)
     const auto connection = QObject::connect(
         &find<QDialog>(progressName), &QDialog::finished, [&] { opened = stopwatch.elapsed(); });
     QTest::keyClick(field, Qt::Key_Return);
-    if (!opened && panel->isVisible()) { // a list of completions took the key
+    if (!opened && panel->isVisible()) { // the completion list consumed the key
         stopwatch = {};
         QTest::keyClick(field, Qt::Key_Return);
     }
     if (!test::waitUntil([&] { return opened.has_value(); }) || isAlertShown()
         || !action("rotateLeftBTN").isEnabled())
-        giveUp(path + " could not be opened");
+        exitWithError(path + " could not be opened");
     QObject::disconnect(connection);
     return *opened;
 }
@@ -68,7 +68,7 @@ double BenchWindow::click(const char* actionName)
 {
     QWidget* button = find<QToolBar>("toolBar").widgetForAction(&action(actionName));
     const QWidget& view = find<QWidget>(viewName);
-    PaintWatch watch([&view](const QWidget& widget) { return &widget == &view; });
+    PaintTimer watch([&view](const QWidget& widget) { return &widget == &view; });
     QTest::mouseClick(button, Qt::LeftButton);
     return watch.wait();
 }
@@ -76,7 +76,7 @@ double BenchWindow::click(const char* actionName)
 double BenchWindow::show(const QImage& picture)
 {
     auto& view = find<ImageView>(viewName);
-    PaintWatch watch([&view](const QWidget& widget) { return &widget == &view; });
+    PaintTimer watch([&view](const QWidget& widget) { return &widget == &view; });
     view.setImage(picture);
     return watch.wait();
 }
@@ -87,7 +87,7 @@ QAbstractButton* BenchWindow::buttonOfAlert(const char* text)
         if (button->text() == QString::fromLatin1(text))
             return button;
     }
-    giveUp(std::string("no button ") + text);
+    exitWithError(std::string("the alert has no button ") + text);
 }
 
 double BenchWindow::save(const char* mode, const std::string& path)
@@ -104,12 +104,12 @@ double BenchWindow::save(const char* mode, const std::string& path, const std::f
     QAbstractButton* button = buttonOfAlert(mode);
     const auto connection = QObject::connect(&find<QDialog>(progressName), &QDialog::finished, saved);
     saving();
-    PaintWatch watch(isResult);
+    PaintTimer watch(isResult);
     QTest::mouseClick(button, Qt::LeftButton);
     const double elapsed = watch.wait();
     QObject::disconnect(connection);
     if (!shownAlert()->text().startsWith(QStringLiteral("Video ")))
-        giveUp("saving " + path + " failed");
+        exitWithError("saving " + path + " failed");
     answer(shownAlert(), "OK");
     return elapsed;
 }

@@ -12,35 +12,36 @@
 namespace tarnwell::bench
 {
 
-/// The real window, handled with the means of its tests; each action tells how long it took, in milliseconds.
-/// What such a test would fail for ends the benchmark, see windowBench.cpp.
+/// Drives the real window with the functions of the window tests. Each action returns its duration in
+/// milliseconds. A failed expectation of these functions ends the benchmark, see windowBench.cpp.
 class BenchWindow : public test::WindowTest
 {
 public:
-    /// Shows the window. Without tools: the real ones of the build tree.
+    /// Shows the window. The default constructor uses the tools of the build tree.
     BenchWindow();
     explicit BenchWindow(const ToolContext& tools);
 
-    /// A folder for files of the benchmark, ending in "/".
+    /// The temporary folder of this window's files, ending in "/".
     std::string ownFolder() const { return folder(); }
 
-    /// Opens a file: from Return in the file panel until the controls are enabled and no sheet is in front of
-    /// them.
+    /// Opens a file. Measures from Return in the file panel until the progress sheet has closed and the
+    /// controls are enabled.
     double open(const std::string& path);
 
-    /// Clicks the toolbar's button of that action: until the picture is painted.
+    /// Clicks the toolbar button of the action. Measures until the view has been painted.
     double click(const char* actionName);
 
-    /// Shows the picture in the view as a refresh does: until it is painted.
+    /// Sets the view's picture as a refresh does. Measures until the view has been painted.
     double show(const QImage& picture);
 
-    /// The picture that the view shows, in its own size.
+    /// The view's picture at full size.
     QImage picture() { return shownPicture(); }
 
-    /// Saves by the button of that text: from the click on it until the result is painted.
+    /// Saves in the mode whose button has the text `mode`. Measures from the click on that button until the
+    /// result alert has been painted.
     double save(const char* mode, const std::string& path);
 
-    /// The same; `saving` is called when the click is about to come, `saved` when the progress sheet goes.
+    /// Calls `saving` just before the click and `saved` when the progress sheet closes.
     double save(const char* mode, const std::string& path, const std::function<void()>& saving,
         const std::function<void()>& saved);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// From a click on Rotate or Flip to the painted picture, beside two plain copies of the picture into fresh
-// memory.
+// Measures the time from a click on Rotate or Flip to the painted picture. The reference is two plain copies
+// of the picture into newly mapped memory.
 #include "benchmarks/BenchWindow.h"
 #include "benchmarks/Sections.h"
 #include "orientation/Picture.h"
@@ -21,15 +21,15 @@ constexpr int drawingRounds = 15;
 constexpr const char* rotate = "rotateLeftBTN";
 constexpr const char* flip = "flipHorizontallyBTN";
 
-/// Every turn with and without the mirror, by both kinds of button; it ends as it begins.
+/// All eight orientations. The sequence ends at the initial orientation.
 constexpr const char* clicks[] = {rotate, rotate, rotate, rotate, flip, rotate, rotate, rotate, rotate, flip};
 
-/// Memory that was used before and given back to the allocator would not be fresh.
+/// Returns free heap memory to the system first, so that the copies page-fault as they do for a new picture.
 double copyTwice(const QImage& picture)
 {
     ::malloc_trim(0);
     QImage copies[2];
-    return millisecondsOf([&] {
+    return timeOf([&] {
         for (QImage& copy : copies)
             copy = picture.copy();
     });
@@ -47,7 +47,7 @@ Pairs measureEveryClick(BenchWindow& window, const QImage& still, int count)
     return pairs;
 }
 
-/// A click's two parts: the drawing of the two pictures, and the showing of the second one.
+/// Splits a click into rotating and flipping the picture (`measured`) and showing the result (`reference`).
 Pairs measureParts(BenchWindow& window, const QImage& still, int count)
 {
     Pairs parts;
@@ -55,41 +55,41 @@ Pairs measureParts(BenchWindow& window, const QImage& still, int count)
         const double angle = 90.0 * (round % 4);
         QImage mirrored;
         const double drawing
-            = millisecondsOf([&] { mirrored = flipImage(rotateImage(still, angle), round % 8 >= 4, false); });
+            = timeOf([&] { mirrored = flipImage(rotateImage(still, angle), round % 8 >= 4, false); });
         parts.add(drawing, window.show(mirrored));
     }
     return parts;
 }
 
-void measureSize(const Setting& setting, const std::string& size)
+void measureSize(const BenchContext& context, const std::string& size)
 {
     BenchWindow window;
-    window.open(setting.clip(size));
+    window.open(context.clip(size));
     const QImage still = window.picture();
     const double first = window.click(rotate);
-    for (int back = 0; back < 3; ++back)
+    for (int turn = 0; turn < 3; ++turn) // back to the initial orientation
         window.click(rotate);
-    const Pairs pairs = measureEveryClick(window, still, setting.rounds(rounds));
-    const Pairs parts = measureParts(window, still, setting.rounds(drawingRounds));
-    setting.report.addGrowth({size, timeText(summaryOf(pairs.measured)), timeText(summaryOf(parts.measured)),
-        timeText(summaryOf(parts.against)), timeText(first), timeText(summaryOf(pairs.against)),
-        withDigits(pairs.ratio(), 2)});
+    const Pairs pairs = measureEveryClick(window, still, context.rounds(rounds));
+    const Pairs parts = measureParts(window, still, context.rounds(drawingRounds));
+    context.report.addRow({size, formatTime(summaryOf(pairs.measured)), formatTime(summaryOf(parts.measured)),
+        formatTime(summaryOf(parts.reference)), formatTime(first), formatTime(summaryOf(pairs.reference)),
+        formatNumber(pairs.ratio(), 2)});
     const auto budget = budgets.find(size);
     if (budget != budgets.end() || size == "1080p")
-        setting.report.compare("rotate or flip a " + size + " clip: click to painted",
+        context.report.compare("rotate or flip a " + size + " clip: click to painted",
             "two copies of the picture", pairs,
             budget != budgets.end() ? std::optional(budget->second) : std::nullopt);
 }
 
 } // namespace
 
-void measureClicks(const Setting& setting)
+void measureClicks(const BenchContext& context)
 {
-    setting.report.beginGrowth("Click to painted, by picture size",
+    context.report.beginTable("Click to painted, by picture size",
         {"clip", "click to painted", "of which drawing twice", "of which scaling and painting", "first click",
             "two copies", "ratio"});
     for (const std::string size : pictureSizes)
-        measureSize(setting, size);
+        measureSize(context, size);
 }
 
 } // namespace tarnwell::bench

@@ -8,19 +8,19 @@
 namespace tarnwell::bench
 {
 
-/// A program, by path or by a name that PATH leads to, and its arguments; `variables`, each "NAME=VALUE", are
-/// added to the environment.
+/// A program, as a path or as a name that is searched in PATH, and its arguments. `variables`, each
+/// "NAME=VALUE", are added to the environment.
 struct Command {
     std::string program;
     std::vector<std::string> arguments;
     std::vector<std::string> variables = {};
 };
 
-/// Runs the command with the null device for its standard streams and waits for it: how long that took, in
-/// milliseconds. A command that cannot be started or does not exit with 0 ends the benchmark.
+/// Runs the command with /dev/null as its standard streams, waits for it and returns the time in
+/// milliseconds. Ends the benchmark if the command cannot be started or does not exit with 0.
 double millisecondsToRun(const Command& command);
 
-/// Whether PATH leads to a program of that name.
+/// Whether PATH contains a program of that name.
 bool isInstalled(const std::string& program);
 
 } // namespace tarnwell::bench

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A plugin that Qt loads into any program that is started with QT_QPA_GENERIC_PLUGINS=first-paint. Once the
-// program's first window is painted it writes into the file named by FIRST_PAINT_FILE when that was, in
-// nanoseconds of the monotonic clock, and then what the program has mapped; and it ends the program.
+// A plugin that Qt loads into any program that is started with QT_QPA_GENERIC_PLUGINS=first-paint. When the
+// program's first window has been painted, the plugin writes the time, in nanoseconds of the monotonic clock,
+// and the contents of /proc/self/maps into the file named by FIRST_PAINT_FILE, and ends the program.
 #include <QEvent>
 #include <QGenericPlugin>
 #include <QGuiApplication>
@@ -15,7 +15,7 @@ namespace
 
 void reportAndEnd()
 {
-    QGuiApplication::sync(); // the display has all of it
+    QGuiApplication::sync(); // the X server has processed all drawing requests
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     {
         std::ofstream report(qEnvironmentVariable("FIRST_PAINT_FILE").toStdString());
@@ -24,6 +24,7 @@ void reportAndEnd()
     std::_Exit(EXIT_SUCCESS);
 }
 
+/// Calls `reportAndEnd` after the first paint event of the program.
 class PaintFilter : public QObject
 {
 public:
@@ -34,7 +35,7 @@ public:
         if (event->type() != QEvent::Paint || m_isPainting)
             return false;
         m_isPainting = true;
-        // Comes when the window has been painted and handed over.
+        // Runs after the whole window has been painted and flushed.
         QMetaObject::invokeMethod(this, &reportAndEnd, Qt::QueuedConnection);
         return false;
     }
@@ -45,6 +46,7 @@ private:
 
 } // namespace
 
+/// The plugin's factory. Qt calls `create` when QGuiApplication is constructed.
 class FirstPaint : public QGenericPlugin
 {
     Q_OBJECT

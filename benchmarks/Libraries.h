@@ -9,20 +9,19 @@
 namespace tarnwell::bench
 {
 
-/// Names of libraries, without their folders.
+/// File names of libraries, without their folders.
 using Libraries = std::set<std::string>;
 
-/// The libraries among the lines of a /proc/PID/maps, without those that this benchmark brings in.
+/// The libraries in the text of /proc/PID/maps, except the benchmark's own plugin.
 Libraries librariesIn(const std::string& maps);
 
-/// Why libraries are loaded: a pattern for names, as a shell has it, and the reason.
+/// Pairs of a shell pattern of library names and the reason why these libraries are loaded.
 using Reasons = std::vector<std::pair<std::string, std::string>>;
 
-/// The reasons in a Markdown file: rows of tables that begin with a pattern in backquotes and end with a
-/// reason.
+/// Reads the reasons from the table rows of a Markdown file whose first cell is a pattern in backquotes.
 Reasons readReasons(const std::string& path);
 
-/// The reason of the first pattern that fits; empty where none does.
+/// The reason of the first pattern that matches; empty if none does.
 std::string reasonFor(const std::string& library, const Reasons& reasons);
 
 } // namespace tarnwell::bench

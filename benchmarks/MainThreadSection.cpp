@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// What an export asks of the main thread, and how that grows with the encoder's status lines.
+// Measures the processor time and the stalls of the main thread during an export, also as a function of the
+// number of status lines per second.
 #include "benchmarks/BenchWindow.h"
-#include "benchmarks/MainThreadWatch.h"
+#include "benchmarks/MainThreadLoad.h"
 #include "benchmarks/Sections.h"
 #include "tests/support/FakeTools.h"
 
@@ -13,13 +14,14 @@ namespace tarnwell::bench
 namespace
 {
 
-constexpr double mostPercent = 1;
-constexpr double longestStall = 50; // milliseconds
+constexpr double maxPercent = 1;
+constexpr double maxStall = 50; // milliseconds
 constexpr int rounds = 3;
 
+/// One export: the main thread's processor time in percent of the elapsed time.
 struct Load {
     double percent = 0;
-    double milliseconds = 0;
+    double milliseconds = 0; // elapsed time of the export
 };
 
 Load measureLoad(BenchWindow& window, const char* mode, const std::string& output)
@@ -31,31 +33,33 @@ Load measureLoad(BenchWindow& window, const char* mode, const std::string& outpu
     return {load.percent(), elapsed};
 }
 
+/// One export: the longest delay of a timer on the main thread and of a sleep on an idle thread, in
+/// milliseconds.
 struct Stall {
     double main = 0;
     double idle = 0;
 };
 
-/// A run of its own: the timer costs time itself.
+/// Measured in a separate export, because the timer itself uses processor time.
 Stall measureStall(BenchWindow& window, const char* mode, const std::string& output)
 {
-    StallWatch stalls;
+    StallDetector stalls;
     window.save(
         mode, output, [&] { stalls.begin(); }, [&] { stalls.end(); });
     ::unlink(output.c_str());
-    return {stalls.longest(), stalls.longestOfIdleThread()};
+    return {stalls.longest(), stalls.longestIdle()};
 }
 
-void measureTranscode(const Setting& setting)
+void measureTranscode(const BenchContext& context)
 {
     BenchWindow window;
-    const std::string output = setting.folder + "/out.mp4";
-    window.open(setting.clip("1080p"));
+    const std::string output = context.folder + "/out.mp4";
+    window.open(context.clip("1080p"));
     window.click("rotateRightBTN");
     std::vector<double> percents;
     std::vector<double> stalls;
     std::vector<double> idle;
-    for (int round = 0; round < setting.rounds(rounds); ++round) {
+    for (int round = 0; round < context.rounds(rounds); ++round) {
         percents.push_back(measureLoad(window, "Transcode", output).percent);
         const Stall stall = measureStall(window, "Transcode", output);
         stalls.push_back(stall.main);
@@ -63,16 +67,16 @@ void measureTranscode(const Setting& setting)
     }
     const double percent = summaryOf(percents).median;
     const double stall = summaryOf(stalls).median;
-    setting.report.add({"main thread during a transcode: share of a core", withDigits(percent, 2) + " %", "",
-        "", withDigits(mostPercent, 0) + " %", percent > mostPercent});
-    setting.report.add({"main thread during a transcode: longest stall", timeText(stall),
-        "an idle thread beside it: " + timeText(summaryOf(idle).median), "", timeText(longestStall),
-        stall > longestStall});
+    context.report.add({"main thread during a transcode: share of a core", formatNumber(percent, 2) + " %",
+        "", "", formatNumber(maxPercent, 0) + " %", percent > maxPercent});
+    context.report.add({"main thread during a transcode: longest stall", formatTime(stall),
+        "an idle thread in the same process: " + formatTime(summaryOf(idle).median), "", formatTime(maxStall),
+        stall > maxStall});
 }
 
-/// An encoder that tells its progress so often each second, for a few seconds, and then leaves the clip as
-/// its output.
-std::string encoderTelling(int linesPerSecond, const std::string& clip)
+/// The script of a fake encoder that prints this many status lines per second for three seconds and then
+/// copies the clip to its output.
+std::string encoderScript(int linesPerSecond, const std::string& clip)
 {
     constexpr int seconds = 3;
     const std::string pause = "sleep " + std::to_string(1000 / linesPerSecond) + "\n";
@@ -86,34 +90,34 @@ std::string encoderTelling(int linesPerSecond, const std::string& clip)
     return script + "copy " + clip + "\n";
 }
 
-void measureStatusLines(const Setting& setting)
+void measureStatusLines(const BenchContext& context)
 {
     test::FakeTools tools;
     tools.useRealSniffer();
     tools.useRealCreator();
     BenchWindow window(tools.context());
-    const std::string clip = setting.clip("1080p");
-    const std::string output = setting.folder + "/out.mp4";
+    const std::string clip = context.clip("1080p");
+    const std::string output = context.folder + "/out.mp4";
     window.open(clip);
     window.click("rotateRightBTN");
-    setting.report.beginGrowth("Main thread during an export, by status lines per second",
-        {"lines meant", "lines that came", "share of a core", "longest stall", "an idle thread's"});
+    context.report.beginTable("Main thread during an export, by status lines per second",
+        {"target lines/s", "actual lines/s", "share of a core", "longest stall", "idle thread"});
     for (const int linesPerSecond : {2, 10, 100, 1000}) {
-        tools.setCreator(encoderTelling(linesPerSecond, clip));
+        tools.setCreator(encoderScript(linesPerSecond, clip));
         const Load load = measureLoad(window, "Transcode", output);
         const Stall stall = measureStall(window, "Transcode", output);
-        setting.report.addGrowth(
-            {std::to_string(linesPerSecond), withDigits(linesPerSecond * 3 / (load.milliseconds / 1000), 0),
-                withDigits(load.percent, 2) + " %", timeText(stall.main), timeText(stall.idle)});
+        context.report.addRow(
+            {std::to_string(linesPerSecond), formatNumber(linesPerSecond * 3 / (load.milliseconds / 1000), 0),
+                formatNumber(load.percent, 2) + " %", formatTime(stall.main), formatTime(stall.idle)});
     }
 }
 
 } // namespace
 
-void measureMainThread(const Setting& setting)
+void measureMainThread(const BenchContext& context)
 {
-    measureTranscode(setting);
-    measureStatusLines(setting);
+    measureTranscode(context);
+    measureStatusLines(context);
 }
 
 } // namespace tarnwell::bench

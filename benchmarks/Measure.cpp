@@ -12,7 +12,7 @@ namespace
 
 constexpr double millisecondsPerSecond = 1000;
 
-/// Times below a tenth of a second are told in tenths of a millisecond, those above ten seconds in seconds.
+/// The unit of a printed time: 0.1 ms below 100 ms, 1 ms below 10 s, 0.1 s above.
 struct Unit {
     const char* name;
     double milliseconds;
@@ -21,11 +21,11 @@ struct Unit {
 
 Unit unitFor(double milliseconds)
 {
-    constexpr double longInMilliseconds = 10 * millisecondsPerSecond;
-    constexpr double shortInMilliseconds = millisecondsPerSecond / 10;
-    if (milliseconds >= longInMilliseconds)
+    constexpr double secondsLimit = 10 * millisecondsPerSecond;
+    constexpr double tenthsLimit = millisecondsPerSecond / 10;
+    if (milliseconds >= secondsLimit)
         return {" s", millisecondsPerSecond, 1};
-    return {" ms", 1, milliseconds < shortInMilliseconds ? 1 : 0};
+    return {" ms", 1, milliseconds < tenthsLimit ? 1 : 0};
 }
 
 } // namespace
@@ -35,7 +35,7 @@ double Stopwatch::elapsed() const
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - m_start).count();
 }
 
-double millisecondsOf(const std::function<void()>& work)
+double timeOf(const std::function<void()>& work)
 {
     const Stopwatch stopwatch;
     work();
@@ -49,57 +49,57 @@ Summary summaryOf(std::vector<double> values)
     return {(values[last / 2] + values[last - last / 2]) / 2, values[last / 4], values[last - last / 4]};
 }
 
-void Pairs::add(double measuredTime, double againstTime)
+void Pairs::add(double measuredTime, double referenceTime)
 {
     measured.push_back(measuredTime);
-    against.push_back(againstTime);
+    reference.push_back(referenceTime);
 }
 
 double Pairs::ratio() const
 {
     std::vector<double> ratios;
     for (std::size_t pair = 0; pair < measured.size(); ++pair)
-        ratios.push_back(measured[pair] / against[pair]);
+        ratios.push_back(measured[pair] / reference[pair]);
     return summaryOf(ratios).median;
 }
 
-double Pairs::beyond(double factor) const
+double Pairs::excessOver(double factor) const
 {
     std::vector<double> differences;
     for (std::size_t pair = 0; pair < measured.size(); ++pair)
-        differences.push_back(measured[pair] - factor * against[pair]);
+        differences.push_back(measured[pair] - factor * reference[pair]);
     return summaryOf(differences).median;
 }
 
-Pairs measureInTurn(
-    int rounds, const std::function<double()>& measured, const std::function<double()>& against)
+Pairs measureAlternating(
+    int rounds, const std::function<double()>& measured, const std::function<double()>& reference)
 {
     Pairs pairs;
     for (int round = 0; round < rounds; ++round) {
         const double first = measured();
-        pairs.add(first, against());
+        pairs.add(first, reference());
     }
     return pairs;
 }
 
-std::string withDigits(double number, int digits)
+std::string formatNumber(double number, int digits)
 {
     char text[64];
     std::snprintf(text, sizeof text, "%.*f", digits, number);
     return text;
 }
 
-std::string timeText(double milliseconds)
+std::string formatTime(double milliseconds)
 {
     const Unit unit = unitFor(milliseconds);
-    return withDigits(milliseconds / unit.milliseconds, unit.digits) + unit.name;
+    return formatNumber(milliseconds / unit.milliseconds, unit.digits) + unit.name;
 }
 
-std::string timeText(const Summary& summary)
+std::string formatTime(const Summary& summary)
 {
     const Unit unit = unitFor(summary.median);
-    const auto number = [&unit](double time) { return withDigits(time / unit.milliseconds, unit.digits); };
-    return timeText(summary.median) + " (" + number(summary.lower) + "–" + number(summary.upper) + ")";
+    const auto number = [&unit](double time) { return formatNumber(time / unit.milliseconds, unit.digits); };
+    return formatTime(summary.median) + " (" + number(summary.lower) + "–" + number(summary.upper) + ")";
 }
 
 } // namespace tarnwell::bench

@@ -9,7 +9,7 @@
 namespace tarnwell::bench
 {
 
-/// Milliseconds since it was made.
+/// Measures the time since its construction, in milliseconds.
 class Stopwatch
 {
 public:
@@ -19,43 +19,44 @@ private:
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
-/// How long the work takes, in milliseconds.
-double millisecondsOf(const std::function<void()>& work);
+/// Runs the function and returns its duration in milliseconds.
+double timeOf(const std::function<void()>& work);
 
-/// The median, between the first and the third quartile.
+/// The median and the first and third quartiles of a series of values.
 struct Summary {
     double median = 0;
     double lower = 0;
     double upper = 0;
 };
 
-/// Of at least one value.
+/// `values` must not be empty.
 Summary summaryOf(std::vector<double> values);
 
-/// What was measured side by side, in milliseconds: other work on the machine then slows both of a pair.
+/// Times of the application and of a reference, in milliseconds. Both times of a pair are measured one after
+/// the other, so that other load on the machine affects both.
 struct Pairs {
     std::vector<double> measured;
-    std::vector<double> against;
+    std::vector<double> reference;
 
-    void add(double measuredTime, double againstTime);
+    void add(double measuredTime, double referenceTime);
 
-    /// The median of the pairs' ratios.
+    /// The median of the ratios of all pairs.
     double ratio() const;
-    /// The median of what is measured beyond `factor` times the other; milliseconds, negative for less.
-    double beyond(double factor) const;
+    /// The median of `measured` minus `factor` times `reference`, in milliseconds; may be negative.
+    double excessOver(double factor) const;
 };
 
-/// Measures the two in turn, A B A B and so on.
-Pairs measureInTurn(
-    int rounds, const std::function<double()>& measured, const std::function<double()>& against);
+/// Measures both alternately: A B A B …
+Pairs measureAlternating(
+    int rounds, const std::function<double()>& measured, const std::function<double()>& reference);
 
-/// The number with so many digits after the point.
-std::string withDigits(double number, int digits);
+/// The number with this many decimal places.
+std::string formatNumber(double number, int digits);
 
-/// A time as people read it: "1.2 ms", "123 ms", "12.3 s".
-std::string timeText(double milliseconds);
+/// A time with its unit: "1.2 ms", "123 ms", "12.3 s".
+std::string formatTime(double milliseconds);
 
-/// Median and spread: "123 ms (120–130)".
-std::string timeText(const Summary& summary);
+/// The median and the quartiles: "123 ms (120–130)".
+std::string formatTime(const Summary& summary);
 
 } // namespace tarnwell::bench

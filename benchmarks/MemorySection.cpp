@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The application's memory after it has opened a 4K clip, after clicks, and during an export.
+// Measures the application's memory after opening a 4K clip, after clicks, and during an export.
 #include "benchmarks/BenchWindow.h"
 #include "benchmarks/Sections.h"
 #include "tests/support/Files.h"
@@ -17,29 +17,31 @@ namespace
 {
 
 constexpr double mebibyte = 1 << 20;
-constexpr double stills = 4;
-constexpr double beside = 60; // MiB
-constexpr double flat = 2; // MiB
+// The budget: this many stills plus a constant.
+constexpr double budgetStills = 4;
+constexpr double budgetBase = 60; // MiB
+constexpr double maxGrowth = 2; // MiB, during an export
 constexpr std::chrono::milliseconds samplingInterval(100);
 
-/// The number of kB behind the label in a text of lines such as "Pss:   1234 kB", in MiB.
-double mebibytesBehind(const std::string& label, const std::string& path)
+/// The value of a line such as "Pss:   1234 kB" in the file, in MiB; 0 if there is no such line.
+double mebibytesAfterLabel(const std::string& label, const std::string& path)
 {
     const std::string text = test::contentsOf(path);
     const auto place = text.find("\n" + label + ":");
     return place == std::string::npos ? 0 : std::stod(text.substr(place + label.size() + 2)) / 1024;
 }
 
+/// Memory of this process in MiB.
 struct Memory {
-    double shared = 0; // the share of this process, PSS
+    double proportional = 0; // PSS: shared pages are divided by the number of processes
     double resident = 0;
-    double peak = 0; // of resident memory, since the last reset
+    double peak = 0; // of resident memory since `resetPeak`
 };
 
 Memory memoryNow()
 {
-    return {mebibytesBehind("Pss", "/proc/self/smaps_rollup"), mebibytesBehind("VmRSS", "/proc/self/status"),
-        mebibytesBehind("VmHWM", "/proc/self/status")};
+    return {mebibytesAfterLabel("Pss", "/proc/self/smaps_rollup"),
+        mebibytesAfterLabel("VmRSS", "/proc/self/status"), mebibytesAfterLabel("VmHWM", "/proc/self/status")};
 }
 
 void resetPeak()
@@ -49,17 +51,18 @@ void resetPeak()
 
 std::string mebibytes(double amount)
 {
-    return withDigits(amount, 0) + " MiB";
+    return formatNumber(amount, 0) + " MiB";
 }
 
-/// Looks at the resident memory again and again while it lives, on a thread of its own.
-class MemoryWatch
+/// Samples the resident memory every 100 ms on its own thread until `finish`, which returns the samples in
+/// MiB.
+class MemorySampler
 {
 public:
-    MemoryWatch()
+    MemorySampler()
         : m_thread([this] {
             while (!m_isOver) {
-                m_samples.push_back(mebibytesBehind("VmRSS", "/proc/self/status"));
+                m_samples.push_back(mebibytesAfterLabel("VmRSS", "/proc/self/status"));
                 std::this_thread::sleep_for(samplingInterval);
             }
         })
@@ -79,55 +82,56 @@ private:
     std::thread m_thread;
 };
 
-/// By how much the last tenth lies above the second tenth: in the first the sheet is set up.
+/// The median of the last tenth of the samples minus that of the second tenth. The first tenth includes the
+/// creation of the progress sheet.
 double growthOf(const std::vector<double>& samples)
 {
     const auto tenth = static_cast<std::ptrdiff_t>(samples.size() / 10 + 1);
     const auto median = [](auto begin, auto end) { return summaryOf({begin, end}).median; };
     if (static_cast<std::ptrdiff_t>(samples.size()) < 3 * tenth)
-        giveUp("the export was too short to tell how memory grows");
+        exitWithError("the export was too short to measure the growth of memory");
     return median(samples.end() - tenth, samples.end())
         - median(samples.begin() + tenth, samples.begin() + 2 * tenth);
 }
 
-void judge(const Setting& setting, const std::string& what, const Memory& memory, double still)
+void addMemoryRow(const BenchContext& context, const std::string& what, const Memory& memory, double still)
 {
-    const double most = stills * still + beside;
-    setting.report.add({what,
-        mebibytes(memory.peak) + " at most, now " + mebibytes(memory.resident) + " (share "
-            + mebibytes(memory.shared) + ")",
-        "the still: " + mebibytes(still), withDigits(memory.peak / still, 1) + " stills",
-        "4 stills + 60 MiB = " + mebibytes(most), memory.peak > most});
+    const double budget = budgetStills * still + budgetBase;
+    context.report.add({what,
+        "peak " + mebibytes(memory.peak) + ", now " + mebibytes(memory.resident) + " (PSS "
+            + mebibytes(memory.proportional) + ")",
+        "the still: " + mebibytes(still), formatNumber(memory.peak / still, 1) + " stills",
+        "4 stills + 60 MiB = " + mebibytes(budget), memory.peak > budget});
 }
 
 } // namespace
 
-void measureMemory(const Setting& setting)
+void measureMemory(const BenchContext& context)
 {
     BenchWindow window;
     const Memory empty = memoryNow();
-    window.open(setting.clip("4K"));
+    window.open(context.clip("4K"));
     const double still = static_cast<double>(window.picture().sizeInBytes()) / mebibyte;
-    setting.report.add({"memory, empty window",
-        mebibytes(empty.resident) + " (share " + mebibytes(empty.shared) + ")", "", "", "", false});
-    judge(setting, "memory, after opening a 4K clip", memoryNow(), still);
+    context.report.add({"memory, empty window",
+        mebibytes(empty.resident) + " (PSS " + mebibytes(empty.proportional) + ")", "", "", "", false});
+    addMemoryRow(context, "memory, after opening a 4K clip", memoryNow(), still);
     resetPeak();
     for (const char* button :
         {"rotateRightBTN", "flipHorizontallyBTN", "flipHorizontallyBTN", "rotateRightBTN"})
         window.click(button);
-    judge(setting, "memory, after turning and mirroring it", memoryNow(), still);
+    addMemoryRow(context, "memory, after turning and mirroring it", memoryNow(), still);
     resetPeak();
-    std::unique_ptr<MemoryWatch> watch;
+    std::unique_ptr<MemorySampler> watch;
     std::vector<double> samples;
-    const std::string output = setting.folder + "/out.mp4";
+    const std::string output = context.folder + "/out.mp4";
     window.save(
-        "Transcode", output, [&] { watch = std::make_unique<MemoryWatch>(); },
+        "Transcode", output, [&] { watch = std::make_unique<MemorySampler>(); },
         [&] { samples = watch->finish(); });
     ::unlink(output.c_str());
-    judge(setting, "memory, during its export", memoryNow(), still);
+    addMemoryRow(context, "memory, during its export", memoryNow(), still);
     const double growth = growthOf(samples);
-    setting.report.add({"memory, growth from the export's begin to its end", withDigits(growth, 1) + " MiB",
-        "", "", "flat: " + mebibytes(flat) + " at most", growth > flat});
+    context.report.add({"memory, growth during its export", formatNumber(growth, 1) + " MiB", "", "",
+        mebibytes(maxGrowth), growth > maxGrowth});
 }
 
 } // namespace tarnwell::bench

@@ -11,7 +11,7 @@ namespace tarnwell::bench
 namespace
 {
 
-constexpr int couldNotMeasure = 2;
+constexpr int exitNotMeasured = 2;
 
 std::string row(const std::vector<std::string>& cells)
 {
@@ -23,19 +23,19 @@ std::string row(const std::vector<std::string>& cells)
 
 std::string budgetText(const Budget& budget)
 {
-    std::string text = withDigits(budget.factor, 2);
+    std::string text = formatNumber(budget.factor, 2);
     if (budget.extra > 0)
-        text += " + " + withDigits(budget.extra, 0) + " ms";
+        text += " + " + formatNumber(budget.extra, 0) + " ms";
     return text;
 }
 
 std::string ratioText(const Pairs& pairs, const std::optional<Budget>& budget)
 {
-    std::string text = withDigits(pairs.ratio(), 2);
+    std::string text = formatNumber(pairs.ratio(), 2);
     if (budget && budget->extra > 0) {
-        const double beyond = pairs.beyond(budget->factor);
-        text += " = " + withDigits(budget->factor, 2) + (beyond < 0 ? " − " : " + ")
-            + withDigits(beyond < 0 ? -beyond : beyond, 0) + " ms";
+        const double beyond = pairs.excessOver(budget->factor);
+        text += " = " + formatNumber(budget->factor, 2) + (beyond < 0 ? " − " : " + ")
+            + formatNumber(beyond < 0 ? -beyond : beyond, 0) + " ms";
     }
     return text;
 }
@@ -50,20 +50,20 @@ Report::Report(std::string folder)
 void Report::compare(
     const std::string& what, const std::string& comparison, const Pairs& pairs, std::optional<Budget> budget)
 {
-    Line line;
+    BudgetRow line;
     line.what = what;
-    line.measured = timeText(summaryOf(pairs.measured));
-    line.against = comparison + ": " + timeText(summaryOf(pairs.against));
+    line.measured = formatTime(summaryOf(pairs.measured));
+    line.against = comparison + ": " + formatTime(summaryOf(pairs.reference));
     line.ratio = ratioText(pairs, budget);
     if (budget) {
         line.budget = budgetText(*budget);
-        line.isOver = budget->extra > 0 ? pairs.beyond(budget->factor) > budget->extra
+        line.isOver = budget->extra > 0 ? pairs.excessOver(budget->factor) > budget->extra
                                         : pairs.ratio() > budget->factor;
     }
     add(line);
 }
 
-void Report::add(const Line& line)
+void Report::add(const BudgetRow& line)
 {
     m_isOver = m_isOver || line.isOver;
     append("budgets.md",
@@ -76,15 +76,15 @@ void Report::addNotMeasured(const std::string& what, const std::string& reason)
     add({what, "not measured: " + reason, "", "", "", false});
 }
 
-void Report::beginGrowth(const std::string& title, const std::vector<std::string>& columns)
+void Report::beginTable(const std::string& title, const std::vector<std::string>& columns)
 {
-    append("growth.md",
+    append("tables.md",
         "\n### " + title + "\n\n" + row(columns) + row(std::vector<std::string>(columns.size(), "---")));
 }
 
-void Report::addGrowth(const std::vector<std::string>& cells)
+void Report::addRow(const std::vector<std::string>& cells)
 {
-    append("growth.md", row(cells));
+    append("tables.md", row(cells));
 }
 
 void Report::append(const std::string& file, const std::string& text) const
@@ -93,16 +93,16 @@ void Report::append(const std::string& file, const std::string& text) const
     std::cerr << text;
 }
 
-std::vector<std::string> cellsOf(const Pairs& pairs)
+std::vector<std::string> timeCells(const Pairs& pairs)
 {
-    return {timeText(summaryOf(pairs.measured)), timeText(summaryOf(pairs.against)),
-        withDigits(pairs.ratio(), 2)};
+    return {formatTime(summaryOf(pairs.measured)), formatTime(summaryOf(pairs.reference)),
+        formatNumber(pairs.ratio(), 2)};
 }
 
-void giveUp(const std::string& reason)
+void exitWithError(const std::string& reason)
 {
     std::cerr << "bench: " << reason << std::endl;
-    std::_Exit(couldNotMeasure);
+    std::_Exit(exitNotMeasured);
 }
 
 } // namespace tarnwell::bench

@@ -10,14 +10,14 @@
 namespace tarnwell::bench
 {
 
-/// What a time may come to: so many times what it is compared with, and so much more.
+/// The limit of a time: `factor` times the reference plus `extra`.
 struct Budget {
     double factor = 1;
     double extra = 0; // milliseconds
 };
 
-/// What is known of one line of the table of budgets, in words.
-struct Line {
+/// One row of the table of budgets, as text. `isOver` marks a figure that is over its budget.
+struct BudgetRow {
     std::string what;
     std::string measured;
     std::string against;
@@ -26,22 +26,22 @@ struct Line {
     bool isOver = false;
 };
 
-/// Collects rows of Markdown tables in files of one folder: "budgets.md" has the lines with budgets,
-/// "growth.md" whole tables that show how costs grow. Each row is there as soon as it is known.
+/// Writes Markdown tables into two files of a folder: the rows of the table of budgets into "budgets.md", all
+/// other tables into "tables.md". Each row is written at once, and also to standard error.
 class Report
 {
 public:
     explicit Report(std::string folder);
 
-    /// `comparison` says in words what the first of each pair is compared with.
+    /// `comparison` is the name of the reference. Without a budget the row is informative.
     void compare(const std::string& what, const std::string& comparison, const Pairs& pairs,
         std::optional<Budget> budget = std::nullopt);
-    void add(const Line& line);
+    void add(const BudgetRow& line);
     void addNotMeasured(const std::string& what, const std::string& reason);
 
-    /// Begins a table in "growth.md"; the first column names the rows.
-    void beginGrowth(const std::string& title, const std::vector<std::string>& columns);
-    void addGrowth(const std::vector<std::string>& cells);
+    /// Begins a table in "tables.md".
+    void beginTable(const std::string& title, const std::vector<std::string>& columns);
+    void addRow(const std::vector<std::string>& cells);
 
     bool isOverBudget() const { return m_isOver; }
 
@@ -52,10 +52,10 @@ private:
     bool m_isOver = false;
 };
 
-/// The cells of a pair's median, median and ratio.
-std::vector<std::string> cellsOf(const Pairs& pairs);
+/// Three cells: the measured time, the reference time and the ratio.
+std::vector<std::string> timeCells(const Pairs& pairs);
 
-/// Says on standard error what the benchmark could not do, and ends the program with 2.
-[[noreturn]] void giveUp(const std::string& reason);
+/// Prints the reason on standard error and ends the program with exit status 2.
+[[noreturn]] void exitWithError(const std::string& reason);
 
 } // namespace tarnwell::bench

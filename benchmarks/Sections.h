@@ -8,27 +8,28 @@
 namespace tarnwell::bench
 {
 
-/// What a section works with.
-struct Setting {
+/// The report, the folder and the options of a benchmark section.
+struct BenchContext {
     Report& report;
-    /// Where the clips of benchmarks/make-clips are and files may be left; without a closing slash.
+    /// Holds the clips of benchmarks/make-clips and temporary outputs; without a trailing slash.
     std::string folder;
     bool isQuick = false;
 
     std::string clip(const std::string& name) const { return folder + "/" + name + ".mp4"; }
-    /// How often something is measured: three times less when it must be quick.
+    /// The number of rounds: a third of `many` with --quick.
     int rounds(int many) const { return isQuick ? (many + 2) / 3 : many; }
 };
 
-/// The names of the clips of growing picture size.
+/// The names of the clips of different picture sizes, in ascending order.
 inline constexpr const char* pictureSizes[] = {"360p", "720p", "1080p", "4K", "8K"};
 
-// Each of these starts from a window of its own, and best runs in a process of its own.
+// Each section creates its own window. ./bench runs each in a separate process, so that they do not affect
+// each other's memory.
 
-void measureOpening(const Setting& setting);
-void measureClicks(const Setting& setting);
-void measureExports(const Setting& setting);
-void measureMemory(const Setting& setting);
-void measureMainThread(const Setting& setting);
+void measureOpening(const BenchContext& context);
+void measureClicks(const BenchContext& context);
+void measureExports(const BenchContext& context);
+void measureMemory(const BenchContext& context);
+void measureMainThread(const BenchContext& context);
 
 } // namespace tarnwell::bench

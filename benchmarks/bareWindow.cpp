@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The least that a window of Qt's widgets takes: nothing is in it. What Tarnwell's start is compared with.
+// An empty window of Qt Widgets: the reference of the start time.
 #include <QApplication>
 #include <QWidget>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What the user waits for in the real window, with the real tools, beside the bare work.
+// Measures one section of the benchmark in the real window with the real tools.
 //
 //   windowBench SECTION FOLDER [--quick]
 //
-// FOLDER holds the clips that benchmarks/make-clips makes for the section, and gets the rows of the report.
-// The exit status is 1 when a figure is over its budget, 2 when one could not be measured.
+// FOLDER holds the clips that benchmarks/make-clips creates for the section. The report is written there. The
+// exit status is 1 if a figure is over its budget, 2 if one could not be measured.
 #include "benchmarks/Sections.h"
 #include "platform/StandardStreams.h"
 
@@ -22,7 +22,7 @@ int main(int argc, char* argv[])
     prepareStandardStreams();
     const QApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
-    const std::map<std::string, std::function<void(const Setting&)>> sections = {
+    const std::map<std::string, std::function<void(const BenchContext&)>> sections = {
         {"open", measureOpening},
         {"click", measureClicks},
         {"export", measureExports},
@@ -31,11 +31,11 @@ int main(int argc, char* argv[])
     };
     const auto section = argc > 2 ? sections.find(argv[1]) : sections.end();
     if (section == sections.end())
-        giveUp("windowBench needs a section and a folder");
+        exitWithError("windowBench needs a section and a folder");
     Report report(argv[2]);
     section->second({report, argv[2], argc > 3 && std::string(argv[3]) == "--quick"});
-    // What the means of the window's tests found wrong; they said it themselves.
+    // A failed expectation of the window test functions, which have printed it.
     if (testing::UnitTest::GetInstance()->ad_hoc_test_result().Failed())
-        giveUp("the window did not do what it should");
+        exitWithError("an expectation on the window failed");
     return report.isOverBudget() ? 1 : 0;
 }

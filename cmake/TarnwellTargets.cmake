@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
-# What every target of the project has in common, so that each folder's list stays a list.
+# Compile options and target functions that all folders use.
 
-# The build tree has the shape of an installed tree, so that the program runs in place in both.
+# The build tree has the layout of an installed tree, so that the program finds its files in the same way in both.
 set(TARNWELL_BINARY_FOLDER "${CMAKE_BINARY_DIR}/bin")
 set(TARNWELL_TOOL_FOLDER "${CMAKE_BINARY_DIR}/libexec/tarnwell")
 set(TARNWELL_PICTURE_FOLDER "${CMAKE_BINARY_DIR}/share/tarnwell")
@@ -24,8 +24,9 @@ function(tarnwell_compile_options target)
     )
 endfunction()
 
-# tarnwell_library(NAME SOURCES … [LINKS …] [QT …]): the static library of one folder. Folders in LINKS are
-# visible to whoever links this one; Qt modules in QT are not, so that a folder without QT cannot include Qt.
+# tarnwell_library(NAME SOURCES … [LINKS …] [QT …] [PRIVATE_LINKS …]): the static library of one folder. Libraries in
+# LINKS are passed on to targets that link this one. Qt modules in QT are private, so a folder without QT cannot include
+# Qt headers.
 function(tarnwell_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS;QT;PRIVATE_LINKS")
     add_library(${name} STATIC ${arg_SOURCES})

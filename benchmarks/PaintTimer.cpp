@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "benchmarks/PaintWatch.h"
+#include "benchmarks/PaintTimer.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -8,34 +8,34 @@
 namespace tarnwell::bench
 {
 
-PaintWatch::PaintWatch(std::function<bool(const QWidget&)> isMeant)
-    : m_isMeant(std::move(isMeant))
+PaintTimer::PaintTimer(std::function<bool(const QWidget&)> matches)
+    : m_matches(std::move(matches))
 {
     QApplication::instance()->installEventFilter(this);
 }
 
-bool PaintWatch::eventFilter(QObject* watched, QEvent* event)
+bool PaintTimer::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() != QEvent::Paint || m_isPainting)
         return false;
     const auto* widget = qobject_cast<QWidget*>(watched);
-    if (widget == nullptr || !m_isMeant(*widget))
+    if (widget == nullptr || !m_matches(*widget))
         return false;
     m_isPainting = true;
-    // Comes when the whole window has been painted and handed over.
+    // Runs after the whole window has been painted and flushed.
     QMetaObject::invokeMethod(
         this, [this] { finish(); }, Qt::QueuedConnection);
     return false;
 }
 
-void PaintWatch::finish()
+void PaintTimer::finish()
 {
     QApplication::sync();
     m_painted = m_stopwatch.elapsed();
     m_loop.quit();
 }
 
-double PaintWatch::wait()
+double PaintTimer::wait()
 {
     if (!m_painted)
         m_loop.exec();

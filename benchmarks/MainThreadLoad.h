@@ -11,14 +11,14 @@
 namespace tarnwell::bench
 {
 
-/// How much of the main thread's time goes into work, from `begin` to `end`. Main thread.
+/// Measures the processor time of the main thread from `begin` to `end`. Main thread only.
 class MainThreadLoad
 {
 public:
     void begin();
     void end();
 
-    /// Processor time per time, in hundredths.
+    /// Processor time in percent of the elapsed time.
     double percent() const { return m_percent; }
 
 private:
@@ -27,20 +27,20 @@ private:
     double m_percent = 0;
 };
 
-/// The longest that the main thread's events had to wait, by a timer that is due every few milliseconds; and
-/// how long an idle thread beside it, which does the same, had to wait for a processor. Main thread.
-class StallWatch
+/// Measures the longest delay of a 5 ms timer on the main thread. An idle thread measures the delay of a 5 ms
+/// sleep at the same time, which shows how long the system keeps a ready thread waiting. Main thread only.
+class StallDetector
 {
 public:
-    StallWatch();
-    ~StallWatch();
+    StallDetector();
+    ~StallDetector();
 
     void begin();
     void end();
 
-    /// Milliseconds.
+    /// Both in milliseconds.
     double longest() const { return m_longest; }
-    double longestOfIdleThread() const { return m_longestOfIdleThread; }
+    double longestIdle() const { return m_longestIdle; }
 
 private:
     void tick();
@@ -51,7 +51,7 @@ private:
     double m_longest = 0;
     std::thread m_idleThread;
     std::atomic<bool> m_isIdling = false;
-    std::atomic<double> m_longestOfIdleThread = 0;
+    std::atomic<double> m_longestIdle = 0;
 };
 
 } // namespace tarnwell::bench

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "benchmarks/MainThreadWatch.h"
+#include "benchmarks/MainThreadLoad.h"
 
 #include <algorithm>
 #include <ctime>
@@ -20,7 +20,7 @@ double processorMilliseconds()
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
-/// How late it is for what was due after the interval.
+/// How much more time than the interval has passed, in milliseconds.
 double delay(const Stopwatch& sinceLast)
 {
     return std::max(0.0, sinceLast.elapsed() - intervalInMilliseconds);
@@ -40,19 +40,19 @@ void MainThreadLoad::end()
     m_percent = (processorMilliseconds() - m_processorTime) / m_stopwatch.elapsed() * hundred;
 }
 
-StallWatch::StallWatch()
+StallDetector::StallDetector()
 {
     m_timer.setTimerType(Qt::PreciseTimer);
     m_timer.setInterval(interval);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { tick(); });
 }
 
-StallWatch::~StallWatch()
+StallDetector::~StallDetector()
 {
     end();
 }
 
-void StallWatch::begin()
+void StallDetector::begin()
 {
     m_sinceTick = {};
     m_timer.start();
@@ -60,7 +60,7 @@ void StallWatch::begin()
     m_idleThread = std::thread([this] { idle(); });
 }
 
-void StallWatch::end()
+void StallDetector::end()
 {
     m_timer.stop();
     m_isIdling = false;
@@ -68,18 +68,18 @@ void StallWatch::end()
         m_idleThread.join();
 }
 
-void StallWatch::tick()
+void StallDetector::tick()
 {
     m_longest = std::max(m_longest, delay(m_sinceTick));
     m_sinceTick = {};
 }
 
-void StallWatch::idle()
+void StallDetector::idle()
 {
     while (m_isIdling) {
         const Stopwatch stopwatch;
         std::this_thread::sleep_for(interval);
-        m_longestOfIdleThread = std::max(m_longestOfIdleThread.load(), delay(stopwatch));
+        m_longestIdle = std::max(m_longestIdle.load(), delay(stopwatch));
     }
 }
 

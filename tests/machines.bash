@@ -1,18 +1,18 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: MIT
 #
-# Minimal Debian machines, as folders, for a script beside this file to be
-# sourced by. It calls "open_cache" before anything else that leaves traces.
+# Functions for minimal Debian chroots ("machines"), sourced by the scripts in
+# this folder. A script calls "open_cache" first.
 #
-# What the functions leave for the script is in these:
+# Variables that the functions set for the script:
 #
-#   tree     the folder of Tarnwell's own tree
-#   cache    the folder in which machines and logs are kept
+#   tree     the folder of Tarnwell's source tree
+#   cache    the folder of the machines and logs
 #   status   the exit status of the last stage
-#   seconds  what the last stage took
+#   seconds  the duration of the last stage
 
-# Some of these are for the script only, and clean_up is called by trap only,
-# both of which goes unseen:
+# shellcheck does not see that the sourcing script uses these variables and that
+# trap calls clean_up:
 # shellcheck disable=SC2034,SC2317
 
 tree=$(readlink -f -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/..")
@@ -20,11 +20,12 @@ cache=
 status=0
 seconds=0
 
-# What a stage shows of what its command says: all, below a title ("titled"),
-# all and no title ("plain"), or only the end when the command fails (empty).
+# How much of its command's output a stage prints: all, below a title
+# ("titled"); all without a title ("plain"); or only the end, if the command
+# fails (empty).
 shown=titled
 
-# Folders that the script wants gone when it ends.
+# Folders that are removed when the script ends.
 throw_away=()
 
 partial=
@@ -36,14 +37,14 @@ fail() {
     exit 1
 }
 
-# All mounts live in a namespace of the stage that needs them and go with it,
-# so what is removed here are plain files.
+# Each stage has its own mount namespace, which ends with the stage, so the
+# folders to remove contain no mounts.
 clean_up() {
     trap '' HUP INT TERM
     local job first
     for job in $(jobs -p); do
-        # When its first process is killed, all processes of the machine are
-        # ended before that is reported.
+        # Killing the first process of a PID namespace ends all of its processes
+        # before "wait" returns.
         first=$(ps -o pid= --ppid "$job" | tr -d ' ') || true
         kill -KILL "${first:-$job}" 2>/dev/null || true
         wait "$job" || true
@@ -55,13 +56,13 @@ clean_up() {
     rm -rf --one-file-system -- ${partial:+"$partial"} "${throw_away[@]}"
 }
 
-# open_cache FOLDER: makes sure that the script has the rights it needs and,
-# until it ends, the cache for itself. Without a folder this is one with the
-# script's name in the user's cache.
+# open_cache FOLDER: checks for root, creates the cache folder and locks it until
+# the script ends. The default folder has the script's name and is in the user's
+# cache.
 open_cache() {
     local name=${0##*/} lock
     if ((EUID != 0)); then
-        fail "bootstrapping and entering a machine takes root; please run this as root"
+        fail "bootstrapping and entering a chroot requires root"
     fi
     cache=${1:-${XDG_CACHE_HOME:-${HOME:?}/.cache}/tarnwell/$name}
     mkdir -p -- "$cache/logs"
@@ -76,18 +77,18 @@ open_cache() {
     trap 'exit 143' TERM
 }
 
-# The addresses of the mirrors that this machine itself uses, for whatever
-# release, by what they call themselves: Debian or Debian-Security.
+# mirror LABEL: prints the URL of the host's apt mirror with that label, "Debian"
+# or "Debian-Security", for any release.
 mirror() {
-    # These are apt's placeholders.
+    # The variables are apt's placeholders.
     # shellcheck disable=SC2016
     apt-get indextargets --format '$(REPO_URI) $(LABEL) $(COMPONENT)' \
         'Created-By: Packages' |
         awk -v label="$1" '$2 == label && $3 == "main" && !found { print $1; found = 1 }'
 }
 
-# So is what apt has been told about proxies, and about dates where a machine
-# lives with a mirror that stands still.
+# Prints the host's apt settings for proxies, retries, and validity dates, which
+# a mirror with a fixed snapshot needs.
 apt_settings() {
     apt-config dump |
         grep -E '^Acquire::((http|https)::(Proxy|Timeout|No-Cache)|Check-|Retries)' ||
@@ -103,9 +104,9 @@ proxies() {
     done
 }
 
-# stage NAME COMMAND...: runs a command, logging what it says, in namespaces of
-# its own: what it mounts or leaves running goes with it. Leaves its exit status
-# in "status" and the seconds it took in "seconds".
+# stage NAME COMMAND...: runs a command in new mount and PID namespaces, so that
+# its mounts and processes end with it, and logs its output. Sets "status" and
+# "seconds".
 stage() {
     local name=$1 log=$cache/logs/$1.log begin=$SECONDS
     shift
@@ -113,7 +114,7 @@ stage() {
         printf '\n##### %s\n' "$name"
     fi
     if [[ -n $shown ]]; then
-        # Ctrl+C reaches tee as well, which is to log until the last word.
+        # Ctrl+C also reaches tee, which must log until the end.
         exec {output}> >(exec tee --ignore-interrupts -- "$log")
         tee_pid=$!
     else
@@ -135,12 +136,11 @@ stage() {
     fi
 }
 
-# The first process on a machine: mounts what every Linux machine has, and
-# below /mnt the folders that it is given as pairs "MODE FOLDER:PLACE", up to
-# "--"; then runs the command there, without anything of this machine's
-# environment but the proxies. The machine's own files stay as they are,
-# unless its mode is "rw". It stays itself, since somebody has to take care of
-# processes that lose their parent.
+# The first process in a chroot: mounts /proc, /sys and /dev, and below /mnt the
+# folders that are passed as pairs "MODE FOLDER:PLACE" up to "--". Then it runs
+# the command with a new environment that contains only the host's proxies. The
+# chroot is read-only unless its mode is "rw". The process does not exec the
+# command, because the first process of a PID namespace must reap orphans.
 # shellcheck disable=SC2016
 first_process='
     set -euo pipefail
@@ -183,8 +183,8 @@ first_process='
         PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
         "$@" || exit'
 
-# stage_on MODE MACHINE NAME [MODE FOLDER:PLACE]... -- COMMAND...: a stage on
-# one of the machines.
+# stage_on MODE MACHINE NAME [MODE FOLDER:PLACE]... -- COMMAND...: runs a stage in
+# a chroot.
 stage_on() {
     local mode=$1 machine=$2 name=$3 mounts=() environment
     shift 3
@@ -198,23 +198,23 @@ stage_on() {
         "${environment[@]}" "$@"
 }
 
-# bootstrap RELEASE FOLDER: makes a minimal machine where the folder does not
-# exist. Its first source of packages is the release itself. Leaves the exit
-# status of what that took in "status".
+# bootstrap RELEASE FOLDER: creates a minimal chroot if the folder does not
+# exist. The first line of its sources.list is the release itself. Sets
+# "status".
 bootstrap() {
     local release=$1 folder=$2 main security proxy=
     status=0
     if [[ -d $folder ]]; then
         return
     fi
-    # apt can only tell its mirrors once it has fetched their lists.
+    # apt lists its mirrors only after it has fetched their package lists.
     if [[ -z $(mirror Debian) ]]; then
         apt-get update
     fi
     main=$(mirror Debian)
     security=$(mirror Debian-Security)
     if [[ -z $main ]]; then
-        fail "this machine's apt knows no mirror of Debian to bootstrap from"
+        fail "apt has no Debian mirror to bootstrap from"
     fi
     if ! command -v debootstrap >/dev/null; then
         apt-get update
@@ -247,14 +247,14 @@ bootstrap() {
         mkdir -p "$partial/etc/ssl/certs"
         cp --dereference /etc/ssl/certs/ca-certificates.crt "$partial/etc/ssl/certs/"
     fi
-    # Nothing on the machine starts services when packages are installed.
+    # Packages do not start services in the chroot.
     printf '#!/bin/sh\nexit 101\n' >"$partial/usr/sbin/policy-rc.d"
     chmod 0755 "$partial/usr/sbin/policy-rc.d"
     mv -- "$partial" "$folder"
     partial=
 }
 
-# copy_of FOLDER MACHINE: a new copy of a machine, in the place of an old one.
+# copy_of FOLDER MACHINE: replaces MACHINE by a copy of the chroot FOLDER.
 copy_of() {
     rm -rf --one-file-system -- "$2" "$2.part"
     partial=$2.part

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What the tests of the running program have in common."""
+"""The base class of the tests over the accessibility bus."""
 
 import os
 import sys
@@ -14,7 +14,7 @@ from screenReader import everything_in, has_state, is_shown, wait_until
 
 
 class AccessTestCase(unittest.TestCase):
-    """The program is started anew for every test, in which a folder of its own holds the files."""
+    """Starts the program for each test and creates a temporary folder with a sample video."""
 
     build_folder = None
 
@@ -29,14 +29,14 @@ class AccessTestCase(unittest.TestCase):
         self.addCleanup(self.program.end)
 
     def picture(self):
-        """What is said of the picture."""
+        """The accessible description of the view."""
         return self.program.find("image", "Video Preview").description
 
     def wait_for_picture(self, description):
         wait_until(lambda: self.picture() == description, f"the picture's description: {description}")
 
     def assert_named(self, window):
-        """Whoever comes to a control hears what it is, and a button of the toolbar says what it does."""
+        """Every focusable control in the window has an accessible name and a specific role."""
         for element in everything_in(window):
             if is_shown(element) and has_state(element, pyatspi.STATE_FOCUSABLE) and not is_text(element):
                 self.assertTrue(element.name, f"a {element.getRoleName()} has no name")
@@ -52,7 +52,7 @@ class AccessTestCase(unittest.TestCase):
 
 
 def is_text(element):
-    """A cell of a list may well be empty."""
+    """Whether the element is a list or table cell, whose text may be empty."""
     return element.getRoleName() in ("table cell", "list item")
 
 

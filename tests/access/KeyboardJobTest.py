@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""The main job by the keyboard alone: keys of the X server act, the accessibility bus only tells where they go."""
+"""The main job with the keyboard only. Keys come from the X server; the accessibility bus is used only to read the
+focus."""
 
 import os
 import subprocess
@@ -7,7 +8,7 @@ import subprocess
 import AccessTestCase
 from screenReader import LONGEST_WAIT, wait_until
 
-MORE_THAN_CONTROLS = 15
+MAX_TABS = 15
 
 
 def xdotool(*arguments, check=True):
@@ -24,8 +25,8 @@ def write(text):
 
 
 def keyboard_window():
-    """The title of the window that the X server sends keys to, without the program's name that Qt appends. The
-    window manager's active window is another one for a moment. Empty where no window gets keys."""
+    """The title of the window with the X input focus, without the program name that Qt appends; empty if no window has
+    it. The active window of the window manager is not used, because it lags behind the input focus."""
     return xdotool("getwindowfocus", "getwindowname", check=False).removesuffix(" — Tarnwell")
 
 
@@ -35,19 +36,19 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
         self.wait_for("image", "Video Preview", "Tarnwell")
 
     def wait_for(self, role, name, window):
-        """Waits until keys reach that control."""
+        """Waits until the control and its window have the keyboard focus."""
         wait_until(lambda: self.program.focused() == (role, name) and keyboard_window() == window,
-                   f"the keyboard at {role} {name} of {window}")
+                   f"focus on {role} {name} of {window}")
 
     def go_to(self, name):
-        """Presses Tab until the button has the keyboard."""
-        for _ in range(MORE_THAN_CONTROLS):
+        """Presses Tab until the button has the focus."""
+        for _ in range(MAX_TABS):
             if self.program.focused() == ("push button", name):
                 return
             here = self.program.focused()
             press("Tab")
-            wait_until(lambda: self.program.focused() not in (here, ("", "")), f"the way from {here}")
-        self.fail(f"Tab does not come to {name}")
+            wait_until(lambda: self.program.focused() not in (here, ("", "")), f"focus to leave {here}")
+        self.fail(f"Tab does not reach {name}")
 
     def wait_for_alert(self, name, button):
         self.program.find("alert", name)

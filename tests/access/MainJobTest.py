@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The main job as a screen reader does it, without pointer, keyboard or eyes."""
+"""The main job over the accessibility bus only, as with a screen reader."""
 
 import os
 
@@ -49,10 +49,10 @@ class MainJobTest(AccessTestCase.AccessTestCase):
         self.program.press("push button", mode, alert)
 
     def dismiss(self, name):
-        """Waits for the alert of that name, reads it, presses OK; what it said beside its name."""
+        """Waits for the alert of that name and presses OK. Returns the alert's description."""
         alert = self.program.find("alert", name)
         wait_until(lambda: ("alert", name) in self.program.activated, "the alert's announcement")
-        wait_until(lambda: self.program.focused() == ("push button", "OK"), "the keyboard at OK")
+        wait_until(lambda: self.program.focused() == ("push button", "OK"), "focus on OK")
         self.assert_named(alert)
         self.assertIsNotNone(self.program.shown("label", name, alert))
         description = alert.description
@@ -114,7 +114,7 @@ class MainJobTest(AccessTestCase.AccessTestCase):
         self.assertEqual((limits.minimumValue, limits.maximumValue), (0, 100))
         self.program.press("push button", "Cancel", sheet)
         self.program.wait_until_gone("dialog")
-        wait_until(lambda: not os.path.exists(self.output), "the end of what was cancelled")
+        wait_until(lambda: not os.path.exists(self.output), "removal of the cancelled output")
         self.assertIsNone(self.program.shown("alert"))
 
     def test_a_file_that_is_no_video_is_explained(self):

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""What a screen reader does with a program: finds its controls by role and name, reads them, acts on them and
-receives their announcements. Everything goes over the accessibility bus; the program is a separate process."""
+"""Acts as a screen reader: finds controls of another process by role and name, reads them, performs their actions and
+receives their events, all over the accessibility bus."""
 
 import os
 import subprocess
@@ -10,7 +10,7 @@ import time
 import pyatspi
 from gi.repository import Gio, GLib
 
-LONGEST_WAIT = 60  # seconds; only a broken program takes that long
+LONGEST_WAIT = 60  # seconds
 PAUSE = 0.01
 
 HEARD = (
@@ -19,14 +19,14 @@ HEARD = (
     "window:activate",
 )
 
-# These stand for more than what is on the screen at the moment.
+# Their children are searched even if they do not have the state SHOWING themselves.
 ALWAYS_ENTERED = (pyatspi.ROLE_APPLICATION, pyatspi.ROLE_FRAME)
 
-pictures_folder = tempfile.gettempdir()  # the build folder once it is known
+pictures_folder = tempfile.gettempdir()  # replaced by the build folder in AccessTestCase.main
 
 
 def switch_on():
-    """Sets the desktop's properties that say a screen reader runs; programs read them when they start."""
+    """Sets the properties of the accessibility bus that report a running screen reader. Programs read them at start."""
     bus = Gio.bus_get_sync(Gio.BusType.SESSION)
     for name in ("IsEnabled", "ScreenReaderEnabled"):
         parameters = GLib.Variant("(ssv)", ("org.a11y.Status", name, GLib.Variant("b", True)))
@@ -35,7 +35,7 @@ def switch_on():
 
 
 def picture_of_screen():
-    """Saves a picture of the screen beside those of the other window tests; its path, or why there is none."""
+    """Saves a screenshot in the folder of those of the other window tests. Returns its path or an error message."""
     folder = os.path.join(pictures_folder, "tests", "screens")
     os.makedirs(folder, exist_ok=True)
     descriptor, path = tempfile.mkstemp(prefix="access-", suffix=".png", dir=folder)
@@ -44,24 +44,24 @@ def picture_of_screen():
         subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-f", "x11grab", "-i", os.environ["DISPLAY"],
                         "-frames:v", "1", "-y", path], check=True, timeout=LONGEST_WAIT)
     except subprocess.SubprocessError as error:
-        return f"no picture: {error}"
+        return f"no screenshot: {error}"
     return path
 
 
 def wait_until(condition, awaited):
-    """The first true result of the condition. Fails, with a picture of the screen, after the longest wait."""
+    """Returns the first true result of the condition. Fails with a screenshot after LONGEST_WAIT."""
     deadline = time.monotonic() + LONGEST_WAIT
     while time.monotonic() < deadline:
         while GLib.MainContext.default().iteration(False):
-            pass  # announcements reach their listeners
+            pass  # dispatches events to their listeners
         try:
             result = condition()
         except GLib.Error:
-            result = None  # the control has just disappeared
+            result = None  # the control no longer exists
         if result:
             return result
         time.sleep(PAUSE)
-    raise AssertionError(f"{awaited} did not come within {LONGEST_WAIT} s; screen: {picture_of_screen()}")
+    raise AssertionError(f"timeout after {LONGEST_WAIT} s waiting for {awaited}; screen: {picture_of_screen()}")
 
 
 def has_state(element, state):
@@ -82,7 +82,7 @@ def is_focused(element):
 
 
 def everything_in(element):
-    """The element and all that is shown in it, as a tree is read."""
+    """The element and its visible descendants, depth first."""
     element.clear_cache()
     yield element
     for child in element:
@@ -96,12 +96,12 @@ def text_of(element):
 
 
 class Program:
-    """The built program, which is found, read and used over the accessibility bus alone."""
+    """A running process of the program, used only over the accessibility bus. Records its events."""
 
     def __init__(self, executable):
-        self.values = []        # what progress bars announced: (name, value)
-        self.descriptions = []  # of what was described anew: (role, description)
-        self.activated = []     # the windows that came forward: (role, name)
+        self.values = []        # value changes of progress bars: (name, value)
+        self.descriptions = []  # description changes: (role, description)
+        self.activated = []     # activated windows: (role, name)
         self.root = None
         pyatspi.Registry.registerEventListener(self._hear, *HEARD)
         self.process = subprocess.Popen([executable], stdout=subprocess.DEVNULL)
@@ -124,7 +124,7 @@ class Program:
             if event.host_application == self.root:
                 self._note(event.type, event.source)
         except GLib.Error:
-            pass  # who spoke has gone meanwhile
+            pass  # the sender no longer exists
 
     def _note(self, kind, source):
         if kind.endswith("accessible-value"):
@@ -135,21 +135,21 @@ class Program:
             self.activated.append((source.getRoleName(), source.name))
 
     def shown(self, role, name=None, inside=None):
-        """What is shown of that role and name, or None."""
+        """The first visible element of that role and name, or None."""
         for element in everything_in(inside or self.root):
             if element.getRoleName() == role and name in (None, element.name) and is_shown(element):
                 return element
         return None
 
     def find(self, role, name=None, inside=None):
-        """Waits for what `shown` gives."""
+        """Waits for the visible element of that role and name."""
         return wait_until(lambda: self.shown(role, name, inside), f"{role} {name}")
 
     def wait_until_gone(self, role, name=None):
-        wait_until(lambda: self.shown(role, name) is None, f"the end of {role} {name}")
+        wait_until(lambda: self.shown(role, name) is None, f"{role} {name} to disappear")
 
     def focused(self):
-        """Role and name of the innermost that has the keyboard; two empty texts where nothing has."""
+        """Role and name of the innermost focused element; two empty texts if there is none."""
         found = ("", "")
         for element in everything_in(self.root):
             if is_focused(element):
@@ -157,7 +157,7 @@ class Program:
         return found
 
     def press(self, role, name, inside=None):
-        """Does the one thing that the control is for, as soon as that can be done."""
+        """Waits until the control is enabled and performs its action "Press"."""
         def done():
             element = self.shown(role, name, inside)
             if element is None or not is_enabled(element):
@@ -165,7 +165,7 @@ class Program:
             actions = element.queryAction()
             names = [actions.getName(each) for each in range(actions.nActions)]
             return "Press" in names and actions.doAction(names.index("Press"))
-        wait_until(done, f"a press of {role} {name}")
+        wait_until(done, f"{role} {name} to accept a press")
 
     def write(self, element, text):
         """Replaces the text of a field."""

@@ -1,16 +1,16 @@
 # SPDX-License-Identifier: MIT
-"""Sample videos, and what ffprobe says of the videos that came of them."""
+"""Creates sample videos with ffmpeg and reads saved videos with ffprobe."""
 
 import json
 import subprocess
 
 WIDTH = 640
 HEIGHT = 480
-LONGEST_RUN = 300  # seconds; an encoder on a busy machine
+LONGEST_RUN = 300  # seconds
 
 
 def make_video(path, seconds=2, size=f"{WIDTH}x{HEIGHT}"):
-    """An H.264 video with sound."""
+    """Creates an H.264 video with an audio track."""
     subprocess.run(["ffmpeg", "-v", "error", "-nostdin",
                     "-f", "lavfi", "-i", f"testsrc2=size={size}:rate=25:duration={seconds}",
                     "-f", "lavfi", "-i", f"sine=duration={seconds}",
@@ -31,6 +31,6 @@ def stored_size(path):
 
 
 def rotation(path):
-    """The flag, in degrees counterclockwise; 0 where there is none."""
+    """The orientation flag in degrees counterclockwise; 0 if there is none."""
     return next((data["rotation"] for data in video_stream(path).get("side_data_list", [])
                  if data["side_data_type"] == "Display Matrix"), 0)

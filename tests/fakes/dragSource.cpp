@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Another program to drag from: a magenta window in the screen's corner, above all others. A drag that begins
-// in it carries what the arguments say, each a type and a text; behind an argument "then" stands what the
-// next drag carries. It says on standard output what becomes of the drag: "ready" when the window is there,
-// "action N" whenever the target's answer changes, "end N" with the action done.
+// A drag source in another process: a magenta window in the top left corner of the screen, above all windows.
+// The arguments are pairs of a MIME type and a text, which a drag carries; "then" separates the contents of
+// successive drags. Prints on standard output: "ready" after the window has been painted, "action N" when the
+// drop action of the target changes, "end N" with the final drop action.
 #include <QApplication>
 #include <QDrag>
 #include <QMimeData>
@@ -64,7 +64,7 @@ protected:
 
 private:
     bool m_isShown = false;
-    QStringList m_drag = QCoreApplication::arguments().mid(1); // the next one, and what follows
+    QStringList m_drag = QCoreApplication::arguments().mid(1); // contents of the remaining drags
 };
 
 } // namespace

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Stands in for sniffer or creator. It is called by a link whose path is argv[0], and does what the script
-// beside that link says, line by line; see tests/support/FakeTools.h for the commands.
+// A fake of sniffer or creator. It is started through a link whose path is argv[0], and executes the file
+// argv[0] + ".script" line by line. tests/support/FakeTools.h documents the commands.
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -41,7 +41,7 @@ void writeAll(int descriptor, const std::string& bytes)
     for (std::size_t done = 0; done < bytes.size();) {
         const auto count = ::write(descriptor, bytes.data() + done, bytes.size() - done);
         if (count <= 0)
-            return; // the reader has gone
+            return; // the pipe has no reader
         done += static_cast<std::size_t>(count);
     }
 }
@@ -72,7 +72,7 @@ std::string unescaped(const std::string& text)
     return result;
 }
 
-// The file appears whole: whoever waits for it finds all of it there.
+/// Creates the file atomically, so that a process that waits for it reads all of it.
 void leaveFile(const std::string& path, const std::string& contents)
 {
     std::ofstream(path + ".part", std::ios::binary) << contents;
@@ -87,7 +87,7 @@ void record(const std::string& path)
     leaveFile(path, all);
 }
 
-/// Appends one line: the names in the folder of the output, each with a blank behind it.
+/// Appends one line: the names in the folder of the output, each followed by a space.
 void recordFolder(const std::string& path)
 {
     std::string line;
@@ -147,7 +147,7 @@ void sayDescriptors()
     }
 }
 
-// Written straight into what is there, as a tool does that makes a file.
+/// Overwrites an existing file in place, unlike leaveFile.
 void writeOutput(const std::string& bytes)
 {
     const int output
@@ -178,19 +178,18 @@ std::string terminationFile;
 
 void onTermination(int)
 {
-    // Not safe in a real program; here nothing else runs but a wait.
+    // Not async-signal-safe, but the signal can interrupt only a sleep here.
     leaveFile(terminationFile, "SIGTERM");
     std::_Exit(255);
 }
 
-/// Ends this process where a wait takes longer than any test: a test that failed may have left the fake
-/// behind.
+/// Ends this process after the longest wait of a test, because a failed test may not have ended it.
 void failAfterLongestWait(const std::string& awaited)
 {
     static const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(10);
     if (std::chrono::steady_clock::now() < deadline)
         return;
-    say("fakeTool: waited in vain for " + awaited);
+    say("fakeTool: timeout waiting for " + awaited);
     std::_Exit(3);
 }
 
@@ -210,8 +209,8 @@ void hang()
     }
 }
 
-/// Waits until the reader of standard error, a pipe, has read all of it, so that it reads the next output
-/// separately. Returns too where the pipe has no reader any more.
+/// Waits until the reader of standard error, a pipe, has read all of it, so that the next output is a
+/// separate read. Also returns if the pipe has no reader.
 void waitUntilRead()
 {
     const auto isUnread = [] {
@@ -277,7 +276,7 @@ const std::map<std::string, std::function<void(const Words&)>> commands = {
     {"hang", [](const Words&) { hang(); }},
     {"die",
         [](const Words& signal) {
-            std::signal(std::stoi(signal), SIG_DFL); // a sanitizer may have taken it
+            std::signal(std::stoi(signal), SIG_DFL); // a sanitizer may have installed a handler
             std::raise(std::stoi(signal));
         }},
     {"exit", [](const Words& status) { std::_Exit(std::stoi(status)); }},
@@ -300,7 +299,7 @@ std::string otherWords(const std::string& line)
     return blank == std::string::npos ? std::string() : line.substr(blank + 1);
 }
 
-/// False where there is no such command.
+/// Returns false for an unknown command.
 bool perform(const std::string& line)
 {
     const std::string name = firstWord(line);
@@ -323,7 +322,8 @@ int main(int argc, char* argv[])
     const std::string link = argv[0];
     if (!std::filesystem::exists(link + ".script") || !std::ifstream(link + ".script"))
         return 2;
-    std::istringstream script(contentsOf(link + ".script")); // the file is closed while the commands run
+    std::istringstream script(
+        contentsOf(link + ".script")); // read at once: the commands run without an open script file
     for (std::string line; std::getline(script, line);) {
         if (!perform(line)) {
             std::cerr << "fakeTool: unknown command: " << line << '\n';

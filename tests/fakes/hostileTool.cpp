@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// An ffmpeg or ffprobe that a hostile file has taken over. It tries what the script beside it says, "NAME" or
-// "NAME ARGUMENT" a line, and tells on standard error how each went: "NAME: done" or "NAME: " and the error.
-// A program that it becomes tells that by itself.
+// A fake of ffmpeg or ffprobe that a hostile file has taken over. Each line of argv[0] + ".script" is the
+// name of an attack and its argument. Prints the result of each attack on standard error: "NAME: done" or
+// "NAME: " and the error. After a successful "become", the new program prints instead.
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -64,13 +64,13 @@ bool canForkWithoutEnd(const std::string& count)
     return true;
 }
 
-// It is let go when this program ends.
+/// The kernel detaches the traced process when this program ends.
 bool canTrace(pid_t process)
 {
     return ::ptrace(PTRACE_SEIZE, process, nullptr, nullptr) == 0;
 }
 
-bool becomes(const std::string& command)
+bool executeShell(const std::string& command)
 {
     ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
     return false;
@@ -90,7 +90,7 @@ bool canMapShared(const std::string& gigabytes)
         != MAP_FAILED;
 }
 
-/// A file that sends a signal to the parent whenever something happens to it.
+/// F_SETOWN on a pipe, by which the kernel could send signals to the parent.
 bool canArmFile(const std::string& /*none*/)
 {
     int ends[2] = {-1, -1};
@@ -149,7 +149,7 @@ const std::map<std::string, Attack> attacks = {
     {"signal", [](const std::string&) { return ::kill(::getppid(), SIGCONT) == 0; }},
     {"fork", canForkWithoutEnd},
     {"outlive", [](const std::string&) { return ::prctl(PR_SET_PDEATHSIG, 0, 0, 0, 0) == 0; }},
-    {"become", becomes},
+    {"become", executeShell},
     {"map", canMap},
     {"share", canMapShared},
     {"arm", canArmFile},

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Opens a video, turns it and saves it, through the window, while one call of the system fails; see
-// failingCalls.cpp. Says on standard error how far that went: "picture" and the text of each alert; and what
-// is wrong then.
+// Opens a video, turns it and saves it through the window while one system call fails; see failingCalls.cpp.
+// Prints the outcome on standard error: "picture" if the video was opened, the text of each alert, and
+// "clean" or "WRONG".
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 
@@ -44,7 +44,7 @@ std::string children()
 class FaultScenario : public FakeToolsTest
 {
 protected:
-    /// Answers the alert that is shown; its text.
+    /// Presses the button of the shown alert. Returns the first line of the alert's text.
     std::string answered(const char* button)
     {
         countCalls(false);
@@ -92,7 +92,7 @@ protected:
         EXPECT_EQ(contentsOf(folder() + "clip.mp4"), videoBytes);
         EXPECT_TRUE(waitUntil([] { return children().empty(); }));
         EXPECT_FALSE(isProgressShown());
-        // What cannot be removed stays, and that keeps nobody from working on.
+        // If a removal fails, the file stays and the program continues.
         if (qEnvironmentVariable("TARNWELL_FAILS").startsWith(QStringLiteral("remove")))
             return;
         for (const auto& name : namesIn(ownTemporaryFolder())) {
@@ -114,7 +114,7 @@ TEST_F(FaultScenario, endsInAnAlertOrDoesTheJob)
     if (openIt())
         saveIt();
     expectClean();
-    // Afterwards it works as ever.
+    // The next video opens normally.
     EXPECT_TRUE(drop(folder() + "clip.mp4"));
     if (isAlertShown())
         answered("OK");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every call of the system that the program makes from the choice of a video to its result fails in turn, the
-// first time, the second, and so on, each in a process of its own. The outcomes are printed.
+// Runs faultScenario with one failing system call: for each function the first call, the second call and so
+// on, until the scenario makes fewer calls. Each run is a separate process. Prints a table of the outcomes.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
@@ -21,14 +21,15 @@ namespace tarnwell::test
 namespace
 {
 
-constexpr int mostTimes = 100;
-constexpr int patience
-    = 100000; // milliseconds; longer than a wait of the scenario, which names what is missing
+constexpr int maxCalls = 100;
+// Milliseconds. Longer than the waits of the scenario, which print what they wait for when they fail.
+constexpr int timeout = 100000;
 
+/// The result of one run of faultScenario.
 struct Attempt {
-    bool hasFailed = false; // the call
-    bool isStopped = false; // the program, by its own will
-    std::string outcome; // what was reached, in words
+    bool hasFailed = false; // the scenario reached the call that fails
+    bool isStopped = false; // ended by fatalError, which calls abort
+    std::string outcome; // the printed outcomes, joined by "; "
 };
 
 QString buildPath(const char* name)
@@ -55,12 +56,12 @@ Attempt runWith(const std::string& call, int time)
     environment.insert(QStringLiteral("TARNWELL_FAILED"), QString::fromStdString(note));
     environment.insert(QStringLiteral("TARNWELL_FAILS"),
         QString::fromStdString(call) + QLatin1Char(' ') + QString::number(time));
-    environment.insert(QStringLiteral("TARNWELL_FAILS_WHEN_TOLD"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("TARNWELL_COUNT_ON_REQUEST"), QStringLiteral("1"));
     QProcess process;
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(buildPath("faultScenario"), QStringList());
-    if (!process.waitForFinished(patience)) {
+    if (!process.waitForFinished(timeout)) {
         process.kill();
         process.waitForFinished();
         return {exists(note), false, "HANGS after " + outcomesIn(process.readAll())};
@@ -84,7 +85,7 @@ class FaultTableTest : public testing::TestWithParam<const char*>
 TEST_P(FaultTableTest, endsInAnAlertAStopOrTheJobDone)
 {
     int time = 0;
-    for (bool hasFailed = true; hasFailed && time < mostTimes;) {
+    for (bool hasFailed = true; hasFailed && time < maxCalls;) {
         const Attempt run = runWith(GetParam(), ++time);
         hasFailed = run.hasFailed;
         if (hasFailed)
@@ -94,7 +95,7 @@ TEST_P(FaultTableTest, endsInAnAlertAStopOrTheJobDone)
         EXPECT_TRUE(run.isStopped || run.outcome.ends_with("clean"))
             << GetParam() << " " << time << ": " << run.outcome;
     }
-    EXPECT_LT(time, mostTimes);
+    EXPECT_LT(time, maxCalls);
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, FaultTableTest,

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as sniffer's report: the description is whole, and the program stops only where that is promised.
+// Input: any bytes as sniffer's report. The FileProbe is consistent, and the program stops only by the
+// documented fatal rules.
 #include "probe/FileProbe.h"
 #include "probe/JSON.h"
 #include "tests/fuzz/Promise.h"
@@ -21,7 +22,7 @@ namespace
 
 constexpr std::int64_t stereo = 2;
 
-// Channels that are no number stop the program. ffprobe prints none, whatever the file says.
+/// Whether a channel count is not a number, which is a fatal error. ffprobe always prints a number.
 bool hasWrongChannels(const JSON& streams)
 {
     for (std::size_t index = 0; index < streams.count(); ++index) {
@@ -29,13 +30,13 @@ bool hasWrongChannels(const JSON& streams)
         if (!channels.isNull() && !channels.optionalNumber())
             return true;
         if (channels.integer() > stereo)
-            return false; // it is not looked any further
+            return false; // FileProbe stops at the first track with more than two channels
     }
     return false;
 }
 
-// Durations beyond 64 bits stop the program too. A file can make ffprobe print such, so that sniffer must
-// not.
+/// Whether a duration exceeds 64 bits, which is a fatal error. A file can make ffprobe print such a duration,
+/// so sniffer must remove it.
 bool hasEndlessDuration(const JSON& streams)
 {
     for (std::size_t index = 0; index < streams.count(); ++index) {
@@ -132,9 +133,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string report = bytesOf(data, size);
     const tarnwell::JSON json = parsed(report);
     if (hasWrongChannels(json["streams"]))
-        return -1; // not wanted among the inputs to go on from
-    // sniffer's parser refuses numbers beyond double's range. ffprobe prints no such number outside of a
-    // text.
+        return -1; // excludes the input from the corpus
+    // sniffer's parser rejects numbers beyond the range of double. ffprobe prints such numbers only in
+    // strings.
     if (report.find('\0') == std::string::npos && json.count() > 0 && !nlohmann::json::accept(report))
         return -1;
     const std::string delivered = withTrueRotation(report);

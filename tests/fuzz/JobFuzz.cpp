@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any lines as creator's arguments: a list is one of the three or nothing, and no argument becomes more than
-// it is.
+// Input: any lines as creator's arguments. The list is one of the three jobs or is rejected, and each text of
+// a job stays within one argument of ffmpeg.
 #include "tests/fuzz/Promise.h"
 #include "tools/Job.h"
 
@@ -24,7 +24,7 @@ Arguments linesOf(const std::string& text)
     return lines;
 }
 
-/// The list that asks for the job, its rotation as it was spelled.
+/// The argument list of the job, with the rotation argument as it was in the input.
 Arguments listOf(const Job& job, const std::string& spelledRotation)
 {
     switch (job.kind) {
@@ -49,7 +49,7 @@ bool isRotation(const std::string& argument, double degrees)
         && static_cast<double>(std::strtoll(argument.c_str() + prefix.size(), nullptr, 10)) == degrees;
 }
 
-/// ffmpeg gets each text of the job inside one argument, and no other argument depends on it.
+/// Each text of the job is within one argument of ffmpeg, and no other argument depends on it.
 void checkEncoder(const Job& job)
 {
     const Target target = {"/out", "mp4"};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a chunk of the encoder's standard error: the first time stamp counts, and the program stops
-// only where there is "time=" and no time stamp that can be read.
+// Input: any bytes as a chunk of the encoder's standard error. The first time stamp counts, and the program
+// stops only if there is "time=" without a valid time stamp.
 #include "export/Progress.h"
 #include "tests/fuzz/Promise.h"
 
@@ -14,7 +14,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// The code point that begins there and, in `size`, its bytes; nothing where the bytes are not UTF-8.
+/// The code point at `place`, and in `size` its number of bytes; no value if the bytes are not UTF-8.
 std::optional<std::uint32_t> codePoint(std::string_view text, std::size_t place, std::size_t& size)
 {
     const auto first = static_cast<unsigned char>(text[place]);
@@ -61,7 +61,7 @@ double number(std::string_view text, std::size_t place)
     return (text[place] - '0') * 10 + (text[place + 1] - '0');
 }
 
-/// The place of the first time stamp and that of its hundredths.
+/// The offsets of a time stamp and of its hundredths.
 struct Stamp {
     std::size_t place;
     std::size_t hundredths;
@@ -108,7 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const auto stamp = firstStamp(chunk);
-    // Here the program stops, by promise; the tests of Progress look at that.
+    // A fatal rule, which the death tests of Progress cover.
     if (!stamp || chunk[stamp->hundredths - 1] != '.')
         return 0;
     const auto elapsed = elapsedSecondsFromChunk(chunk);

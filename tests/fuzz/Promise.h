@@ -12,12 +12,12 @@
 namespace tarnwell::test
 {
 
-/// Ends the program where a promise is broken, so that the input that shows it is kept.
+/// Aborts if the invariant does not hold, so that the fuzzer saves the input.
 inline void promise(bool holds, const char* what)
 {
     if (holds)
         return;
-    std::fprintf(stderr, "broken promise: %s\n", what);
+    std::fprintf(stderr, "invariant violated: %s\n", what);
     std::abort();
 }
 
@@ -26,7 +26,7 @@ inline std::string bytesOf(const std::uint8_t* data, std::size_t size)
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Numbers that follow from the input alone, for choices that the input need not spell.
+/// Pseudo-random numbers seeded with a hash of the input, so that the same input makes the same choices.
 class Choices
 {
 public:

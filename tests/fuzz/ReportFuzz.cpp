@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as ffprobe's report: sniffer sets the rotation tags of video streams, takes out endless
-// durations, and changes nothing else.
+// Input: any bytes as ffprobe's report. sniffer sets the rotation tags of video streams, removes durations
+// beyond 64 bits, and changes nothing else.
 #include "tests/fuzz/Promise.h"
 #include "tools/Report.h"
 
@@ -21,7 +21,7 @@ bool isVideo(const Json& stream)
     return stream.is_object() && stream.contains("codec_type") && stream["codec_type"] == "video";
 }
 
-/// Whether the stream claims, in a number or in what a text begins with, more seconds than 64 bits hold.
+/// Whether the stream's duration, a number or a string that begins with one, exceeds 64 bits.
 bool isEndless(const Json& stream)
 {
     constexpr double integerLimit = 9223372036854775808.0; // 2^63
@@ -44,7 +44,8 @@ bool hasStream(const Json& json, bool (*isMeant)(const Json&))
     return isReport(json) && std::any_of(json["streams"].begin(), json["streams"].end(), isMeant);
 }
 
-/// The report without what sniffer may change: endless durations, the tag, and tags that hold nothing else.
+/// The report without the parts that sniffer may change: durations beyond 64 bits, the tag "rotate", and
+/// objects "tags" that contain nothing else.
 std::string restOf(Json report)
 {
     for (Json& stream : report["streams"]) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any text as a display matrix: it is a turn or a mirror and keeps the shape, or it is nothing.
+// Input: any text as a display matrix. The result is a rotation or a reflection that preserves the size, or
+// no value.
 #include "tests/fuzz/Promise.h"
 #include "tools/Rotation.h"
 
@@ -14,7 +15,7 @@ namespace
 
 constexpr double one = 65536;
 
-/// Nine whole numbers beside the counts of the rows.
+/// Whether the text contains nine integers besides the row numbers.
 bool hasNineNumbers(const std::string& text)
 {
     std::string blanks = text;
@@ -32,7 +33,7 @@ bool hasNineNumbers(const std::string& text)
     return numbers == 9;
 }
 
-/// As ffprobe prints it.
+/// The matrix in ffprobe's format.
 std::string printed(const DisplayMatrix& m)
 {
     const double rows[3][3] = {{m.a * one, m.b * one, 0}, {m.c * one, m.d * one, 0}, {0, 0, 1073741824}};
@@ -64,7 +65,7 @@ void checkMatrix(const DisplayMatrix& matrix)
     promise(distance(rotationTag(turned), tag + 270) <= 1, "a turn to the left takes a quarter from the tag");
 }
 
-/// What was read is exact in the numbers that ffprobe prints.
+/// A matrix survives printing in ffprobe's format and parsing.
 void checkPrinted(const DisplayMatrix& matrix)
 {
     const auto again = parseDisplayMatrix(printed(matrix));

@@ -6,9 +6,9 @@
 namespace tarnwell::test
 {
 
-/// What the next description gets to read from sniffer. No tool is started: SnifferOutput.cpp stands in for
-/// the processes, pipes, resources and diagnostic lines of platform/, which would take a thousand times as
-/// long as the reading that is to be tried.
+/// Sets the output of sniffer that the next FileProbe reads. No tool is started: SnifferOutput.cpp defines
+/// fakes of the classes Process, Pipe, FileHandle and Bundle of platform/, because starting a process would
+/// take a thousand times as long as the parsing under test.
 void setSnifferOutput(const std::string& output);
 
 } // namespace tarnwell::test

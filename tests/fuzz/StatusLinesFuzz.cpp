@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as ffmpeg's progress and as its complaints: creator says whole lines, and the application reads
-// the time from none but its status lines.
+// Input: any bytes as ffmpeg's progress output and as its error messages. creator prints complete lines, and
+// the application reads the time only from its status lines.
 #include "export/Progress.h"
 #include "tests/fuzz/Promise.h"
 #include "tools/StatusLines.h"
@@ -13,7 +13,7 @@ namespace tarnwell::test
 namespace
 {
 
-constexpr std::size_t longestLine = 4096; // with its end; as much as one write to a pipe brings over whole
+constexpr std::size_t longestLine = 4096; // with its newline; PIPE_BUF, the largest atomic write to a pipe
 
 bool isStatusLine(const std::string& line)
 {
@@ -82,7 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     promise(status == readInPieces<ProgressReader>(text, choices), "pieces of progress give the same");
     promise(complaints == readInPieces<ComplaintReader>(text, choices), "pieces of complaints give the same");
     promise(!elapsedSecondsFromChunk(complaints), "complaints alone tell no time");
-    // Both come through one pipe, so that one chunk may hold some of each.
+    // Both use the same pipe, so a chunk may contain parts of each.
     const auto elapsed = elapsedSecondsFromChunk(complaints + statusLine(1000000));
     promise(elapsed == 1.0, "a complaint is not taken for the time");
     if (!status.empty())

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every state of the window in light, dark and high-contrast colours. The pictures stay in the folder that
-// the first argument names, below the name that the second gives this run; what a picture cannot miss is
-// tested as well.
+// Shows every state of the window in light, dark and high-contrast colours, checks that nothing is cut off,
+// and saves screenshots in the folder of the first argument; the second argument is a prefix of their names.
 #include "desktop/PathText.h"
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
@@ -30,6 +29,7 @@ namespace tarnwell::test
 namespace
 {
 
+/// The colours of a palette.
 struct Theme {
     const char* name;
     QColor window;
@@ -63,7 +63,7 @@ QPalette paletteOf(const Theme& theme)
     return palette;
 }
 
-/// The contrast ratio of the guidelines for accessible web content, 1 to 21.
+/// The contrast ratio as defined by WCAG, 1 to 21.
 double contrast(const QColor& one, const QColor& other)
 {
     const auto luminance = [](const QColor& colour) {
@@ -77,7 +77,7 @@ double contrast(const QColor& one, const QColor& other)
     return (light + 0.05) / (dark + 0.05);
 }
 
-/// The strongest contrast that a picture has against its own corner.
+/// The highest contrast ratio of any pixel to the pixel in the top left corner.
 double strongestContrast(const QImage& picture)
 {
     const QColor corner = picture.pixelColor(1, 1);
@@ -118,7 +118,7 @@ protected:
 
     void TearDown() override { QApplication::setPalette(m_usualPalette); }
 
-    /// Leaves a picture of the whole screen.
+    /// Saves a screenshot and checks the windows.
     void show(const std::string& what)
     {
         paintEveryWindow();
@@ -127,7 +127,7 @@ protected:
         expectOnScreen();
     }
 
-    /// No window reaches beyond the screen, and no text that must be read in whole is cut.
+    /// No window extends beyond the screen, and no button is too narrow for its text.
     void expectOnScreen()
     {
         for (const QWidget* widget : QApplication::topLevelWidgets()) {
@@ -170,7 +170,7 @@ TEST_P(Gallery, theEmptyWindow)
         EXPECT_FALSE(item(name).icon().isNull()) << name;
         EXPECT_EQ(item(name).toolButtonStyle(), Qt::ToolButtonTextUnderIcon) << name;
     }
-    // What can be used stands out more than what cannot.
+    // An enabled button has a higher contrast than a disabled one.
     EXPECT_GE(strongestContrast(item("openToolBarBTN").grab().toImage()), 4.5);
     EXPECT_GE(strongestContrast(item("openToolBarBTN").grab().toImage()),
         strongestContrast(item("saveToolBarBTN").grab().toImage()) + 1);

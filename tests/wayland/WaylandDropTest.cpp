@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The real program on a Wayland desktop, nested in the virtual one, and another program there to drag from.
-// What happens is read from the screen, on which weston puts windows where it likes.
+// Tests drag and drop on Wayland: weston runs nested on the virtual X display, with the real program and a
+// drag source as its clients. Positions and results are read from screenshots, because weston chooses where
+// windows are.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
@@ -34,12 +35,12 @@ QImage screen()
 
 bool isNear(QRgb pixel, const QColor& colour)
 {
-    constexpr int most = 40; // what a lossy encoding changes
+    constexpr int most = 40; // tolerance for lossy encoding
     return std::abs(qRed(pixel) - colour.red()) < most && std::abs(qGreen(pixel) - colour.green()) < most
         && std::abs(qBlue(pixel) - colour.blue()) < most;
 }
 
-/// The box around all pixels of about that colour; empty where there is none.
+/// The bounding box of all pixels of about that colour; invalid if there are none.
 QRect placeOf(const QColor& colour)
 {
     const QImage image = screen().convertToFormat(QImage::Format_RGB32);
@@ -54,16 +55,16 @@ QRect placeOf(const QColor& colour)
     return place;
 }
 
-void point(const QStringList& what)
+void xdotool(const QStringList& arguments)
 {
-    QProcess xdotool;
-    xdotool.start(QStringLiteral("xdotool"), what);
-    EXPECT_TRUE(waitForEnd(xdotool));
+    QProcess process;
+    process.start(QStringLiteral("xdotool"), arguments);
+    EXPECT_TRUE(waitForEnd(process));
 }
 
 void moveTo(QPoint place)
 {
-    point({QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())});
+    xdotool({QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())});
     QTest::qWait(30);
 }
 
@@ -83,7 +84,7 @@ protected:
     {
         makeSampleVideo(video(), {.size = {640, 480}});
         const std::string socket = qgetenv("XDG_RUNTIME_DIR").toStdString() + "/" + socketName.toStdString();
-        std::filesystem::remove(socket); // an earlier weston was killed and has left it
+        std::filesystem::remove(socket); // left over by a killed weston
         m_weston.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
         m_weston.setStandardErrorFile(QProcess::nullDevice());
         m_weston.setStandardOutputFile(QProcess::nullDevice());
@@ -93,8 +94,6 @@ protected:
                 QStringLiteral("--idle-time=0")});
         ASSERT_TRUE(waitUntil([&] { return exists(socket); })) << "weston does not start";
         start(m_program, "/bin/tarnwell", {});
-        // What invites a drop is the widest plain area of the window: the frame around it is looked for by
-        // the drag.
         ASSERT_TRUE(waitUntil([this] { return isSteady(); }));
     }
 
@@ -115,7 +114,7 @@ protected:
         process.start(QStringLiteral(TARNWELL_BUILD_FOLDER) + QString::fromLatin1(path), arguments);
     }
 
-    /// The same for half a second, and something is there.
+    /// Whether the screen has not changed for half a second and shows a window.
     static bool isSteady()
     {
         const QImage before = screen();
@@ -123,7 +122,8 @@ protected:
         return before == screen() && placeOf(QColor(Qt::black)).isValid();
     }
 
-    /// Shows the other program, from which those paths can be dragged, one after the other.
+    /// Starts the drag source. Its first drag carries the first path, its second drag the second path, and so
+    /// on.
     void showSource(const std::vector<std::string>& paths)
     {
         QStringList drags;
@@ -134,52 +134,52 @@ protected:
         ASSERT_TRUE(waitUntil([] { return placeOf(sourceColour).width() > 50; })) << "no source to drag from";
         QTest::qWait(300);
         m_sourcePlace = placeOf(sourceColour);
-        // weston learns where the pointer is when it enters weston's window, and follows it from there.
+        // weston reads the pointer's position when the pointer enters its window, and then tracks its motion.
         moveTo(QPoint(1, 1));
         QTest::qWait(300);
         glide(QPoint(50, 210), m_sourcePlace.center());
         QTest::qWait(300);
     }
 
-    /// Drags from the other program to the middle of the nested desktop; the button stays pressed. The
-    /// pointer must be in the source.
+    /// Drags from the source to the program's window and keeps the button pressed. The pointer must be in the
+    /// source.
     void drag()
     {
-        point({QStringLiteral("mousedown"), QStringLiteral("1")});
+        xdotool({QStringLiteral("mousedown"), QStringLiteral("1")});
         QTest::qWait(200);
         glide(m_sourcePlace.center(), target());
         QTest::qWait(500);
     }
 
-    /// Gives up the drag: nothing is done where nothing is taken.
-    void giveUp()
+    /// Drags back to the source and releases the button there, which does not drop anything.
+    void cancelDrag()
     {
         glide(target(), m_sourcePlace.center());
         EXPECT_EQ(drop(), "end 0");
         QTest::qWait(300);
     }
 
-    /// Whether the source has been told, in this drag, that the target would take a copy.
+    /// Whether the target has offered a copy action in the current drag.
     bool isCopyOffered()
     {
-        m_said += m_source.readAllStandardOutput();
-        return m_said.contains("action 1");
+        m_output += m_source.readAllStandardOutput();
+        return m_output.contains("action 1");
     }
 
-    /// What the source says was done in the end: "end 1" for a copy, "end 0" for nothing.
+    /// Releases the button. Returns the source's output: "end 1" for a copy, "end 0" for no action.
     QByteArray drop()
     {
-        point({QStringLiteral("mouseup"), QStringLiteral("1")});
+        xdotool({QStringLiteral("mouseup"), QStringLiteral("1")});
         waitFor("the end of the drag", [&] {
-            m_said += m_source.readAllStandardOutput();
-            return m_said.contains("end ");
+            m_output += m_source.readAllStandardOutput();
+            return m_output.contains("end ");
         });
-        const QByteArray end = m_said.mid(m_said.indexOf("end ")).trimmed();
-        m_said.clear();
+        const QByteArray end = m_output.mid(m_output.indexOf("end ")).trimmed();
+        m_output.clear();
         return end;
     }
 
-    /// The sample's corners are plain red, green, blue and yellow.
+    /// Whether two of the colours in the sample's corners are on the screen.
     static bool showsVideo()
     {
         return placeOf(QColor(Qt::red)).width() > 40 && placeOf(QColor(Qt::yellow)).width() > 40;
@@ -189,23 +189,23 @@ protected:
     std::string folder() const { return m_folder.path(); }
 
 private:
-    /// A place in the window of the program.
+    /// A position in the program's window, outside of the source.
     QPoint target() const
     {
         const QPoint middle = QGuiApplication::primaryScreen()->geometry().center();
-        const bool isInTheWay = m_sourcePlace.adjusted(-20, -20, 20, 20).contains(middle);
-        return isInTheWay ? middle + QPoint(0, 150) : middle;
+        const bool isCovered = m_sourcePlace.adjusted(-20, -20, 20, 20).contains(middle);
+        return isCovered ? middle + QPoint(0, 150) : middle;
     }
 
     TemporaryDirectory m_folder;
     QProcess m_weston;
     QProcess m_program;
     QProcess m_source;
-    QByteArray m_said; // by the source, about its present drag
+    QByteArray m_output; // of the source since the last drop
     QRect m_sourcePlace;
 };
 
-TEST_F(WaylandDropTest, aFileIsTakenAndShown)
+TEST_F(WaylandDropTest, aDroppedFileIsOpened)
 {
     EXPECT_FALSE(showsVideo());
     showSource({video()});
@@ -214,13 +214,13 @@ TEST_F(WaylandDropTest, aFileIsTakenAndShown)
     EXPECT_TRUE(waitUntil([] { return showsVideo(); }));
 }
 
-TEST_F(WaylandDropTest, aFolderIsNot)
+TEST_F(WaylandDropTest, aFolderIsRefused)
 {
     showSource({video(), folder()});
     drag();
-    EXPECT_TRUE(waitUntil([this] { return isCopyOffered(); })) << "the drag does not reach the window";
-    giveUp();
-    drag(); // of the folder, on the same way
+    EXPECT_TRUE(waitUntil([this] { return isCopyOffered(); })) << "the window does not receive the drag";
+    cancelDrag();
+    drag(); // the folder
     EXPECT_FALSE(isCopyOffered());
     EXPECT_EQ(drop(), "end 0");
     QTest::qWait(300);

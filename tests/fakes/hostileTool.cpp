@@ -161,7 +161,7 @@ const std::map<std::string, Attack> attacks = {
     {"privileges", [](const std::string&) { return mayGainPrivileges(); }},
 };
 
-void tell(const std::string& line)
+void printLine(const std::string& line)
 {
     [[maybe_unused]] const auto count = ::write(STDERR_FILENO, (line + "\n").data(), line.size() + 1);
 }
@@ -173,7 +173,7 @@ int main(int, char* argv[])
     const std::string self = argv[0];
     std::ifstream script(self + ".script");
     if (!script) {
-        tell("hostileTool: no script");
+        printLine("hostileTool: no script");
         return 2;
     }
     for (std::string line; std::getline(script, line);) {
@@ -181,7 +181,7 @@ int main(int, char* argv[])
         const std::string name = line.substr(0, blank);
         const std::string argument = blank == std::string::npos ? "" : line.substr(blank + 1);
         const bool isDone = attacks.at(name)(argument);
-        tell(name + ": " + (isDone ? "done" : std::strerror(errno)));
+        printLine(name + ": " + (isDone ? "done" : std::strerror(errno)));
     }
     return 0;
 }

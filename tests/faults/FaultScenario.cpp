@@ -26,7 +26,7 @@ void countCalls(bool count)
         function(count);
 }
 
-void tell(const std::string& line)
+void printOutcome(const std::string& line)
 {
     std::cerr << "OUTCOME " << line << std::endl;
 }
@@ -45,7 +45,7 @@ class FaultScenario : public FakeToolsTest
 {
 protected:
     /// Presses the button of the shown alert. Returns the first line of the alert's text.
-    std::string answered(const char* button)
+    std::string answerAlert(const char* button)
     {
         countCalls(false);
         AlertDialog* alert = shownAlert();
@@ -56,21 +56,21 @@ protected:
         return text.substr(0, text.find('\n'));
     }
 
-    bool openIt()
+    bool openClip()
     {
         countCalls(true);
         drop(folder() + "clip.mp4");
         countCalls(false);
         if (isAlertShown()) {
-            tell(answered("OK"));
+            printOutcome(answerAlert("OK"));
             return false;
         }
         const bool isOpen = action("rotateLeftBTN").isEnabled();
-        tell(isOpen ? "picture" : "nothing");
+        printOutcome(isOpen ? "picture" : "nothing");
         return isOpen;
     }
 
-    void saveIt()
+    void saveClip()
     {
         action("rotateRightBTN").trigger();
         waitForKeyboard(window());
@@ -84,10 +84,10 @@ protected:
         AlertDialog* question = shownAlert();
         answer(question, "Transcode");
         ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
-        tell(answered("OK"));
+        printOutcome(answerAlert("OK"));
     }
 
-    void expectClean()
+    void expectNothingLeftOver()
     {
         EXPECT_EQ(contentsOf(folder() + "clip.mp4"), videoBytes);
         EXPECT_TRUE(waitUntil([] { return children().empty(); }));
@@ -111,15 +111,15 @@ TEST_F(FaultScenario, endsInAnAlertOrDoesTheJob)
     tools().setCreator("with -frames:v copy " + folder()
         + "still.png\nwithout -frames:v error time=00:00:02.00\\n\n" + "without -frames:v copy " + folder()
         + "still.png\n");
-    if (openIt())
-        saveIt();
-    expectClean();
+    if (openClip())
+        saveClip();
+    expectNothingLeftOver();
     // The next video opens normally.
     EXPECT_TRUE(drop(folder() + "clip.mp4"));
     if (isAlertShown())
-        answered("OK");
+        answerAlert("OK");
     EXPECT_TRUE(action("rotateLeftBTN").isEnabled());
-    tell(HasFailure() ? "WRONG" : "clean");
+    printOutcome(HasFailure() ? "WRONG" : "clean");
 }
 
 } // namespace tarnwell::test

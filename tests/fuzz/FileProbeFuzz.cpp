@@ -3,8 +3,8 @@
 // documented fatal rules.
 #include "probe/FileProbe.h"
 #include "probe/JSON.h"
-#include "tests/fuzz/Promise.h"
 #include "tests/fuzz/SnifferOutput.h"
+#include "tests/fuzz/Verify.h"
 #include "tools/Report.h"
 #include "util/Decimal.h"
 #include "util/Unicode.h"
@@ -51,51 +51,51 @@ void checkTrack(const TrackInfo& track)
     constexpr std::array types = {"Video", "Audio", "Subtitle", "Poster", "Other"};
     constexpr std::array texts = {"trackType", "trackCodec", "trackID", "trackPresentInfile",
         "trackSpecialInfo", "trackDurationHuman", "trackLanguage"};
-    promise(track.size() == texts.size() + 2, "a track has nine entries");
+    verify(track.size() == texts.size() + 2, "a track has nine entries");
     for (const char* key : texts) {
         const auto entry = track.find(key);
-        promise(entry != track.end() && std::holds_alternative<std::string>(entry->second), key);
-        promise(isValidUtf8(std::get<std::string>(entry->second)), "texts are UTF-8");
+        verify(entry != track.end() && std::holds_alternative<std::string>(entry->second), key);
+        verify(isValidUtf8(std::get<std::string>(entry->second)), "track texts are UTF-8");
     }
-    promise(std::holds_alternative<double>(track.at("trackDuration")), "a duration is a number");
-    promise(std::holds_alternative<JSON>(track.at("trackDictionary")), "the report's own object is kept");
+    verify(std::holds_alternative<double>(track.at("trackDuration")), "a track duration is a number");
+    verify(std::holds_alternative<JSON>(track.at("trackDictionary")), "a track contains its JSON object");
     const auto& type = std::get<std::string>(track.at("trackType"));
-    promise(std::find(types.begin(), types.end(), type) != types.end(), "a track is of one of five types");
+    verify(std::find(types.begin(), types.end(), type) != types.end(), "a track has one of five types");
 }
 
 void checkMetadata(const FileProbe& probe)
 {
     constexpr std::array labels = {"Title", "Tagline", "Synopsis", "Release Date", "Genre", "HD",
         "Media Kind", "Composer", "Rating", "Encoder", "Copyright", "Comment"};
-    promise(probe.metadata.size() == labels.size(), "there are twelve entries of metadata");
+    verify(probe.metadata.size() == labels.size(), "there are twelve entries of metadata");
     for (std::size_t place = 0; place < labels.size(); ++place) {
         const auto& entry = probe.metadata[place];
-        promise(entry.size() == 2 && entry.at("key") == labels[place], "metadata come in their order");
-        promise(isValidUtf8(entry.at("value")), "texts are UTF-8");
+        verify(entry.size() == 2 && entry.at("key") == labels[place], "metadata entries have a fixed order");
+        verify(isValidUtf8(entry.at("value")), "texts are UTF-8");
     }
 }
 
 void checkDescription(const FileProbe& probe, const JSON& report)
 {
     const std::size_t streams = report["streams"].count();
-    promise(probe.hasErrors == report.hasMember("error"), "an error is flagged");
-    promise(
-        probe.isValidMediaFile == (!probe.hasErrors && streams > 0), "streams without an error are valid");
-    promise(probe.hasVideoTrack == probe.videoWidth.has_value()
+    verify(probe.hasErrors == report.hasMember("error"), "hasErrors follows the report");
+    verify(probe.isValidMediaFile == (!probe.hasErrors && streams > 0),
+        "a report with streams and without an error is valid");
+    verify(probe.hasVideoTrack == probe.videoWidth.has_value()
             && probe.hasVideoTrack == probe.videoHeight.has_value()
             && probe.hasVideoTrack == probe.videoRatio.has_value(),
-        "a video track has a size, and nothing else has");
-    promise(!isSuitable(probe) || probe.hasVideoTrack, "what suits has a picture");
+        "there is a size if and only if there is a video track");
+    verify(!isSuitable(probe) || probe.hasVideoTrack, "a suitable file has a video track");
     if (!probe.isValidMediaFile) {
-        promise(!isSuitable(probe) && !probe.isEncrypted && !probe.hasVideoTrack && !probe.hasAudioTrack
+        verify(!isSuitable(probe) && !probe.isEncrypted && !probe.hasVideoTrack && !probe.hasAudioTrack
                 && !probe.hasSubtitleTrack && !probe.hasAudioTrackWhichHasMoreThanTwoChannels
                 && probe.duration == 0 && probe.bitRate == 0 && probe.tagRotateValue == 0
                 && probe.tracksInfo.empty() && probe.metadata.empty(),
-            "what is not valid is not described");
+            "an invalid file has default values");
         return;
     }
-    promise(probe.numberOfStreams == static_cast<std::int64_t>(streams) && probe.tracksInfo.size() == streams,
-        "every stream is a track");
+    verify(probe.numberOfStreams == static_cast<std::int64_t>(streams) && probe.tracksInfo.size() == streams,
+        "each stream is a track");
     std::for_each(probe.tracksInfo.begin(), probe.tracksInfo.end(), checkTrack);
     checkMetadata(probe);
 }
@@ -114,13 +114,13 @@ JSON parsed(const std::string& report)
 
 void checkSame(const FileProbe& before, const FileProbe& after)
 {
-    promise(before.isEncrypted == after.isEncrypted && before.hasVideoTrack == after.hasVideoTrack
+    verify(before.isEncrypted == after.isEncrypted && before.hasVideoTrack == after.hasVideoTrack
             && before.hasAudioTrack == after.hasAudioTrack
             && before.hasSubtitleTrack == after.hasSubtitleTrack && before.duration == after.duration
             && before.bitRate == after.bitRate && before.numberOfStreams == after.numberOfStreams
             && before.metadata == after.metadata
             && trackCodecs(before.tracksInfo) == trackCodecs(after.tracksInfo),
-        "sniffer changes nothing but the rotation");
+        "sniffer changes only the rotation");
 }
 
 } // namespace
@@ -139,10 +139,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (report.find('\0') == std::string::npos && json.count() > 0 && !nlohmann::json::accept(report))
         return -1;
     const std::string delivered = withTrueRotation(report);
-    promise(!hasEndlessDuration(parsed(delivered)["streams"]), "sniffer delivers no endless duration");
+    verify(!hasEndlessDuration(parsed(delivered)["streams"]), "sniffer prints no duration beyond 64 bits");
     const tarnwell::FileProbe after = descriptionOf(delivered);
     checkDescription(after, parsed(delivered));
-    promise(after.tagRotateValue >= 0 && after.tagRotateValue < 360, "sniffer's own tag is a turn");
+    verify(after.tagRotateValue >= 0 && after.tagRotateValue < 360, "sniffer's rotation tag is 0 to 359");
     if (hasEndlessDuration(json["streams"]))
         return 0;
     const tarnwell::FileProbe before = descriptionOf(report);

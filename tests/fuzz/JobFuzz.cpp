@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Input: any lines as creator's arguments. The list is one of the three jobs or is rejected, and each text of
 // a job stays within one argument of ffmpeg.
-#include "tests/fuzz/Promise.h"
+#include "tests/fuzz/Verify.h"
 #include "tools/Job.h"
 
 #include <algorithm>
@@ -59,21 +59,21 @@ void checkEncoder(const Job& job)
     other.position = job.position.empty() ? "" : "POSITION";
     other.filters = job.filters.empty() ? "" : "FILTERS";
     const Arguments otherList = ffmpegArguments(other, target);
-    promise(list.size() == otherList.size(), "no text becomes an argument of its own");
+    verify(list.size() == otherList.size(), "the number of arguments does not depend on the texts");
     for (std::size_t place = 0; place < list.size(); ++place) {
         const std::string& text = otherList[place];
         if (text == "file:INPUT")
-            promise(list[place] == "file:" + job.input && list[place - 1] == "-i", "the input is one file");
+            verify(list[place] == "file:" + job.input && list[place - 1] == "-i", "the input is one file");
         else if (text == "POSITION")
-            promise(list[place] == job.position && list[place - 1] == "-ss", "the position is one argument");
+            verify(list[place] == job.position && list[place - 1] == "-ss", "the position is one argument");
         else if (text.compare(0, 8, "FILTERS,") == 0)
-            promise(list[place] == job.filters + text.substr(7), "the filters come first");
+            verify(list[place] == job.filters + text.substr(7), "the filters come first");
         else
-            promise(list[place] == text, "the rest is fixed");
+            verify(list[place] == text, "all other arguments are constant");
     }
-    promise(
-        list[0] == "-nostdin" && list.back() == target.path, "ffmpeg is asked nothing and writes its target");
-    promise(std::count(list.begin(), list.end(), "file:" + job.input) == 1, "there is one input");
+    verify(list[0] == "-nostdin" && list.back() == target.path,
+        "ffmpeg does not read standard input and writes to its target");
+    verify(std::count(list.begin(), list.end(), "file:" + job.input) == 1, "there is one input");
 }
 
 } // namespace
@@ -91,9 +91,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Arguments expected = listOf(*job, rotation);
     if (job->kind == Job::Kind::Transcode && job->filters.empty() && arguments.size() == expected.size() + 2)
         expected.insert(expected.begin() + 4, {"-vf", ""});
-    promise(arguments == expected, "the job is what the list says");
-    promise(job->kind != Job::Kind::FixFlag || isRotation(rotation, job->rotation),
-        "the rotation is the one asked for");
+    verify(arguments == expected, "the job corresponds to the list");
+    verify(job->kind != Job::Kind::FixFlag || isRotation(rotation, job->rotation),
+        "the rotation is that of the list");
     checkEncoder(*job);
     return 0;
 }

@@ -2,7 +2,7 @@
 // Input: any bytes as a chunk of the encoder's standard error. The first time stamp counts, and the program
 // stops only if there is "time=" without a valid time stamp.
 #include "export/Progress.h"
-#include "tests/fuzz/Promise.h"
+#include "tests/fuzz/Verify.h"
 
 #include <cmath>
 #include <limits>
@@ -88,9 +88,9 @@ void checkPercent(double seconds, Choices& choices)
     const double percent = percentOf(seconds, durations[choices.below(5)]);
     const std::string line = percentLine(percent);
     const std::string begin = "Percent : ";
-    promise(line.compare(0, begin.size(), begin) == 0 && line.find('\n') == std::string::npos,
+    verify(line.compare(0, begin.size(), begin) == 0 && line.find('\n') == std::string::npos,
         "one line is printed");
-    promise(!std::isfinite(percent) || std::strtod(line.c_str() + begin.size(), nullptr) == percent,
+    verify(!std::isfinite(percent) || std::strtod(line.c_str() + begin.size(), nullptr) == percent,
         "the line reads back as the same number");
 }
 
@@ -104,7 +104,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace tarnwell::test;
     const std::string chunk = bytesOf(data, size);
     if (!isUtf8(chunk) || chunk.find("time=") == std::string::npos) {
-        promise(!elapsedSecondsFromChunk(chunk), "only UTF-8 with \"time=\" tells a time");
+        verify(!elapsedSecondsFromChunk(chunk), "only UTF-8 with \"time=\" contains a time");
         return 0;
     }
     const auto stamp = firstStamp(chunk);
@@ -115,7 +115,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const double expected = number(chunk, stamp->place) * 3600
         + (number(chunk, stamp->place + 3) * 60
             + (number(chunk, stamp->hundredths) / 100 + number(chunk, stamp->place + 6)));
-    promise(elapsed == expected, "the first time stamp counts");
+    verify(elapsed == expected, "the first time stamp counts");
     Choices choices(chunk);
     checkPercent(*elapsed, choices);
     return 0;

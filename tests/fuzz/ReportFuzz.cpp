@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Input: any bytes as ffprobe's report. sniffer sets the rotation tags of video streams, removes durations
 // beyond 64 bits, and changes nothing else.
-#include "tests/fuzz/Promise.h"
+#include "tests/fuzz/Verify.h"
 #include "tools/Report.h"
 
 #include <nlohmann/json.hpp>
@@ -66,12 +66,11 @@ void checkTag(const Json& stream)
     if (!isVideo(stream) || !stream.contains("tags") || !stream["tags"].is_object()
         || !stream["tags"].contains("rotate"))
         return;
-    promise(stream["tags"]["rotate"].is_string(), "the tag is a text");
+    verify(stream["tags"]["rotate"].is_string(), "the tag is a string");
     const std::string tag = stream["tags"]["rotate"];
-    promise(
-        tag.size() < 4 && tag.find_first_not_of("0123456789") == std::string::npos, "the tag is a number");
-    promise(std::to_string(std::stoi(tag)) == tag && std::stoi(tag) < 360, "the tag is a turn");
-    promise(stream.contains("side_data_list"), "the tag comes from a matrix");
+    verify(tag.size() < 4 && tag.find_first_not_of("0123456789") == std::string::npos, "the tag is a number");
+    verify(std::to_string(std::stoi(tag)) == tag && std::stoi(tag) < 360, "the tag is 0 to 359");
+    verify(stream.contains("side_data_list"), "a tag requires a display matrix");
 }
 
 bool isSame(const VideoFacts& left, const VideoFacts& right)
@@ -92,14 +91,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string rewritten = withTrueRotation(report);
     const Json before = Json::parse(report, nullptr, false);
     if (!hasStream(before, isVideo) && (!hasStream(before, isEndless) || rewritten == report)) {
-        promise(rewritten == report, "what needs no change comes back as it is");
+        verify(rewritten == report, "a report without a video or a long duration is unchanged");
         return 0;
     }
-    promise(rewritten.back() == '\n', "a report ends with a whole line");
+    verify(rewritten.back() == '\n', "a report ends with a newline");
     const Json after = Json::parse(rewritten, nullptr, false);
-    promise(!after.is_discarded() && restOf(before) == restOf(after), "nothing but the rotation changes");
+    verify(!after.is_discarded() && restOf(before) == restOf(after), "only the rotation changes");
     std::for_each(after["streams"].begin(), after["streams"].end(), checkTag);
-    promise(withTrueRotation(rewritten) == rewritten, "the second time changes nothing");
-    promise(isSame(videoFactsOf(report), videoFactsOf(rewritten)), "the facts of the picture stay");
+    verify(withTrueRotation(rewritten) == rewritten, "a second call changes nothing");
+    verify(isSame(videoFactsOf(report), videoFactsOf(rewritten)), "the video's facts are unchanged");
     return 0;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Input: any text as a display matrix. The result is a rotation or a reflection that preserves the size, or
 // no value.
-#include "tests/fuzz/Promise.h"
+#include "tests/fuzz/Verify.h"
 #include "tools/Rotation.h"
 
 #include <cmath>
@@ -57,20 +57,20 @@ void checkMatrix(const DisplayMatrix& matrix)
 {
     constexpr double tolerance = 0.002;
     const double area = std::abs(matrix.a * matrix.d - matrix.b * matrix.c);
-    promise(std::abs(area - 1) < 2 * tolerance, "the size is kept");
+    verify(std::abs(area - 1) < 2 * tolerance, "the matrix preserves the size");
     const int tag = rotationTag(matrix);
-    promise(tag >= 0 && tag < 360, "a tag is a turn");
+    verify(tag >= 0 && tag < 360, "a tag is 0 to 359");
     const DisplayMatrix turned = combined(matrix, turnedLeft(90));
-    promise(isMirrored(turned) == isMirrored(matrix), "a turn leaves a mirror as it is");
-    promise(distance(rotationTag(turned), tag + 270) <= 1, "a turn to the left takes a quarter from the tag");
+    verify(isMirrored(turned) == isMirrored(matrix), "a rotation does not change the reflection");
+    verify(distance(rotationTag(turned), tag + 270) <= 1, "a turn to the left reduces the tag by 90");
 }
 
 /// A matrix survives printing in ffprobe's format and parsing.
 void checkPrinted(const DisplayMatrix& matrix)
 {
     const auto again = parseDisplayMatrix(printed(matrix));
-    promise(again && rotationTag(*again) == rotationTag(matrix) && isMirrored(*again) == isMirrored(matrix),
-        "what is printed is read again as it was");
+    verify(again && rotationTag(*again) == rotationTag(matrix) && isMirrored(*again) == isMirrored(matrix),
+        "a printed matrix parses to the same matrix");
 }
 
 } // namespace
@@ -83,16 +83,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text = bytesOf(data, size);
     const auto matrix = parseDisplayMatrix(text);
     const auto decoded = parseDecodedMatrix(text);
-    promise(decoded || !matrix, "what keeps the size is decoded");
+    verify(decoded || !matrix, "a matrix that preserves the size is also a decoded matrix");
     if (!decoded)
         return 0;
-    promise(hasNineNumbers(text), "garbage is no matrix");
+    verify(hasNineNumbers(text), "a matrix has nine numbers");
     checkMatrix(*decoded);
     if (matrix) {
         checkMatrix(*matrix);
         checkPrinted(*matrix);
-        promise(
-            distance(rotationTag(*matrix), rotationTag(*decoded)) <= 1, "a decoder turns it the same way");
+        verify(distance(rotationTag(*matrix), rotationTag(*decoded)) <= 1,
+            "both matrices have the same rotation");
     }
     return 0;
 }

@@ -2,7 +2,7 @@
 // Input: any bytes as ffmpeg's progress output and as its error messages. creator prints complete lines, and
 // the application reads the time only from its status lines.
 #include "export/Progress.h"
-#include "tests/fuzz/Promise.h"
+#include "tests/fuzz/Verify.h"
 #include "tools/StatusLines.h"
 
 #include <algorithm>
@@ -32,9 +32,9 @@ void checkLines(const std::string& text, bool (*isRight)(const std::string&), co
 {
     for (std::size_t begin = 0; begin < text.size();) {
         const auto end = text.find('\n', begin);
-        promise(end != std::string::npos, "lines are whole");
-        promise(end - begin < longestLine, "a line fits one write");
-        promise(isRight(text.substr(begin, end - begin)), what);
+        verify(end != std::string::npos, "each line ends with a newline");
+        verify(end - begin < longestLine, "a line fits into one write");
+        verify(isRight(text.substr(begin, end - begin)), what);
         begin = end + 1;
     }
 }
@@ -77,16 +77,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Choices choices(text);
     const std::string status = readWhole<ProgressReader>(text);
     const std::string complaints = readWhole<ComplaintReader>(text);
-    checkLines(status, isStatusLine, "progress gives status lines and nothing else");
-    checkLines(complaints, isComplaint, "a complaint is no status line");
-    promise(status == readInPieces<ProgressReader>(text, choices), "pieces of progress give the same");
-    promise(complaints == readInPieces<ComplaintReader>(text, choices), "pieces of complaints give the same");
-    promise(!elapsedSecondsFromChunk(complaints), "complaints alone tell no time");
+    checkLines(status, isStatusLine, "progress contains only status lines");
+    checkLines(complaints, isComplaint, "an error message is not a status line");
+    verify(status == readInPieces<ProgressReader>(text, choices), "progress does not depend on the chunks");
+    verify(complaints == readInPieces<ComplaintReader>(text, choices),
+        "error messages do not depend on the chunks");
+    verify(!elapsedSecondsFromChunk(complaints), "error messages contain no time");
     // Both use the same pipe, so a chunk may contain parts of each.
     const auto elapsed = elapsedSecondsFromChunk(complaints + statusLine(1000000));
-    promise(elapsed == 1.0, "a complaint is not taken for the time");
+    verify(elapsed == 1.0, "an error message is not read as a time");
     if (!status.empty())
-        promise(elapsedSecondsFromChunk(complaints + status) == elapsedSecondsFromChunk(status),
+        verify(elapsedSecondsFromChunk(complaints + status) == elapsedSecondsFromChunk(status),
             "the time is that of the first status line");
     return 0;
 }

@@ -14,7 +14,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// The number behind `label` in a text of lines such as "VmRSS:   1234 kB".
+/// The number in a line such as "VmRSS:   1234 kB" of the text; 0 if there is no line with that label.
 std::size_t numberBehind(const std::string& label, const std::string& text)
 {
     const auto place = text.find("\n" + label + ":");

@@ -6,12 +6,12 @@
 namespace tarnwell::test
 {
 
-/// What this process holds of the machine at the moment.
+/// The system resources that this process uses now.
 struct OwnResources {
     std::size_t descriptors = 0;
     std::size_t threads = 0;
-    std::size_t children = 0; // those that ended and were not waited for included
-    std::size_t memory = 0; // kilobytes that are resident
+    std::size_t children = 0; // including zombies
+    std::size_t memory = 0; // resident, in kB
 };
 
 OwnResources ownResources();

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Opens, turns, looks at and saves the same small video again and again in one window, with the real tools,
-// and compares what the program holds of the machine early on with what it holds at the end. tests/long/soak
-// calls it: SOAK_ROUNDS says how many rounds, SOAK_FIRST after how many the comparison begins.
+// Opens, turns, previews and saves the same small video repeatedly in one window with the real tools, and
+// compares the resources of the process at the end with those after the first rounds. tests/long/soak runs
+// this program with the variables SOAK_ROUNDS, the number of rounds, and SOAK_FIRST, the round of the first
+// measurement.
 #include "tests/long/OwnResources.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"
@@ -21,8 +22,7 @@ namespace tarnwell::test
 namespace
 {
 
-// The allocator keeps what was freed in places that the next round may or may not fill; a leak of one picture
-// a round would be ten times as much.
+// Covers heap fragmentation. A leak of one picture per round is ten times as much.
 constexpr std::size_t memoryTolerance = 4096; // kilobytes
 
 constexpr std::chrono::seconds longestRound(120);
@@ -33,7 +33,7 @@ int numberSet(const char* name)
     return value != nullptr ? std::atoi(value) : 0;
 }
 
-void tell(int round, const OwnResources& held, std::size_t files)
+void printResources(int round, const OwnResources& held, std::size_t files)
 {
     std::cout << "round " << round << ": " << held.descriptors << " descriptors, " << held.threads
               << " threads, " << held.children << " children, " << held.memory << " kB, " << files
@@ -48,7 +48,7 @@ protected:
     std::string sample() const { return folder() + "sample.mp4"; }
     std::string output() const { return folder() + "out.mp4"; }
 
-    /// Every second time by the panel instead of a drop.
+    /// Alternates between the open panel and a drop.
     void open(int round)
     {
         if (round % 2 == 0)
@@ -60,7 +60,8 @@ protected:
         ASSERT_EQ(shownPicture().size(), QSize(320, 240));
     }
 
-    /// Turns and mirrors, in one of eight ways that change the picture; the picture follows.
+    /// Turns or mirrors in one of eight sequences, each of which changes the picture; then resets and turns
+    /// left.
     void turn(int round)
     {
         const char* const buttons[]
@@ -76,7 +77,7 @@ protected:
         ASSERT_EQ(shownPicture().size(), QSize(240, 320));
     }
 
-    /// In both modes, turn about.
+    /// Alternates between both modes.
     void save(int round)
     {
         saveByPanel(output());
@@ -97,7 +98,8 @@ protected:
         return count;
     }
 
-    /// What is held once the threads and descriptors of the last run have gone.
+    /// Waits until no more threads and descriptors than expected remain from the last run. Returns the
+    /// resources.
     OwnResources settled(const OwnResources& expected)
     {
         EXPECT_TRUE(waitUntil([&expected] {
@@ -125,12 +127,12 @@ TEST_F(Soak, theProgramHoldsNoMoreAtTheEnd)
         if (round == first)
             early = ownResources();
         if (round == first || round % 50 == 0)
-            tell(round, ownResources(), temporaryFiles());
+            printResources(round, ownResources(), temporaryFiles());
     }
     startTimeLimit(longestRound, "the last round did not release its resources in time");
     ASSERT_FALSE(HasFatalFailure());
     const OwnResources late = settled(early);
-    tell(rounds, late, temporaryFiles());
+    printResources(rounds, late, temporaryFiles());
     EXPECT_LE(late.descriptors, early.descriptors);
     EXPECT_LE(late.threads, early.threads);
     EXPECT_EQ(late.children, early.children);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Opens one file after the other in the real window, with the real tools, and with VIDEOS_SAVE=1 saves each
-// of at most ten seconds in every way that the program offers. tests/long/videos-through-window calls it:
-// VIDEOS_LIST holds the files' paths, each ended by a zero byte; VIDEOS_OUTCOMES gets a line "begin PATH"
-// before each file and "end OUTCOME" after it, so that whoever starts it again knows which file it died of.
+// Opens files one after the other in the real window with the real tools. With VIDEOS_SAVE=1 it also saves
+// each video of at most ten seconds in every available mode. tests/long/videos-through-window runs this
+// program. VIDEOS_LIST names a file with null-terminated paths. The program appends a line "begin PATH"
+// before each file and a line "end OUTCOME" after it to the file VIDEOS_OUTCOMES, so that the script knows
+// which file made the program stop.
 #include "probe/FileProbe.h"
 #include "tests/long/OwnResources.h"
 #include "tests/support/Files.h"
@@ -48,9 +49,9 @@ std::string oneLine(const QString& text)
 class VideosThroughWindow : public WindowTest
 {
 protected:
-    void tell(const std::string& line) { m_outcomes << line << std::endl; }
+    void writeLine(const std::string& line) { m_outcomes << line << std::endl; }
 
-    /// What the window shows of the file after it was dropped: "picture WxH", "alert TEXT" or "refused".
+    /// Drops the file on the window. Returns the result: "picture WxH", "alert TEXT" or "refused".
     std::string open(const std::string& path)
     {
         if (!drop(path))
@@ -65,8 +66,8 @@ protected:
         return "picture " + std::to_string(picture.width()) + "x" + std::to_string(picture.height());
     }
 
-    /// Turns and saves what is open, in the mode of that name where the program asks for one. What came of
-    /// it.
+    /// Turns and saves the open video, in that mode if the program asks for one. Returns the result alert's
+    /// text and the size of the output.
     std::string save(const char* mode)
     {
         m_wasAsked = false;
@@ -86,7 +87,8 @@ protected:
         return text + (text.starts_with("Video") ? " (" : " (LEFT OVER: ") + size + " bytes)";
     }
 
-    /// Waits as long as the time limit of the process allows, which is longer than that of other waits.
+    /// Waits without a limit of its own: an export can take longer than other waits, and the process has a
+    /// time limit.
     AlertDialog* waitForAlert()
     {
         while (!isAlertShown())
@@ -106,27 +108,28 @@ protected:
     {
         std::string left;
         for (const auto& name : namesIn(ownTemporaryFolder())) {
-            // The folder of the stills stays until the program ends.
+            // The program keeps the folder of the still until it ends.
             const std::string path = ownTemporaryFolder() + "/" + name + "/";
             if (path != folder() && !namesIn(path).empty())
                 left += " " + name;
         }
         for (const auto& name : namesIn(folder()))
             left += " " + name;
-        // The thread that reads an encoder's status lines may need a moment more to end.
-        if (!waitUntil([this] { return ownResources().descriptors <= m_normal.descriptors; }))
+        // The thread that reads the encoder's status lines may end later.
+        if (!waitUntil([this] { return ownResources().descriptors <= m_baseline.descriptors; }))
             left += " descriptors";
-        if (ownResources().children > m_normal.children)
+        if (ownResources().children > m_baseline.children)
             left += " processes";
-        m_normal = left.empty() ? m_normal : ownResources(); // so that each is told once
+        m_baseline = left.empty() ? m_baseline : ownResources(); // reports each leftover once
         return left.empty() ? "" : "; LEFT OVER:" + left;
     }
 
-    /// What the program takes when it does a thing for the first time, such as showing an alert, it may keep.
-    void takeAsNormal(const std::string& kind)
+    /// After the first result of a kind, takes the present resources as the baseline: the first alert, for
+    /// example, allocates resources that the program keeps.
+    void updateBaseline(const std::string& kind)
     {
         if (m_kindsSeen.insert(kind).second)
-            m_normal = ownResources();
+            m_baseline = ownResources();
     }
 
     std::string output() const { return folder() + "out.mp4"; }
@@ -136,12 +139,12 @@ protected:
         const std::string original = contentsOf(path);
         startTimeLimit(longestOpening, "the file was not opened in time");
         std::string outcome = open(path);
-        takeAsNormal(outcome.substr(0, outcome.find(' ')));
+        updateBaseline(outcome.substr(0, outcome.find(' ')));
         if (outcome.starts_with("picture") && isSaving()
             && FileProbe(path, realTools()).duration <= longestToSave) {
             startTimeLimit(longestSaving, "the file was not saved in time");
             outcome += saveInEveryWay();
-            takeAsNormal("saved");
+            updateBaseline("saved");
         }
         stopTimeLimit();
         return outcome + (contentsOf(path) == original ? "" : "; ORIGINAL CHANGED") + leftovers();
@@ -151,7 +154,7 @@ protected:
 
 private:
     std::ofstream m_outcomes{setting("VIDEOS_OUTCOMES"), std::ios::app};
-    OwnResources m_normal;
+    OwnResources m_baseline;
     std::set<std::string> m_kindsSeen;
     bool m_wasAsked = false;
 };
@@ -162,10 +165,9 @@ TEST_F(VideosThroughWindow, oneAfterTheOther)
     start();
     std::istringstream list(contentsOf(setting("VIDEOS_LIST")));
     for (std::string path; std::getline(list, path, '\0');) {
-        tell("begin " + path);
-        tell("end " + outcomeOf(path));
-        ASSERT_FALSE(HasFailure())
-            << path; // the window may be in any state; a new one goes on after this file
+        writeLine("begin " + path);
+        writeLine("end " + outcomeOf(path));
+        ASSERT_FALSE(HasFailure()) << path; // the script continues with the next file in a new process
     }
 }
 

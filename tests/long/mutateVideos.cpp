@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Makes damaged copies of the files of a folder: flipped bits, cuts, splices with another file, and box sizes
-// that are wrong. Copy number N is the same whenever it is made from the same files with the same seed.
+// Creates damaged copies of the files of a folder: flipped bits, cuts, splices with another file, and wrong
+// box sizes. Copy number N depends only on the files and the seed.
 //
 //   mutateVideos SOURCES TARGET SEED FIRST COUNT
 //
-// Takes the files of at most five million bytes of the folder SOURCES, without those named .tsv.
+// Uses the files of the folder SOURCES that are at most five million bytes long and do not end in .tsv.
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -23,14 +23,14 @@ namespace
 namespace fs = std::filesystem;
 
 constexpr std::uintmax_t largestSource = 5000000; // bytes
-constexpr std::size_t headOfFile = 4096; // where most of what steers a demuxer stands
+constexpr std::size_t headOfFile = 4096; // bytes; contains most of the structure that a demuxer reads
 constexpr std::size_t boxHeader = 8;
 
-/// Numbers by chance that are the same on every machine, which the standard distributions are not.
-class Chance
+/// A random number generator with the same sequence on every platform, unlike the standard distributions.
+class Random
 {
 public:
-    Chance(std::uint64_t seed, std::uint64_t number)
+    Random(std::uint64_t seed, std::uint64_t number)
     {
         std::seed_seq seeds{seed, number};
         m_engine.seed(seeds);
@@ -70,51 +70,51 @@ std::vector<fs::path> sourcesIn(const fs::path& folder)
     return sources;
 }
 
-/// A place anywhere; every second time in what stands at the file's beginning or end.
-std::size_t placeIn(const std::string& bytes, Chance& chance)
+/// A random offset; in half of the cases within the first or the last 4096 bytes.
+std::size_t placeIn(const std::string& bytes, Random& random)
 {
     const std::size_t head = std::min(headOfFile, bytes.size());
-    switch (chance.below(4)) {
+    switch (random.below(4)) {
     case 0:
-        return chance.below(head);
+        return random.below(head);
     case 1:
-        return bytes.size() - head + chance.below(head);
+        return bytes.size() - head + random.below(head);
     default:
-        return chance.below(bytes.size());
+        return random.below(bytes.size());
     }
 }
 
-std::string flipBits(std::string bytes, const std::string&, Chance& chance)
+std::string flipBits(std::string bytes, const std::string&, Random& random)
 {
-    for (std::size_t left = std::size_t(1) << chance.below(8); left > 0 && !bytes.empty(); --left) {
-        char& byte = bytes[placeIn(bytes, chance)];
-        byte = static_cast<char>(byte ^ (1 << chance.below(8)));
+    for (std::size_t left = std::size_t(1) << random.below(8); left > 0 && !bytes.empty(); --left) {
+        char& byte = bytes[placeIn(bytes, random)];
+        byte = static_cast<char>(byte ^ (1 << random.below(8)));
     }
     return bytes;
 }
 
-/// Without its end, its beginning, or a piece of its middle.
-std::string cut(std::string bytes, const std::string&, Chance& chance)
+/// Removes the end, the beginning, or a part of the middle.
+std::string cut(std::string bytes, const std::string&, Random& random)
 {
-    const std::size_t place = placeIn(bytes, chance);
-    switch (chance.below(4)) {
+    const std::size_t place = placeIn(bytes, random);
+    switch (random.below(4)) {
     case 0:
         return bytes.substr(place);
     case 1:
-        return bytes.erase(place, 1 + chance.below(bytes.size() - place));
+        return bytes.erase(place, 1 + random.below(bytes.size() - place));
     default:
         return bytes.substr(0, place);
     }
 }
 
-/// With a piece of the other file, or one of its own from elsewhere, put in or written over.
-std::string splice(std::string bytes, const std::string& other, Chance& chance)
+/// Inserts a piece of the other file or of the same file, or overwrites bytes with it.
+std::string splice(std::string bytes, const std::string& other, Random& random)
 {
-    const std::string donor = chance.below(3) == 0 ? bytes : other;
-    const std::size_t begin = placeIn(donor, chance);
-    const std::string piece = donor.substr(begin, 1 + chance.below(std::size_t(1) << chance.below(20)));
-    const std::size_t place = placeIn(bytes, chance);
-    return bytes.replace(place, chance.below(2) == 0 ? 0 : piece.size(), piece);
+    const std::string donor = random.below(3) == 0 ? bytes : other;
+    const std::size_t begin = placeIn(donor, random);
+    const std::string piece = donor.substr(begin, 1 + random.below(std::size_t(1) << random.below(20)));
+    const std::size_t place = placeIn(bytes, random);
+    return bytes.replace(place, random.below(2) == 0 ? 0 : piece.size(), piece);
 }
 
 std::size_t numberAt(const std::string& bytes, std::size_t place, std::size_t count)
@@ -138,7 +138,7 @@ bool isBoxType(const std::string& bytes, std::size_t place)
         [](char letter) { return letter == ' ' || (letter >= '0' && letter <= 'z'); });
 }
 
-/// Where boxes begin, those inside others included. Other containers have none.
+/// Collects the offsets of all MP4 boxes, including nested ones.
 void collectBoxes(
     const std::string& bytes, std::size_t begin, std::size_t end, std::vector<std::size_t>& boxes)
 {
@@ -152,9 +152,8 @@ void collectBoxes(
     }
 }
 
-/// With one box that says another size than its own; where there are no boxes, any four bytes near the
-/// beginning stand for a size.
-std::string resizeBox(std::string bytes, const std::string&, Chance& chance)
+/// Changes the size of one box. Without boxes, changes any four bytes near the beginning.
+std::string resizeBox(std::string bytes, const std::string&, Random& random)
 {
     constexpr std::size_t sizeBytes = 4;
     constexpr std::array<std::uint64_t, 12> oddSizes
@@ -164,29 +163,30 @@ std::string resizeBox(std::string bytes, const std::string&, Chance& chance)
     std::vector<std::size_t> boxes;
     collectBoxes(bytes, 0, bytes.size(), boxes);
     const std::size_t place
-        = boxes.empty() ? chance.below(std::min(headOfFile, bytes.size() - sizeBytes)) : chance.oneOf(boxes);
+        = boxes.empty() ? random.below(std::min(headOfFile, bytes.size() - sizeBytes)) : random.oneOf(boxes);
     const std::uint64_t size = numberAt(bytes, place, sizeBytes);
-    switch (chance.below(4)) {
+    switch (random.below(4)) {
     case 0:
-        writeNumber(bytes, place, sizeBytes, chance.oneOf(oddSizes));
+        writeNumber(bytes, place, sizeBytes, random.oneOf(oddSizes));
         break;
     case 1:
-        writeNumber(bytes, place, sizeBytes, size + chance.below(64) - 32);
+        writeNumber(bytes, place, sizeBytes, size + random.below(64) - 32);
         break;
     case 2:
-        writeNumber(bytes, place, sizeBytes, chance.below(bytes.size() * 2));
+        writeNumber(bytes, place, sizeBytes, random.below(bytes.size() * 2));
         break;
-    default: // a size of eight bytes behind the type
+    default: // a 64-bit size after the type
         writeNumber(bytes, place, sizeBytes, 1);
         writeNumber(bytes, std::min(place + boxHeader, bytes.size() - 8), 8,
-            chance.below(2) == 0 ? chance.oneOf(oddSizes) : ~chance.oneOf(oddSizes));
+            random.below(2) == 0 ? random.oneOf(oddSizes) : ~random.oneOf(oddSizes));
     }
     return bytes;
 }
 
+/// A kind of damage: its name in the file names of mutants, and its function.
 struct Kind {
     const char* name;
-    std::string (*damaged)(std::string bytes, const std::string& other, Chance& chance);
+    std::string (*damaged)(std::string bytes, const std::string& other, Random& random);
 };
 
 constexpr Kind kinds[] = {{"bits", flipBits}, {"cut", cut}, {"splice", splice}, {"box-size", resizeBox}};
@@ -194,13 +194,13 @@ constexpr Kind kinds[] = {{"bits", flipBits}, {"cut", cut}, {"splice", splice}, 
 void makeMutant(
     const std::vector<fs::path>& sources, const fs::path& target, std::uint64_t seed, std::uint64_t number)
 {
-    Chance chance(seed, number);
-    const fs::path& source = chance.oneOf(sources);
-    const std::string other = contentsOf(chance.oneOf(sources));
+    Random random(seed, number);
+    const fs::path& source = random.oneOf(sources);
+    const std::string other = contentsOf(random.oneOf(sources));
     const Kind& kind = kinds[number % std::size(kinds)];
     std::string bytes = contentsOf(source);
-    for (std::size_t left = 1 + chance.below(3); left > 0 && !bytes.empty(); --left)
-        bytes = kind.damaged(std::move(bytes), other, chance);
+    for (std::size_t left = 1 + random.below(3); left > 0 && !bytes.empty(); --left)
+        bytes = kind.damaged(std::move(bytes), other, random);
     std::array<char, 16> padded{};
     std::snprintf(padded.data(), padded.size(), "%06llu", static_cast<unsigned long long>(number));
     const std::string name = std::string(padded.data()) + "-" + kind.name + "-" + source.filename().string();
@@ -218,7 +218,7 @@ int main(int argc, char* argv[])
     }
     const std::vector<fs::path> sources = sourcesIn(arguments[0]);
     if (sources.empty()) {
-        std::fputs("mutateVideos: there is no file to begin with\n", stderr);
+        std::fputs("mutateVideos: the folder contains no usable file\n", stderr);
         return 2;
     }
     const std::uint64_t seed = std::stoull(arguments[2]);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The icons that are pictures of one size are drawn from the one that has none.
+// Compares the PNG icons with the SVG icon rendered at their sizes.
 #include "desktop/PathText.h"
 
 #include <QImage>
@@ -18,7 +18,7 @@ namespace tarnwell::test
 namespace
 {
 
-// Releases of Qt draw edges a little differently.
+// Tolerance per channel: the antialiasing of edges differs between versions of Qt.
 constexpr int fewLevels = 24;
 
 const std::string resources = TARNWELL_RESOURCES_FOLDER;

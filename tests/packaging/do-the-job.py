@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Does the main job with the installed program, on the desktop that this runs on.
+"""Does the main job with the installed program on the current desktop.
 
-Starts it by its desktop entry, opens a video, turns it, saves it both ways and quits: with the keyboard, and looking
-at the window through the accessibility bus, as its user would. Then looks at the saved videos. The one argument is a
-folder; the videos and a picture of each step are left there.
+Starts the program by its desktop entry, opens a video, turns it, saves it in both modes and quits, with keys and over
+the accessibility bus. Then checks the saved videos. The argument is a folder for the videos and a screenshot of each
+step.
 """
 
 import hashlib
@@ -19,24 +19,24 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, Gio, GLib  # noqa: E402
 
-LONGEST_WAIT = 60  # seconds; only a broken desktop takes so long
+LONGEST_WAIT = 60  # seconds
 APPLICATION_ID = "org.tarnwell.Tarnwell"
 WIDTH, HEIGHT = 960, 540
 CORNERS = {"red": (255, 0, 0), "green": (0, 128, 0), "blue": (0, 0, 255), "yellow": (255, 255, 0)}
 
 
 def wait_for(what, condition):
-    """Returns the condition's first answer that is not false, or gives up."""
+    """Returns the first true result of the condition. Fails after LONGEST_WAIT."""
     deadline = time.monotonic() + LONGEST_WAIT
     while True:
         try:
             answer = condition()
-        except GLib.Error:  # what was looked at is gone
+        except GLib.Error:  # the element no longer exists
             answer = None
         if answer:
             return answer
         if time.monotonic() > deadline:
-            raise AssertionError(f"waited in vain: {what}")
+            raise AssertionError(f"timeout waiting for {what}")
         time.sleep(0.02)
 
 
@@ -81,7 +81,7 @@ def main_window():
 
 
 def button(name, *states):
-    """The button, or the toolbar's item, of that name which is to be seen and has those states."""
+    """The visible push button or tool button of that name with those states."""
     return find(lambda thing: thing.get_role() == Atspi.Role.PUSH_BUTTON and thing.get_name() == name
                 and has(thing, Atspi.StateType.SHOWING, *states))
 
@@ -96,7 +96,7 @@ def file_name_field():
 
 
 def press(thing):
-    require(thing.do_action(0), f"the button {thing.get_name()} takes no press")
+    require(thing.do_action(0), f"the button {thing.get_name()} cannot be pressed")
 
 
 def keys(*names):
@@ -118,7 +118,7 @@ class Job:
         self.step = 0
 
     def show(self, what):
-        """Says what has been done and leaves a picture of the screen."""
+        """Saves a screenshot and prints its name."""
         self.step += 1
         picture = self.folder / f"{self.step:02} {what}.png"
         ffmpeg("-f", "x11grab", "-draw_mouse", "0", "-i", "", "-frames:v", "1", str(picture))
@@ -132,10 +132,10 @@ class Job:
                "-vf", drawn, "-c:v", "libx264", "-pix_fmt", "yuv420p", "-c:a", "aac", str(self.sample))
 
     def start(self):
-        """The desktop entry has the session bus start the program, which the package's service file makes possible."""
+        """Launches the desktop entry, which makes the session bus start the program by the package's service file."""
         entry = Gio.DesktopAppInfo.new(APPLICATION_ID + ".desktop")
-        require(entry.get_boolean("DBusActivatable"), "the entry is not for the bus")
-        require(entry.launch([], None), "the entry starts nothing")
+        require(entry.get_boolean("DBusActivatable"), "the desktop entry is not DBusActivatable")
+        require(entry.launch([], None), "the desktop entry cannot be launched")
         window = wait_for("the window", main_window)
         wait_for("the keyboard", lambda: has(window, Atspi.StateType.ACTIVE))
         self.show("started")
@@ -214,7 +214,7 @@ def expect_video(path, size, rotation):
 
 
 def expect_turned_right(path):
-    """Decodes a frame as a player shows it."""
+    """Decodes a frame with its rotation applied and checks the colours of its corners."""
     frame = ffmpeg("-ss", "2", "-i", str(path), "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
     width, height = HEIGHT, WIDTH
     require(len(frame) == width * height * 3, "the size that is shown")
@@ -246,7 +246,7 @@ def main():
                                  ("turned frame by frame.mp4", (HEIGHT, WIDTH), [])):
         expect_video(job.folder / name, size, rotation)
         expect_turned_right(job.folder / name)
-    require(digest(job.sample) == original, "the original is as it was")
+    require(digest(job.sample) == original, "the original changed")
     print("The job is done.")
 
 

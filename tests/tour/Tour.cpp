@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The whole job through the real window, with the mouse and the keyboard of the X server: open, turn, mirror,
-// save both ways, cancel. The one argument is a folder; the sample, the saved videos and a picture of each
-// step are left there. Without an argument they go with the test.
+// The whole job in the real window with the mouse and the keyboard of the X server: open, turn, mirror, save
+// in both modes, cancel. The argument is a folder for the sample, the saved videos and a screenshot of each
+// step. Without an argument a temporary folder is used.
 #include "desktop/PathText.h"
 #include "tests/support/Files.h"
 #include "tests/support/RealInput.h"
@@ -43,7 +43,7 @@ protected:
         const QStringList arguments = QApplication::arguments();
         m_results = arguments.size() > 1 ? pathOfText(arguments.at(1)) + "/" : folder();
         std::filesystem::create_directories(m_results);
-        // What an earlier tour left would have the panel ask about replacing it.
+        // Existing files would make the save panel ask for confirmation.
         for (const auto& name : namesIn(m_results)) {
             if (name.ends_with(".mp4") || name.ends_with(".png"))
                 std::filesystem::remove(m_results + name);
@@ -54,7 +54,7 @@ protected:
     std::string sample() const { return m_results + "sample.mp4"; }
     std::string result(const std::string& name) const { return m_results + name; }
 
-    /// Says what has been done and leaves a picture of the screen.
+    /// Saves a screenshot and prints its name.
     void show(const std::string& what)
     {
         paintEveryWindow();
@@ -116,7 +116,7 @@ protected:
         show("rotated right");
     }
 
-    /// Saves by the keyboard; the panel's proposal is replaced by `path`.
+    /// Opens the save panel with the keyboard and replaces the proposed name by `path`.
     void saveAs(const std::string& path)
     {
         waitForKeyboard(window());

@@ -13,7 +13,7 @@ namespace tarnwell::test
 {
 
 /// Aborts if the invariant does not hold, so that the fuzzer saves the input.
-inline void promise(bool holds, const char* what)
+inline void verify(bool holds, const char* what)
 {
     if (holds)
         return;

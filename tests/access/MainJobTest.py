@@ -60,7 +60,7 @@ class MainJobTest(AccessTestCase.AccessTestCase):
         self.program.wait_until_gone("alert")
         return description
 
-    def test_every_control_says_what_it_is_and_does(self):
+    def test_every_control_has_a_name_and_a_description(self):
         self.assert_named(self.program.window)
         toolbar = self.program.find("tool bar", "Tools")
         for name, description in TOOLS.items():
@@ -73,7 +73,7 @@ class MainJobTest(AccessTestCase.AccessTestCase):
         for name in ("File", "Help"):
             self.assertIsNotNone(self.program.shown("menu item", name, menus), name)
 
-    def test_a_video_is_turned_and_saved_by_its_flag(self):
+    def test_a_video_is_turned_and_saved_by_fix_flag(self):
         self.open_video()
         self.program.press("push button", "Rotate Right")
         self.wait_for_picture("clip.mp4, turned right")
@@ -84,7 +84,7 @@ class MainJobTest(AccessTestCase.AccessTestCase):
         self.assert_by_flag(-90)
         self.assertEqual(self.picture(), "clip.mp4, turned right")
 
-    def test_a_video_is_turned_and_encoded_anew(self):
+    def test_a_video_is_turned_and_re_encoded(self):
         self.open_video()
         for name, description in (("Rotate Left", "turned left"),
                                   ("Flip Vertically", "turned left, mirrored vertically"),
@@ -117,7 +117,7 @@ class MainJobTest(AccessTestCase.AccessTestCase):
         wait_until(lambda: not os.path.exists(self.output), "removal of the cancelled output")
         self.assertIsNone(self.program.shown("alert"))
 
-    def test_a_file_that_is_no_video_is_explained(self):
+    def test_a_file_that_is_not_a_video_shows_an_alert(self):
         path = os.path.join(os.path.dirname(self.video), "notes.txt")
         with open(path, "w", encoding="utf-8") as file:
             file.write("no video")
@@ -126,7 +126,7 @@ class MainJobTest(AccessTestCase.AccessTestCase):
         self.assertTrue(self.dismiss(name).startswith("Please try opening some other file or contact : "))
         self.assertEqual(self.picture(), "Drop a video here, or choose File ▸ Open (Ctrl+O)")
 
-    def test_the_help_can_be_read(self):
+    def test_the_help_is_accessible(self):
         self.program.press("push button", "Help", self.program.find("tool bar"))
         sheet = self.program.find("dialog", "Tarnwell Help")
         self.assert_named(sheet)

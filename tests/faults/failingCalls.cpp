@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Loaded before the system's libraries, this makes one call of the system fail, the n-th time that the
-// program itself makes it: TARNWELL_FAILS is "CALL N". That it did is noted in the file TARNWELL_FAILED.
-// Calls from other libraries than the C++ library are left alone.
+// An LD_PRELOAD library that makes the N-th call of a function fail. TARNWELL_FAILS is "FUNCTION N". The
+// library creates the file named by TARNWELL_FAILED when the call has failed. Only calls from the program
+// itself and from the C++ library count.
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
@@ -22,6 +22,7 @@
 namespace
 {
 
+/// The function and the number of its call that fails; number 0 for none.
 struct Plan {
     char call[32] = {};
     int number = 0;
@@ -38,9 +39,9 @@ Plan readPlan()
 
 const Plan plan = readPlan();
 std::atomic<int> calls = 0;
-std::atomic<bool> isCounting = std::getenv("TARNWELL_FAILS_WHEN_TOLD") == nullptr;
+std::atomic<bool> isCounting = std::getenv("TARNWELL_COUNT_ON_REQUEST") == nullptr;
 
-/// The program itself is the one object without a name among those that are loaded.
+/// Whether the caller is in the program itself or in the C++ library, by the file name of the loaded object.
 bool isOwn(const void* caller)
 {
     Dl_info info = {};
@@ -57,7 +58,7 @@ Function real(const char* name)
     return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
 }
 
-void note()
+void recordFailure()
 {
     static const auto openReally = real<int (*)(const char*, int, ...)>("open");
     static const auto writeReally = real<ssize_t (*)(int, const void*, size_t)>("write");
@@ -69,11 +70,11 @@ void note()
     ::close(file);
 }
 
-bool isToFail(const char* call, const void* caller)
+bool shouldFail(const char* call, const void* caller)
 {
     if (!isCounting || std::strcmp(call, plan.call) != 0 || !isOwn(caller) || ++calls != plan.number)
         return false;
-    note();
+    recordFailure();
     return true;
 }
 
@@ -83,9 +84,9 @@ int failing(int error)
     return -1;
 }
 
-/// Where the environment variable names a file: makes a file of that name with ".waiting" and waits until the
-/// other exists.
-void waitIfTold(const char* variable)
+/// If the environment variable names a file, creates a file of that name with ".waiting" appended, and waits
+/// until the named file exists.
+void waitIfRequested(const char* variable)
 {
     const char* path = std::getenv(variable);
     if (path == nullptr)
@@ -104,20 +105,21 @@ bool isFolder(int file)
 } // namespace
 
 #define FAIL_OR(call, error)                                                                                 \
-    if (isToFail(#call, __builtin_return_address(0)))                                                        \
+    if (shouldFail(#call, __builtin_return_address(0)))                                                      \
         return failing(error);                                                                               \
     static const auto really = real<decltype(&::call)>(#call)
 
-// A program built for files of more than 2 GiB calls functions with another name. They count as the same
-// call.
+// With 64-bit file offsets (_FILE_OFFSET_BITS), a program calls functions whose names end in 64. They count
+// as the same function.
 #define FAIL_OR_64(call, error)                                                                              \
-    if (isToFail(#call, __builtin_return_address(0)))                                                        \
+    if (shouldFail(#call, __builtin_return_address(0)))                                                      \
         return failing(error);                                                                               \
     static const auto really = real<decltype(&::call##64)>(#call "64")
 
 extern "C" {
 
-/// With TARNWELL_FAILS_WHEN_TOLD in its environment the program says when calls count.
+/// Starts or stops counting calls. With TARNWELL_COUNT_ON_REQUEST in the environment, no call counts before
+/// the first start.
 void countFailingCalls(bool count)
 {
     isCounting = count;
@@ -138,7 +140,7 @@ pid_t fork()
 int posix_spawn(pid_t* child, const char* path, const posix_spawn_file_actions_t* actions,
     const posix_spawnattr_t* attributes, char* const arguments[], char* const environment[])
 {
-    if (isToFail("posix_spawn", __builtin_return_address(0)))
+    if (shouldFail("posix_spawn", __builtin_return_address(0)))
         return EAGAIN;
     static const auto really = real<decltype(&::posix_spawn)>("posix_spawn");
     return really(child, path, actions, attributes, arguments, environment);
@@ -146,7 +148,7 @@ int posix_spawn(pid_t* child, const char* path, const posix_spawn_file_actions_t
 
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*work)(void*), void* argument)
 {
-    if (isToFail("pthread_create", __builtin_return_address(0)))
+    if (shouldFail("pthread_create", __builtin_return_address(0)))
         return EAGAIN;
     static const auto really = real<decltype(&::pthread_create)>("pthread_create");
     return really(thread, attributes, work, argument);
@@ -198,13 +200,13 @@ int ioctl(int file, unsigned long request, ...) noexcept
     return really(file, request, argument);
 }
 
-/// Its second call waits where TARNWELL_COPY_WAITS_FOR names a file.
+/// The second call waits for the file that TARNWELL_COPY_WAITS_FOR names.
 ssize_t copy_file_range(
     int from, off64_t* fromOffset, int to, off64_t* toOffset, size_t size, unsigned int flags)
 {
     static std::atomic<int> copies = 0;
     if (++copies == 2)
-        waitIfTold("TARNWELL_COPY_WAITS_FOR");
+        waitIfRequested("TARNWELL_COPY_WAITS_FOR");
     FAIL_OR(copy_file_range, EIO);
     return really(from, fromOffset, to, toOffset, size, flags);
 }
@@ -215,10 +217,10 @@ int sync_file_range(int file, off64_t offset, off64_t size, unsigned int flags)
     return really(file, offset, size, flags);
 }
 
-int poll(pollfd* files, nfds_t count, int patience)
+int poll(pollfd* files, nfds_t count, int timeout)
 {
     FAIL_OR(poll, EINTR);
-    return really(files, count, patience);
+    return really(files, count, timeout);
 }
 
 int waitid(idtype_t type, id_t id, siginfo_t* info, int options)
@@ -291,7 +293,7 @@ int open64(const char* path, int flags, ...)
 
 char* mkdtemp(char* path)
 {
-    if (isToFail("mkdtemp", __builtin_return_address(0))) {
+    if (shouldFail("mkdtemp", __builtin_return_address(0))) {
         errno = ENOSPC;
         return nullptr;
     }
@@ -313,7 +315,7 @@ int mkostemp64(char* path, int flags)
 
 int fsync(int file)
 {
-    waitIfTold(isFolder(file) ? "TARNWELL_FOLDER_FSYNC_WAITS_FOR" : "TARNWELL_FSYNC_WAITS_FOR");
+    waitIfRequested(isFolder(file) ? "TARNWELL_FOLDER_FSYNC_WAITS_FOR" : "TARNWELL_FSYNC_WAITS_FOR");
     FAIL_OR(fsync, EIO);
     return really(file);
 }

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a movie: creator takes it as whole only where its boxes fill the file, and writes the matrices
-// of track headers and nothing else.
-#include "tests/fuzz/Promise.h"
+// Input: any bytes as a movie. creator accepts it as complete only if valid boxes fill the file, and writes
+// only the matrices of track headers.
+#include "tests/fuzz/MemoryFile.h"
+#include "tests/fuzz/Verify.h"
 #include "tools/TrackMatrix.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <sys/mman.h>
-#include <unistd.h>
 #include <vector>
 
 namespace tarnwell::test
@@ -19,38 +18,6 @@ namespace
 
 constexpr std::size_t matrixSize = 36;
 
-/// A file without a name that is used again and again.
-class MemoryFile
-{
-public:
-    MemoryFile()
-        : m_descriptor(::memfd_create("movie", MFD_CLOEXEC))
-    {
-        promise(m_descriptor >= 0, "there is a file in memory");
-    }
-
-    int descriptor() const { return m_descriptor; }
-
-    void write(const std::string& bytes) const
-    {
-        promise(::ftruncate(m_descriptor, 0) == 0
-                && ::pwrite(m_descriptor, bytes.data(), bytes.size(), 0)
-                    == static_cast<ssize_t>(bytes.size()),
-            "the file in memory can be written");
-    }
-
-    std::string contents() const
-    {
-        std::string bytes(static_cast<std::size_t>(::lseek(m_descriptor, 0, SEEK_END)), '\0');
-        promise(::pread(m_descriptor, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size()),
-            "the file in memory can be read");
-        return bytes;
-    }
-
-private:
-    int m_descriptor;
-};
-
 std::uint64_t numberAt(const std::string& bytes, std::size_t place, std::size_t count)
 {
     std::uint64_t number = 0;
@@ -59,19 +26,20 @@ std::uint64_t numberAt(const std::string& bytes, std::size_t place, std::size_t 
     return number;
 }
 
+/// A box of an MP4 file: the offsets of its content and its end.
 struct Box {
     std::string type;
     std::size_t content;
     std::size_t end;
 };
 
-/// The boxes up to the first that is broken, and whether none is. A size of 0 reaches to the end.
+/// The boxes up to the first invalid one; `areWhole` is set if all are valid. A size of 0 extends to `end`.
 std::vector<Box> boxesIn(const std::string& bytes, std::size_t begin, std::size_t end, bool& areWhole)
 {
     std::vector<Box> boxes;
     for (areWhole = true; begin < end;) {
         std::uint64_t size = numberAt(bytes, begin, 4);
-        const std::size_t header = size == 1 ? 16 : 8; // its room is the file, as the sizes are checked
+        const std::size_t header = size == 1 ? 16 : 8; // the file must contain it; sizes are checked below
         if (size == 0)
             size = end - begin;
         if (size == 1)
@@ -85,7 +53,7 @@ std::vector<Box> boxesIn(const std::string& bytes, std::size_t begin, std::size_
     return boxes;
 }
 
-/// Whether boxes fill the file, and one of them, the only one of its type, is filled by boxes with a track.
+/// Whether valid boxes fill the file, exactly one is a "moov", and valid boxes with a track fill that one.
 bool hasDescription(const std::string& bytes)
 {
     bool areWhole = false;
@@ -99,7 +67,8 @@ bool hasDescription(const std::string& bytes)
         && std::any_of(parts.begin(), parts.end(), [](const Box& part) { return part.type == "trak"; });
 }
 
-/// Where the matrix of the header with that "tkhd" stands, by its size's form and its version byte.
+/// The offset of the matrix in the track header whose type field is at `type`. It depends on the form of the
+/// size and on the version byte.
 std::size_t matrixPlace(const std::string& bytes, std::size_t type)
 {
     const bool isLongSize = type >= 4 && numberAt(bytes, type - 4, 4) == 1;
@@ -107,12 +76,12 @@ std::size_t matrixPlace(const std::string& bytes, std::size_t type)
     return content + (content < bytes.size() && bytes[content] == 1 ? 52 : 40);
 }
 
-/// Whether the header that the type stands in is long enough for a matrix and the size behind it.
+/// Whether the track header is long enough for a matrix and the picture size after it.
 bool hasRoom(const std::string& bytes, std::size_t type)
 {
     constexpr std::size_t pictureSize = 8;
     const std::uint64_t size = type < 4 ? 0 : numberAt(bytes, type - 4, 4);
-    const bool isElsewhere = size < 2; // eight bytes behind the type, or up to the parent's end
+    const bool isElsewhere = size < 2; // the size follows the type, or the box extends to its parent's end
     return isElsewhere || matrixPlace(bytes, type) + matrixSize + pictureSize <= type - 4 + size;
 }
 
@@ -129,12 +98,12 @@ bool isInMatrix(const std::string& bytes, std::size_t place)
 
 void checkChanges(const std::string& before, const std::string& after)
 {
-    promise(before.size() == after.size(), "the file keeps its size");
+    verify(before.size() == after.size(), "the file keeps its size");
     for (std::size_t place = 0; place < before.size(); ++place)
-        promise(before[place] == after[place] || isInMatrix(before, place), "nothing but matrices changes");
+        verify(before[place] == after[place] || isInMatrix(before, place), "only matrices change");
 }
 
-/// The first two rows' numbers that a quarter turn to the left, so many times, is.
+/// Whether a track header contains the matrix of this many quarter turns to the left.
 bool hasQuarterTurns(const std::string& bytes, std::size_t turns)
 {
     constexpr std::uint64_t one = 65536;
@@ -158,21 +127,21 @@ bool areNear(const DisplayMatrix& left, const DisplayMatrix& right)
         && std::abs(left.c - right.c) < rounding && std::abs(left.d - right.d) < rounding;
 }
 
-/// Writes the matrix into all video tracks, twice.
+/// Writes the matrix into all video tracks twice and checks that the second time changes nothing.
 void checkMatrix(const MemoryFile& file, const std::string& before, std::size_t turns)
 {
     const DisplayMatrix matrix = turnedLeft(90.0 * static_cast<double>(turns));
     const bool isWritten = writeTrackMatrix(file.descriptor(), matrix);
     const std::string after = file.contents();
     checkChanges(before, after);
-    promise(isWritten || after == before, "what fails changes nothing");
-    promise(isCompleteMovie(file.descriptor()) == isWritten, "a new matrix breaks no movie");
-    promise(!isWritten || hasQuarterTurns(after, turns), "what was written is the turn");
-    promise(writeTrackMatrix(file.descriptor(), matrix) == isWritten && file.contents() == after,
-        "the second time changes nothing");
+    verify(isWritten || after == before, "a failure changes nothing");
+    verify(isCompleteMovie(file.descriptor()) == isWritten, "a new matrix does not change completeness");
+    verify(!isWritten || hasQuarterTurns(after, turns), "the written matrix is the rotation");
+    verify(writeTrackMatrix(file.descriptor(), matrix) == isWritten && file.contents() == after,
+        "a second call changes nothing");
 }
 
-/// Turns what is shown by quarters.
+/// Applies the patches of a fix flag and checks the resulting orientation.
 void checkFlag(const MemoryFile& file, const std::string& before, std::size_t turns)
 {
     file.write(before);
@@ -184,18 +153,20 @@ void checkFlag(const MemoryFile& file, const std::string& before, std::size_t tu
     const auto patches = patchesOfFlag(*movie, degrees - shown.rotation);
     if (!patches)
         return;
-    promise(!patches->empty() && applyPatches(file.descriptor(), *patches), "a flag is some patches");
+    verify(!patches->empty() && applyPatches(file.descriptor(), *patches),
+        "a flag has patches that can be applied");
     checkChanges(before, file.contents());
     const auto after = readMovie(file.descriptor());
-    promise(after && after->videos.size() == movie->videos.size(), "a flag breaks no movie");
+    verify(after && after->videos.size() == movie->videos.size(),
+        "a flag does not change the number of video tracks");
     const auto expected = combined(shown.decoded.value_or(DisplayMatrix()), turnedLeft(degrees));
     const auto decoded = orientationOf(*after).decoded;
     const VideoTrack& main = mainVideo(*movie);
-    constexpr double smallest = 0.02; // a smaller scale leaves too few bits of the matrix
+    constexpr double smallest = 0.02; // with a smaller scale the fixed-point numbers are too coarse
     const bool isLarge = std::hypot(main.matrix.a, main.matrix.b) > smallest || !shown.decoded;
     const bool isSmall = std::hypot(main.matrix.a, main.matrix.b) < 32767;
-    promise(main.isCover || !isLarge || !isSmall || (decoded && areNear(*decoded, expected)),
-        "what is shown is turned");
+    verify(main.isCover || !isLarge || !isSmall || (decoded && areNear(*decoded, expected)),
+        "the shown picture has the new orientation");
 }
 
 } // namespace
@@ -208,9 +179,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const MemoryFile file;
     const std::string before = bytesOf(data, size);
     file.write(before);
-    promise(!isCompleteMovie(file.descriptor()) || hasDescription(before),
-        "a complete movie consists of whole boxes and has one description");
-    promise(file.contents() == before, "reading changes nothing");
+    verify(!isCompleteMovie(file.descriptor()) || hasDescription(before),
+        "a complete movie consists of valid boxes and has one moov");
+    verify(file.contents() == before, "isCompleteMovie changes nothing");
     Choices choices(before);
     const std::size_t turns = choices.below(4);
     checkMatrix(file, before, turns);

@@ -22,8 +22,7 @@ protected:
     /// The name of the control that has the keyboard, as a screen reader says it.
     static std::string owner()
     {
-        // The window manager may move the keyboard once more after a sheet has gone.
-        waitFor("a control with the keyboard", [] { return QApplication::focusWidget() != nullptr; });
+        waitForAnyKeyboard(); // it may move once more after a sheet has gone
         const QWidget* widget = QApplication::focusWidget();
         if (const auto* button = qobject_cast<const QToolButton*>(widget))
             return button->defaultAction()->text().toStdString();

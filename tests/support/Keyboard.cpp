@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Keyboard.h"
 
+#include <QApplication>
 #include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QWidget>
@@ -61,17 +62,10 @@ WId activeWindow()
     return window;
 }
 
-} // namespace
-
 bool hasKeyboard(const QWindow* window)
 {
     return window != nullptr && window->handle() != nullptr && QGuiApplication::focusWindow() == window
         && keyboardOwner() == window->winId() && activeWindow() == window->winId();
-}
-
-bool hasKeyboard(const QWidget& widget)
-{
-    return hasKeyboard(widget.window()->windowHandle());
 }
 
 bool hasProgramKeyboard()
@@ -82,21 +76,67 @@ bool hasProgramKeyboard()
     });
 }
 
-void waitForKeyboard(QWidget& widget, CallSite site)
+/// A popup takes the keys for itself while the X server sends them to the window behind it.
+bool isKeyboardReady()
 {
-    // A window manager that is busy with another window may lose the request.
-    constexpr std::chrono::seconds requestInterval(1);
+    return QApplication::activePopupWidget() != nullptr ? hasProgramKeyboard()
+                                                        : hasKeyboard(QGuiApplication::focusWindow());
+}
+
+/// Qt 6.4 may forget the focus window for good, some 100 ms after the end of a sheet that was shown for 10
+/// ms, while the X server and the window manager leave the keyboard with the window. Moving the keyboard away
+/// and back makes the X server send the events again that Qt relies on.
+void restoreForgottenKeyboard()
+{
+    if (QGuiApplication::focusWindow() != nullptr || !hasProgramKeyboard())
+        return;
+    const auto owner = static_cast<xcb_window_t>(keyboardOwner());
+    for (const xcb_window_t window : {xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}, owner})
+        xcb_set_input_focus(connection(), XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+    xcb_flush(connection());
+}
+
+/// Requests the keyboard at once and, as a busy window manager may lose a request, every second.
+void waitWithRequests(const std::string& awaited, const std::function<void()>& request,
+    const std::function<bool()>& condition, CallSite site)
+{
+    constexpr std::chrono::seconds interval(1);
     QDeadlineTimer nextRequest(0);
-    const auto isActive = [&] {
-        if (hasKeyboard(widget))
+    bool isFirst = true;
+    const auto isThere = [&] {
+        if (condition())
             return true;
         if (nextRequest.hasExpired()) {
-            widget.activateWindow();
-            nextRequest.setRemainingTime(requestInterval);
+            request();
+            if (!isFirst)
+                restoreForgottenKeyboard();
+            isFirst = false;
+            nextRequest.setRemainingTime(interval);
         }
         return false;
     };
-    waitFor("the keyboard of “" + widget.window()->windowTitle().toStdString() + "”", isActive, site);
+    waitFor(awaited, isThere, site);
+}
+
+} // namespace
+
+bool hasKeyboard(const QWidget& widget)
+{
+    return hasKeyboard(widget.window()->windowHandle());
+}
+
+void waitForKeyboard(QWidget& widget, CallSite site)
+{
+    const auto activate = [&] { widget.activateWindow(); };
+    waitWithRequests(
+        "the keyboard of “" + widget.window()->windowTitle().toStdString() + "”", activate,
+        [&] { return hasKeyboard(widget); }, site);
+}
+
+void waitForAnyKeyboard(CallSite site)
+{
+    waitWithRequests(
+        "the keyboard of any window", [] {}, isKeyboardReady, site);
 }
 
 } // namespace tarnwell::test

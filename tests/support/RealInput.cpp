@@ -110,18 +110,11 @@ bool isMainThread()
     return QThread::currentThread() == QCoreApplication::instance()->thread();
 }
 
-/// A popup takes the keys for itself while the X server sends them to the window behind it.
-bool isKeyboardReady()
-{
-    return QApplication::activePopupWidget() != nullptr ? hasProgramKeyboard()
-                                                        : hasKeyboard(QGuiApplication::focusWindow());
-}
-
 /// Other threads cannot know what Qt does; their input is sent as it is.
-void waitForAnyKeyboard()
+void waitUntilKeysArrive()
 {
     if (isMainThread())
-        waitFor("the keyboard of any window", isKeyboardReady);
+        waitForAnyKeyboard();
 }
 
 void sendOnMainThread(QProcess& xdotool, const Arrivals& expected)
@@ -232,13 +225,13 @@ void realDoubleClick(QWidget& widget, QPoint point)
 
 void realKeys(const std::string& keys)
 {
-    waitForAnyKeyboard();
+    waitUntilKeysArrive();
     send(keyCommand(keys), arrivalsOf(keys));
 }
 
 void realText(const std::string& text)
 {
-    waitForAnyKeyboard();
+    waitUntilKeysArrive();
     const auto keys
         = text.size() + static_cast<std::size_t>(std::count_if(text.begin(), text.end(), needsShift));
     send({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("0"), QStringLiteral("--"),

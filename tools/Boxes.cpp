@@ -30,6 +30,21 @@ std::optional<std::vector<Box>> BoxReader::boxesOfFile()
     return boxesBetween(0, m_fileSize);
 }
 
+std::vector<Box> BoxReader::leadingBoxesOfFile()
+{
+    std::vector<Box> boxes;
+    FileOffset begin = 0;
+    while (begin < m_fileSize && m_boxesLeft > 0) {
+        const auto box = boxAt(begin, m_fileSize);
+        if (!box)
+            break;
+        --m_boxesLeft;
+        boxes.push_back(*box);
+        begin = box->end;
+    }
+    return boxes;
+}
+
 std::optional<std::vector<Box>> BoxReader::boxesIn(const Box& parent, FileOffset skipped)
 {
     if (skipped > parent.contentSize())

@@ -38,6 +38,9 @@ public:
     /// The boxes at the top level. Empty unless they fill the file without a gap.
     std::optional<std::vector<Box>> boxesOfFile();
 
+    /// The boxes at the top level up to the first one that is broken, for files that end with other bytes.
+    std::vector<Box> leadingBoxesOfFile();
+
     /// The boxes in the content of `parent`, behind its first `skipped` bytes. Empty unless they fill it.
     std::optional<std::vector<Box>> boxesIn(const Box& parent, FileOffset skipped = 0);
 

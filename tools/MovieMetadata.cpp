@@ -61,11 +61,11 @@ public:
     {
     }
 
-    /// Empty where the file has no single description or its boxes do not fill it.
+    /// Empty where the file has no single description or boxes do not fill that.
     std::optional<MovieMetadata> read()
     {
-        const auto boxes = m_reader.boxesOfFile();
-        const Box* movie = boxes ? onlyBox(*boxes, "moov") : nullptr;
+        const auto boxes = m_reader.leadingBoxesOfFile();
+        const Box* movie = onlyBox(boxes, "moov");
         const auto parts = movie != nullptr ? m_reader.boxesIn(*movie) : std::nullopt;
         if (!parts)
             return std::nullopt;

@@ -34,8 +34,8 @@ struct MovieMetadata {
 };
 
 /// Reads the metadata of an MP4 or QuickTime file. `isCopy` includes boxes of vendors in tracks, which may
-/// describe the coded picture. Leaves out boxes that are too large to be metadata. Empty for other files and
-/// where the boxes do not fill the file and its one description.
+/// describe the coded picture. Leaves out boxes that are too large to be metadata. Other bytes may follow the
+/// boxes of the file. Empty for other files and where boxes do not fill the one description.
 std::optional<MovieMetadata> readMovieMetadata(int file, bool isCopy);
 
 // Offsets in the content of "mvhd", "tkhd" and "mdhd", whose version is their first byte.

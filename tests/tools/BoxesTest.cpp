@@ -64,6 +64,20 @@ TEST(BoxesTest, aFileThatEndsInABoxIsInvalid)
         EXPECT_EQ(boxesOf(whole.substr(0, size)) == "invalid", size != first) << size;
 }
 
+TEST(BoxesTest, leadingBoxesEndBeforeTheFirstBrokenOne)
+{
+    const std::string boxes = box("free", "12345") + longBox("mdat", "data");
+    for (const std::string& end : {std::string(), std::string("xx"), std::string("\xFF\xFF\xFF\xFFmoov")}) {
+        const MemoryFile file(boxes + end);
+        const auto found = BoxReader(file.descriptor()).leadingBoxesOfFile();
+        ASSERT_EQ(found.size(), 2U);
+        EXPECT_TRUE(found[0].is("free") && found[1].is("mdat"));
+        EXPECT_EQ(found[1].end, static_cast<FileOffset>(boxes.size()));
+    }
+    const MemoryFile broken(std::string(12, '\2'));
+    EXPECT_TRUE(BoxReader(broken.descriptor()).leadingBoxesOfFile().empty());
+}
+
 TEST(BoxesTest, childrenMustNotLeaveTheirParent)
 {
     const std::string child = bigEndian(17, 4) + "tkhd" + std::string(8, 'x'); // one byte too many

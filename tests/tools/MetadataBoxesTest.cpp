@@ -276,6 +276,13 @@ TEST(MetadataBoxesTest, aBrokenSourceAddsNothing)
         EXPECT_EQ(added(movie, broken).movie, movie);
 }
 
+TEST(MetadataBoxesTest, otherBytesMayFollowTheBoxesOfTheSource)
+{
+    const std::string source = movieOf(trackOf({}) + keys(), {1000, 2000});
+    for (const std::string& end : {std::string("xx"), std::string("\xFF\xFF\xFF\xFFmdat")})
+        EXPECT_EQ(added(movieOf(trackOf({})), source + end).movie, source);
+}
+
 TEST(MetadataBoxesTest, aBoxThatIsTooLargeForMetadataIsLeftOut)
 {
     constexpr std::uint64_t large = 80U << 20U;

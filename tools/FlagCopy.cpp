@@ -55,11 +55,12 @@ bool isSameTime(const timespec& left, const timespec& right)
     return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }
 
+/// Ignores the change time (ctime): a rename, a new link or other rights of the input change no data.
 bool isUnchanged(int file, const struct stat& before)
 {
     struct stat now = {};
     return ::fstat(file, &now) == 0 && now.st_size == before.st_size
-        && isSameTime(now.st_mtim, before.st_mtim) && isSameTime(now.st_ctim, before.st_ctim);
+        && isSameTime(now.st_mtim, before.st_mtim);
 }
 
 RunEnd failed(const std::string& reason)

@@ -141,7 +141,7 @@ bool AppDelegate::isUnchangedByRun(const FileProbe& outputProbe) const
 
 void AppDelegate::showResultAlert(const std::shared_ptr<const FileProbe>& outputProbe)
 {
-    // An older file that the run never touched is no output of the run.
+    // A file that the run did not change is not its result.
     const bool isUnchanged = isUnchangedByRun(*outputProbe);
     if (required(isProcessCancelledByUser)) {
         std::error_code ignored;

@@ -9,12 +9,11 @@ namespace tarnwell
 namespace
 {
 
-std::array<std::uint64_t, 7> valuesOf(const struct stat& status)
+std::array<std::uint64_t, 5> valuesOf(const struct stat& status)
 {
     const auto number = [](auto value) { return static_cast<std::uint64_t>(value); };
-    return {number(status.st_dev), number(status.st_ino), number(status.st_size),
-        number(status.st_mtim.tv_sec), number(status.st_mtim.tv_nsec), number(status.st_ctim.tv_sec),
-        number(status.st_ctim.tv_nsec)};
+    return {number(status.st_size), number(status.st_mtim.tv_sec), number(status.st_mtim.tv_nsec),
+        number(status.st_ctim.tv_sec), number(status.st_ctim.tv_nsec)};
 }
 
 } // namespace

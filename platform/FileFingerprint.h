@@ -8,21 +8,21 @@
 namespace tarnwell
 {
 
-/// Identifies the state of what a path names: two fingerprints of one path are equal if nothing was created,
-/// replaced, written or removed there in between. Includes the change time (ctime), so that writing the same
-/// bytes again makes a difference.
+/// Identifies the state of the file at a path: two fingerprints of one path are equal if nothing was created,
+/// replaced or written there in between. Consists of size, modification time and change time (ctime). The
+/// inode is left out, because FAT and FUSE file systems can change the number of an untouched file.
 class FileFingerprint
 {
 public:
-    /// The item at `path` (raw bytes): a symbolic link itself together with the item that it leads to. A path
-    /// at which nothing can be found has a fingerprint too; all such fingerprints are equal.
+    /// `path` is raw bytes. A symbolic link is covered together with its target. All paths without a file
+    /// have the same fingerprint.
     explicit FileFingerprint(const std::string& path);
 
     bool operator==(const FileFingerprint&) const = default;
 
 private:
-    /// Device, inode, size, and modification and change time in seconds and nanoseconds; zeros for nothing.
-    using Values = std::array<std::uint64_t, 7>;
+    /// Size, and modification and change time in seconds and nanoseconds; zeros without a file.
+    using Values = std::array<std::uint64_t, 5>;
 
     Values m_item;
     Values m_target;

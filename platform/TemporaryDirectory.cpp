@@ -46,11 +46,17 @@ std::string newFolder()
     return impossibleFolder;
 }
 
-/// Other users can write to the temporary folder: what stands at the path may be theirs, or a link of theirs.
-bool isOwnFolder(const std::string& path)
+/// The path without its closing slash, behind which system calls follow a symbolic link.
+std::string folderName(const std::string& path)
+{
+    return path.substr(0, path.size() - 1);
+}
+
+/// Another user may have created a folder or a link at this path.
+bool isOwnFolder(const std::string& folder)
 {
     struct stat status = {};
-    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
+    return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
 }
 
 } // namespace
@@ -63,13 +69,13 @@ TemporaryDirectory::TemporaryDirectory()
 TemporaryDirectory::~TemporaryDirectory()
 {
     std::error_code ignored;
-    if (m_path != impossibleFolder)
-        std::filesystem::remove_all(m_path, ignored);
+    if (const std::string folder = folderName(m_path); isOwnFolder(folder))
+        std::filesystem::remove_all(folder, ignored);
 }
 
 void TemporaryDirectory::restore()
 {
-    const std::string folder = m_path.substr(0, m_path.size() - 1); // lstat follows a link before a slash
+    const std::string folder = folderName(m_path);
     if (!isOwnFolder(folder) && ::mkdir(folder.c_str(), S_IRWXU) != 0)
         m_path = newFolder();
 }

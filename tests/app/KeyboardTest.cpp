@@ -56,6 +56,7 @@ protected:
     /// The colour on the edge of what has the keyboard is the highlight's.
     static bool isOwnerMarked()
     {
+        waitForAnyKeyboard();
         QWidget* widget = QApplication::focusWidget();
         const QImage picture = widget->grab().toImage();
         return picture.pixelColor(picture.width() / 2, 0) == widget->palette().color(QPalette::Highlight);

@@ -213,6 +213,18 @@ TEST_F(OutletsDeathTest, anAcceptedFileNeedsThePictureAndEveryEditingControl)
         EXPECT_SILENT_STOP(analyse(disconnect));
 }
 
+TEST_F(OutletsDeathTest, panelsNeedTheWindow)
+{
+    for (const auto entry : {&AppDelegate::openMenuBTNClicked, &AppDelegate::saveMenuBTNClicked})
+        EXPECT_SILENT_STOP((startWithout([](Outlets& outlets) { outlets.window = nullptr; }).*entry)());
+}
+
+TEST_F(OutletsDeathTest, aResetNeedsThePicture)
+{
+    EXPECT_SILENT_STOP(
+        startWithout([](Outlets& outlets) { outlets.posterFrameIMGV = nullptr; }).resetBTNClicked());
+}
+
 TEST_F(OutletsDeathTest, theAlertOfARefusedFileNeedsTheWindow)
 {
     tools().setSniffer(sniffing(errorReport()));

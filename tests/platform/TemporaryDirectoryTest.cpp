@@ -91,6 +91,21 @@ TEST(TemporaryDirectoryTest, aLinkInItGoesAndItsTargetStays)
     EXPECT_EQ(contentsOf(other.path() + "kept"), "kept");
 }
 
+TEST(TemporaryDirectoryTest, aLinkThatReplacedTheFolderIsNotFollowedAtTheEnd)
+{
+    const TemporaryDirectory other;
+    writeFile(other.path() + "kept", "kept");
+    std::string link;
+    {
+        const TemporaryDirectory folder;
+        link = folder.path().substr(0, folder.path().size() - 1);
+        std::filesystem::remove(link);
+        std::filesystem::create_directory_symlink(other.path(), link);
+    }
+    EXPECT_EQ(contentsOf(other.path() + "kept"), "kept");
+    std::filesystem::remove(link);
+}
+
 TEST(TemporaryDirectoryTest, everyOneIsFreshAndUnguessable)
 {
     std::set<std::string> paths;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 
 namespace
 {
@@ -64,7 +65,7 @@ public:
         if (!parts || !readHeader(*parts) || !readTracks(*parts))
             return std::nullopt;
         for (VideoTrack& video : m_movie.videos) {
-            if (std::find(m_chapterIds.begin(), m_chapterIds.end(), video.id) != m_chapterIds.end())
+            if (m_chapterIds.contains(video.id))
                 video.isCover = true;
         }
         return m_movie;
@@ -194,7 +195,7 @@ private:
         const auto chapters = m_reader.onlyBoxIn(references, "chap");
         const std::string ids = chapters ? m_reader.contentOf(*chapters, 4 * mostEntriesRead) : "";
         for (std::size_t place = 0; place + 4 <= ids.size(); place += 4)
-            m_chapterIds.push_back(static_cast<std::uint32_t>(readBigEndian(ids.substr(place, 4))));
+            m_chapterIds.insert(static_cast<std::uint32_t>(readBigEndian(ids.substr(place, 4))));
     }
 
     void readSamples(const Box& media, VideoTrack& video)
@@ -240,7 +241,7 @@ private:
     Movie m_movie;
     std::uint64_t m_timeScale = 0;
     bool m_isFragmented = false;
-    std::vector<std::uint32_t> m_chapterIds;
+    std::set<std::uint32_t> m_chapterIds;
 };
 
 } // namespace

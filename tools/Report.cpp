@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace
@@ -114,19 +115,40 @@ VideoFacts videoFactsIn(const Json& stream)
         integerOf(stream, "height"), pixelAspectOf(stream)};
 }
 
+bool isAttachedPicture(const Json& stream)
+{
+    const auto disposition = stream.find("disposition");
+    return disposition != stream.end() && disposition->is_object()
+        && integerOf(*disposition, "attached_pic") == 1;
+}
+
+bool hasFrameRate(const Json& stream)
+{
+    return !isText(stream, "avg_frame_rate", "0/0");
+}
+
+/// The first video stream for which the condition holds; null where there is none.
+template <typename Condition>
+const Json* firstVideo(const Json& streams, Condition condition)
+{
+    const auto found = std::find_if(streams.begin(), streams.end(),
+        [&](const Json& stream) { return isVideo(stream) && condition(stream); });
+    return found != streams.end() ? &*found : nullptr;
+}
+
+/// The stream whose "rotate" tag the application reads, chapter pictures included.
+const Json* taggedVideoIn(const Json& streams)
+{
+    const Json* first = firstVideo(streams, hasFrameRate);
+    return first != nullptr ? first : firstVideo(streams, [](const Json&) { return true; });
+}
+
 /// The main video stream as VideoFacts defines it; null where there is none.
 const Json* mainVideoIn(const Json& streams)
 {
-    const Json* first = nullptr;
-    for (const Json& stream : streams) {
-        if (!isVideo(stream))
-            continue;
-        if (!isText(stream, "avg_frame_rate", "0/0")) // as cover pictures have it
-            return &stream;
-        if (first == nullptr)
-            first = &stream;
-    }
-    return first;
+    const Json* film = firstVideo(
+        streams, [](const Json& stream) { return hasFrameRate(stream) && !isAttachedPicture(stream); });
+    return film != nullptr ? film : taggedVideoIn(streams);
 }
 
 /// The list of streams; null for a text that is no report.
@@ -218,6 +240,7 @@ MediaFacts mediaFactsOf(const std::string& report)
     MediaFacts facts;
     if (const Json* video = mainVideoIn(*streams)) {
         facts.video = videoFactsIn(*video);
+        facts.video.rotation = videoFactsIn(*taggedVideoIn(*streams)).rotation;
         facts.mainVideo = streamOf(*video);
     }
     for (const Json& stream : *streams) {

@@ -14,9 +14,12 @@
 /// fit 64 bits of seconds. Text that is no report is returned unchanged.
 std::string withTrueRotation(const std::string& report);
 
-/// The main video stream of a JSON report: the first one that has a frame rate, else the first one.
+/// The main video stream of a JSON report: the first one that has a frame rate and is no attached picture,
+/// such as those of chapters; else the first one with a frame rate; else the first one.
 struct VideoFacts {
-    int rotation = 0; // the tag "rotate" that withTrueRotation sets; 0 for none
+    /// The tag "rotate" that withTrueRotation sets, 0 for none: that of the first stream with a frame rate,
+    /// because a requested flag is relative to it, attached picture or not.
+    int rotation = 0;
     std::optional<DisplayMatrix> decoded; // what decoders apply
     int width = 0; // coded pixels; 0 where unknown
     int height = 0;

@@ -192,6 +192,22 @@ TEST(ReportTest, bytesThatAreNoTextComeBackAsTheyAre)
     EXPECT_EQ(withTrueRotation(text), text);
 }
 
+TEST(ReportTest, picturesOfChaptersAreNotTheMainVideo)
+{
+    Json pictures = video(halfTurn);
+    pictures["disposition"] = {{"attached_pic", 1}};
+    Json film = video(quarterTurnRight);
+    film["index"] = 1;
+    film["disposition"] = {{"attached_pic", 0}};
+    const auto facts = mediaFactsOf(report({pictures, film}).dump());
+    ASSERT_TRUE(facts.mainVideo);
+    EXPECT_EQ(facts.mainVideo->index, 1);
+    ASSERT_TRUE(facts.video.decoded);
+    EXPECT_EQ(rotationTag(*facts.video.decoded), 90);
+    EXPECT_EQ(facts.video.rotation, 180) << "the tag that the application reads";
+    EXPECT_EQ(mediaFactsOf(report({pictures}).dump()).mainVideo->index, 0);
+}
+
 TEST(ReportTest, aReportWithANulByteComesBackAsItIs)
 {
     const std::string whole = report({video(quarterTurnRight)}).dump();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Save: from the user's action to the pair of paths that an export starts with.
+// Save: shows the save panel and starts the export with the input and output paths.
 #include "app/Alerts.h"
 #include "app/AppDelegate.h"
 #include "desktop/Panels.h"

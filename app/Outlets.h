@@ -19,7 +19,7 @@ namespace tarnwell
 /// element was destroyed; using it then stops the program.
 struct Outlets {
     QPointer<QWidget> window;
-    QPointer<SheetQueue> sheets; // of the window
+    QPointer<SheetQueue> sheets; // the queue of the window's sheets
     QPointer<ImageView> posterFrameIMGV;
     QPointer<QAction> saveToolBarBTN;
     QPointer<QAction> rotateLeftBTN;

@@ -20,8 +20,8 @@ class StillFrameExtractor
 {
 public:
     /// Returns a frame from the middle of the video, decoded by a run of `creator` of its own, or the picture
-    /// "poster" if the bundle has no such tool. Waits for the tool as `tools` says. Stops the program if the
-    /// tool leaves no readable picture.
+    /// "poster" if the bundle has no such tool. Waits for the tool with `tools.wait`. Stops the program if
+    /// the tool leaves no readable picture.
     QImage extract(const FileProbe& probe, const ToolContext& tools);
 
     /// Removes the private folder.

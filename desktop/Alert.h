@@ -39,8 +39,8 @@ public:
     const QStringList& buttons() const { return m_buttons; }
     void addButton(const QString& text) { m_buttons.append(text); }
 
-    /// Shows the alert on `window` when the sheets before it have ended. The handler runs on the main thread,
-    /// and never where the dialog is destroyed without an answer.
+    /// Shows the alert on `window` when the sheets before it have ended. The handler runs on the main thread.
+    /// It is not called if the dialog is destroyed without an answer.
     void beginSheetModal(QWidget& window, SheetQueue& sheets, Handler handler = {}) const;
 
 private:

@@ -97,7 +97,7 @@ QLabel* AlertDialog::makeLabel(const char* name, const QString& text, QFont::Wei
     label->setTextInteractionFlags(Qt::TextSelectableByMouse); // the support address can be copied
     label->setWordWrap(true);
     label->setMinimumWidth(textWidth(*label));
-    // The label's own preference is another width.
+    // Ignore QLabel's width hint; the minimum width set above applies.
     QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     label->setSizePolicy(policy);

@@ -6,8 +6,8 @@ class QProgressBar;
 namespace tarnwell
 {
 
-// QProgressBar has no indeterminate mode of its own: an empty range means it, and NaN and values out of range
-// must not reach its integers.
+// A QProgressBar is indeterminate when its range is empty. Its values are integers, so NaN and values out of
+// range are clamped first.
 
 /// Shows that work is in progress, without a percentage.
 void setIndeterminate(QProgressBar& bar);

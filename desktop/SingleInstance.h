@@ -26,8 +26,8 @@ public:
     /// `reopen` is called at each start of a later instance.
     explicit SingleInstance(Reopen reopen);
 
-    /// Acquires the name, or passes `token` to its owner and waits for the reply. An owner that does not
-    /// reply within two seconds does not count.
+    /// Acquires the name, or passes `token` to its owner and waits for the reply. If the owner does
+    /// not reply within two seconds, this instance is the first.
     Role claim(const ActivationToken& token = {});
 
 public Q_SLOTS:

@@ -128,7 +128,7 @@ private:
         }
     }
 
-    LineOutput m_output; // of the writer thread while lines are queued, otherwise of the caller with the lock
+    LineOutput m_output; // used by the writer thread while lines are queued, else by the holder of m_mutex
     std::mutex m_mutex;
     std::condition_variable m_lineAdded;
     std::condition_variable m_lineWritten;

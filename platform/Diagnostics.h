@@ -15,8 +15,8 @@ namespace tarnwell
 /// full, reader gone) and where the queue holds 16 MiB that nobody reads: then the newest line is dropped.
 ///
 /// A regular end of the process (exit, quick_exit) waits for the queue for as long as lines leave it: at most
-/// 2 seconds for one line, 10 seconds in all. abort does not wait. Only that end can cut a line, and only one
-/// longer than a pipe's atomic size (PIPE_BUF).
+/// 2 seconds for one line, 10 seconds in all. abort does not wait. The end of the process
+/// can cut a line that is longer than a pipe's atomic size (PIPE_BUF); nothing else cuts lines.
 void printLine(std::string_view line);
 
 } // namespace tarnwell

@@ -6,11 +6,11 @@
 namespace tarnwell
 {
 
-/// Ends the program at once with SIGABRT and prints nothing. The one answer to a programming error: a
-/// connection, a value or a contract that the code relies on is not there.
+/// Ends the program at once with SIGABRT and prints nothing. For programming errors: an unconnected outlet, a
+/// missing value, a broken precondition.
 [[noreturn]] void fatalError() noexcept;
 
-/// What an optional or a pointer holds; stops the program where it holds nothing.
+/// Returns the value of an optional or a pointer. Stops the program if it is empty.
 template <typename Holder>
 decltype(auto) required(Holder&& holder)
 {

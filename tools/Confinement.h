@@ -19,9 +19,9 @@ struct Confinement {
     bool callFilter = false;
 };
 
-/// Takes from this process, and from what it becomes, whatever a tool that reads a stranger's file has no use
-/// for. For a child between fork and exec; there is no way back. A kernel that offers less gives less.
+/// Removes the rights that a tool for untrusted files does not need from this process and the program that it
+/// executes. For a child between fork and exec. Irreversible. Older kernels enforce less.
 Confinement confine(const Reach& reach);
 
-/// What confine would give on this machine, as text, a line each. Tried in a process of its own.
+/// Describes what confine enforces on this machine, one line per rule. Tries it in a child process.
 std::string describeConfinement();

@@ -34,7 +34,7 @@ constexpr Rights readFile = 1U << 2U;
 constexpr Rights readFolder = 1U << 3U;
 constexpr Rights truncateFile = 1U << 14U;
 
-/// Whatever rights there are in each version of Landlock, counted from 1.
+/// All file rights that this version of Landlock (1, 2, …) knows.
 Rights allFileRights(int version)
 {
     constexpr unsigned int countOfVersion[newestFileRules + 1] = {0, 13, 14, 15, 15, 16, 16};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The open file is replaced, spoilt or taken away by somebody else: what is saved is then what lies at its
-// path, or nothing, and whatever lies there stays as it is.
+// Another program replaces, damages or removes the open file: a save then uses the file at the path, or fails,
+// and leaves that file unchanged.
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"

@@ -160,8 +160,10 @@ protected:
         setup.variables
             = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so", fsync + "_WAITS_FOR=" + goOn};
         ToolProcess creator(tools.creator(), arguments, setup);
-        while (!exists(goOn + ".waiting"))
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (!exists(goOn + ".waiting") && std::chrono::steady_clock::now() < limit)
             std::this_thread::yield();
+        EXPECT_TRUE(exists(goOn + ".waiting")) << "creator did not call " << fsync;
         creator.signal(SIGTERM);
         writeFile(goOn, "");
         const int status = creator.wait();
@@ -199,7 +201,7 @@ TEST_F(CreatorCancelTest, aSignalBeforeItIsReadyIsKeptForIt)
     constexpr int rounds = 20;
     tools.setFfmpeg("hang\n");
     ToolSetup setup;
-    setup.blocked = SIGTERM; // as the application starts it
+    setup.blocked = SIGTERM; // a caller may do so, to cancel from the first moment on
     for (int round = 0; round < rounds; ++round) {
         writeFile(output(), "older");
         ToolProcess creator(tools.creator(), transcode(), setup);
@@ -249,7 +251,7 @@ TEST_F(CreatorCancelTest, noMomentLeavesAnythingBehind)
         SCOPED_TRACE(testing::Message() << "round " << round << ", after " << wait << " microseconds");
         writeFile(output(), "older");
         ToolSetup setup;
-        setup.blocked = SIGTERM; // as the application starts it
+        setup.blocked = SIGTERM; // a caller may do so, to cancel from the first moment on
         ToolProcess creator(tools.creator(), transcode(), setup);
         std::this_thread::sleep_for(std::chrono::microseconds(wait));
         creator.signal(SIGTERM);

@@ -8,7 +8,6 @@
 #include <QDialog>
 #include <QEvent>
 #include <QEventLoop>
-#include <QGuiApplication>
 #include <QTimer>
 #include <QWidget>
 #include <QWindow>
@@ -22,28 +21,12 @@ namespace tarnwell
 namespace
 {
 
-constexpr std::chrono::milliseconds longestWaitForScreen(1000);
-constexpr std::chrono::milliseconds longestWaitForKeyboard(250);
-constexpr std::chrono::milliseconds checkInterval(5);
+constexpr std::chrono::seconds longestWaitForScreen(1);
+constexpr std::chrono::milliseconds exposureCheckInterval(5);
 
 bool isOnScreen(const QDialog& sheet)
 {
     return sheet.windowHandle() != nullptr && sheet.windowHandle()->isExposed();
-}
-
-// QWindow::isActive is true for a sheet whose parent has the keyboard.
-bool hasKeyboard(const QDialog& sheet)
-{
-    return sheet.windowHandle() != nullptr && QGuiApplication::focusWindow() == sheet.windowHandle();
-}
-
-void processEventsUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit)
-{
-    const QDeadlineTimer deadline(limit);
-    QTimer wakeUp; // ends WaitForMoreEvents where no event arrives
-    wakeUp.start(checkInterval);
-    while (!condition() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 } // namespace
@@ -97,11 +80,11 @@ void SheetQueue::waitUntilPainted(QDialog* sheet)
     if (!sheet->isVisible())
         return;
     const InputBlocker blocker;
-    processEventsUntil([sheet] { return isOnScreen(*sheet); }, longestWaitForScreen);
-    // A sheet that ends before it gets the keyboard can leave Qt without a focus window on X11: Qt ignores
-    // the focus events of a window behind a sheet, and the X server does not repeat them.
-    if (QGuiApplication::focusWindow() != nullptr)
-        processEventsUntil([sheet] { return hasKeyboard(*sheet); }, longestWaitForKeyboard);
+    const QDeadlineTimer deadline(longestWaitForScreen);
+    QTimer wakeUp; // ends WaitForMoreEvents where no event arrives
+    wakeUp.start(exposureCheckInterval);
+    while (!isOnScreen(*sheet) && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     sheet->repaint();
 }
 

@@ -40,8 +40,8 @@ public:
     /// Ends the sheet, shown or waiting.
     void end(QDialog* sheet);
 
-    /// Blocks until the sheet is painted, at most a second, and has the keyboard if the program had it, at
-    /// most 0.25 seconds more. Drops input meanwhile. Returns immediately if the sheet is not shown yet.
+    /// Blocks until the sheet is painted, at most one second. Drops input meanwhile. Returns immediately if
+    /// the sheet is not shown yet.
     void waitUntilPainted(QDialog* sheet);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -78,7 +78,8 @@ protected:
     void open(ExternalProgram& running)
     {
         running.waitForWindow("Tarnwell");
-        running.keysUntilWindow("ctrl+o", "Open Video");
+        running.keys("ctrl+o");
+        running.waitForWindow("Open Video");
         running.text(video());
         running.keys("Return");
     }

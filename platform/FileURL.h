@@ -17,7 +17,7 @@ public:
     /// Absolute.
     const std::string& path() const { return m_path; }
 
-    /// The part after the last "." of the last path component; empty without a ".".
+    /// The text behind the last "." of the last path component; empty without a ".".
     std::string pathExtension() const;
 
     /// "file://" and the path. Percent-encodes every byte but "/" and the unreserved ones (RFC 3986).

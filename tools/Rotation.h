@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// The part of a container's display matrix that turns, mirrors and scales: the coded point (x, y), y
+/// How the display matrix of a container turns, mirrors and scales a picture: the coded point (x, y), y
 /// downwards, is shown at (a x + c y, b x + d y).
 struct DisplayMatrix {
     double a = 1;

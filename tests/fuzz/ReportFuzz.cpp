@@ -44,7 +44,7 @@ bool hasStream(const Json& json, bool (*isMeant)(const Json&))
     return isReport(json) && std::any_of(json["streams"].begin(), json["streams"].end(), isMeant);
 }
 
-/// The report without the parts that sniffer may change: durations beyond 64 bits, the tag "rotate", and
+/// The report without what sniffer may change: durations beyond 64 bits, the tag "rotate", and
 /// objects "tags" that contain nothing else.
 std::string restOf(Json report)
 {

@@ -3,7 +3,6 @@
 
 #include "app/SupportAddress.h"
 #include "desktop/PathText.h"
-#include "export/ResultTexts.h"
 
 namespace tarnwell
 {
@@ -50,7 +49,7 @@ Alert failureAlert()
 Alert successAlert(const OrientationState& state)
 {
     Alert alert;
-    alert.setMessageText(textOf(successMessage(state)));
+    alert.setMessageText(textOf("Video " + orientationLabel(state) + " Successfully!"));
     alert.addButton(QStringLiteral("OK"));
     alert.addButton(QStringLiteral("Show in Finder"));
     alert.addButton(QStringLiteral("Launch Video in QuickTime"));

@@ -76,8 +76,10 @@ Pairs measureAlternating(
 {
     Pairs pairs;
     for (int round = 0; round < rounds; ++round) {
-        const double first = measured();
-        pairs.add(first, reference());
+        const bool isMeasuredFirst = round % 2 == 0;
+        const double first = isMeasuredFirst ? measured() : reference();
+        const double second = isMeasuredFirst ? reference() : measured();
+        pairs.add(isMeasuredFirst ? first : second, isMeasuredFirst ? second : first);
     }
     return pairs;
 }

@@ -46,7 +46,7 @@ struct Pairs {
     double excessOver(double factor) const;
 };
 
-/// Measures both alternately: A B A B …
+/// Measures both in each round, in alternating order: A B B A A B …
 Pairs measureAlternating(
     int rounds, const std::function<double()>& measured, const std::function<double()>& reference);
 

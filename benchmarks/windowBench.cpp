@@ -26,6 +26,7 @@ int main(int argc, char* argv[])
         {"open", measureOpening},
         {"click", measureClicks},
         {"export", measureExports},
+        {"sharing", measureSharing},
         {"memory", measureMemory},
         {"mainThread", measureMainThread},
     };

@@ -35,6 +35,9 @@ public:
     /// The size of the file when the reader was made; 0 where that is unknown.
     FileOffset fileSize() const { return m_fileSize; }
 
+    /// Whether the first bytes of the file are the header of a box that ends in the file.
+    bool beginsWithBox() const { return boxAt(0, m_fileSize).has_value(); }
+
     /// The boxes at the top level. Empty unless they fill the file without a gap.
     std::optional<std::vector<Box>> boxesOfFile();
 

@@ -76,10 +76,15 @@ std::optional<RunEnd> copyWithFlag(int input, int output, double rotation)
     struct stat before = {};
     if (::fstat(input, &before) != 0)
         return std::nullopt;
-    const auto movie = readMovie(input);
+    std::string problem;
+    const auto movie = readMovie(input, problem);
     const auto patches = movie ? patchesOfFlag(*movie, rotation) : std::nullopt;
-    if (!patches)
+    if (!patches) {
+        const std::string reason = movie ? obstacleToPatches(*movie) : problem;
+        writeErrorLines(
+            "tarnwell: the file is not copied byte by byte: " + reason + "\n", cancelDescriptor());
         return std::nullopt;
+    }
     CopyStatus status(movie->microseconds, before.st_size);
     const CopyEnd end = copyFile(input, output, before.st_size, [&status](off_t copied) {
         status.report(copied);

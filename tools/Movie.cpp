@@ -56,14 +56,22 @@ public:
     std::optional<Movie> read()
     {
         const auto boxes = m_reader.boxesOfFile();
-        const Box* description = boxes ? onlyBox(*boxes, "moov") : nullptr;
-        if (description == nullptr || !readFileType(*boxes))
-            return std::nullopt;
+        if (!boxes)
+            return noMovie(m_reader.beginsWithBox() ? "boxes do not fill the file" : "it is no MP4 file");
+        const Box* description = onlyBox(*boxes, "moov");
+        if (description == nullptr)
+            return noMovie("it has no description of the movie, or more than one");
+        if (!readFileType(*boxes))
+            return noMovie("its file type is too short, too late or there twice");
         m_movie.hasMediaData
             = std::any_of(boxes->begin(), boxes->end(), [](const Box& box) { return box.is("mdat"); });
         const auto parts = m_reader.boxesIn(*description);
-        if (!parts || !readHeader(*parts) || !readTracks(*parts))
-            return std::nullopt;
+        if (!parts)
+            return noMovie("boxes do not fill the description of the movie");
+        if (!readHeader(*parts))
+            return noMovie("the header of the movie is missing or of an unknown kind");
+        if (!readTracks(*parts))
+            return noMovie("a track lacks a handler or a header of a known kind");
         for (VideoTrack& video : m_movie.videos) {
             if (m_chapterIds.contains(video.id))
                 video.isCover = true;
@@ -71,7 +79,16 @@ public:
         return m_movie;
     }
 
+    /// Why `read` returned nothing.
+    const std::string& problem() const { return m_problem; }
+
 private:
+    std::nullopt_t noMovie(const char* problem)
+    {
+        m_problem = problem;
+        return std::nullopt;
+    }
+
     /// False for a type that is there twice, too late or too short.
     bool readFileType(const std::vector<Box>& boxes)
     {
@@ -239,6 +256,7 @@ private:
 
     BoxReader m_reader;
     Movie m_movie;
+    std::string m_problem;
     std::uint64_t m_timeScale = 0;
     bool m_isFragmented = false;
     std::set<std::uint32_t> m_chapterIds;
@@ -248,7 +266,16 @@ private:
 
 std::optional<Movie> readMovie(int file)
 {
-    return MovieReader(file).read();
+    std::string problem;
+    return readMovie(file, problem);
+}
+
+std::optional<Movie> readMovie(int file, std::string& problem)
+{
+    MovieReader reader(file);
+    auto movie = reader.read();
+    problem = reader.problem();
+    return movie;
 }
 
 bool isCompleteMovie(int file)

@@ -33,6 +33,9 @@ struct Movie {
 /// describes it, every track has a header of a known version and a handler. Samples are not looked at.
 std::optional<Movie> readMovie(int file);
 
+/// As above. Sets `problem` to the reason for an empty result, such as "it is no MP4 file", else to "".
+std::optional<Movie> readMovie(int file, std::string& problem);
+
 /// Whether the file is such a movie with a video track. An ffmpeg that decodes no frame succeeds with a movie
 /// that has none.
 bool isCompleteMovie(int file);

@@ -69,11 +69,27 @@ DisplayMatrix inverse(const DisplayMatrix& m)
 
 } // namespace
 
+std::string obstacleToPatches(const Movie& movie)
+{
+    const auto isCover = [](const VideoTrack& video) { return video.isCover; };
+    if (movie.majorBrand.empty())
+        return "it has no file type";
+    if (movie.majorBrand == quickTimeBrand)
+        return "it is a QuickTime file";
+    if (!movie.hasMediaData)
+        return "it has no media data";
+    if (std::all_of(movie.videos.begin(), movie.videos.end(), isCover))
+        return "it has no video track";
+    if (!isQuarterTurnOrMirror(movie.matrix))
+        return "the matrix of the movie is neither a quarter turn nor a mirror";
+    if (!isTurnMirrorOrZoom(mainVideo(movie).matrix))
+        return "its display matrix stretches or skews the picture";
+    return {};
+}
+
 std::optional<std::vector<Patch>> patchesOfFlag(const Movie& movie, double rotation)
 {
-    const bool isMp4Family = !movie.majorBrand.empty() && movie.majorBrand != quickTimeBrand;
-    if (!isMp4Family || !movie.hasMediaData || !isQuarterTurnOrMirror(movie.matrix) || movie.videos.empty()
-        || !isTurnMirrorOrZoom(mainVideo(movie).matrix))
+    if (!obstacleToPatches(movie).empty())
         return std::nullopt;
     const DisplayMatrix turn = turnedLeft(rotation + orientationOf(movie).rotation);
     // The movie's matrix is applied after the track's, and the turn is meant to come last.
@@ -84,7 +100,7 @@ std::optional<std::vector<Patch>> patchesOfFlag(const Movie& movie, double rotat
         if (!video.isCover)
             patches.push_back(patchOf(video, combined(own, turnOfTrack)));
     }
-    return patches.empty() ? std::nullopt : std::optional(patches);
+    return patches;
 }
 
 DisplayMatrix matrixOfFlag(const Orientation& orientation, double rotation)

@@ -13,8 +13,8 @@ namespace
 
 using Boxes = std::vector<Box>;
 
-// More than the sample tables of a day of video; what is larger is not read into memory.
-constexpr FileOffset largestMovie = FileOffset(1) << 29U;
+// More than the sample tables of a day of video. Rewriting takes three times as much memory.
+constexpr FileOffset largestMovie = FileOffset(1) << 28U;
 
 /// Writes the times into the content of a header. A time of 0 is unknown, and one that does not fit is not
 /// written.

@@ -3,6 +3,7 @@
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MovieBytes.h"
 
+#include <ostream>
 #include <string>
 
 namespace tarnwell::test
@@ -18,6 +19,11 @@ struct CopyReason {
     std::string input;
     std::string reason; // empty for a file that is copied
 };
+
+void PrintTo(const CopyReason& row, std::ostream* stream)
+{
+    *stream << row.name;
+}
 
 std::string movieWith(const std::vector<std::int64_t>& matrixOfMovie, const std::string& tracks)
 {

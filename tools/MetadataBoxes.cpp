@@ -38,6 +38,28 @@ void setLanguage(std::string& content, const std::optional<std::string>& languag
         content.replace(offset, language->size(), *language);
 }
 
+/// ffmpeg gives the brand of Dolby Vision to an encoding of such a video too, which is none any more. Another
+/// compatible brand that every file has takes its place. False where it cannot be written.
+bool removeDolbyBrand(int file)
+{
+    constexpr std::string_view dolby = "dby1";
+    constexpr std::string_view common = "isom";
+    constexpr std::size_t compatibleOffset = 8; // behind the major brand and its version
+    constexpr std::size_t mostBytes = 1024;
+    BoxReader reader(file);
+    const Boxes boxes = reader.leadingBoxesOfFile();
+    if (boxes.empty() || !boxes.front().is("ftyp"))
+        return true;
+    const std::string brands = reader.contentOf(boxes.front(), mostBytes);
+    for (std::size_t place = compatibleOffset; place + dolby.size() <= brands.size(); place += dolby.size()) {
+        const auto offset = boxes.front().content + static_cast<FileOffset>(place);
+        if (brands.compare(place, dolby.size(), dolby) == 0
+            && ::pwrite(file, common.data(), common.size(), offset) != static_cast<ssize_t>(common.size()))
+            return false;
+    }
+    return true;
+}
+
 /// Makes a new description of a movie out of its old one and of what it takes over.
 class MovieRewriter
 {
@@ -188,6 +210,8 @@ private:
 
 MetadataResult addMetadata(int movie, const MetadataSource& source)
 {
+    if (!source.isCopy && !removeDolbyBrand(movie))
+        return MetadataResult::WriteFailed;
     auto metadata = readMovieMetadata(source.file, source.isCopy);
     if (!metadata) {
         metadata.emplace();

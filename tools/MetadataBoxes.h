@@ -25,5 +25,6 @@ enum class MetadataResult {
 ///
 /// From an MP4 or QuickTime file: creation and modification dates and languages of the movie and its tracks,
 /// user data ("udta"), keys ("meta") and boxes of vendors ("uuid") as they are; "uuid" of a track only for a
-/// copy. From other files: the tags that ffmpeg does not write into MP4, as QuickTime keys.
+/// copy. From other files: the tags that ffmpeg does not write into MP4, as QuickTime keys. An encoding loses
+/// the brand of Dolby Vision, which ffmpeg gives it.
 MetadataResult addMetadata(int movie, const MetadataSource& source);

@@ -102,9 +102,11 @@ def matroska(folder):
             file.write(f"[CHAPTER]\nTIMEBASE=1/1000\nSTART={start}\nEND={start + 500}\ntitle=Part {start}\n")
     return ffmpeg(folder, "two-sounds.mkv", [
         *PICTURE, *SOUND, *SOUND, "-i", chapters, "-map", "0", "-map", "1", "-map", "2", "-map_chapters", "3",
-        *HEVC, "-c:a:0", "aac", "-c:a:1", "ac3", "-ac", "2", "-metadata:s:a:0", "language=deu",
-        "-metadata:s:a:1", "language=fra", *tags(creation_time=DATE, title="A day", make="Maker", model="Model 7",
-        location=PLACE, DATE="2023-05-06", comment="Remark"),
+        *HEVC, "-c:a:0", "aac", "-c:a:1", "ac3", "-ac", "2",
+        "-metadata:s:a:0", "language=deu", "-metadata:s:a:0", "title=Voices",
+        "-metadata:s:a:1", "language=fra", "-metadata:s:a:1", "title=Music",
+        *tags(creation_time=DATE, title="A day", make="Maker", model="Model 7", location=PLACE, DATE="2023-05-06",
+              comment="Remark"),
     ])  # fmt: skip
 
 

@@ -8,7 +8,7 @@ import subprocess
 EXIFTOOL_NAMES = [
     "CreateDate", "ModifyDate", "TrackCreateDate", "TrackModifyDate", "MediaCreateDate", "MediaModifyDate",
     "CreationDate", "DateTimeOriginal", "ContentCreateDate", "GPSCoordinates", "Make", "Model", "Title",
-    "Comment", "FirmwareVersion", "ProjectionType",
+    "Comment", "FirmwareVersion", "ProjectionType", "Track*Name",
 ]  # fmt: skip
 VIDEO_TRACK = "Track1"
 
@@ -57,6 +57,8 @@ def ffprobe_facts(path):
         facts[kind + " languages"] = " ".join(stream.get("tags", {}).get("language", "und") for stream in chosen)
     records = [data["side_data_type"] for stream in streams for data in stream.get("side_data_list", [])]
     facts["records"] = ", ".join(record for record in records if record != "Display Matrix")
+    if "dby1" in tags.get("compatible_brands", ""):
+        facts["brand"] = "dby1"
     facts["display aspect"] = next(
         (stream.get("display_aspect_ratio") for stream in streams if stream.get("codec_type") == "video"), None)
     return {name: value for name, value in facts.items() if value}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What the nine numbers of a display matrix are read as.
+// The display matrix in a report, its rotation tag, and turns.
 #include "tests/tools/MatrixText.h"
+#include "tests/tools/Orientations.h"
 #include "tools/Rotation.h"
 
 #include <gtest/gtest.h>
@@ -14,27 +15,6 @@ namespace tarnwell::test
 namespace
 {
 
-struct Orientation {
-    const char* name;
-    int a;
-    int b;
-    int c;
-    int d;
-    int tag;
-    bool mirrored;
-};
-
-const std::vector<Orientation> orientations = {
-    {"as coded", 1, 0, 0, 1, 0, false},
-    {"a quarter turn to the right", 0, 1, -1, 0, 90, false},
-    {"a half turn", -1, 0, 0, -1, 180, false},
-    {"a quarter turn to the left", 0, -1, 1, 0, 270, false},
-    {"top and bottom exchanged", 1, 0, 0, -1, 0, true},
-    {"left and right exchanged", -1, 0, 0, 1, 180, true},
-    {"mirrored at the falling diagonal", 0, 1, 1, 0, 90, true},
-    {"mirrored at the rising diagonal", 0, -1, -1, 0, 270, true},
-};
-
 const DisplayMatrix unmoved;
 
 void expectNear(const DisplayMatrix& actual, const DisplayMatrix& expected)
@@ -46,10 +26,9 @@ void expectNear(const DisplayMatrix& actual, const DisplayMatrix& expected)
     EXPECT_NEAR(actual.d, expected.d, rounding);
 }
 
-DisplayMatrix matrixOf(const Orientation& orientation)
+std::optional<DisplayMatrix> parsed(const DisplayMatrix& m)
 {
-    return {static_cast<double>(orientation.a), static_cast<double>(orientation.b),
-        static_cast<double>(orientation.c), static_cast<double>(orientation.d)};
+    return parseDisplayMatrix(matrixText(m.a, m.b, m.c, m.d));
 }
 
 } // namespace
@@ -58,11 +37,11 @@ TEST(DisplayMatrixTest, everyOrientationIsReadFromItsNineNumbers)
 {
     for (const auto& row : orientations) {
         SCOPED_TRACE(row.name);
-        const auto matrix = parseDisplayMatrix(matrixText(row.a, row.b, row.c, row.d));
+        const auto matrix = parsed(row.matrix);
         ASSERT_TRUE(matrix);
-        expectNear(*matrix, matrixOf(row));
+        expectNear(*matrix, row.matrix);
         EXPECT_EQ(rotationTag(*matrix), row.tag);
-        EXPECT_EQ(isMirrored(*matrix), row.mirrored);
+        EXPECT_EQ(isMirrored(*matrix), row.isMirrored);
     }
 }
 
@@ -70,35 +49,30 @@ TEST(DisplayMatrixTest, aTurnByAnyAngleIsReadInWholeDegrees)
 {
     for (const int degrees : {1, 45, 89, 91, 135, 200, 271, 359}) {
         SCOPED_TRACE(degrees);
-        const DisplayMatrix turn = turnedLeft(360 - degrees);
-        const auto matrix = parseDisplayMatrix(matrixText(turn.a, turn.b, turn.c, turn.d));
+        const auto matrix = parsed(turnedLeft(360 - degrees));
         ASSERT_TRUE(matrix);
         EXPECT_EQ(rotationTag(*matrix), degrees);
         EXPECT_FALSE(isMirrored(*matrix));
     }
 }
 
-TEST(DisplayMatrixTest, whereThePictureIsMovedToDoesNotCount)
+TEST(DisplayMatrixTest, theTranslationTheLastColumnAndRoundingAreIgnored)
 {
-    auto numbers = matrixNumbers(0, 1, -1, 0);
-    numbers[6] = 480LL * 65536;
-    numbers[7] = -7;
-    const auto matrix = parseDisplayMatrix(textOfNumbers(numbers));
-    ASSERT_TRUE(matrix);
-    EXPECT_EQ(rotationTag(*matrix), 90);
+    struct Change {
+        std::size_t place;
+        long long number;
+    };
+    for (const Change& change : std::vector<Change>{
+             {6, 480LL * 65536}, {7, -7}, {2, 65536}, {5, 65536}, {8, 65536}, {0, 1}, {1, 65535}}) {
+        auto numbers = matrixNumbers(0, 1, -1, 0);
+        numbers[change.place] = change.number;
+        const auto matrix = parseDisplayMatrix(textOfNumbers(numbers));
+        ASSERT_TRUE(matrix) << change.place;
+        EXPECT_EQ(rotationTag(*matrix), 90) << change.place;
+    }
 }
 
-TEST(DisplayMatrixTest, aMatrixThatIsOffByOneUnitIsRead)
-{
-    auto numbers = matrixNumbers(1, 0, 0, 1);
-    numbers[0] = 65535;
-    numbers[1] = 1;
-    const auto matrix = parseDisplayMatrix(textOfNumbers(numbers));
-    ASSERT_TRUE(matrix);
-    EXPECT_EQ(rotationTag(*matrix), 0);
-}
-
-TEST(DisplayMatrixTest, matricesThatChangeThePictureOtherwiseAreRefused)
+TEST(DisplayMatrixTest, matricesThatScaleOrSkewAreRefused)
 {
     struct Row {
         const char* name;
@@ -125,24 +99,13 @@ TEST(DisplayMatrixTest, matricesThatChangeThePictureOtherwiseAreRefused)
     }
 }
 
-TEST(DisplayMatrixTest, theColumnThatDecodersDoNotLookAtDoesNotCount)
-{
-    for (const std::size_t place : {2U, 5U, 8U}) {
-        auto numbers = matrixNumbers(0, 1, -1, 0);
-        numbers[place] = 65536;
-        const auto matrix = parseDisplayMatrix(textOfNumbers(numbers));
-        ASSERT_TRUE(matrix) << place;
-        EXPECT_EQ(rotationTag(*matrix), 90) << place;
-    }
-}
-
 TEST(DecodedMatrixTest, isTurnedAndMirroredAndNotScaled)
 {
     for (const auto& row : orientations) {
         for (const double width : {0.5, 1.0, 2.0}) {
             for (const double height : {0.25, 1.0, 3.0}) {
                 SCOPED_TRACE(row.name);
-                const DisplayMatrix m = matrixOf(row);
+                const DisplayMatrix& m = row.matrix;
                 const auto decoded
                     = parseDecodedMatrix(matrixText(m.a * width, m.b * width, m.c * height, m.d * height));
                 ASSERT_TRUE(decoded);
@@ -152,7 +115,7 @@ TEST(DecodedMatrixTest, isTurnedAndMirroredAndNotScaled)
     }
 }
 
-TEST(DecodedMatrixTest, isNoneOfGarbage)
+TEST(DecodedMatrixTest, isAbsentForGarbage)
 {
     const long long one = 65536;
     for (const std::vector<long long>& numbers : std::vector<std::vector<long long>>{
@@ -162,37 +125,20 @@ TEST(DecodedMatrixTest, isNoneOfGarbage)
     EXPECT_FALSE(parseDecodedMatrix("no matrix"));
 }
 
-TEST(DisplayMatrixTest, textsThatAreNoMatrixAreRefused)
+TEST(DisplayMatrixTest, otherTextsAreRefused)
 {
     const std::string good = matrixText(1, 0, 0, 1);
     const auto with = [&good](const std::string& from, const std::string& to) {
         std::string text = good;
         return text.replace(text.find(from), from.size(), to);
     };
-    struct Row {
-        const char* name;
-        std::string text;
-    };
-    const std::vector<Row> rows = {
-        {"empty", ""},
-        {"a line's end", "\n"},
-        {"words", "no matrix at all"},
-        {"eight numbers", good.substr(0, good.rfind(' '))},
-        {"ten numbers", good + " 0"},
-        {"a row twice", good + good},
-        {"not a number", with("65536", "nan")},
-        {"a negative one that is not a number", with("65536", "-nan")},
-        {"endless", with("65536", "inf")},
-        {"a fraction", with("65536", "65536.0")},
-        {"a number with a tail", with("65536", "65536x")},
-        {"a number that is too long", with("65536", "99999999999999999999")},
-        {"rows without numbers", "00000000:\n00000001:\n00000002:\n"},
-    };
+    const std::vector<std::string> texts = {"", "\n", "no matrix at all", good.substr(0, good.rfind(' ')),
+        good + " 0", good + good, with("65536", "nan"), with("65536", "-nan"), with("65536", "inf"),
+        with("65536", "65536.0"), with("65536", "65536x"), with("65536", "99999999999999999999"),
+        "00000000:\n00000001:\n00000002:\n"};
     ASSERT_TRUE(parseDisplayMatrix(good));
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_FALSE(parseDisplayMatrix(row.text));
-    }
+    for (const auto& text : texts)
+        EXPECT_FALSE(parseDisplayMatrix(text)) << text;
 }
 
 TEST(TurnTest, quarterTurnsToTheLeftCountTheOtherWayRound)
@@ -217,7 +163,7 @@ TEST(TurnTest, aTurnAfterAnyOrientationTurnsWhatIsShown)
     for (const auto& row : orientations) {
         for (std::size_t quarters = 0; quarters < turns.size(); ++quarters) {
             SCOPED_TRACE(std::string(row.name) + ", then quarter turns: " + std::to_string(quarters));
-            const DisplayMatrix shown = matrixOf(row);
+            const DisplayMatrix& shown = row.matrix;
             const DisplayMatrix turn = turns[quarters];
             // Where (1, 0) and (0, 1) go, one step after the other.
             const DisplayMatrix expected = {
@@ -245,8 +191,8 @@ TEST(TurnTest, fourQuarterTurnsAndTwoMirrorsChangeNothing)
         turned = combined(turned, turnedLeft(90));
     expectNear(turned, unmoved);
     for (const auto& row : orientations) {
-        if (row.mirrored)
-            expectNear(combined(matrixOf(row), matrixOf(row)), unmoved);
+        if (row.isMirrored)
+            expectNear(combined(row.matrix, row.matrix), unmoved);
     }
 }
 

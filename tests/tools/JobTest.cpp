@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The three argument lists that creator understands, and what it makes of them for ffmpeg.
+// The three argument lists that creator accepts, and the arguments for ffmpeg made of them.
 #include "tools/Job.h"
+
+#include "tests/support/Rows.h"
+#include "tests/tools/Commands.h"
 
 #include <gtest/gtest.h>
 
@@ -14,260 +17,211 @@ namespace tarnwell::test
 namespace
 {
 
-using Arguments = std::vector<std::string>;
-
 const Target target = {"/proc/self/fd/7", "mp4"};
 
-Arguments still(const std::string& position, const std::string& input, const std::string& output)
-{
-    return {"-v", "quiet", "-ss", position, "-i", input, "-frames:v", "1", "-y", output};
-}
+struct JobRow {
+    const char* name;
+    Job::Kind kind;
+    const char* filters;
 
-Arguments fixFlag(const std::string& input, const std::string& tag, const std::string& output)
-{
-    return {"-i", input, "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", tag, "-y", output};
-}
-
-Arguments transcode(const std::string& input, const Arguments& filters, const std::string& output)
-{
-    Arguments list = {"-i", input, "-pix_fmt", "yuv420p"};
-    list.insert(list.end(), filters.begin(), filters.end());
-    list.insert(list.end(), {"-metadata:s:v", "rotate=0", "-y", output});
-    return list;
-}
-
-const std::vector<Arguments> lists = {
-    still("1.5", "in.mp4", "still.jpg"),
-    fixFlag("in.mp4", "rotate=90", "out.mp4"),
-    transcode("in.mp4", {}, "out.mp4"),
-    transcode("in.mp4", {"-vf", "transpose=1,vflip"}, "out.mp4"),
+    Words list(const std::string& input, const std::string& output) const
+    {
+        if (kind == Job::Kind::Still)
+            return stillCommand("1.5", input, output);
+        return kind == Job::Kind::FixFlag ? fixFlagCommand(input, output)
+                                          : transcodeCommand(input, output, filters);
+    }
+    Words list() const { return list("in.mp4", "out.mp4"); }
 };
 
-const Arguments oddPaths = {"-i", "-y", "-vf", "*", "", "rotate=90", "/a b/\xC3\xA4\n.mp4", "http://x/y",
+const JobRow still = {"still", Job::Kind::Still, ""};
+const JobRow fixFlag = {"fixFlag", Job::Kind::FixFlag, ""};
+const JobRow transcode = {"transcode", Job::Kind::Transcode, ""};
+const JobRow filteredTranscode = {"filteredTranscode", Job::Kind::Transcode, "transpose=1,vflip"};
+
+const Words unusualPaths = {"-i", "-y", "-vf", "*", "", "rotate=90", "/a b/\xC3\xA4\n.mp4", "http://x/y",
     "|ls", "%d.mp4", "concat:a|b", "\xFF.mp4"};
 
-bool holds(const Arguments& list, const Arguments& part)
+bool contains(const Words& list, const Words& part)
 {
     return std::search(list.begin(), list.end(), part.begin(), part.end()) != list.end();
 }
 
-Arguments ffmpegFor(const Arguments& arguments)
+Words ffmpegFor(const Words& arguments)
 {
     const auto job = readJob(arguments);
     EXPECT_TRUE(job);
-    return job ? ffmpegArguments(*job, target) : Arguments();
+    return job ? ffmpegArguments(*job, target) : Words();
 }
 
 } // namespace
 
-TEST(JobTest, aStillIsReadWithAnyPositionAndPaths)
+class JobTest : public testing::TestWithParam<JobRow>
 {
-    for (const auto& path : oddPaths) {
+protected:
+    void expectRefused(const Words& list) const
+    {
+        EXPECT_FALSE(readJob(list)) << testing::PrintToString(list);
+    }
+};
+
+TEST_P(JobTest, isReadWithAnyPaths)
+{
+    for (const auto& path : unusualPaths) {
         SCOPED_TRACE(path);
-        const auto job = readJob(still("12.5", path, "x" + path));
+        const auto job = readJob(GetParam().list(path, "x" + path));
         ASSERT_TRUE(job);
-        EXPECT_EQ(job->kind, Job::Kind::Still);
-        EXPECT_EQ(job->position, "12.5");
+        EXPECT_EQ(job->kind, GetParam().kind);
         EXPECT_EQ(job->input, path);
         EXPECT_EQ(job->output, "x" + path);
+        EXPECT_EQ(job->position, job->kind == Job::Kind::Still ? "1.5" : "");
+        EXPECT_EQ(job->filters, GetParam().filters);
+        EXPECT_EQ(job->rotation, job->kind == Job::Kind::FixFlag ? 90 : 0);
     }
 }
 
-TEST(JobTest, aFixFlagIsReadWithAnyTurnAndPaths)
+TEST_P(JobTest, isRefusedWithAnElementMissingOrAdded)
 {
-    for (const auto& path : oddPaths) {
-        for (const int degrees : {0, 90, 180, 270, -90, -180, 360, 450, -270, 17}) {
-            SCOPED_TRACE(path + ", " + std::to_string(degrees));
-            const auto job = readJob(fixFlag(path, "rotate=" + std::to_string(degrees), "x" + path));
-            ASSERT_TRUE(job);
-            EXPECT_EQ(job->kind, Job::Kind::FixFlag);
-            EXPECT_EQ(job->rotation, degrees);
-            EXPECT_EQ(job->input, path);
-            EXPECT_EQ(job->output, "x" + path);
+    const Words list = GetParam().list();
+    for (std::ptrdiff_t place = 0; place <= std::ssize(list); ++place) {
+        Words longer = list;
+        longer.insert(longer.begin() + place, "-n");
+        expectRefused(longer);
+        Words shorter = list;
+        if (place < std::ssize(list)) {
+            shorter.erase(shorter.begin() + place);
+            expectRefused(shorter);
         }
     }
+    expectRefused(joined(list, list));
 }
 
-TEST(JobTest, aTranscodeIsReadWithAndWithoutFilters)
+TEST_P(JobTest, isRefusedInAnotherOrder)
 {
-    for (const auto& path : oddPaths) {
-        SCOPED_TRACE(path);
-        const auto filtered = readJob(transcode(path, {"-vf", "transpose=2"}, "x" + path));
-        const auto plain = readJob(transcode(path, {}, "x" + path));
-        ASSERT_TRUE(filtered && plain);
-        for (const auto& job : {*filtered, *plain}) {
-            EXPECT_EQ(job.kind, Job::Kind::Transcode);
-            EXPECT_EQ(job.input, path);
-            EXPECT_EQ(job.output, "x" + path);
-        }
-        EXPECT_EQ(filtered->filters, "transpose=2");
-        EXPECT_EQ(plain->filters, "");
+    const Words list = GetParam().list();
+    for (std::size_t place = 0; place + 3 < list.size(); place += 2) {
+        Words other = list;
+        std::swap(other[place], other[place + 2]);
+        std::swap(other[place + 1], other[place + 3]);
+        expectRefused(other);
     }
 }
 
-TEST(JobTest, aListWithAnElementTooFewIsRefused)
+TEST_P(JobTest, isRefusedWithAnotherOption)
 {
-    for (const auto& list : lists) {
-        for (std::size_t place = 0; place < list.size(); ++place) {
-            Arguments shorter = list;
-            shorter.erase(shorter.begin() + static_cast<std::ptrdiff_t>(place));
-            EXPECT_FALSE(readJob(shorter)) << list[0] << " without element " << place;
-        }
+    const Words withValue = {"-i", "-y", "-ss", "-vf"}; // any value
+    const Words list = GetParam().list();
+    for (std::size_t place = 0; place < list.size(); ++place) {
+        if (place > 0 && std::count(withValue.begin(), withValue.end(), list[place - 1]) > 0)
+            continue;
+        Words other = list;
+        other[place] += "x";
+        expectRefused(other);
     }
 }
 
-TEST(JobTest, aListWithAnElementTooManyIsRefused)
+TEST_P(JobTest, namesInputAndTargetOnceAndNeverTheOutput)
 {
-    for (const auto& list : lists) {
-        for (std::size_t place = 0; place <= list.size(); ++place) {
-            Arguments longer = list;
-            longer.insert(longer.begin() + static_cast<std::ptrdiff_t>(place), "-n");
-            EXPECT_FALSE(readJob(longer)) << list[0] << " with another element " << place;
-        }
-    }
-}
-
-TEST(JobTest, aListInAnotherOrderIsRefused)
-{
-    for (const auto& list : lists) {
-        for (std::size_t place = 0; place + 3 < list.size(); place += 2) {
-            Arguments other = list;
-            std::swap(other[place], other[place + 2]);
-            std::swap(other[place + 1], other[place + 3]);
-            EXPECT_FALSE(readJob(other)) << list[0] << " with pair " << place << " exchanged";
-        }
-    }
-}
-
-TEST(JobTest, aListWithAnotherOptionIsRefused)
-{
-    const std::vector<Arguments> values = {{"-ss", "-i"}, {"-i"}, {"-i"}, {"-i", "-vf"}};
-    for (const auto& list : lists) {
-        for (std::size_t place = 0; place < list.size(); ++place) {
-            const bool isValue = place > 0
-                && (list[place - 1] == "-i" || list[place - 1] == "-y" || list[place - 1] == "-ss"
-                    || list[place - 1] == "-vf");
-            if (isValue)
-                continue;
-            Arguments other = list;
-            other[place] += "x";
-            const bool isTurn = list[place] == "rotate=90";
-            EXPECT_FALSE(readJob(other)) << list[place] << (isTurn ? ", a turn that is no number" : "");
-        }
-    }
-}
-
-TEST(JobTest, aTurnThatIsNoWholeNumberIsRefused)
-{
-    for (const char* tag :
-        {"rotate=", "rotate= 90", "rotate=90 ", "rotate=ninety", "rotate=nan", "rotate=inf", "rotate=1e9999",
-            "rotate=0x5A", "rotate=99999999999999999999", "rotat=90", "Rotate=90", "90"}) {
-        EXPECT_FALSE(readJob(fixFlag("in.mp4", tag, "out.mp4"))) << tag;
-    }
-}
-
-TEST(JobTest, emptyListsAndRepeatedOnesAreRefused)
-{
-    EXPECT_FALSE(readJob({}));
-    EXPECT_FALSE(readJob({""}));
-    EXPECT_FALSE(readJob({"-version"}));
-    for (const auto& list : lists) {
-        Arguments twice = list;
-        twice.insert(twice.end(), list.begin(), list.end());
-        EXPECT_FALSE(readJob(twice));
-    }
-}
-
-TEST(FfmpegArgumentsTest, theInputIsAlwaysAPathAndTheTargetComesLast)
-{
-    for (const auto& path : oddPaths) {
-        for (const auto& list :
-            {still("1", path, "o"), fixFlag(path, "rotate=0", "o"), transcode(path, {}, "o")}) {
-            const Arguments result = ffmpegFor(list);
-            EXPECT_TRUE(holds(result, {"-i", "file:" + path})) << path;
-            EXPECT_TRUE(holds(result, {"-f", "mp4", "-y", target.path}));
-            EXPECT_EQ(result.back(), target.path);
-            EXPECT_EQ(std::count(result.begin(), result.end(), "-i"), 1);
-        }
-    }
-}
-
-TEST(FfmpegArgumentsTest, theOutputsOwnPathIsNeverGiven)
-{
-    for (const auto& list : lists) {
-        const Arguments result = ffmpegFor(list);
-        EXPECT_EQ(std::count(result.begin(), result.end(), list.back()), 0);
-    }
-}
-
-TEST(FfmpegArgumentsTest, ffmpegNeverReadsTheTerminal)
-{
-    for (const auto& list : lists)
-        EXPECT_EQ(ffmpegFor(list).front(), "-nostdin");
-}
-
-TEST(FfmpegArgumentsTest, aStillSeeksBeforeItsInputAndNotAtAllWithoutAPosition)
-{
-    auto job = readJob(lists[0]);
-    ASSERT_TRUE(job);
-    EXPECT_TRUE(holds(ffmpegArguments(*job, target),
-        {"-ss", "1.5", "-i", "file:in.mp4", "-map", "0:V:0", "-frames:v", "1"}));
-    job->position.clear();
-    const Arguments first = ffmpegArguments(*job, target);
-    EXPECT_FALSE(holds(first, {"-ss"}));
-    EXPECT_TRUE(holds(first, {"-i", "file:in.mp4", "-map", "0:V:0", "-frames:v", "1"}));
-    job->mayBeCover = true;
-    EXPECT_TRUE(holds(ffmpegArguments(*job, target), {"-i", "file:in.mp4", "-frames:v", "1"}));
-}
-
-TEST(FfmpegArgumentsTest, aStillHasSquarePixels)
-{
-    const Arguments result = ffmpegFor(lists[0]);
-    const auto filter = std::find(result.begin(), result.end(), "-vf");
-    ASSERT_NE(filter, result.end());
-    EXPECT_EQ((filter + 1)->rfind("scale=", 0), 0U);
-    EXPECT_NE((filter + 1)->find(",setsar=1"), std::string::npos);
-}
-
-TEST(FfmpegArgumentsTest, streamOptionsComeBetweenInputAndTarget)
-{
-    for (const std::size_t place : {1U, 2U}) {
-        const auto job = readJob(lists[place]);
-        ASSERT_TRUE(job);
-        const Arguments result = ffmpegArguments(*job, target, {"-map", "0:1"});
-        EXPECT_TRUE(holds(result, {"-i", "file:in.mp4", "-map", "0:1"}));
-        EXPECT_FALSE(holds(result, {"copy"}));
-        EXPECT_EQ(holds(result, {"-pix_fmt"}), place == 2);
+    for (const auto& path : unusualPaths) {
+        const Words result = ffmpegFor(GetParam().list(path, "the output"));
+        EXPECT_EQ(result.front(), "-nostdin");
+        EXPECT_TRUE(contains(result, {"-i", "file:" + path})) << path;
+        EXPECT_EQ(std::count(result.begin(), result.end(), "-i"), 1);
+        EXPECT_EQ(std::count(result.begin(), result.end(), "the output"), 0);
+        EXPECT_TRUE(contains(result, {"-f", "mp4", "-y", target.path}));
         EXPECT_EQ(result.back(), target.path);
     }
 }
 
-TEST(FfmpegArgumentsTest, bothWaysOfSavingTellOfTheirProgress)
+INSTANTIATE_TEST_SUITE_P(
+    Lists, JobTest, testing::Values(still, fixFlag, transcode, filteredTranscode), rowName);
+
+TEST(RotationArgumentTest, isAnyWholeNumberOfDegrees)
 {
-    for (std::size_t place = 1; place < lists.size(); ++place)
-        EXPECT_TRUE(holds(ffmpegFor(lists[place]), {"-nostats", "-progress", "pipe:1"}));
+    for (const int degrees : {0, 90, 180, 270, -90, -180, 360, 450, -270, 17}) {
+        const auto job = readJob(fixFlagCommand("in.mp4", "out.mp4", "rotate=" + std::to_string(degrees)));
+        ASSERT_TRUE(job) << degrees;
+        EXPECT_EQ(job->rotation, degrees);
+    }
+    for (const char* tag :
+        {"rotate=", "rotate= 90", "rotate=90 ", "rotate=ninety", "rotate=nan", "rotate=inf", "rotate=1e9999",
+            "rotate=0x5A", "rotate=99999999999999999999", "rotat=90", "Rotate=90", "90"})
+        EXPECT_FALSE(readJob(fixFlagCommand("in.mp4", "out.mp4", tag))) << tag;
 }
 
-TEST(FfmpegArgumentsTest, aFixFlagCopiesItsStreams)
+TEST(ShortListTest, isRefused)
 {
-    const Arguments result = ffmpegFor(lists[1]);
-    EXPECT_TRUE(holds(result, {"-c:v", "copy", "-c:a", "copy"}));
-    EXPECT_FALSE(holds(result, {"-vf"}));
+    for (const Words& list : {Words(), Words{""}, Words{"-version"}})
+        EXPECT_FALSE(readJob(list)) << testing::PrintToString(list);
 }
 
-TEST(FfmpegArgumentsTest, aTranscodeFiltersToAnEvenSize)
+struct ArgumentsRow {
+    const char* name;
+    JobRow job;
+    Words part;
+    bool isContained;
+};
+
+class FfmpegArgumentsTest : public testing::TestWithParam<ArgumentsRow>
 {
-    const std::string even = "crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0";
-    EXPECT_TRUE(holds(ffmpegFor(lists[2]), {"-pix_fmt", "yuv420p", "-vf", even}));
-    EXPECT_TRUE(holds(ffmpegFor(lists[3]), {"-pix_fmt", "yuv420p", "-vf", "transpose=1,vflip," + even}));
-    EXPECT_FALSE(holds(ffmpegFor(lists[3]), {"copy"}));
+};
+
+TEST_P(FfmpegArgumentsTest, isAsStated)
+{
+    EXPECT_EQ(contains(ffmpegFor(GetParam().job.list()), GetParam().part), GetParam().isContained);
 }
 
-TEST(FfmpegArgumentsTest, noContainerIsNamedWhereThereIsNone)
+const std::string evenSize = "crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0";
+
+INSTANTIATE_TEST_SUITE_P(Parts, FfmpegArgumentsTest,
+    testing::Values(ArgumentsRow{"aStillSeeksBeforeItsInput", still,
+                        {"-ss", "1.5", "-i", "file:in.mp4", "-map", "0:V:0", "-frames:v", "1"}, true},
+        ArgumentsRow{"aFixFlagReportsItsProgress", fixFlag, {"-nostats", "-progress", "pipe:1"}, true},
+        ArgumentsRow{"aTranscodeReportsItsProgress", transcode, {"-nostats", "-progress", "pipe:1"}, true},
+        ArgumentsRow{"aFixFlagCopiesItsStreams", fixFlag, {"-c:v", "copy", "-c:a", "copy"}, true},
+        ArgumentsRow{"aFixFlagHasNoFilter", fixFlag, {"-vf"}, false},
+        ArgumentsRow{
+            "aTranscodeCropsToAnEvenSize", transcode, {"-pix_fmt", "yuv420p", "-vf", evenSize}, true},
+        ArgumentsRow{"aTranscodeFiltersBeforeItCrops", filteredTranscode,
+            {"-pix_fmt", "yuv420p", "-vf", "transpose=1,vflip," + evenSize}, true},
+        ArgumentsRow{"aTranscodeCopiesNoStream", filteredTranscode, {"copy"}, false}),
+    rowName);
+
+TEST(StillArgumentsTest, withoutAPositionDoNotSeek)
 {
-    const auto job = readJob(lists[1]);
+    auto job = readJob(still.list());
     ASSERT_TRUE(job);
-    EXPECT_FALSE(holds(ffmpegArguments(*job, {"/tmp/x.mp4", ""}), {"-f"}));
+    job->position.clear();
+    const Words first = ffmpegArguments(*job, target);
+    EXPECT_FALSE(contains(first, {"-ss"}));
+    EXPECT_TRUE(contains(first, {"-i", "file:in.mp4", "-map", "0:V:0", "-frames:v", "1"}));
+    job->mayBeCover = true;
+    EXPECT_TRUE(contains(ffmpegArguments(*job, target), {"-i", "file:in.mp4", "-frames:v", "1"}));
+}
+
+TEST(StillArgumentsTest, makePixelsSquare)
+{
+    const Words result = ffmpegFor(still.list());
+    const auto filter = std::find(result.begin(), result.end(), "-vf");
+    ASSERT_NE(filter, result.end());
+    EXPECT_TRUE((filter + 1)->starts_with("scale="));
+    EXPECT_NE((filter + 1)->find(",setsar=1"), std::string::npos);
+}
+
+TEST(StreamOptionsTest, standBetweenInputAndTarget)
+{
+    for (const JobRow& row : {fixFlag, transcode}) {
+        const Words result = ffmpegArguments(readJob(row.list()).value(), target, {"-map", "0:1"});
+        EXPECT_TRUE(contains(result, {"-i", "file:in.mp4", "-map", "0:1"}));
+        EXPECT_FALSE(contains(result, {"copy"}));
+        EXPECT_EQ(contains(result, {"-pix_fmt"}), row.kind == Job::Kind::Transcode);
+        EXPECT_EQ(result.back(), target.path);
+    }
+}
+
+TEST(StreamOptionsTest, nameNoContainerIfThereIsNone)
+{
+    EXPECT_FALSE(contains(ffmpegArguments(readJob(fixFlag.list()).value(), {"/tmp/x.mp4", ""}), {"-f"}));
 }
 
 } // namespace tarnwell::test

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
-// The probe's report before and after its rotation tags are set.
+// The probe's report before and after its rotation tags are set, and what creator reads from it.
 #include "tools/Report.h"
 
+#include "tests/support/Rows.h"
 #include "tests/tools/MatrixText.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace tarnwell::test
@@ -42,102 +45,99 @@ Json after(const Json& json)
     return Json::parse(withTrueRotation(json.dump()));
 }
 
+/// The stream with another value of one member; without the member if the value is null.
+Json with(Json stream, const char* member, const Json& value)
+{
+    if (value.is_null())
+        stream.erase(member);
+    else
+        stream[member] = value;
+    return stream;
+}
+
 const std::string quarterTurnRight = matrixText(0, 1, -1, 0);
 const std::string halfTurn = matrixText(-1, 0, 0, -1);
+const Json cover = with(video(halfTurn), "avg_frame_rate", "0/0");
+
+Json sound(const Json& duration)
+{
+    return {{"index", 0}, {"codec_type", "audio"}, {"duration", duration}};
+}
+
+Json tagged(const std::string& matrix, const Json& tags)
+{
+    return with(video(matrix), "tags", tags);
+}
+
+Json sideData(const std::vector<Json>& data)
+{
+    return with(video(), "side_data_list", data);
+}
+
+const Json otherData
+    = {{"side_data_type", "Mastering display metadata"}, {"displaymatrix", quarterTurnRight}};
+const Json german = {{"language", "de"}, {"title", "x"}};
+const Json germanTurned = {{"language", "de"}, {"rotate", "17"}, {"title", "x"}};
+const Json german180 = {{"language", "de"}, {"rotate", "180"}, {"title", "x"}};
+const Json turned = {{"rotate", "90"}};
+const Json none;
 
 } // namespace
 
-TEST(ReportTest, aMatrixBecomesATagInAStreamWithoutTags)
+struct StreamRow {
+    const char* name;
+    Json stream;
+    const char* member; // the only one that changes
+    Json expected; // null: the stream has no such member
+};
+
+class StreamReportTest : public testing::TestWithParam<StreamRow>
 {
-    Json expected = report({video(quarterTurnRight)});
-    expected["streams"][0]["tags"] = {{"rotate", "90"}};
-    EXPECT_EQ(after(report({video(quarterTurnRight)})).dump(), expected.dump());
+};
+
+TEST_P(StreamReportTest, isAsStated)
+{
+    const StreamRow& row = GetParam();
+    EXPECT_EQ(
+        after(report({row.stream})).dump(), report({with(row.stream, row.member, row.expected)}).dump());
 }
 
-TEST(ReportTest, aDurationBeyondSixtyFourBitsIsTakenOut)
-{
-    for (const Json& duration :
-        {Json("9223372036854775808.000000"), Json("-1e30"), Json("+1e30"), Json(1e30)}) {
-        SCOPED_TRACE(duration.dump());
-        Json sound = {{"index", 0}, {"codec_type", "audio"}, {"duration", duration}};
-        Json expected = sound;
-        expected.erase("duration");
-        EXPECT_EQ(after(report({sound})).dump(), report({expected}).dump());
-    }
-    const Json longest = {{"index", 0}, {"codec_type", "audio"}, {"duration", "9223372036854774784.000000"}};
-    EXPECT_EQ(withTrueRotation(report({longest}).dump()), report({longest}).dump());
-}
+INSTANTIATE_TEST_SUITE_P(Streams, StreamReportTest,
+    testing::Values(StreamRow{"aQuarterTurnToTheRightIs90", video(quarterTurnRight), "tags", turned},
+        StreamRow{"aQuarterTurnToTheLeftIs270", video(matrixText(0, -1, 1, 0)), "tags", {{"rotate", "270"}}},
+        StreamRow{"noTurnIs0", video(matrixText(1, 0, 0, 1)), "tags", {{"rotate", "0"}}},
+        StreamRow{"aMatrixReplacesTheTag", tagged(halfTurn, germanTurned), "tags", german180},
+        StreamRow{"aTagWithoutAMatrixIsRemoved", tagged("", germanTurned), "tags", german},
+        StreamRow{"zerosAreNoMatrix", video(matrixText(0, 0, 0, 0)), "tags", none},
+        StreamRow{"aZoomIsNoMatrix", tagged(matrixText(2, 0, 0, 2), germanTurned), "tags", german},
+        StreamRow{"aSkewIsNoMatrix", tagged(matrixText(1, 0, 1, 1), germanTurned), "tags", german},
+        StreamRow{"aWordIsNoMatrix", tagged("nan", germanTurned), "tags", german},
+        StreamRow{"otherSideDataIsIgnored", sideData({otherData}), "tags", none},
+        StreamRow{"theMatrixIsFoundAmongOtherSideData",
+            sideData({otherData, "text", 7, matrixData(halfTurn)}), "tags", {{"rotate", "180"}}},
+        StreamRow{"noSideData", with(video(), "side_data_list", "text"), "tags", none},
+        StreamRow{
+            "sideDataThatIsNoList", with(video(), "side_data_list", matrixData(halfTurn)), "tags", none},
+        StreamRow{
+            "sideDataWithoutNumbers", sideData({Json{{"side_data_type", "Display Matrix"}}}), "tags", none},
+        StreamRow{"sideDataOfWrongTypes",
+            sideData({Json{{"side_data_type", 4}, {"displaymatrix", 90}},
+                Json{{"side_data_type", "Display Matrix"}, {"displaymatrix", 90}}}),
+            "tags", none},
+        StreamRow{"aTextAsTagsIsReplaced", tagged(quarterTurnRight, "rotate"), "tags", turned},
+        StreamRow{"aListAsTagsIsReplaced", tagged(quarterTurnRight, Json::array({3})), "tags", turned},
+        StreamRow{"aDurationBeyond64BitsIsRemoved", sound("9223372036854775808.000000"), "duration", none},
+        StreamRow{"aDurationFarBelowZeroIsRemoved", sound("-1e30"), "duration", none},
+        StreamRow{"aDurationAsANumberIsRemoved", sound(1e30), "duration", none},
+        StreamRow{"theLongestDurationIsKept", sound("9223372036854774784.000000"), "duration",
+            "9223372036854774784.000000"}),
+    rowName);
 
-TEST(ReportTest, theMatrixWinsOverATagOfTheFile)
+TEST(ReportTest, everyTagWithoutAMatrixIsRemoved)
 {
-    Json stream = video(halfTurn);
-    stream["tags"] = {{"language", "und"}, {"rotate", "17"}, {"title", "x"}};
-    Json expected = report({stream});
-    expected["streams"][0]["tags"]["rotate"] = "180";
-    EXPECT_EQ(after(report({stream})).dump(), expected.dump());
-}
-
-TEST(ReportTest, anUpsideDownPictureAndAnUnturnedOneHaveTheirTags)
-{
-    EXPECT_EQ(after(report({video(matrixText(0, -1, 1, 0))}))["streams"][0]["tags"]["rotate"], "270");
-    EXPECT_EQ(after(report({video(matrixText(1, 0, 0, 1))}))["streams"][0]["tags"]["rotate"], "0");
-}
-
-TEST(ReportTest, aTagWithoutAMatrixIsTakenOutWhateverItSays)
-{
-    for (const char* text : {"90", "-90", "0", "", "left", "90 degrees", "\xC3\xA4\"\\\n"}) {
-        SCOPED_TRACE(text);
-        Json stream = video();
-        stream["tags"] = {{"language", "und"}, {"rotate", text}, {"title", text}};
-        Json expected = report({stream});
-        expected["streams"][0]["tags"].erase("rotate");
-        EXPECT_EQ(after(report({stream})).dump(), expected.dump());
-    }
-}
-
-TEST(ReportTest, aGarbageMatrixGivesNoTagAndTakesOneOut)
-{
-    for (const auto& text : {textOfNumbers(std::vector<long long>(9, 0)), matrixText(2, 0, 0, 2),
-             matrixText(1, 0, 1, 1), std::string("nan")}) {
-        SCOPED_TRACE(text);
-        Json stream = video(text);
-        EXPECT_EQ(after(report({stream})).dump(), report({stream}).dump());
-        stream["tags"] = {{"rotate", "90"}, {"language", "und"}};
-        EXPECT_EQ(after(report({stream}))["streams"][0]["tags"], Json({{"language", "und"}}));
-    }
-}
-
-TEST(ReportTest, onlyTheDisplayMatrixAmongTheSideDataCounts)
-{
-    Json stream = video();
-    Json other = {{"side_data_type", "Mastering display metadata"}, {"displaymatrix", quarterTurnRight}};
-    stream["side_data_list"] = Json::array({other, "text", 7, matrixData(halfTurn)});
-    EXPECT_EQ(after(report({stream}))["streams"][0]["tags"]["rotate"], "180");
-    stream["side_data_list"] = Json::array({other});
-    EXPECT_FALSE(after(report({stream}))["streams"][0].contains("tags"));
-}
-
-TEST(ReportTest, oddMembersAreNoMatrix)
-{
-    for (const Json& data : {Json(nullptr), Json("text"), Json(7), Json::object(), Json::array(),
-             Json::array({Json{{"side_data_type", "Display Matrix"}}}),
-             Json::array({Json{{"side_data_type", 4}, {"displaymatrix", 90}}}),
-             Json::array({Json{{"side_data_type", "Display Matrix"}, {"displaymatrix", 90}}})}) {
-        SCOPED_TRACE(data.dump());
-        Json stream = video();
-        stream["side_data_list"] = data;
-        EXPECT_EQ(after(report({stream})).dump(), report({stream}).dump());
-    }
-}
-
-TEST(ReportTest, tagsThatAreNoObjectBecomeOne)
-{
-    for (const Json& tags : {Json(nullptr), Json("rotate"), Json(3), Json::array({"rotate"})}) {
-        SCOPED_TRACE(tags.dump());
-        Json stream = video(quarterTurnRight);
-        stream["tags"] = tags;
-        EXPECT_EQ(after(report({stream}))["streams"][0]["tags"], Json({{"rotate", "90"}}));
-    }
+    for (const char* text : {"90", "-90", "0", "", "left", "90 degrees", "\xC3\xA4\"\\\n"})
+        EXPECT_EQ(after(report({tagged("", {{"rotate", text}, {"title", text}})})).dump(),
+            report({tagged("", {{"title", text}})}).dump());
 }
 
 TEST(ReportTest, otherStreamsKeepTheirTags)
@@ -154,10 +154,9 @@ TEST(ReportTest, otherStreamsKeepTheirTags)
 
 TEST(ReportTest, everyVideoStreamHasItsOwnTag)
 {
-    Json cover = video();
-    cover["avg_frame_rate"] = "0/0";
-    cover["tags"] = {{"rotate", "90"}, {"title", "Cover"}};
-    const Json result = after(report({video(quarterTurnRight), cover, video(halfTurn), video()}));
+    const Json titled
+        = with(with(cover, "side_data_list", none), "tags", {{"rotate", "90"}, {"title", "Cover"}});
+    const Json result = after(report({video(quarterTurnRight), titled, video(halfTurn), video()}));
     EXPECT_EQ(result["streams"][0]["tags"]["rotate"], "90");
     EXPECT_EQ(result["streams"][1]["tags"], Json({{"title", "Cover"}}));
     EXPECT_EQ(result["streams"][2]["tags"]["rotate"], "180");
@@ -173,64 +172,39 @@ TEST(ReportTest, membersKeepTheirOrderAndValues)
     EXPECT_EQ(Json::parse(withTrueRotation(text)).dump(), Json::parse(text).dump());
 }
 
-TEST(ReportTest, textsWithoutAVideoComeBackByteByByte)
+TEST(ReportTest, textsWithoutAVideoAndOtherBytesAreKept)
 {
-    for (const std::string text : {"", "{}", "{ }\n", "no report", "{\"streams\": [", "[]", "null", "7",
-             R"({"streams": []})", R"({"streams": {}})", R"({"streams":null})",
-             R"({"error":  {"code": -2, "string": "No such file"}})",
-             R"({"streams": [{"codec_type": "audio", "tags": {"rotate": "90"}}]})",
-             R"({"streams": [{"codec_type": 4}, 5, []]})"}) {
-        SCOPED_TRACE(text);
+    const std::string whole = report({video(quarterTurnRight)}).dump();
+    std::vector<std::string> texts = {"", "{}", "{ }\n", "no report", "[]", "null", "7", R"({"streams": []})",
+        R"({"streams": {}})", R"({"streams":null})", R"({"error":  {"code": -2, "string": "No such file"}})",
+        R"({"streams": [{"codec_type": "audio", "tags": {"rotate": "90"}}]})",
+        R"({"streams": [{"codec_type": 4}, 5, []]})",
+        "{\"streams\": [{\"codec_type\": \"video\", \"tags\": {\"title\": \"\xFF\xFE\"}}]}", whole + '\0',
+        whole + std::string("\0{}", 3)};
+    for (std::size_t length = 0; length < whole.size(); ++length)
+        texts.push_back(whole.substr(0, length));
+    for (const std::string& text : texts)
         EXPECT_EQ(withTrueRotation(text), text);
-    }
-}
-
-TEST(ReportTest, bytesThatAreNoTextComeBackAsTheyAre)
-{
-    const std::string text
-        = "{\"streams\": [{\"codec_type\": \"video\", \"tags\": {\"title\": \"\xFF\xFE\"}}]}";
-    EXPECT_EQ(withTrueRotation(text), text);
 }
 
 TEST(ReportTest, picturesOfChaptersAreNotTheMainVideo)
 {
-    Json pictures = video(halfTurn);
-    pictures["disposition"] = {{"attached_pic", 1}};
-    Json film = video(quarterTurnRight);
-    film["index"] = 1;
-    film["disposition"] = {{"attached_pic", 0}};
+    const Json pictures = with(video(halfTurn), "disposition", {{"attached_pic", 1}});
+    const Json film = with(with(video(quarterTurnRight), "index", 1), "disposition", {{"attached_pic", 0}});
     const auto facts = mediaFactsOf(report({pictures, film}).dump());
-    ASSERT_TRUE(facts.mainVideo);
+    ASSERT_TRUE(facts.mainVideo && facts.video.decoded);
     EXPECT_EQ(facts.mainVideo->index, 1);
-    ASSERT_TRUE(facts.video.decoded);
     EXPECT_EQ(rotationTag(*facts.video.decoded), 90);
     EXPECT_EQ(facts.video.rotation, 180) << "the tag that the application reads";
     EXPECT_EQ(mediaFactsOf(report({pictures}).dump()).mainVideo->index, 0);
 }
 
-TEST(ReportTest, aReportWithANulByteComesBackAsItIs)
+TEST(VideoFactsTest, areThoseOfTheFirstVideoThatHasAFrameRate)
 {
-    const std::string whole = report({video(quarterTurnRight)}).dump();
-    for (const std::string& rest : {std::string(1, '\0'), std::string("\0{}", 3)})
-        EXPECT_EQ(withTrueRotation(whole + rest), whole + rest);
-}
-
-TEST(ReportTest, aReportThatEndsEarlyComesBackAsItIs)
-{
-    const std::string whole = report({video(quarterTurnRight)}).dump();
-    for (std::size_t length = 0; length < whole.size(); ++length)
-        EXPECT_EQ(withTrueRotation(whole.substr(0, length)), whole.substr(0, length)) << length;
-}
-
-TEST(VideoFactsTest, comeFromTheFirstVideoThatHasAFrameRate)
-{
-    Json cover = video(halfTurn);
-    cover["avg_frame_rate"] = "0/0";
-    cover["width"] = 600;
-    Json second = video();
-    second["width"] = 320;
-    const Json sound = {{"codec_type", "audio"}, {"width", 5}};
-    const auto facts = videoFactsOf(report({sound, cover, video(quarterTurnRight), second}).dump());
+    const Json audio = {{"codec_type", "audio"}, {"width", 5}};
+    const auto facts = videoFactsOf(
+        report({audio, with(cover, "width", 600), video(quarterTurnRight), with(video(), "width", 320)})
+            .dump());
     EXPECT_EQ(facts.width, 1920);
     EXPECT_EQ(facts.height, 1080);
     EXPECT_EQ(facts.rotation, 90);
@@ -238,14 +212,9 @@ TEST(VideoFactsTest, comeFromTheFirstVideoThatHasAFrameRate)
     EXPECT_EQ(rotationTag(*facts.decoded), 90);
 }
 
-TEST(VideoFactsTest, comeFromACoverPictureWhereThereIsNothingElse)
+TEST(VideoFactsTest, areThoseOfTheFirstCoverIfThereIsNoOtherVideo)
 {
-    Json cover = video(halfTurn);
-    cover["avg_frame_rate"] = "0/0";
-    Json second = video();
-    second["avg_frame_rate"] = "0/0";
-    second["width"] = 1;
-    const auto facts = videoFactsOf(report({cover, second}).dump());
+    const auto facts = videoFactsOf(report({cover, with(cover, "width", 1)}).dump());
     EXPECT_EQ(facts.width, 1920);
     EXPECT_EQ(facts.rotation, 180);
     ASSERT_TRUE(facts.decoded);
@@ -263,9 +232,7 @@ TEST(VideoFactsTest, aMatrixThatScalesHasNoTagButIsDecoded)
 
 TEST(VideoFactsTest, areUnknownWithoutAVideo)
 {
-    Json odd = video("no matrix");
-    odd["width"] = "1920";
-    odd["height"] = 10.5;
+    const Json odd = with(with(video("no matrix"), "width", "1920"), "height", 10.5);
     for (const std::string& text : {std::string(), std::string("no report"), report({}).dump(),
              report({{{"codec_type", "audio"}, {"width", 7}}}).dump(), report({odd}).dump(),
              std::string("{\"streams\": 5}")}) {
@@ -284,8 +251,7 @@ TEST(VideoFactsTest, thePixelAspectIsThatOfTheReport)
         {"0:1", 1}, {"1:0", 1}, {"N/A", 1}, {"-4:3", 1}, {"1000000:1", 1}, {"1:1000000", 1}, {"", 1}, {3, 1}};
     for (const auto& [text, aspect] : rows) {
         SCOPED_TRACE(text.dump());
-        Json stream = video();
-        stream["sample_aspect_ratio"] = text;
+        const Json stream = with(video(), "sample_aspect_ratio", text);
         EXPECT_DOUBLE_EQ(videoFactsOf(report({stream}).dump()).pixelAspect, aspect);
     }
     EXPECT_EQ(videoFactsOf(report({video()}).dump()).pixelAspect, 1);
@@ -293,41 +259,31 @@ TEST(VideoFactsTest, thePixelAspectIsThatOfTheReport)
 
 TEST(MediaFactsTest, everyStreamIsDescribed)
 {
-    Json picture = video();
-    picture["codec_tag_string"] = "hvc1";
-    picture["codec_tag"] = "0x31637668";
-    picture["id"] = "0x1f";
-    const Json sound = {{"index", 1}, {"codec_type", "audio"}, {"codec_name", "aac"}, {"channels", 6},
+    const Json picture
+        = with(with(with(video(), "codec_tag_string", "hvc1"), "codec_tag", "0x31637668"), "id", "0x1f");
+    const Json audio = {{"index", 1}, {"codec_type", "audio"}, {"codec_name", "aac"}, {"channels", 6},
         {"channel_layout", "5.1"}, {"codec_tag_string", "[0][0][0][0]"}, {"codec_tag", "0x0000"},
         {"disposition", {{"default", 1}}}};
     const Json text = {{"index", 2}, {"codec_type", "subtitle"}, {"codec_name", "mov_text"}};
     const Json other = {{"index", 3}, {"codec_type", "data"}, {"channel_layout", "unknown"}};
-    const MediaFacts facts = mediaFactsOf(report({picture, sound, text, other, Json(7)}).dump());
-    ASSERT_EQ(facts.streams.size(), 4U);
-    EXPECT_EQ(facts.streams[0].kind, MediaStream::Kind::Video);
-    EXPECT_EQ(facts.streams[0].tag, "hvc1");
-    EXPECT_EQ(facts.streams[0].trackId, 31U);
-    EXPECT_FALSE(facts.streams[0].isDefault);
-    EXPECT_EQ(facts.streams[1].kind, MediaStream::Kind::Sound);
-    EXPECT_EQ(facts.streams[1].codec, "aac");
-    EXPECT_EQ(facts.streams[1].tag, "");
-    EXPECT_EQ(facts.streams[1].channels, 6);
-    EXPECT_EQ(facts.streams[1].channelLayout, "5.1");
-    EXPECT_TRUE(facts.streams[1].isDefault);
-    EXPECT_EQ(facts.streams[2].kind, MediaStream::Kind::Subtitle);
-    EXPECT_EQ(facts.streams[3].kind, MediaStream::Kind::Other);
-    EXPECT_EQ(facts.streams[3].codec, "");
-    EXPECT_EQ(facts.streams[3].channelLayout, "");
-    EXPECT_EQ(facts.streams[3].index, 3);
+    const auto streams = mediaFactsOf(report({picture, audio, text, other, Json(7)}).dump()).streams;
+    using Kind = MediaStream::Kind;
+    const std::vector<std::tuple<int, Kind, std::string, std::string, std::uint32_t, int, std::string, bool>>
+        expected
+        = {{0, Kind::Video, "h264", "hvc1", 31, 0, "", false}, {1, Kind::Sound, "aac", "", 0, 6, "5.1", true},
+            {2, Kind::Subtitle, "mov_text", "", 0, 0, "", false}, {3, Kind::Other, "", "", 0, 0, "", false}};
+    ASSERT_EQ(streams.size(), expected.size());
+    for (std::size_t place = 0; place < expected.size(); ++place) {
+        const MediaStream& s = streams[place];
+        EXPECT_EQ(
+            std::tuple(s.index, s.kind, s.codec, s.tag, s.trackId, s.channels, s.channelLayout, s.isDefault),
+            expected[place]);
+    }
 }
 
 TEST(MediaFactsTest, theMainVideoIsNoCover)
 {
-    Json cover = video();
-    cover["avg_frame_rate"] = "0/0";
-    Json main = video();
-    main["index"] = 1;
-    const MediaFacts facts = mediaFactsOf(report({cover, main}).dump());
+    const MediaFacts facts = mediaFactsOf(report({cover, with(video(), "index", 1)}).dump());
     ASSERT_TRUE(facts.mainVideo);
     EXPECT_EQ(facts.mainVideo->index, 1);
     EXPECT_FALSE(mediaFactsOf(report({{{"codec_type", "audio"}}}).dump()).mainVideo);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The display matrices that a flag asks for, and where they are written.
+// The display matrices of a rotation flag, and where they are written.
 #include "tools/TrackMatrix.h"
 
+#include "tests/support/Rows.h"
 #include "tests/tools/MemoryFile.h"
 #include "tests/tools/MovieBytes.h"
+#include "tests/tools/Orientations.h"
 
 #include <gtest/gtest.h>
 
@@ -22,28 +24,19 @@ const DisplayMatrix quarterTurnLeft = {0, -1, 1, 0};
 
 using Nine = std::vector<std::int64_t>;
 
-struct Row {
-    const char* name;
-    DisplayMatrix matrix;
-    int tag; // as sniffer reports it
-};
-
-const std::vector<Row> orientations = {
-    {"as coded", {1, 0, 0, 1}, 0},
-    {"a quarter turn to the right", {0, 1, -1, 0}, 90},
-    {"a half turn", {-1, 0, 0, -1}, 180},
-    {"a quarter turn to the left", {0, -1, 1, 0}, 270},
-    {"top and bottom exchanged", {1, 0, 0, -1}, 0},
-    {"left and right exchanged", {-1, 0, 0, 1}, 180},
-    {"mirrored at the falling diagonal", {0, 1, 1, 0}, 90},
-    {"mirrored at the rising diagonal", {0, -1, -1, 0}, 270},
-};
-
-TrackBytes withMatrix(const Nine& matrix)
+std::string videoWith(const Nine& matrix)
 {
     TrackBytes bytes;
     bytes.matrix = matrix;
-    return bytes;
+    return track("vide", bytes);
+}
+
+std::string coverTrack()
+{
+    TrackBytes bytes;
+    bytes.format = "jpeg";
+    bytes.samples = 1;
+    return track("vide", bytes);
 }
 
 Nine nineOf(const DisplayMatrix& m)
@@ -110,7 +103,7 @@ TEST(TrackMatrixTest, thePictureIsMovedBackToTheOrigin)
         int down;
     };
     const std::vector<Place> places
-        = {{0, 0}, {240, 0}, {320, 240}, {0, 320}, {0, 240}, {320, 0}, {0, 0}, {240, 320}};
+        = {{0, 0}, {0, 320}, {320, 240}, {240, 0}, {320, 0}, {0, 240}, {0, 0}, {240, 320}};
     for (std::size_t row = 0; row < orientations.size(); ++row) {
         SCOPED_TRACE(orientations[row].name);
         const MemoryFile file(smallMovie());
@@ -144,7 +137,7 @@ TEST(TrackMatrixTest, aFileWithoutAVideoTrackStaysAsItIs)
 TEST(FlagPatchesTest, aFlagTurnsAgainstTheCodedPicture)
 {
     for (const auto& [a, b] : std::vector<std::pair<int, int>>{{1, 0}, {0, 1}, {-1, 0}, {0, -1}}) {
-        const std::string before = fileOf(track("vide", withMatrix(matrixNine(a, b, -b, a))));
+        const std::string before = fileOf(videoWith(matrixNine(a, b, -b, a)));
         EXPECT_EQ(flaggedMatrix(before, 0), numbers(matrixNine(1, 0, 0, 1)));
         EXPECT_EQ(flaggedMatrix(before, 90), numbers(matrixNine(0, -1, 1, 0, 0, 320)));
         EXPECT_EQ(flaggedMatrix(before, -180), numbers(matrixNine(-1, 0, 0, -1, 320, 240)));
@@ -152,24 +145,10 @@ TEST(FlagPatchesTest, aFlagTurnsAgainstTheCodedPicture)
     }
 }
 
-TEST(FlagPatchesTest, nothingButTheMatricesChanges)
-{
-    const std::string before = fileOf(track("soun") + track("vide") + track("text") + track("vide", {1}));
-    const std::string after = flagged(before, 90);
-    ASSERT_EQ(after.size(), before.size());
-    std::string restored = after;
-    for (const auto place : {before.find("tkhd", before.find("tkhd") + 1), before.rfind("tkhd")}) {
-        const std::size_t matrix = place + 4 + (before[place + 4] == 1 ? 52 : 40);
-        EXPECT_NE(after.substr(matrix, 36), before.substr(matrix, 36));
-        restored.replace(matrix, 36, before.substr(matrix, 36));
-    }
-    EXPECT_EQ(restored, before);
-}
-
 TEST(FlagPatchesTest, whatIsShownIsTurnedAndMirrorsAreKept)
 {
     for (const auto& row : orientations) {
-        const std::string before = fileOf(track("vide", withMatrix(nineOf(row.matrix))));
+        const std::string before = fileOf(videoWith(nineOf(row.matrix)));
         for (int quarters = 0; quarters < 4; ++quarters) {
             SCOPED_TRACE(std::string(row.name) + ", quarter turns: " + std::to_string(quarters));
             const DisplayMatrix expected = combined(row.matrix, turnedLeft(90 * quarters));
@@ -181,64 +160,59 @@ TEST(FlagPatchesTest, whatIsShownIsTurnedAndMirrorsAreKept)
     }
 }
 
-TEST(FlagPatchesTest, otherVideoTracksAreTurnedAgainstTheirOwnMatrix)
+struct FlagRow {
+    const char* name;
+    std::string tracks;
+    double rotation;
+    std::vector<Nine> expected; // the matrices of the tracks
+};
+
+class FlagMatrixTest : public testing::TestWithParam<FlagRow>
 {
-    const std::string before = fileOf(track("vide", withMatrix(matrixNine(0, 1, -1, 0)))
-        + track("vide", withMatrix(matrixNine(-1, 0, 0, 1))) + track("vide"));
-    // The first one has the tag 90: a quarter turn to the left is -90 + 90.
-    EXPECT_EQ(matricesIn(flagged(before, 0)),
-        std::vector<std::string>({numbers(matrixNine(1, 0, 0, 1)), numbers(matrixNine(0, 1, 1, 0)),
-            numbers(matrixNine(0, -1, 1, 0, 0, 320))}));
+};
+
+TEST_P(FlagMatrixTest, isAsStated)
+{
+    std::vector<std::string> expected;
+    for (const Nine& matrix : GetParam().expected)
+        expected.push_back(numbers(matrix));
+    EXPECT_EQ(matricesIn(flagged(fileOf(GetParam().tracks), GetParam().rotation)), expected);
 }
 
-TEST(FlagPatchesTest, coversStayAsTheyAre)
-{
-    TrackBytes cover;
-    cover.format = "jpeg";
-    cover.samples = 1;
-    const auto matrices = matricesIn(flagged(fileOf(track("vide") + track("vide", cover)), 90));
-    ASSERT_EQ(matrices.size(), 2U);
-    EXPECT_EQ(matrices[0], numbers(matrixNine(0, -1, 1, 0, 0, 320)));
-    EXPECT_EQ(matrices[1], numbers(matrixNine(1, 0, 0, 1)));
-    EXPECT_EQ(flagged(fileOf(track("vide", cover)), 90), "");
-}
+const Nine unturned = matrixNine(1, 0, 0, 1);
+const Nine turnedLeftOnce = matrixNine(0, -1, 1, 0, 0, 320);
 
-TEST(FlagPatchesTest, aMatrixThatZoomsKeepsItsScale)
-{
-    const std::string before = fileOf(track("vide", withMatrix(matrixNine(0, 2, -2, 0))));
-    EXPECT_EQ(flaggedMatrix(before, 90), numbers(matrixNine(2, 0, 0, 2))); // it has no tag
-}
-
-TEST(FlagPatchesTest, anEmptyMatrixCountsAsNoTurn)
-{
-    const std::string before = fileOf(track("vide", withMatrix(Nine(9, 0))));
-    EXPECT_EQ(flaggedMatrix(before, 90), numbers(matrixNine(0, -1, 1, 0, 0, 320)));
-}
+INSTANTIATE_TEST_SUITE_P(Tracks, FlagMatrixTest,
+    testing::Values(
+        // The first one has the tag 90: -90 + 90 is a quarter turn to the left.
+        FlagRow{"otherVideoTracksAreTurnedAgainstTheirOwnMatrix",
+            videoWith(matrixNine(0, 1, -1, 0)) + videoWith(matrixNine(-1, 0, 0, 1)) + track("vide"), 0,
+            {unturned, matrixNine(0, 1, 1, 0), turnedLeftOnce}},
+        FlagRow{"coversAreKept", track("vide") + coverTrack(), 90, {turnedLeftOnce, unturned}},
+        FlagRow{"aCoverAloneNeedsANewFile", coverTrack(), 90, {}},
+        // It has no tag.
+        FlagRow{"aMatrixThatZoomsKeepsItsScale", videoWith(matrixNine(0, 2, -2, 0)), 90,
+            {matrixNine(2, 0, 0, 2)}},
+        FlagRow{"anEmptyMatrixIsNoTurn", videoWith(Nine(9, 0)), 90, {turnedLeftOnce}},
+        FlagRow{"aStretchedPictureNeedsANewFile", videoWith(matrixNine(2, 0, 0, 1)), 90, {}},
+        FlagRow{"aSlightlyStretchedPictureNeedsANewFile", videoWith(matrixNine(1, 0, 0, 1.02)), 90, {}},
+        FlagRow{"aSkewedPictureNeedsANewFile", videoWith(matrixNine(1, 1, 0, 1)), 90, {}},
+        FlagRow{"aLineNeedsANewFile", videoWith(matrixNine(1, 0, 0, 0)), 90, {}}),
+    rowName);
 
 TEST(FlagPatchesTest, aTurnByAnyAngleIsTurnedOn)
 {
-    const std::string before
-        = fileOf(track("vide", withMatrix({46341, 46341, 0, -46341, 46341, 0, 0, 0, lastOne})));
+    const std::string before = fileOf(videoWith({46341, 46341, 0, -46341, 46341, 0, 0, 0, lastOne}));
     EXPECT_EQ(flaggedMatrix(before, 90 - 45).substr(0, 24), numbers({46341, -46341, 0, 46341, 46341, 0}));
 }
 
-TEST(FlagPatchesTest, stretchedAndSkewedPicturesNeedANewFile)
-{
-    for (const Nine& matrix :
-        {matrixNine(2, 0, 0, 1), matrixNine(1, 1, 0, 1), matrixNine(1, 0, 0, 0), matrixNine(1, 0, 0, 1.02)})
-        EXPECT_EQ(flagged(fileOf(track("vide", withMatrix(matrix))), 90), "")
-            << testing::PrintToString(matrix);
-}
-
-TEST(FlagPatchesTest, theMovieHeadersMatrixIsReckonedWith)
+TEST(FlagPatchesTest, theMatrixOfTheMovieHeaderIsIncluded)
 {
     for (const auto& ofMovie : orientations) {
         for (const auto& ofTrack : orientations) {
             SCOPED_TRACE(std::string(ofMovie.name) + ", track: " + ofTrack.name);
             const std::string before = fileType()
-                + box("moov",
-                    movieHeader(1, nineOf(ofMovie.matrix))
-                        + track("vide", withMatrix(nineOf(ofTrack.matrix))))
+                + box("moov", movieHeader(1, nineOf(ofMovie.matrix)) + videoWith(nineOf(ofTrack.matrix)))
                 + data;
             const DisplayMatrix shown = combined(ofTrack.matrix, ofMovie.matrix);
             const MemoryFile file(flagged(before, 90 - rotationTag(shown)));
@@ -258,24 +232,14 @@ TEST(FlagPatchesTest, theMovieHeadersMatrixIsReckonedWith)
         EXPECT_EQ(flagged(fileType() + box("moov", movieHeader(0, matrix) + track("vide")) + data, 90), "");
 }
 
-TEST(FlagPatchesTest, otherFilesNeedANewFile)
-{
-    const std::string movie = movieBox(track("vide"));
-    ASSERT_NE(flagged(fileType("mp42") + movie + data, 90), "");
-    EXPECT_EQ(flagged(fileType("qt  ") + movie + data, 90), "");
-    EXPECT_EQ(flagged(movie + data, 90), "");
-    EXPECT_EQ(flagged(fileType() + movie, 90), "");
-    EXPECT_EQ(flagged(fileType() + movieBox(track("soun")) + data, 90), "");
-}
-
 TEST(OrientationTest, isWhatDecodersMakeOfTheMatrix)
 {
     for (const auto& row : orientations) {
         for (const double scale : {1.0, 2.0}) {
             SCOPED_TRACE(row.name);
             const DisplayMatrix& m = row.matrix;
-            const MemoryFile file(fileOf(
-                track("vide", withMatrix(matrixNine(m.a * scale, m.b * scale, m.c * scale, m.d * scale)))));
+            const MemoryFile file(
+                fileOf(videoWith(matrixNine(m.a * scale, m.b * scale, m.c * scale, m.d * scale))));
             const Orientation orientation = orientationOf(readMovie(file.descriptor()).value());
             EXPECT_EQ(orientation.rotation, scale == 1 ? row.tag : 0);
             ASSERT_TRUE(orientation.decoded);
@@ -283,7 +247,7 @@ TEST(OrientationTest, isWhatDecodersMakeOfTheMatrix)
             EXPECT_EQ(orientation.decoded->b, m.b);
         }
     }
-    const MemoryFile empty(fileOf(track("vide", withMatrix(Nine(9, 0)))));
+    const MemoryFile empty(fileOf(videoWith(Nine(9, 0))));
     EXPECT_FALSE(orientationOf(readMovie(empty.descriptor()).value()).decoded);
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The fix flag of a file of the MP4 family: a copy of its bytes, for which ffmpeg is not started.
+// The rotation flag of a file of the MP4 family: a copy of its bytes, made without ffmpeg.
 #include "tests/support/Files.h"
-#include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MovieBytes.h"
 #include "tests/tools/SmallDisk.h"
@@ -25,10 +24,6 @@ namespace tarnwell::test
 namespace
 {
 
-using Names = std::vector<std::string>;
-
-constexpr int cancelled = 255;
-const std::string previous = "Rotated (previous).mp4";
 const std::string data = box("mdat", std::string(1000, 'd'));
 
 /// Where the display matrices of the tracks begin.
@@ -113,39 +108,16 @@ protected:
         setInput(movieOf(5 << 20));
     }
 
-    /// Runs creator until it has copied a first piece, does `meanwhile`, and lets it go on; its exit status.
-    int whileItCopies(const std::function<void(const ToolProcess&)>& meanwhile)
+    int runWithPause(const std::function<void(const ToolProcess&)>& action)
     {
-        const std::string goOn = tools.addData("go on", "");
-        std::filesystem::remove(goOn);
-        ToolSetup setup;
-        setup.variables = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so",
-            "TARNWELL_COPY_WAITS_FOR=" + goOn};
-        ToolProcess creator(tools.creator(), fixFlag(), setup);
-        while (!exists(goOn + ".waiting") && isRunning(creator.processId()))
-            std::this_thread::yield();
-        EXPECT_TRUE(exists(goOn + ".waiting"));
-        meanwhile(creator);
-        writeFile(goOn, "");
-        const int status = creator.wait();
-        std::filesystem::remove(goOn + ".waiting");
-        m_errors = creator.errorText();
-        return status;
+        return CreatorTest::runWithPause("TARNWELL_COPY_WAITS_FOR", fixFlag(), action);
     }
 
-    void expectFailureAfter(const std::function<void()>& change)
+    /// The file at the path is the input but for matrices.
+    void expectCopyAt(const std::string& path) const
     {
-        const std::string bytes = contentsOf(input());
-        writeFile(output(), "older");
-        EXPECT_EQ(whileItCopies([&change](const ToolProcess&) { change(); }), 1);
-        EXPECT_NE(m_errors.find("changed meanwhile"), std::string::npos) << m_errors;
-        EXPECT_EQ(otherNames(), Names({previous}));
-        EXPECT_EQ(contentsOf(tools.at(previous)), "older");
-        std::filesystem::remove(tools.at(previous));
-        setInput(bytes);
+        EXPECT_TRUE(withoutMatrices(contentsOf(path)) == withoutMatrices(contentsOf(input())));
     }
-
-    std::string m_errors;
 };
 
 TEST_F(CreatorCopyTest, nothingButTheMatricesOfVideoTracksChanges)
@@ -153,9 +125,8 @@ TEST_F(CreatorCopyTest, nothingButTheMatricesOfVideoTracksChanges)
     for (const auto& layout : layouts()) {
         SCOPED_TRACE(layout.name);
         setInput(layout.bytes);
-        ToolProcess creator(tools.creator(), fixFlag());
-        EXPECT_EQ(creator.wait(), 0);
-        EXPECT_EQ(creator.errorText().find("was started"), std::string::npos) << creator.errorText();
+        EXPECT_EQ(run(fixFlag()), 0);
+        EXPECT_EQ(lastRun().errorText().find("was started"), std::string::npos) << lastRun().errorText();
         const std::string after = contentsOf(output());
         EXPECT_EQ(withoutMatrices(after), withoutMatrices(layout.bytes));
         std::vector<bool> isTurned;
@@ -173,63 +144,56 @@ TEST_F(CreatorCopyTest, aFileThatIsNotWholeByItsStructureGoesToFfmpeg)
              fileType() + movie + data + movie, fileType() + movie + data + "rest",
              fileType() + movie + data.substr(0, 500), fileType() + movie, std::string("no movie")}) {
         setInput(bytes);
-        ToolProcess creator(tools.creator(), fixFlag());
-        EXPECT_EQ(creator.wait(), 0);
-        EXPECT_EQ(creator.said("pid ").size(), 1U);
+        EXPECT_EQ(run(fixFlag()), 0);
+        EXPECT_EQ(lastRun().said("pid ").size(), 1U);
     }
 }
 
 TEST_F(CreatorCopyTest, statusLinesEndWithTheDuration)
 {
-    ToolProcess creator(tools.creator(), fixFlag());
-    EXPECT_EQ(creator.wait(), 0);
-    ASSERT_FALSE(creator.errors().empty());
-    EXPECT_EQ(creator.errors().back(), "time=00:00:04.00\n");
-    const auto times = creator.said("time=");
-    EXPECT_EQ(times.size(), creator.errors().size());
+    EXPECT_EQ(run(fixFlag()), 0);
+    const auto times = lastRun().said("time=");
+    ASSERT_FALSE(times.empty());
+    EXPECT_EQ(times.back(), "00:00:04.00");
+    EXPECT_EQ(times.size(), lastRun().errors().size());
     EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
 }
 
-TEST_F(CreatorCopyTest, aMissingReaderOfTheStatusLinesDoesNotStopIt)
+TEST_F(CreatorCopyTest, standardErrorWithoutAReaderDoesNotStopIt)
 {
     for (const auto errors : {ToolSetup::ErrorStream::Closed, ToolSetup::ErrorStream::Unread}) {
-        ToolSetup setup;
-        setup.errors = errors;
-        ToolProcess creator(tools.creator(), fixFlag(), setup);
-        EXPECT_EQ(creator.wait(), 0);
-        EXPECT_EQ(contentsOf(output()).size(), contentsOf(input()).size());
+        EXPECT_EQ(run(fixFlag(), {.errors = errors}), 0);
+        expectCopyAt(output());
         std::filesystem::remove(output());
     }
 }
 
-TEST_F(CreatorCopyTest, nothingIsSeenOfTheOutputWhileItIsCopied)
+TEST_F(CreatorCopyTest, theOutputIsInvisibleDuringTheCopy)
 {
     writeFile(output(), "older");
-    EXPECT_EQ(whileItCopies([this](const ToolProcess&) {
-        EXPECT_EQ(otherNames(), Names({"Rotated.mp4"}));
+    EXPECT_EQ(runWithPause([this](const ToolProcess&) {
+        EXPECT_EQ(otherNames(), Words({"Rotated.mp4"}));
         EXPECT_EQ(contentsOf(output()), "older");
     }),
         0);
-    EXPECT_EQ(withoutMatrices(contentsOf(output())), withoutMatrices(contentsOf(input())));
+    expectCopyAt(output());
 }
 
 TEST_F(CreatorCopyTest, aCancelCountsBetweenTwoPieces)
 {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         writeFile(output(), "older");
-        EXPECT_EQ(whileItCopies([signal](const ToolProcess& creator) { creator.signal(signal); }), cancelled);
-        EXPECT_EQ(m_errors.find("time=00:00:04.00"), std::string::npos) << "it copied to the end";
-        EXPECT_EQ(otherNames(), Names({previous}));
-        EXPECT_EQ(contentsOf(tools.at(previous)), "older");
-        std::filesystem::remove(tools.at(previous));
+        EXPECT_EQ(runWithPause([signal](const ToolProcess& creator) { creator.signal(signal); }), cancelled);
+        EXPECT_EQ(lastRun().errorText().find("time=00:00:04.00"), std::string::npos) << "all was copied";
+        expectOnlyOlderFile();
     }
 }
 
-TEST_F(CreatorCopyTest, aKillLeavesWhatWasThere)
+TEST_F(CreatorCopyTest, aKillLeavesTheOlderFile)
 {
     writeFile(output(), "older");
-    EXPECT_EQ(whileItCopies([](const ToolProcess& creator) { creator.signal(SIGKILL); }), 128 + SIGKILL);
-    EXPECT_EQ(otherNames(), Names({"Rotated.mp4"}));
+    EXPECT_EQ(runWithPause([](const ToolProcess& creator) { creator.signal(SIGKILL); }), 128 + SIGKILL);
+    EXPECT_EQ(otherNames(), Words({"Rotated.mp4"}));
     EXPECT_EQ(contentsOf(output()), "older");
 }
 
@@ -245,36 +209,42 @@ TEST_F(CreatorCopyTest, noMomentOfASignalHarmsAnything)
     for (int round = 0; round < rounds; ++round) {
         SCOPED_TRACE(round);
         writeFile(output(), "older");
-        ToolSetup setup;
-        setup.blocked = SIGTERM; // as the application starts it
-        ToolProcess creator(tools.creator(), fixFlag(), setup);
+        ToolProcess creator(tools.creator(), fixFlag(), {.blocked = SIGTERM}); // as the application starts it
         std::this_thread::sleep_for(std::chrono::microseconds(moment(random)));
         creator.signal(round % 2 == 0 ? SIGTERM : SIGKILL);
         const int status = creator.wait();
         ended += status != 0 ? 1 : 0;
         const std::string now = contentsOf(output());
         if (status == cancelled)
-            EXPECT_EQ(contentsOf(tools.at(previous)), "older");
+            EXPECT_EQ(contentsOf(previousPath()), "older");
         else
             EXPECT_TRUE(withoutMatrices(now) == expected || (status != 0 && now == "older")) << status;
-        std::filesystem::remove(output());
-        std::filesystem::remove(tools.at(previous));
         for (const auto& name : otherNames())
-            std::filesystem::remove(tools.at(name)); // the hidden file of a creator that was killed
+            std::filesystem::remove(tools.at(name)); // also the hidden file of a creator that was killed
     }
     EXPECT_GT(ended, 0);
 }
 
 TEST_F(CreatorCopyTest, anInputThatChangesMeanwhileIsAFailure)
 {
-    expectFailureAfter([this] { writeFile(input(), contentsOf(input()) + box("free", "more")); });
-    expectFailureAfter([this] { EXPECT_EQ(::truncate(input().c_str(), 3 << 20), 0); });
-    expectFailureAfter([this] { EXPECT_EQ(::truncate(input().c_str(), 0), 0); });
-    expectFailureAfter([this] {
-        const int file = ::open(input().c_str(), O_WRONLY | O_CLOEXEC);
-        EXPECT_EQ(::pwrite(file, "other", 5, 4 << 20), 5);
-        ::close(file);
-    });
+    const std::string bytes = contentsOf(input());
+    const std::vector<std::function<void()>> changes = {
+        [&] { writeFile(input(), bytes + box("free", "more")); },
+        [&] { EXPECT_EQ(::truncate(input().c_str(), 3 << 20), 0); },
+        [&] { EXPECT_EQ(::truncate(input().c_str(), 0), 0); },
+        [&] {
+            const int file = ::open(input().c_str(), O_WRONLY | O_CLOEXEC);
+            EXPECT_EQ(::pwrite(file, "other", 5, 4 << 20), 5);
+            ::close(file);
+        },
+    };
+    for (const auto& change : changes) {
+        writeFile(output(), "older");
+        EXPECT_EQ(runWithPause([&change](const ToolProcess&) { change(); }), 1);
+        expectError("changed meanwhile");
+        expectOnlyOlderFile();
+        setInput(bytes);
+    }
 }
 
 TEST_F(CreatorCopyTest, aFullDiskLeavesNothing)
@@ -282,24 +252,20 @@ TEST_F(CreatorCopyTest, aFullDiskLeavesNothing)
     std::filesystem::create_directory(tools.at("small"));
     const SmallDisk disk(tools.at("small"), 2048);
     ASSERT_TRUE(disk.isThere()) << "this user may not mount anything";
-    for (const char* older : {"", "older"}) {
-        const std::string path = tools.at("small/Rotated.mp4");
-        if (*older != '\0')
-            writeFile(path, older);
-        ToolProcess creator(tools.creator(), fixFlag(path));
-        EXPECT_EQ(creator.wait(), 1);
-        EXPECT_NE(creator.errorText().find("No space left"), std::string::npos) << creator.errorText();
-        EXPECT_EQ(namesIn(tools.at("small")), *older == '\0' ? Names() : Names({previous}));
-    }
+    const std::string path = tools.at("small/Rotated.mp4");
+    EXPECT_EQ(run(fixFlag(path)), 1);
+    expectError("No space left");
+    EXPECT_EQ(namesIn(tools.at("small")), Words());
+    writeFile(path, "older");
+    EXPECT_EQ(run(fixFlag(path)), 1);
+    expectError("No space left");
+    EXPECT_EQ(namesIn(tools.at("small")), Words({"Rotated (previous).mp4"}));
 }
 
-TEST_F(CreatorCopyTest, aFileThatMayNotGetSoLargeIsAFailure)
+TEST_F(CreatorCopyTest, aLimitOfTheFileSizeIsAFailure)
 {
-    ToolSetup setup;
-    setup.largestFile = 100000;
-    ToolProcess creator(tools.creator(), fixFlag(), setup);
-    EXPECT_EQ(creator.wait(), 1);
-    EXPECT_EQ(otherNames(), Names());
+    EXPECT_EQ(run(fixFlag(), {.largestFile = 100000}), 1);
+    EXPECT_EQ(otherNames(), Words());
 }
 
 TEST_F(CreatorCopyTest, anOutputOnAnotherFileSystemIsCopiedTo)
@@ -308,27 +274,22 @@ TEST_F(CreatorCopyTest, anOutputOnAnotherFileSystemIsCopiedTo)
     const SmallDisk disk(tools.at("disk"), 20000);
     ASSERT_TRUE(disk.isThere()) << "this user may not mount anything";
     EXPECT_EQ(run(fixFlag(tools.at("disk/Rotated.mp4"))), 0);
-    EXPECT_EQ(
-        withoutMatrices(contentsOf(tools.at("disk/Rotated.mp4"))), withoutMatrices(contentsOf(input())));
+    expectCopyAt(tools.at("disk/Rotated.mp4"));
 }
 
-TEST_F(CreatorCopyTest, aHiddenFileTakesTheCopyWhereFilesNeedAName)
+TEST_F(CreatorCopyTest, aHiddenFileIsUsedIfFilesNeedAName)
 {
-    ToolSetup setup;
-    setup.refused = {RefusedCall::OpenNameless, RefusedCall::CopyFileRange};
-    ToolProcess creator(tools.creator(), fixFlag(), setup);
-    EXPECT_EQ(creator.wait(), 0);
-    EXPECT_EQ(withoutMatrices(contentsOf(output())), withoutMatrices(contentsOf(input())));
-    EXPECT_EQ(otherNames(), Names({"Rotated.mp4"}));
+    EXPECT_EQ(run(fixFlag(), {.refused = {RefusedCall::OpenNameless, RefusedCall::CopyFileRange}}), 0);
+    expectCopyAt(output());
+    EXPECT_EQ(otherNames(), Words({"Rotated.mp4"}));
 }
 
-TEST_F(CreatorCopyTest, theInputsOwnPlacePutsItAside)
+TEST_F(CreatorCopyTest, anOutputAtTheInputsPathRenamesTheInput)
 {
-    expectInputAt(tools.at("clip (original).mp4"));
-    const std::string before = contentsOf(input());
+    expectInputAt(originalPath());
     EXPECT_EQ(run(fixFlag(tools.at("./clip.mp4"))), 0);
-    EXPECT_NE(contentsOf(input()), before);
-    EXPECT_EQ(withoutMatrices(contentsOf(input())), withoutMatrices(before));
+    EXPECT_FALSE(contentsOf(input()) == contentsOf(originalPath()));
+    expectCopyAt(originalPath());
 }
 
 TEST_F(CreatorCopyTest, aSparseFileOfFiveGigabytesStaysSparse)
@@ -337,14 +298,13 @@ TEST_F(CreatorCopyTest, aSparseFileOfFiveGigabytesStaysSparse)
     const std::string begin
         = fileType() + movieBox(track("vide")) + bigEndian(1, 4) + "mdat" + bigEndian(dataSize, 8);
     const std::string path = tools.at("sparse.mp4");
+    const std::uint64_t size = begin.size() + dataSize - 16;
     writeFile(path, begin);
-    ASSERT_EQ(::truncate(path.c_str(), static_cast<off_t>(begin.size() + dataSize - 16)), 0);
-    auto arguments = fixFlag();
-    arguments[1] = path;
-    EXPECT_EQ(run(arguments), 0);
+    ASSERT_EQ(::truncate(path.c_str(), static_cast<off_t>(size)), 0);
+    EXPECT_EQ(run(fixFlagCommand(path, output())), 0);
     struct stat status = {};
     ASSERT_EQ(::stat(output().c_str(), &status), 0);
-    EXPECT_EQ(static_cast<std::uint64_t>(status.st_size), begin.size() + dataSize - 16);
+    EXPECT_EQ(static_cast<std::uint64_t>(status.st_size), size);
     EXPECT_LT(status.st_blocks * 512, 1 << 20);
 }
 

@@ -2,6 +2,7 @@
 #include "tests/tools/CreatorTest.h"
 
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/tools/MovieBytes.h"
 #include "tools/Placeholder.h"
 
@@ -39,21 +40,6 @@ void CreatorTest::setInput(const std::string& bytes)
     m_time = std::filesystem::last_write_time(input());
 }
 
-std::vector<std::string> CreatorTest::still(const std::string& position, const std::string& path) const
-{
-    return {"-v", "quiet", "-ss", position, "-i", input(), "-frames:v", "1", "-y", path};
-}
-
-std::vector<std::string> CreatorTest::fixFlag(const std::string& path) const
-{
-    return {"-i", input(), "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=90", "-y", path};
-}
-
-std::vector<std::string> CreatorTest::transcode(const std::string& from, const std::string& to) const
-{
-    return {"-i", from, "-pix_fmt", "yuv420p", "-vf", "hflip", "-metadata:s:v", "rotate=0", "-y", to};
-}
-
 void CreatorTest::setGoodFfmpeg(const std::string& before)
 {
     const std::string picture
@@ -62,16 +48,56 @@ void CreatorTest::setGoodFfmpeg(const std::string& before)
     tools.setFfmpeg(before + picture + "\n" + video + "\n");
 }
 
-std::string CreatorTest::movie() const
+std::string CreatorTest::movie()
 {
     return smallMovie();
 }
 
-std::vector<std::string> CreatorTest::otherNames() const
+std::string CreatorTest::writing(const std::string& bytes)
+{
+    return "write-output-file " + tools.addData("bytes", bytes) + "\n";
+}
+
+int CreatorTest::run(const Words& arguments, const ToolSetup& setup)
+{
+    m_process = std::make_unique<ToolProcess>(tools.creator(), arguments, setup);
+    return m_process->wait();
+}
+
+int CreatorTest::runWithPause(const std::string& variable, const Words& arguments,
+    const std::function<void(const ToolProcess&)>& action)
+{
+    const std::string end = tools.addData("end of the pause", "");
+    const std::string begin = end + ".waiting";
+    std::filesystem::remove(end);
+    m_process = std::make_unique<ToolProcess>(tools.creator(), arguments,
+        ToolSetup{.variables
+            = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so", variable + "=" + end}});
+    EXPECT_TRUE(waitForFile(begin)) << "creator does not make the system call of " << variable;
+    action(*m_process);
+    writeFile(end, "");
+    const int status = m_process->wait();
+    std::filesystem::remove(begin);
+    return status;
+}
+
+void CreatorTest::expectError(const std::string& text) const
+{
+    EXPECT_NE(m_process->errorText().find(text), std::string::npos) << m_process->errorText();
+}
+
+Words CreatorTest::otherNames() const
 {
     auto names = namesIn(tools.videos());
     names.erase(std::remove(names.begin(), names.end(), "clip.mp4"), names.end());
     return names;
+}
+
+void CreatorTest::expectOnlyOlderFile() const
+{
+    EXPECT_EQ(otherNames(), Words({"Rotated (previous).mp4"}));
+    EXPECT_EQ(contentsOf(previousPath()), "older");
+    std::filesystem::remove(previousPath());
 }
 
 } // namespace tarnwell::test

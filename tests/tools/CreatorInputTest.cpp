@@ -13,21 +13,14 @@
 namespace tarnwell::test
 {
 
-namespace
-{
-
-using Names = std::vector<std::string>;
-
-} // namespace
-
 class CreatorInputTest : public CreatorTest
 {
 protected:
     /// An ffmpeg that works, then one that fails after it has written, then one that is cancelled.
-    std::vector<std::string> scripts()
+    Words scripts()
     {
-        const std::string writing = "write-output-file " + tools.addData("movie", movie()) + "\n";
-        return {writing, writing + "exit 1\n", writing + "die " + std::to_string(SIGKILL) + "\n"};
+        const std::string whole = writing(movie());
+        return {whole, whole + "exit 1\n", whole + "die " + std::to_string(SIGKILL) + "\n"};
     }
 };
 
@@ -55,74 +48,69 @@ TEST_F(CreatorInputTest, aHardLinkToItIsReplaced)
     EXPECT_TRUE(exists(tools.at("Rotated (original).mp4")));
 }
 
-TEST_F(CreatorInputTest, aLinkThatWasOpenedLeadsToTheOriginalThatIsPutAside)
+TEST_F(CreatorInputTest, aLinkAsInputLeadsToTheFileThatIsRenamed)
 {
-    const std::string aside = tools.at("clip (original).mp4");
-    expectInputAt(aside);
+    expectInputAt(originalPath());
     std::filesystem::create_directory(tools.at("links"));
     std::filesystem::create_symlink(input(), tools.at("links/opened.mp4"));
     std::filesystem::create_symlink(input(), tools.at("opened.mp4"));
     for (const std::string& link : {tools.at("opened.mp4"), tools.at("links/opened.mp4")}) {
-        const auto flag = std::vector<std::string>{
-            "-i", link, "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=90", "-y", input()};
-        const auto picture = std::vector<std::string>{
-            "-v", "quiet", "-ss", "1", "-i", link, "-frames:v", "1", "-y", input()};
-        for (const auto& arguments : {transcode(link, input()), flag, picture}) {
+        for (const auto& arguments :
+            {transcode(link, input()), fixFlagCommand(link, input()), stillCommand("1", link, input())}) {
             for (const auto& script : scripts()) {
                 tools.setFfmpeg(script);
                 run(arguments);
-                ASSERT_TRUE(exists(aside));
-                EXPECT_NE(contentsOf(input()), contentsOf(aside));
+                ASSERT_TRUE(exists(originalPath()));
+                EXPECT_NE(contentsOf(input()), contentsOf(originalPath()));
                 std::filesystem::remove(input());
-                std::filesystem::rename(aside, input());
+                std::filesystem::rename(originalPath(), input());
             }
         }
     }
-    std::filesystem::rename(input(), aside);
+    std::filesystem::rename(input(), originalPath());
 }
 
-TEST_F(CreatorInputTest, itsOwnPlaceThroughALinkedFolderPutsItAside)
+TEST_F(CreatorInputTest, anOutputAtItsPathThroughALinkedFolderRenamesIt)
 {
     std::filesystem::create_directory_symlink(tools.videos(), tools.at("linked"));
-    expectInputAt(tools.at("clip (original).mp4"));
+    expectInputAt(originalPath());
     setGoodFfmpeg();
     EXPECT_EQ(run(transcode(input(), tools.at("linked/clip.mp4"))), 0);
     EXPECT_EQ(contentsOf(input()), movie());
-    EXPECT_EQ(namesIn(tools.videos()), Names({"clip (original).mp4", "clip.mp4", "linked"}));
+    EXPECT_EQ(namesIn(tools.videos()), Words({"clip (original).mp4", "clip.mp4", "linked"}));
 }
 
 TEST_F(CreatorInputTest, ffmpegReadsItUnderItsNewName)
 {
-    expectInputAt(tools.at("clip (original).mp4"));
+    expectInputAt(originalPath());
     setGoodFfmpeg("say-arguments\n");
-    ToolProcess creator(tools.creator(), transcode(input(), tools.at("./clip.mp4")));
-    EXPECT_EQ(creator.wait(), 0);
-    const auto words = creator.saidInHex("argument ");
+    EXPECT_EQ(run(transcode(input(), tools.at("./clip.mp4"))), 0);
+    const auto words = lastRun().saidInHex("argument ");
     EXPECT_EQ(std::count(words.begin(), words.end(), "file:" + tools.at("./clip (original).mp4")), 1);
 }
 
-TEST_F(CreatorInputTest, itIsPutAsideEvenWhereFfmpegFails)
+TEST_F(CreatorInputTest, itIsRenamedEvenIfFfmpegFails)
 {
-    expectInputAt(tools.at("clip (original).mp4"));
+    expectInputAt(originalPath());
     tools.setFfmpeg("exit 1\n");
     EXPECT_EQ(run(transcode(input(), tools.at("./clip.mp4"))), 1);
-    EXPECT_EQ(namesIn(tools.videos()), Names({"clip (original).mp4"}));
+    EXPECT_EQ(namesIn(tools.videos()), Words({"clip (original).mp4"}));
 }
 
-TEST_F(CreatorInputTest, itIsPutAsideBesideAnEarlierOne)
+TEST_F(CreatorInputTest, anEarlierRenamedFileIsKept)
 {
-    writeFile(tools.at("clip (original).mp4"), "an earlier one");
+    writeFile(originalPath(), "an earlier one");
     expectInputAt(tools.at("clip (original 2).mp4"));
     setGoodFfmpeg();
     EXPECT_EQ(run(transcode(input(), tools.at("./clip.mp4"))), 0);
-    EXPECT_EQ(contentsOf(tools.at("clip (original).mp4")), "an earlier one");
+    EXPECT_EQ(contentsOf(originalPath()), "an earlier one");
 }
 
-TEST_F(CreatorInputTest, aStillAtItsPlaceDoesNotReplaceIt)
+TEST_F(CreatorInputTest, aStillAtItsPathDoesNotReplaceIt)
 {
     setGoodFfmpeg();
-    expectInputAt(tools.at("clip (original).mp4"));
-    run({"-v", "quiet", "-ss", "1", "-i", input(), "-frames:v", "1", "-y", tools.at("./clip.mp4")});
+    expectInputAt(originalPath());
+    run(still("1", tools.at("./clip.mp4")));
 }
 
 TEST_F(CreatorInputTest, aPipeWithANameIsRefusedInsteadOfWaitedFor)
@@ -133,15 +121,15 @@ TEST_F(CreatorInputTest, aPipeWithANameIsRefusedInsteadOfWaitedFor)
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(run(transcode(pipe, output())), 1);
     EXPECT_FALSE(exists(output()));
-    EXPECT_EQ(run({"-v", "quiet", "-ss", "1", "-i", pipe, "-frames:v", "1", "-y", output()}), 0);
+    EXPECT_EQ(run(stillCommand("1", pipe, output())), 0);
     EXPECT_FALSE(contentsOf(output()).empty()); // the placeholder picture
 }
 
-TEST_F(CreatorInputTest, anInputThatIsNotThereIsAFailure)
+TEST_F(CreatorInputTest, aMissingInputIsAFailure)
 {
     tools.setFfmpeg("exit 1\n");
     EXPECT_EQ(run(transcode(tools.at("none.mp4"), output())), 1);
-    EXPECT_EQ(otherNames(), Names());
+    EXPECT_EQ(otherNames(), Words());
 }
 
 } // namespace tarnwell::test

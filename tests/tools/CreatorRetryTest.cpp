@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The runs of ffmpeg that follow one that failed.
 #include "tests/support/Files.h"
+#include "tests/support/Rows.h"
 #include "tests/tools/CreatorTest.h"
 
+#include <algorithm>
 #include <csignal>
 #include <string>
 
@@ -32,66 +34,59 @@ protected:
         tools.setFfprobe("print-file " + tools.addData("streams.json", reportWith(sounds)) + "\n");
     }
 
-    /// The exit status and what was printed, of a run whose ffmpeg does `before` first.
-    struct End {
-        int status;
-        std::string errors;
-        std::size_t runs;
-    };
-    End endOf(const std::vector<std::string>& job, const std::string& before)
+    /// The exit status of a job whose ffmpeg runs the commands in `before` first.
+    int runWith(const Words& job, const std::string& before)
     {
         setGoodFfmpeg("say-arguments\n" + before);
-        ToolProcess process(tools.creator(), job);
-        const int status = process.wait();
-        std::size_t runs = 0;
-        for (const std::string& word : process.saidInHex("argument "))
-            runs += word == "-nostdin" ? 1 : 0;
-        return {status, process.errorText(), runs};
+        return run(job);
+    }
+
+    static std::ptrdiff_t runsOfFfmpeg(const ToolProcess& creator)
+    {
+        const Words words = creator.saidInHex("argument ");
+        return std::count(words.begin(), words.end(), "-nostdin");
     }
 };
 
-TEST_F(CreatorRetryTest, aCopyThatSucceedsIsMadeOnce)
+struct RetryRow {
+    const char* name;
+    bool isFlag;
+    const char* before; // commands of ffmpeg
+    int status;
+    int runs;
+    const char* omission; // what creator reports as left out
+};
+
+class RetryTableTest : public CreatorRetryTest, public testing::WithParamInterface<RetryRow>
 {
-    const End end = endOf(fixFlag(), "");
-    EXPECT_EQ(end.status, 0);
-    EXPECT_EQ(end.runs, 1U);
-    EXPECT_EQ(end.errors.find("left out"), std::string::npos);
+};
+
+TEST_P(RetryTableTest, isAsStated)
+{
+    const RetryRow& row = GetParam();
+    EXPECT_EQ(runWith(row.isFlag ? fixFlag() : transcode(), row.before), row.status);
+    EXPECT_EQ(runsOfFfmpeg(lastRun()), row.runs);
+    EXPECT_EQ(exists(output()), row.status == 0);
+    const bool isReported = lastRun().errorText().find("left out") != std::string::npos;
+    EXPECT_EQ(isReported, *row.omission != '\0') << lastRun().errorText();
+    expectError(row.omission);
 }
 
-TEST_F(CreatorRetryTest, aCopyThatFailsIsMadePlainly)
-{
-    for (const std::string failure : {"exit 1\n", "die 11\n", "write-output half\n"}) {
-        SCOPED_TRACE(failure);
-        const bool isHalf = failure.find("half") != std::string::npos;
-        const End end = endOf(fixFlag(), "with -map " + failure + (isHalf ? "with -map exit 0\n" : ""));
-        EXPECT_EQ(end.status, 0);
-        EXPECT_EQ(end.runs, 2U);
-        EXPECT_NE(end.errors.find("all but one video and one sound stream is left out"), std::string::npos);
-        EXPECT_TRUE(exists(output()));
-    }
-}
+const char* const others = "all but one video and one sound stream is left out";
 
-TEST_F(CreatorRetryTest, anEncodingGoesOnWithoutTheSoundThatFails)
-{
-    const End copied = endOf(transcode(), "");
-    EXPECT_EQ(copied.status, 0);
-    EXPECT_EQ(copied.runs, 1U);
-    const End encoded = endOf(transcode(), "with copy exit 1\n");
-    EXPECT_EQ(encoded.status, 0);
-    EXPECT_EQ(encoded.runs, 2U);
-    EXPECT_EQ(encoded.errors.find("left out"), std::string::npos);
-    const End silent = endOf(transcode(), "without -an exit 1\n");
-    EXPECT_EQ(silent.status, 0);
-    EXPECT_EQ(silent.runs, 3U);
-    EXPECT_NE(silent.errors.find("the sound is left out"), std::string::npos);
-}
-
-TEST_F(CreatorRetryTest, aJobFailsWhereEveryRunFails)
-{
-    EXPECT_EQ(endOf(fixFlag(), "exit 1\n").status, 1);
-    EXPECT_EQ(endOf(transcode(), "exit 1\n").status, 1);
-    EXPECT_EQ(otherNames(), std::vector<std::string>());
-}
+INSTANTIATE_TEST_SUITE_P(Runs, RetryTableTest,
+    testing::Values(RetryRow{"aCopyThatSucceedsIsMadeOnce", true, "", 0, 1, ""},
+        RetryRow{"aCopyThatFailsIsFollowedByAPlainOne", true, "with -map exit 1\n", 0, 2, others},
+        RetryRow{"aCopyThatCrashesIsFollowedByAPlainOne", true, "with -map die 11\n", 0, 2, others},
+        RetryRow{"aCopyThatIsIncompleteIsFollowedByAPlainOne", true,
+            "with -map write-output half\nwith -map exit 0\n", 0, 2, others},
+        RetryRow{"anEncodingThatSucceedsIsMadeOnce", false, "", 0, 1, ""},
+        RetryRow{"anEncodingThatFailsWithACopyOfTheSoundEncodesIt", false, "with copy exit 1\n", 0, 2, ""},
+        RetryRow{"anEncodingThatFailsWithSoundLeavesItOut", false, "without -an exit 1\n", 0, 3,
+            "the sound is left out"},
+        RetryRow{"aCopyFailsIfEveryRunFails", true, "exit 1\n", 1, 2, ""},
+        RetryRow{"anEncodingFailsIfEveryRunFails", false, "exit 1\n", 1, 3, ""}),
+    rowName);
 
 TEST_F(CreatorRetryTest, nothingFollowsACancel)
 {
@@ -99,20 +94,16 @@ TEST_F(CreatorRetryTest, nothingFollowsACancel)
     ToolProcess process(tools.creator(), fixFlag());
     process.waitForError("argument ");
     process.signal(SIGTERM);
-    EXPECT_EQ(process.wait(), 255);
-    std::size_t runs = 0;
-    for (const std::string& word : process.saidInHex("argument "))
-        runs += word == "-nostdin" ? 1 : 0;
-    EXPECT_EQ(runs, 1U);
+    EXPECT_EQ(process.wait(), cancelled);
+    EXPECT_EQ(runsOfFfmpeg(process), 1);
 }
 
-TEST_F(CreatorRetryTest, streamsThatAreLeftOutAreNamed)
+TEST_F(CreatorRetryTest, streamsThatAreLeftOutAreReported)
 {
     tools.setFfprobe("print-file "
         + tools.addData("data.json", reportWith(R"(, {"index": 1, "codec_type": "data"})")) + "\n");
-    const End end = endOf(fixFlag(), "");
-    EXPECT_EQ(end.status, 0);
-    EXPECT_NE(end.errors.find("stream 1, of an unknown codec, is left out\n"), std::string::npos);
+    EXPECT_EQ(runWith(fixFlag(), ""), 0);
+    expectError("stream 1, of an unknown codec, is left out\n");
 }
 
 } // namespace tarnwell::test

@@ -8,19 +8,12 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <csignal>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarnwell::test
 {
-
-namespace
-{
-
-using Names = std::vector<std::string>;
-
-} // namespace
 
 class CreatorStillTest : public CreatorTest
 {
@@ -32,13 +25,8 @@ protected:
     {
         tools.setFfmpeg(ffmpegScript);
         EXPECT_EQ(run(still("1.5", picture())), 0);
-        EXPECT_EQ(otherNames(), Names({"still.jpg"}));
+        EXPECT_EQ(otherNames(), Words({"still.jpg"}));
         return contentsOf(picture());
-    }
-
-    std::string writing(const std::string& bytes)
-    {
-        return "write-output-file " + tools.addData("frame", bytes) + "\n";
     }
 
     void setReport(const std::string& matrix)
@@ -54,67 +42,65 @@ protected:
     const std::string frame = placeholderPicture(33, 22); // stands for a decoded frame
 };
 
-TEST_F(CreatorStillTest, theFrameAtThePositionIsTaken)
-{
-    EXPECT_EQ(pictureAfter("with -ss " + writing(frame) + "without -ss write-output other\n"), frame);
-}
-
-TEST_F(CreatorStillTest, ffmpegIsAskedForThatPosition)
+TEST_F(CreatorStillTest, ffmpegIsRunOnceForThatPosition)
 {
     tools.setFfmpeg("say-arguments\n" + writing(frame));
-    ToolProcess creator(tools.creator(), still("12.345", picture()));
-    EXPECT_EQ(creator.wait(), 0);
-    const auto words = creator.saidInHex("argument ");
+    EXPECT_EQ(run(still("12.345", picture())), 0);
+    const auto words = lastRun().saidInHex("argument ");
     const auto seek = std::find(words.begin(), words.end(), "-ss");
     ASSERT_NE(seek, words.end());
     EXPECT_EQ(*(seek + 1), "12.345");
-    EXPECT_EQ(std::count(words.begin(), words.end(), "-i"), 1); // one run is enough
+    EXPECT_EQ(std::count(words.begin(), words.end(), "-i"), 1);
 }
 
-TEST_F(CreatorStillTest, theFirstFrameIsTakenWhereThePositionGivesNone)
-{
-    EXPECT_EQ(pictureAfter("with -ss exit 0\n" + writing(frame)), frame);
-    EXPECT_EQ(pictureAfter("with -ss exit 1\n" + writing(frame)), frame);
-    EXPECT_EQ(pictureAfter("with -ss die " + std::to_string(SIGSEGV) + "\n" + writing(frame)), frame);
-}
-
-TEST_F(CreatorStillTest, halfAFrameIsNoPicture)
+TEST_F(CreatorStillTest, theFirstFrameFollowsAPositionWithoutOne)
 {
     const std::string half
-        = "write-output-file " + tools.addData("half", frame.substr(0, frame.size() / 2)) + "\n";
-    const std::string crash = "with -ss die " + std::to_string(SIGSEGV) + "\n";
-    EXPECT_EQ(pictureAfter("with -ss " + half + crash + writing(frame)), frame);
-    EXPECT_EQ(pictureAfter("with -ss " + half + "with -ss exit 1\n" + writing(frame)), frame);
-    EXPECT_EQ(pictureAfter("with -ss " + half + "with -ss exit 1\n"), placeholderPicture(64, 48));
-}
-
-TEST_F(CreatorStillTest, aPlaceholderOfTheSameSizeIsMadeWhereNothingDecodes)
-{
-    for (const std::string script : {"exit 0\n", "exit 1\n", "die 11\n"})
-        EXPECT_EQ(pictureAfter(script), placeholderPicture(64, 48));
+        = "with -ss write-output-file " + tools.addData("half", frame.substr(0, frame.size() / 2)) + "\n";
+    const std::string larger = "with -ss write-output-file "
+        + tools.addData("larger", placeholderPicture(800, 600).substr(0, 400)) + "\n";
+    const std::string whole = writing(frame);
+    const std::string grey = placeholderPicture(64, 48);
+    struct Row {
+        const char* name;
+        std::string script;
+        std::string expected;
+    };
+    const std::vector<Row> rows = {
+        {"a frame at the position", "with -ss " + whole + "without -ss write-output other\n", frame},
+        {"no frame at the position", "with -ss exit 0\n" + whole, frame},
+        {"a failure", "with -ss exit 1\n" + whole, frame},
+        {"a crash", "with -ss die 11\n" + whole, frame},
+        {"a crash within a frame", half + "with -ss die 11\n" + whole, frame},
+        {"a failure within a frame", half + "with -ss exit 1\n" + whole, frame},
+        {"a kill within a larger frame", larger + "with -ss die 9\n" + whole, frame},
+        {"a failure within the only frame", half + "with -ss exit 1\n", grey},
+        {"no frame at all", "exit 0\n", grey},
+        {"failures only", "exit 1\n", grey},
+        {"crashes only", "die 11\n", grey},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(pictureAfter(row.script), row.expected);
+    }
 }
 
 TEST_F(CreatorStillTest, thePlaceholderIsTurnedAsThePictureWouldBe)
 {
-    struct Row {
-        const char* name;
-        std::string matrix;
-        bool swapped;
+    const std::vector<std::pair<std::string, bool>> rows = {
+        {"", false},
+        {matrixText(0, 1, -1, 0), true},
+        {matrixText(0, -1, 1, 0), true},
+        {matrixText(-1, 0, 0, -1), false},
+        {matrixText(0, 1, 1, 0), true},
+        {matrixText(-1, 0, 0, 1), false},
+        {matrixText(0, 0, 0, 0), false},
     };
-    const std::vector<Row> rows = {
-        {"none", "", false},
-        {"a quarter turn to the right", matrixText(0, 1, -1, 0), true},
-        {"a quarter turn to the left", matrixText(0, -1, 1, 0), true},
-        {"a half turn", matrixText(-1, 0, 0, -1), false},
-        {"mirrored at a diagonal", matrixText(0, 1, 1, 0), true},
-        {"mirrored", matrixText(-1, 0, 0, 1), false},
-        {"garbage", matrixText(0, 0, 0, 0), false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        setReport(row.matrix);
+    for (const auto& [matrix, isSwapped] : rows) {
+        SCOPED_TRACE(matrix);
+        setReport(matrix);
         EXPECT_EQ(
-            pictureAfter("exit 1\n"), row.swapped ? placeholderPicture(48, 64) : placeholderPicture(64, 48));
+            pictureAfter("exit 1\n"), isSwapped ? placeholderPicture(48, 64) : placeholderPicture(64, 48));
     }
 }
 
@@ -129,9 +115,8 @@ TEST_F(CreatorStillTest, thereIsAPictureEvenWithoutTheSize)
 TEST_F(CreatorStillTest, thereIsAPictureEvenWithoutFfmpeg)
 {
     tools.breakFfmpeg();
-    ToolProcess creator(tools.creator(), still("1.5", picture()));
-    EXPECT_EQ(creator.wait(), 0);
-    EXPECT_NE(creator.errorText().find("ffmpeg cannot be run"), std::string::npos) << creator.errorText();
+    EXPECT_EQ(run(still("1.5", picture())), 0);
+    expectError("ffmpeg cannot be run");
     EXPECT_EQ(contentsOf(picture()), placeholderPicture(64, 48));
 }
 
@@ -141,28 +126,18 @@ TEST_F(CreatorStillTest, anOlderPictureIsReplaced)
     EXPECT_EQ(pictureAfter(writing(frame)), frame);
 }
 
-TEST_F(CreatorStillTest, whatTheFirstRunLeftIsThrownAway)
-{
-    const std::string larger = placeholderPicture(800, 600).substr(0, 400);
-    const std::string half = "with -ss write-output-file " + tools.addData("half", larger) + "\n";
-    EXPECT_EQ(pictureAfter(half + "with -ss die 9\n" + writing(frame)), frame);
-}
-
 TEST_F(CreatorStillTest, aStillThatCannotBeWrittenIsAFailure)
 {
     tools.setFfmpeg(writing(frame));
     EXPECT_EQ(run(still("1.5", tools.at("nowhere/still.jpg"))), 1);
-    EXPECT_EQ(otherNames(), Names());
+    EXPECT_EQ(otherNames(), Words());
 }
 
 TEST_F(CreatorStillTest, aFullDiskLeavesNothingOfAStill)
 {
-    ToolSetup setup;
-    setup.largestFile = 100;
     tools.setFfmpeg("flood-output 100000\n");
-    ToolProcess creator(tools.creator(), still("1.5", picture()), setup);
-    EXPECT_NE(creator.wait(), 0);
-    EXPECT_EQ(otherNames(), Names());
+    EXPECT_NE(run(still("1.5", picture()), {.largestFile = 100}), 0);
+    EXPECT_EQ(otherNames(), Words());
 }
 
 } // namespace tarnwell::test

@@ -8,7 +8,6 @@
 
 #include <QAction>
 #include <QDialog>
-#include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
@@ -45,8 +44,8 @@ double BenchWindow::open(const std::string& path)
 {
     test::waitForKeyboard(window());
     type(QKeySequence(QStringLiteral("Ctrl+O")));
-    QFileDialog* panel = shownPanel();
-    auto* field = panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    PathPanel* panel = shownPanel();
+    QLineEdit* field = panel->nameField();
     field->setText(textOfPath(path));
     std::optional<double> opened;
     Stopwatch stopwatch;

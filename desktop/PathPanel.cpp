@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 
@@ -67,14 +68,20 @@ std::optional<std::string> PathPanel::chosenPath() const
     return pathOfText(files.first());
 }
 
-bool PathPanel::hasNameField() const
+QLineEdit* PathPanel::nameField() const
 {
-    return findChild<QLineEdit*>(QStringLiteral("fileNameEdit")) != nullptr;
+    const QString nameLabel = labelText(FileName);
+    for (const QLabel* label : findChildren<QLabel*>()) {
+        auto* field = qobject_cast<QLineEdit*>(label->buddy());
+        if (field != nullptr && label->text() == nameLabel)
+            return field;
+    }
+    return nullptr;
 }
 
 QString PathPanel::typedPath() const
 {
-    const auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    const QLineEdit* field = nameField();
     if (field == nullptr || field->text().isEmpty())
         return {};
     // After a whole path was typed, the selected row can be in another folder than directory().
@@ -121,7 +128,7 @@ SavePanel::SavePanel(QWidget* window, const QString& name)
 
 void SavePanel::accept()
 {
-    if (hasNameField())
+    if (nameField() != nullptr)
         acceptTyped(typedPath());
     else
         acceptNativeChoice();

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+class QLineEdit;
+
 namespace tarnwell
 {
 
@@ -23,11 +25,12 @@ public:
     /// The chosen path, raw bytes; empty before the panel was accepted.
     std::optional<std::string> chosenPath() const;
 
+    /// The field that the label "File name:" belongs to; null in a native dialog.
+    QLineEdit* nameField() const;
+
 protected:
     /// The text of the name field as an absolute path; empty without a name field or with an empty one.
     QString typedPath() const;
-    /// True for Qt's own dialog, false for a native one.
-    bool hasNameField() const;
     void acceptPath(const QString& path);
 
 private:

@@ -5,7 +5,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QFileDialog>
 #include <QLineEdit>
 
 #include <filesystem>
@@ -40,8 +39,8 @@ protected:
     std::string proposedName()
     {
         type(QKeySequence(QStringLiteral("Ctrl+S")));
-        QFileDialog* panel = shownPanel();
-        const auto name = panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text().toStdString();
+        PathPanel* panel = shownPanel();
+        const std::string name = panel->nameField()->text().toStdString();
         QTest::keyClick(panel, Qt::Key_Escape);
         waitForKeyboard(window());
         return name;

@@ -9,11 +9,11 @@
 #include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QEvent>
+#include <QFileSystemModel>
 #include <QGuiApplication>
 #include <QLineEdit>
-#include <QListView>
-#include <QTreeView>
 
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
@@ -71,7 +71,7 @@ std::string PanelTest::shownFolder() const
 
 QLineEdit& PanelTest::nameField()
 {
-    return *m_panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    return *m_panel->nameField();
 }
 
 void PanelTest::typeName(const QString& name)
@@ -91,10 +91,14 @@ void PanelTest::enter(const QString& name)
 
 QAbstractItemView& PanelTest::list()
 {
-    auto* details = m_panel->findChild<QTreeView*>(QStringLiteral("treeView"));
-    if (details->isVisible())
-        return *details;
-    return *m_panel->findChild<QListView*>(QStringLiteral("listView"));
+    const auto views = m_panel->findChildren<QAbstractItemView*>();
+    const auto showsFiles = [](const QAbstractItemView* view) {
+        return view->isVisible() && qobject_cast<QFileSystemModel*>(view->model()) != nullptr;
+    };
+    const auto found = std::find_if(views.begin(), views.end(), showsFiles);
+    if (found == views.end())
+        failTest("the panel shows no list of files");
+    return **found;
 }
 
 QModelIndex PanelTest::listed(const QString& name)

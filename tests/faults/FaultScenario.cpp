@@ -75,7 +75,7 @@ protected:
         action("rotateRightBTN").trigger();
         waitForKeyboard(window());
         type(QKeySequence(QStringLiteral("Ctrl+S")));
-        QFileDialog* panel = shownPanel();
+        PathPanel* panel = shownPanel();
         countCalls(true);
         choose(panel, folder() + "out.mp4");
         countCalls(false);

@@ -201,23 +201,26 @@ bool WindowTest::drop(const QMimeData& data)
     return drop.isAccepted();
 }
 
-QFileDialog* WindowTest::shownPanel(CallSite site)
+PathPanel* WindowTest::shownPanel(CallSite site)
 {
-    QFileDialog* panel = nullptr;
-    waitFor(
-        "a file panel", [&panel] { return (panel = shownDialog<QFileDialog>()) != nullptr; }, site);
+    PathPanel* panel = nullptr;
+    const auto isThere = [&panel] {
+        panel = dynamic_cast<PathPanel*>(shownDialog<QFileDialog>());
+        return panel != nullptr;
+    };
+    waitFor("a file panel", isThere, site);
     waitForKeyboard(*panel, site);
     return panel;
 }
 
-void WindowTest::choose(QFileDialog* panel, const std::string& path, CallSite site)
+void WindowTest::choose(PathPanel* panel, const std::string& path, CallSite site)
 {
-    auto* field = panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    QLineEdit* field = panel->nameField();
     if (field == nullptr)
         failTest("the panel has no name field", site);
     field->setCompleter(nullptr); // its popup would take the Return
     field->setText(textOfPath(path));
-    const QPointer<QFileDialog> chosen = panel;
+    const QPointer<QFileDialog> chosen(panel);
     QTest::keyClick(field, Qt::Key_Return);
     const auto isDone = [&] { return chosen.isNull() || !chosen->isVisible() || isAlertShown(); };
     waitFor("the end of the file panel", isDone, site);

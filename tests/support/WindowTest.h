@@ -3,6 +3,7 @@
 
 #include "app/Application.h"
 #include "desktop/AlertDialog.h"
+#include "desktop/PathPanel.h"
 #include "platform/TemporaryDirectory.h"
 #include "platform/ToolContext.h"
 #include "tests/support/Keyboard.h"
@@ -18,7 +19,6 @@
 #include <string>
 
 class QAction;
-class QFileDialog;
 class QMimeData;
 
 namespace tarnwell::test
@@ -105,10 +105,10 @@ protected:
     /// Saves by the menu's shortcut and the panel; returns when the panel is closed or asks a question.
     void saveByPanel(const std::string& path, CallSite site = {});
     /// Waits for a file panel that has the keyboard. Never null.
-    QFileDialog* shownPanel(CallSite site = {});
+    PathPanel* shownPanel(CallSite site = {});
     /// Puts the path into the panel's name field, presses Return and waits until the panel is closed or asks
     /// a question.
-    void choose(QFileDialog* panel, const std::string& path, CallSite site = {});
+    void choose(PathPanel* panel, const std::string& path, CallSite site = {});
 
 private:
     OwnTemporaryFolder m_temporary;

@@ -12,7 +12,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
-#include <QFileDialog>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -121,9 +120,8 @@ protected:
     {
         waitForKeyboard(window());
         realKeys("ctrl+s");
-        QFileDialog* panel = shownPanel();
-        EXPECT_EQ(
-            panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(), QStringLiteral("Rotated"));
+        PathPanel* panel = shownPanel();
+        EXPECT_EQ(panel->nameField()->text(), QStringLiteral("Rotated"));
         show("saving");
         realKeys("ctrl+a");
         realText(path);

@@ -122,12 +122,9 @@ protected:
         ExternalProgram program;
         program.waitForWindow("Tarnwell");
         program.keysUntilWindow("ctrl+o", "Open Video");
-        program.text("clip.mp4");
-        program.keys("Return");
+        program.chooseInPanel("Open Video", "clip.mp4");
         program.keysUntilWindow("ctrl+s", "Save Video");
-        program.keys("ctrl+a");
-        program.text("out.mp4");
-        program.keys("Return");
+        program.chooseInPanel("Save Video", "out.mp4");
         std::string printed = program.waitForOutput("Percent : ");
         EXPECT_TRUE(waitUntil([this] { return exists(working() + "out.mp4"); }));
         program.keysUntilWindow("Return", "Tarnwell"); // answers the alert

@@ -24,12 +24,9 @@ protected:
         makeSampleVideo(folder() + "clip.mp4", {.size = {1280, 720}, .seconds = 12, .codec = "mpeg4"});
         program.waitForWindow("Tarnwell");
         program.keysUntilWindow("ctrl+o", "Open Video");
-        program.text(folder() + "clip.mp4");
-        program.keys("Return");
+        program.chooseInPanel("Open Video", folder() + "clip.mp4");
         program.keysUntilWindow("ctrl+s", "Save Video");
-        program.keys("ctrl+a");
-        program.text(output());
-        program.keys("Return");
+        program.chooseInPanel("Save Video", output());
         program.waitForOutput("Percent : ");
     }
 
@@ -99,8 +96,7 @@ TEST_F(ProgramTest, nothingIsLeftInTheTemporaryFolder)
         makeSampleVideo(folder() + "clip.mp4", {});
         program.waitForWindow("Tarnwell");
         program.keysUntilWindow("ctrl+o", "Open Video");
-        program.text(folder() + "clip.mp4");
-        program.keys("Return");
+        program.chooseInPanel("Open Video", folder() + "clip.mp4");
         program.keysUntilWindow("ctrl+s", "Save Video");
         program.keys("Escape");
         program.waitForWindow("Tarnwell");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The built program with tools that take random time, left at random moments: while it analyses, while it
-// exports, and when it shows the result. TARNWELL_ROUNDS sets how many programs are started for each; two are
-// enough for each way to leave.
+// Quits the built program at random moments of the analysis, of the export and of the result, with tools of
+// random duration. TARNWELL_ROUNDS sets the number of program starts for each of the three; two cover both
+// ways to quit.
 #include "tests/support/ExternalProgram.h"
 #include "tests/support/FakeTools.h"
 #include "tests/support/Files.h"
@@ -28,8 +28,8 @@ namespace
 
 constexpr int longestTool = 200; // milliseconds
 const std::string videoBytes = "the only copy";
-const std::string leaveByMenu = "ctrl+q"; // by the shortcut of the menu's item
-const std::string leaveByClosing = "alt+F4"; // of the window that has the keyboard
+const std::string quitByMenu = "ctrl+q"; // the shortcut of the menu item
+const std::string quitByClosing = "alt+F4"; // closes the window that has the keyboard
 
 int rounds()
 {
@@ -59,17 +59,17 @@ protected:
     int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(m_random); }
     std::string pause() { return "sleep " + std::to_string(upTo(longestTool)) + "\n"; }
 
-    /// Made when the probe tool begins with the output: the progress sheet has gone by then.
+    /// The file that sniffer creates when it starts to probe the output. The progress sheet is closed then.
     std::string probing() const { return folder() + "probing"; }
 
-    /// Tools that answer after a while, of an input that leaves no choice of how to save.
+    /// Tools that sleep for random times. The codec of the input leaves no choice of the mode.
     void setTools()
     {
         m_tools.setSniffer("with " + output() + " touch " + probing() + "\n" + pause() + "print "
             + reportOf({.codec = "mpeg4"}));
         std::string script = "with -frames:v " + pause() + "with -frames:v copy " + folder()
             + "still.png\nwith -frames:v exit 0\n";
-        // Longer than the user waits, most times: an export that is over cannot be left at work.
+        // Mostly longer than the wait in quit(): the test is about an encoder that still runs then.
         for (int line = 0; line < 8; ++line)
             script += pause() + "error time=00:00:0" + std::to_string(line) + ".00 \\n\n";
         m_tools.setCreator(script + "copy " + folder() + "still.png\n");
@@ -78,23 +78,18 @@ protected:
     void open(ExternalProgram& running)
     {
         running.waitForWindow("Tarnwell");
-        running.keys("ctrl+o");
-        running.waitForWindow("Open Video");
-        running.text(video());
-        running.keys("Return");
+        running.keysUntilWindow("ctrl+o", "Open Video");
+        running.chooseInPanel("Open Video", video());
     }
 
     void save(ExternalProgram& running)
     {
         running.keysUntilWindow("ctrl+s", "Save Video");
-        running.keys("ctrl+a");
-        running.text(output());
-        running.keys("Return");
+        running.chooseInPanel("Save Video", output());
     }
 
-    /// Waits a random time and leaves by those keys. A window that is at work takes no input: the user tries
-    /// again.
-    void leave(ExternalProgram& running, const std::string& keys)
+    /// Waits a random time and presses the keys until the program has ended: a busy window ignores keys.
+    void quit(ExternalProgram& running, const std::string& keys)
     {
         QThread::msleep(static_cast<unsigned long>(upTo(2 * longestTool)));
         ASSERT_TRUE(waitUntil([&] {
@@ -105,22 +100,23 @@ protected:
         EXPECT_EQ(running.waitForExit(), 0);
     }
 
-    /// Nothing of the program is left behind, but for an encoder, which finishes its work.
+    /// The input is unchanged and, once a running encoder has finished, no process and no temporary file is
+    /// left.
     void expectNothingLost()
     {
         EXPECT_EQ(contentsOf(video()), videoBytes);
         EXPECT_TRUE(waitUntil([this] { return processesWithArgument(video()).empty(); }));
         for (const auto& name : namesIn(m_temporary.path()))
-            EXPECT_EQ(folder(), m_temporary.path() + "/" + name + "/") << "left over";
+            EXPECT_EQ(folder(), m_temporary.path() + "/" + name + "/") << "a temporary file is left";
         for (const auto& name : namesIn(folder()))
             EXPECT_FALSE(name.ends_with(".part")) << name;
     }
 
-    /// One program a round, opened with the video, left in the one way or the other once `job` has returned.
-    /// What is drawn follows from the seed; every way has its turn before one comes again. `expectedOutput`
-    /// is what must then lie there.
+    /// In each round starts the program, opens the video, calls `job` and quits; then compares the contents
+    /// of the output file. Each of `ways` is used once before any is used again. The seed determines all
+    /// random values.
     template <typename Job>
-    void leaveAfter(
+    void quitAfter(
         unsigned seed, std::vector<std::string> ways, const std::string& expectedOutput, const Job& job)
     {
         m_random.seed(seed);
@@ -135,7 +131,7 @@ protected:
             ExternalProgram running(program());
             open(running);
             job(running);
-            leave(running, ways[turn]);
+            quit(running, ways[turn]);
             expectNothingLost();
             EXPECT_EQ(contentsOf(output()), expectedOutput);
         }
@@ -143,7 +139,7 @@ protected:
 
     std::string still() const { return contentsOf(folder() + "still.png"); }
 
-    static std::vector<std::string> bothWays() { return {leaveByMenu, leaveByClosing}; }
+    static std::vector<std::string> bothWays() { return {quitByMenu, quitByClosing}; }
 
 private:
     OwnTemporaryFolder m_temporary;
@@ -151,23 +147,23 @@ private:
     std::mt19937 m_random;
 };
 
-TEST_F(QuitRaceTest, leavingDuringTheAnalysis)
+TEST_F(QuitRaceTest, quittingDuringTheAnalysisLosesNothing)
 {
-    leaveAfter(11, bothWays(), "", [](ExternalProgram&) {});
+    quitAfter(11, bothWays(), "", [](ExternalProgram&) {});
 }
 
-TEST_F(QuitRaceTest, leavingDuringTheExportLeavesTheEncoderAtWork)
+TEST_F(QuitRaceTest, quittingDuringTheExportLetsTheEncoderFinish)
 {
-    // Whoever closes the progress sheet cancels the export.
-    leaveAfter(12, {leaveByMenu}, still(), [this](ExternalProgram& running) {
+    // Not by closing: a request to close the progress sheet cancels the export.
+    quitAfter(12, {quitByMenu}, still(), [this](ExternalProgram& running) {
         save(running);
         running.waitForOutput("Percent : ");
     });
 }
 
-TEST_F(QuitRaceTest, leavingAtTheResult)
+TEST_F(QuitRaceTest, quittingAtTheResultLosesNothing)
 {
-    leaveAfter(13, bothWays(), still(), [this](ExternalProgram& running) {
+    quitAfter(13, bothWays(), still(), [this](ExternalProgram& running) {
         save(running);
         ASSERT_TRUE(waitUntil([this] { return exists(probing()); }));
     });

@@ -101,6 +101,35 @@ void ExternalProgram::keysUntilWindow(const std::string& keysToPress, const std:
     waitFor("the keyboard of “" + title + "” after " + keysToPress, pressUntilActive, site);
 }
 
+bool ExternalProgram::isShown(const std::string& title) const
+{
+    const QString program = QString::fromStdString(xdotool);
+    const QString pattern = QString::fromStdString("^" + title + "$");
+    return !outputOf(program,
+        {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), pattern})
+                .empty();
+}
+
+void ExternalProgram::chooseInPanel(const std::string& title, const std::string& path, CallSite site)
+{
+    waitForWindow(title, site);
+    // Long enough for a slow program: text that is entered after the panel is closed goes to another window.
+    constexpr std::chrono::seconds interval(5);
+    QDeadlineTimer nextAttempt(0);
+    const auto isClosed = [&] {
+        if (!isShown(title))
+            return true;
+        if (nextAttempt.hasExpired() && isActive(title)) {
+            keys("ctrl+a");
+            text(path);
+            keys("Return");
+            nextAttempt.setRemainingTime(interval);
+        }
+        return false;
+    };
+    waitFor("the end of the panel “" + title + "” after " + path, isClosed, site);
+}
+
 std::string ExternalProgram::waitForOutput(const std::string& text, CallSite site)
 {
     const auto isPrinted = [&] {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every use of an element of the interface that is not connected, or is gone, stops the program.
 #include "app/AppDelegate.h"
+#include "app/DragAndDropFileInNSImageView.h"
 #include "platform/DispatchQueue.h"
 #include "probe/FileProbe.h"
 #include "tests/support/FakeToolsTest.h"
@@ -93,6 +94,22 @@ protected:
     using Replace = std::function<Destroy(Outlets&)>;
 
     static Destroy theWindow(Outlets& outlets) { return owned(outlets.window, std::make_shared<QWidget>()); }
+
+    static Destroy thePictureView(Outlets& outlets)
+    {
+        return owned(outlets.posterFrameIMGV, std::make_shared<DragAndDropFileInNSImageView>());
+    }
+
+    /// A controller that has accepted a file and has lost an element since.
+    AppDelegate& analysedWithout(const Replace& replace)
+    {
+        Destroy destroy;
+        AppDelegate& lacking = startWithout([&](Outlets& outlets) { destroy = replace(outlets); });
+        writeFile(folder() + "clip.mp4", "bytes");
+        lacking.analyzeFile(FileURL(folder() + "clip.mp4"));
+        destroy();
+        return lacking;
+    }
 
     /// The elements that the end of the progress sheet uses.
     std::vector<Replace> partsForTheEndOfTheProgressSheet()
@@ -219,10 +236,10 @@ TEST_F(OutletsDeathTest, panelsNeedTheWindow)
         EXPECT_SILENT_STOP((startWithout([](Outlets& outlets) { outlets.window = nullptr; }).*entry)());
 }
 
-TEST_F(OutletsDeathTest, aResetNeedsThePicture)
+TEST_F(OutletsDeathTest, aResetAndARefreshNeedThePictureView)
 {
-    EXPECT_SILENT_STOP(
-        startWithout([](Outlets& outlets) { outlets.posterFrameIMGV = nullptr; }).resetBTNClicked());
+    for (const auto action : {&AppDelegate::resetBTNClicked, &AppDelegate::updatePreview})
+        EXPECT_SILENT_STOP((analysedWithout(thePictureView).*action)());
 }
 
 TEST_F(OutletsDeathTest, theAlertOfARefusedFileNeedsTheWindow)
@@ -234,14 +251,7 @@ TEST_F(OutletsDeathTest, theAlertOfARefusedFileNeedsTheWindow)
 TEST_F(OutletsDeathTest, theModeAlertNeedsTheWindow)
 {
     EXPECT_STOP_AFTER(
-        [&] {
-            writeFile(folder() + "clip.mp4", "bytes");
-            Destroy destroy;
-            AppDelegate& lacking = startWithout([&](Outlets& outlets) { destroy = theWindow(outlets); });
-            lacking.analyzeFile(FileURL(folder() + "clip.mp4"));
-            destroy();
-            lacking.chooseExportMode(folder() + "clip.mp4", folder() + "out.mp4");
-        }(),
+        analysedWithout(theWindow).chooseExportMode(folder() + "clip.mp4", folder() + "out.mp4"),
         "^positionState : 1, vFlipSte : false, hFlipState : false\n$");
 }
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Cancelling an export by any tool under the name of the encoder, and the removal of its output.
+// The cancel of an export whose encoder is any program, the removal of its output, and older files in its
+// place.
 #include "tests/app/ExportTest.h"
 #include "tests/support/ExternalProgram.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <sys/stat.h>
 
@@ -14,8 +16,8 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// Sets $out to the last argument.
-const std::string findOutput = "#!/bin/sh\nfor out; do :; done\n";
+constexpr const char* success = "Video Processed Successfully!";
+constexpr const char* failure = "Seems like something went wrong!";
 
 } // namespace
 
@@ -27,59 +29,47 @@ protected:
     {
         const std::string creator = tools().folder() + "creator";
         fs::remove(creator);
-        writeFile(creator, script);
+        writeFile(creator, "#!/bin/sh\ncd '" + folder() + "'\n" + script);
         fs::permissions(creator, fs::perms::owner_all);
     }
 
-    void saveWithScript(const std::string& script)
+    /// Waits until the encoder's script has created the file "running", and cancels.
+    void cancelWhenRunning()
     {
-        installScript(script);
-        saveByPanel(output());
-    }
-
-    /// Saves with a script that creates the output by this command, and cancels when that is done.
-    void cancelAfter(const std::string& command)
-    {
-        saveWithScript(findOutput + command + "\ntouch '" + folder() + "running'\nexec sleep 1000000\n");
         ASSERT_TRUE(waitUntil([this] { return exists(folder() + "running"); }));
         cancelWhenPossible();
         expectIdle();
     }
 };
 
-TEST_F(CancelTest, aToolWithoutASignalHandlerIsCancelled)
-{
-    saveWithScript("#!/bin/sh\nexec sleep 1000000\n");
-    cancelWhenPossible();
-    expectIdle();
-}
-
-TEST_F(CancelTest, aShellScriptIsCancelled)
+TEST_F(CancelTest, endsToolsWithoutASignalHandler)
 {
     ASSERT_EQ(::mkfifo((folder() + "pipe").c_str(), 0600), 0); // that nothing writes to
-    saveWithScript("#!/bin/sh\nread line <'" + folder() + "pipe'\n");
-    cancelWhenPossible();
-    expectIdle();
+    for (const char* script : {"exec sleep 1000000\n", "read line <pipe\n"}) {
+        SCOPED_TRACE(script);
+        installScript(script);
+        saveByPanel(output());
+        cancelWhenPossible();
+        expectIdle();
+        waitForKeyboard(window());
+    }
 }
 
-TEST_F(CancelTest, anOutputFolderIsRemovedWithItsContents)
-{
-    cancelAfter("mkdir \"$out\" && touch \"$out/file\" && mkdir \"$out/folder\"");
-    EXPECT_FALSE(fs::exists(fs::symlink_status(output())));
-}
-
-TEST_F(CancelTest, anOutputLinkIsRemovedAndItsTargetStays)
+TEST_F(CancelTest, removesOutputsOfEveryKindButNotTheTargetOfALink)
 {
     writeFile(folder() + "target", "kept");
-    cancelAfter("ln -s '" + folder() + "target' \"$out\"");
-    EXPECT_FALSE(fs::exists(fs::symlink_status(output())));
+    for (const char* command : {"mkdir \"$out\" && touch \"$out/file\" && mkdir \"$out/folder\"",
+             "ln -s target \"$out\"", "ln -s missing \"$out\""}) {
+        SCOPED_TRACE(command);
+        fs::remove(folder() + "running");
+        installScript("for out; do :; done\n" // the last argument
+            + std::string(command) + "\ntouch running\nexec sleep 1000000\n");
+        saveByPanel(output());
+        cancelWhenRunning();
+        EXPECT_FALSE(fs::exists(fs::symlink_status(output())));
+        waitForKeyboard(window());
+    }
     EXPECT_EQ(contentsOf(folder() + "target"), "kept");
-}
-
-TEST_F(CancelTest, aDanglingOutputLinkIsRemoved)
-{
-    cancelAfter("ln -s '" + folder() + "missing' \"$out\"");
-    EXPECT_FALSE(fs::exists(fs::symlink_status(output())));
 }
 
 /// With a real video, which plain ffmpeg transcodes.
@@ -92,7 +82,7 @@ protected:
         makeSampleVideo(folder() + "clip.mp4", {.codec = "mpeg4"});
         // The input is repeated at its own speed, so that only a cancel ends the transcode. Messages are
         // dropped: some versions write a status line without a time stamp, which stops the program.
-        installScript("#!/bin/sh\nexec ffmpeg -re -stream_loop -1 \"$@\" 2>/dev/null\n");
+        installScript("exec ffmpeg -re -stream_loop -1 \"$@\" 2>/dev/null\n");
         start();
         ASSERT_TRUE(drop(folder() + "clip.mp4"));
         waitForKeyboard(window());
@@ -109,119 +99,76 @@ TEST_F(PlainFfmpegTest, isCancelledDuringATranscodeAndItsOutputRemoved)
     EXPECT_TRUE(processesWithArgument(output()).empty());
 }
 
-/// An older file, which the probe takes for a video, at the output's place.
-class OlderFileTest : public CancelTest
+struct OlderFileRow {
+    const char* name;
+    std::string creatorScript; // see inFolder(); empty: the encoder cannot be started
+    const char* alert; // empty: the export is cancelled when the file "running" exists
+    const char* expectedOutput;
+    bool isLink = false;
+};
+
+void PrintTo(const OlderFileRow& row, std::ostream* stream)
+{
+    *stream << row.name;
+}
+
+/// An older file is in the output's place. The probe reports every file as a video.
+class OlderFileTest : public CancelTest, public testing::WithParamInterface<OlderFileRow>
 {
 protected:
-    void SetUp() override
-    {
-        CancelTest::SetUp();
-        writeFile(output(), m_older);
-    }
-
     void saveOverIt()
     {
         saveByPanel(output());
         answerReplaceQuestion("&Yes");
     }
 
-    void saveOverIt(const std::string& creatorScript)
+    /// Waits for the result and answers it. The panel's question may still be on the screen at first.
+    void expectResult(const std::string& text)
     {
-        tools().setCreator(creatorScript);
-        saveOverIt();
-    }
-
-    /// Waits for the result, and answers it.
-    std::string resultText()
-    {
-        // The panel's question may still be on the screen.
-        EXPECT_TRUE(waitUntil([this] { return isProgressShown() || isResultShown(); }));
-        EXPECT_TRUE(waitUntil([this] { return isResultShown(); }));
+        ASSERT_TRUE(waitUntil([this] { return isResultShown(); }));
         AlertDialog* alert = shownAlert();
-        const std::string text = alert != nullptr ? alert->text().toStdString() : "no alert";
+        EXPECT_EQ(alert->text().toStdString(), text);
         answer(alert, "OK");
-        return text;
     }
-
-    void expectFailureAndTheOlderFile()
-    {
-        EXPECT_EQ(resultText(), "Seems like something went wrong!");
-        EXPECT_EQ(contentsOf(output()), m_older);
-    }
-
-    const std::string& older() const { return m_older; }
 
 private:
     bool isResultShown()
     {
-        for (const auto* alert : window().findChildren<AlertDialog*>()) {
-            if (alert->isVisible() && alert->buttons().first()->text() == QStringLiteral("OK"))
-                return true;
-        }
-        return false;
+        const auto alerts = window().findChildren<AlertDialog*>();
+        return std::any_of(alerts.begin(), alerts.end(), [](const AlertDialog* alert) {
+            return alert->isVisible() && alert->buttons().first()->text() == QStringLiteral("OK");
+        });
     }
-
-    std::string m_older = "an older video";
 };
 
-TEST_F(OlderFileTest, itIsNoResultOfAnEncoderThatIsKilled)
+TEST_P(OlderFileTest, isTheResultOnlyIfTheEncoderChangesIt)
 {
-    saveOverIt("die 9\n");
-    expectFailureAndTheOlderFile();
-}
-
-TEST_F(OlderFileTest, itIsNoResultOfAnEncoderThatDoesNotStart)
-{
-    tools().makeCreatorUnstartable();
+    const OlderFileRow& row = GetParam();
+    const std::string file = row.isLink ? folder() + "target" : output();
+    writeFile(file, "an older video");
+    writeFile(folder() + "new", "a new video");
+    if (row.isLink)
+        fs::create_symlink(file, output());
+    tools().setCreator(inFolder(row.creatorScript));
+    if (row.creatorScript.empty())
+        tools().makeCreatorUnstartable();
     saveOverIt();
-    expectFailureAndTheOlderFile();
+    if (*row.alert == '\0')
+        cancelWhenRunning();
+    else
+        expectResult(row.alert);
+    EXPECT_EQ(contentsOf(file), row.expectedOutput);
 }
 
-TEST_F(OlderFileTest, itIsNoResultOfAnEncoderThatWritesNothing)
-{
-    saveOverIt("exit 0\n");
-    expectFailureAndTheOlderFile();
-}
-
-TEST_F(OlderFileTest, aCancelBeforeAnythingIsWrittenKeepsIt)
-{
-    saveOverIt("touch " + folder() + "running\nhang\n");
-    ASSERT_TRUE(waitUntil([this] { return exists(folder() + "running"); }));
-    cancelWhenPossible();
-    expectIdle();
-    EXPECT_EQ(contentsOf(output()), older());
-}
-
-TEST_F(OlderFileTest, aCancelAfterItIsOverwrittenRemovesIt)
-{
-    saveOverIt("write-output partial\ntouch " + folder() + "running\nhang\n");
-    ASSERT_TRUE(waitUntil([this] { return exists(folder() + "running"); }));
-    cancelWhenPossible();
-    expectIdle();
-    EXPECT_FALSE(exists(output()));
-}
-
-TEST_F(OlderFileTest, anEncoderThatFailsAfterItReplacedItHasSucceeded)
-{
-    saveOverIt(leaveOutput() + "exit 1\n");
-    EXPECT_EQ(resultText(), "Video Processed Successfully!");
-    EXPECT_EQ(contentsOf(output()), contentsOf(folder() + "still.png"));
-}
-
-TEST_F(OlderFileTest, anEncoderThatWritesTheSameBytesInPlaceHasSucceeded)
-{
-    saveOverIt("write-output " + older() + "\n");
-    EXPECT_EQ(resultText(), "Video Processed Successfully!");
-    EXPECT_EQ(contentsOf(output()), older());
-}
-
-TEST_F(OlderFileTest, anOutputWrittenThroughALinkIsAResult)
-{
-    fs::rename(output(), folder() + "target");
-    fs::create_symlink(folder() + "target", output());
-    saveOverIt("write-output new\n");
-    EXPECT_EQ(resultText(), "Video Processed Successfully!");
-    EXPECT_EQ(contentsOf(folder() + "target"), "new");
-}
+INSTANTIATE_TEST_SUITE_P(encoders, OlderFileTest,
+    testing::Values(OlderFileRow{"thatIsKilled", "die 9\n", failure, "an older video"},
+        OlderFileRow{"thatCannotBeStarted", "", failure, "an older video"},
+        OlderFileRow{"thatWritesNothing", "exit 0\n", failure, "an older video"},
+        OlderFileRow{"thatIsCancelledBeforeItWrites", "touch @running\nhang\n", "", "an older video"},
+        OlderFileRow{"thatIsCancelledAfterItWrites", "write-output partial\ntouch @running\nhang\n", "", ""},
+        OlderFileRow{"thatFailsAfterItReplacesTheFile", "copy @new\nexit 1\n", success, "a new video"},
+        OlderFileRow{"thatWritesTheSameBytes", "write-output an older video\n", success, "an older video"},
+        OlderFileRow{"thatWritesThroughALink", "write-output a new video\n", success, "a new video", true}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace tarnwell::test

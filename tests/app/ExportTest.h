@@ -14,15 +14,23 @@
 namespace tarnwell::test
 {
 
-/// The window with an open video that leaves no choice of a mode.
+/// The window with an open video whose codec leaves no choice of the mode.
 class ExportTest : public FakeToolsTest
 {
 protected:
     void SetUp() override
     {
-        tools().setSniffer(sniffing(reportOf({.codec = "mpeg4"}))); // no choice of a mode
+        tools().setSniffer(sniffing(reportOf({.codec = "mpeg4"})));
         start();
         openVideo();
+    }
+
+    /// The script with the test's folder in the place of each "@".
+    std::string inFolder(std::string script) const
+    {
+        for (auto place = script.find('@'); place != std::string::npos; place = script.find('@'))
+            script.replace(place, 1, folder());
+        return script;
     }
 
     std::string output() const { return folder() + "out.mp4"; }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The encoder's run as the user sees it: progress and cancel, with fakes for the tools.
+// The encoder's run as the user sees it: progress and cancel, with fake tools.
 #include "tests/app/ExportTest.h"
 
 #include "app/AppDelegate.h"
@@ -15,7 +15,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// The lines that tell how far an export has come.
+/// The printed lines about the progress of an export.
 std::vector<std::string> percentLines(const std::string& printed)
 {
     std::vector<std::string> found;
@@ -40,10 +40,10 @@ TEST_F(ExportTest, aToolThatExitsAtOnceStillShowsTheSheetAndHasItsOutputProbed)
     EXPECT_EQ(recordedArguments(folder() + "probed").back(), output());
 }
 
-TEST_F(ExportTest, theSheetSaysWhatGoesOnAndOffersToCancel)
+TEST_F(ExportTest, theSheetNamesTheWorkAndOffersToCancel)
 {
     save("wait-for " + folder() + "go\n" + leaveOutput());
-    ASSERT_TRUE(waitUntil([this] { return isProgressShown() && cancelButton().isEnabled(); }));
+    ASSERT_TRUE(waitUntil([this] { return isCancelPossible(); }));
     EXPECT_EQ(find<QLabel>("progressTitle").text(), QStringLiteral("Creating Video..."));
     EXPECT_TRUE(cancelButton().isVisible());
     EXPECT_EQ(bar().minimum(), 0);
@@ -56,40 +56,52 @@ TEST_F(ExportTest, theSheetSaysWhatGoesOnAndOffersToCancel)
     EXPECT_EQ(bar().value(), 0);
 }
 
-TEST_F(ExportTest, statusLinesMoveTheBarAndArePrinted)
+struct StatusRow {
+    const char* name;
+    std::string creatorScript; // before the file "go" exists
+    int bar; // its value then
+    std::vector<std::string> printed;
+    const char* duration = "8.000000";
+};
+
+void PrintTo(const StatusRow& row, std::ostream* stream)
 {
+    *stream << row.name;
+}
+
+class StatusTest : public ExportTest, public testing::WithParamInterface<StatusRow>
+{
+};
+
+TEST_P(StatusTest, setsTheBarAndIsPrinted)
+{
+    const StatusRow& row = GetParam();
+    tools().setSniffer(sniffing(reportOf({.codec = "mpeg4", .duration = row.duration})));
+    tools().setCreator(stillScript());
+    openVideo();
     testing::internal::CaptureStdout();
-    save("error frame=1 time=00:00:04.00 bitrate=1\\r\nwait-for " + folder() + "go\n" + leaveOutput());
-    EXPECT_TRUE(waitUntil([this] { return bar().value() == 50; }));
-    const std::string printed = testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(printed.ends_with("Percent : 50.0\n")) << printed;
+    save(inFolder(row.creatorScript + "touch @written\nwait-for @go\n") + leaveOutput());
+    EXPECT_TRUE(waitUntil([&] { return exists(folder() + "written") && bar().value() == row.bar; }));
     writeFile(folder() + "go", "");
     finish();
+    EXPECT_EQ(percentLines(testing::internal::GetCapturedStdout()), row.printed);
 }
 
-TEST_F(ExportTest, ofSeveralStampsInAChunkTheFirstCounts)
-{
-    save("error frame=1 time=00:00:02.00 \\rframe=2 time=00:00:06.00 \\r\nwait-for " + folder() + "go\n"
-        + leaveOutput());
-    EXPECT_TRUE(waitUntil([this] { return bar().value() == 25; }));
-    writeFile(folder() + "go", "");
-    finish();
-}
+INSTANTIATE_TEST_SUITE_P(statusLines, StatusTest,
+    testing::Values(
+        StatusRow{"withATime", "error frame=1 time=00:00:04.00 bitrate=1\\r\n", 50, {"Percent : 50.0"}},
+        StatusRow{"ofWhichTheFirstInAChunkCounts",
+            "error frame=1 time=00:00:02.00 \\rframe=2 time=00:00:06.00 \\r\n", 25, {"Percent : 25.0"}},
+        StatusRow{"betweenChunksWithoutATime",
+            "error time=00:00:04.00\nwait-until-read\nerror \\xFFtime=00:00:06.00\nwait-until-read\n"
+            "error Stream mapping: 00:00:07.00\nwait-until-read\nerror time=00:00:02.00\n",
+            25, {"Percent : 50.0", "Percent : 25.0"}},
+        StatusRow{"beyondTheDuration", "error time=00:00:16.00\n", 100, {"Percent : 200.0"}},
+        StatusRow{"ofAVideoWithoutADuration", "error time=00:00:01.00\n", 100, {"Percent : inf"}, "0"},
+        StatusRow{"onStandardOutput", "print time=00:00:04.00\n", 0, {}}),
+    [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(ExportTest, chunksThatSayNothingChangeNothing)
-{
-    testing::internal::CaptureStdout();
-    save("error time=00:00:04.00\nwait-until-read\nerror \\xFFtime=00:00:06.00\nwait-until-read\n"
-         "error Stream mapping: 00:00:07.00\nwait-until-read\nerror time=00:00:02.00\nwait-for "
-        + folder() + "go\n" + leaveOutput());
-    EXPECT_TRUE(waitUntil([this] { return bar().value() == 25; }));
-    writeFile(folder() + "go", "");
-    finish();
-    EXPECT_EQ(percentLines(testing::internal::GetCapturedStdout()),
-        (std::vector<std::string>{"Percent : 50.0", "Percent : 25.0"}));
-}
-
-TEST_F(ExportTest, everyChunkIsPrintedHoweverFastTheyCome)
+TEST_F(ExportTest, everyChunkIsPrintedAtAnyRate)
 {
     std::string script;
     std::vector<std::string> expected;
@@ -104,50 +116,26 @@ TEST_F(ExportTest, everyChunkIsPrintedHoweverFastTheyCome)
     EXPECT_EQ(percentLines(testing::internal::GetCapturedStdout()), expected);
 }
 
-TEST_F(ExportTest, morethanAllOfItFillsTheBarAndIsPrintedAsItIs)
+TEST_F(ExportTest, cancelAndEscapeSendSigtermAndDeleteTheOutputWithoutAnAlert)
 {
-    testing::internal::CaptureStdout();
-    save("error time=00:00:16.00\nwait-for " + folder() + "go\n" + leaveOutput());
-    EXPECT_TRUE(waitUntil([this] { return bar().value() == 100; }));
-    EXPECT_TRUE(testing::internal::GetCapturedStdout().ends_with("Percent : 200.0\n"));
-    writeFile(folder() + "go", "");
-    finish();
+    for (const bool byEscape : {false, true}) {
+        SCOPED_TRACE(byEscape);
+        std::remove((folder() + "terminated").c_str());
+        save("on-termination " + folder() + "terminated\n" + leaveOutput() + "hang\n");
+        ASSERT_TRUE(waitUntil([this] { return exists(output()) && isCancelPossible(); }));
+        if (byEscape)
+            QTest::keyClick(&find<QDialog>("progressWindow"), Qt::Key_Escape);
+        else
+            QTest::mouseClick(&cancelButton(), Qt::LeftButton);
+        expectIdle();
+        EXPECT_EQ(contentsOf(folder() + "terminated"), "SIGTERM");
+        EXPECT_FALSE(exists(output()));
+        EXPECT_EQ(contentsOf(folder() + "clip.mp4"), "bytes");
+        waitForKeyboard(window());
+    }
 }
 
-TEST_F(ExportTest, aVideoWithoutADurationPrintsWhatTheDivisionGives)
-{
-    tools().setSniffer(sniffing(reportOf({.codec = "mpeg4", .duration = "0"})));
-    tools().setCreator(stillScript());
-    openVideo();
-    testing::internal::CaptureStdout();
-    save("error time=00:00:01.00\nwait-for " + folder() + "go\n" + leaveOutput());
-    EXPECT_TRUE(waitUntil([this] { return bar().value() == 100; }));
-    writeFile(folder() + "go", "");
-    finish();
-    EXPECT_NE(testing::internal::GetCapturedStdout().find("Percent : inf\n"), std::string::npos);
-}
-
-TEST_F(ExportTest, onlyStandardErrorCountsAsProgress)
-{
-    testing::internal::CaptureStdout();
-    save("print time=00:00:04.00\n" + leaveOutput());
-    finish();
-    EXPECT_EQ(testing::internal::GetCapturedStdout().find("Percent"), std::string::npos);
-}
-
-TEST_F(ExportTest, cancelSendsSigtermAndDeletesTheOutputWithoutAWord)
-{
-    save("on-termination " + folder() + "terminated\n" + leaveOutput() + "touch " + folder()
-        + "running\nhang\n");
-    ASSERT_TRUE(waitUntil([this] { return exists(folder() + "running"); }));
-    EXPECT_TRUE(exists(output()));
-    cancelWhenPossible();
-    expectIdle();
-    EXPECT_EQ(contentsOf(folder() + "terminated"), "SIGTERM");
-    EXPECT_FALSE(exists(output()));
-}
-
-TEST_F(ExportTest, theSheetStaysAfterCancelUntilTheToolHasExited)
+TEST_F(ExportTest, theSheetStaysAfterOneOrTwoCancelsUntilTheToolHasExited)
 {
     save("ignore-termination\n" + leaveOutput() + "wait-for " + folder() + "go\n");
     cancelWhenPossible();
@@ -155,36 +143,12 @@ TEST_F(ExportTest, theSheetStaysAfterCancelUntilTheToolHasExited)
         QTest::qWait(1);
         ASSERT_TRUE(isProgressShown());
     }
+    QTest::mouseClick(&cancelButton(), Qt::LeftButton);
     ASSERT_TRUE(waitUntil([this] { return exists(output()); }));
+    EXPECT_TRUE(isProgressShown());
     writeFile(folder() + "go", "");
     expectIdle();
     EXPECT_FALSE(exists(output()));
-}
-
-TEST_F(ExportTest, escapeOnTheSheetCancels)
-{
-    save("on-termination " + folder() + "terminated\ntouch " + folder() + "running\nhang\n");
-    ASSERT_TRUE(waitUntil(
-        [this] { return exists(folder() + "running") && isProgressShown() && cancelButton().isEnabled(); }));
-    QTest::keyClick(&find<QDialog>("progressWindow"), Qt::Key_Escape);
-    expectIdle();
-    EXPECT_TRUE(exists(folder() + "terminated"));
-}
-
-TEST_F(ExportTest, aCancelledRunWithoutAnOutputEndsSilentlyToo)
-{
-    save("hang\n");
-    cancelWhenPossible();
-    expectIdle();
-}
-
-TEST_F(ExportTest, aSecondCancelDoesNoHarm)
-{
-    save("ignore-termination\nwait-for " + folder() + "go\n");
-    cancelWhenPossible();
-    QTest::mouseClick(&cancelButton(), Qt::LeftButton);
-    writeFile(folder() + "go", "");
-    expectIdle();
 }
 
 TEST_F(ExportTest, theRunAfterACancelledOneReportsItsResult)
@@ -198,7 +162,7 @@ TEST_F(ExportTest, theRunAfterACancelledOneReportsItsResult)
     EXPECT_TRUE(exists(output()));
 }
 
-TEST_F(ExportTest, aCancelAfterTheRunFindsItsEncoderStillAndDoesNoHarm)
+TEST_F(ExportTest, aCancelAfterTheRunChangesNeitherItsOutputNorTheNextRun)
 {
     save(leaveOutput());
     finish();
@@ -210,20 +174,6 @@ TEST_F(ExportTest, aCancelAfterTheRunFindsItsEncoderStillAndDoesNoHarm)
     ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
     EXPECT_EQ(shownAlert()->text(), QStringLiteral("Video Processed Successfully!"));
     finish();
-}
-
-TEST_F(ExportTest, theOriginalKeepsItsBytesThroughEveryEnding)
-{
-    for (const char* script : {"exit 1\n", "die 9\n"}) {
-        save(script + std::string());
-        finish();
-        waitForKeyboard(window());
-        EXPECT_EQ(contentsOf(folder() + "clip.mp4"), "bytes");
-    }
-    save("hang\n");
-    cancelWhenPossible();
-    expectIdle();
-    EXPECT_EQ(contentsOf(folder() + "clip.mp4"), "bytes");
 }
 
 } // namespace tarnwell::test

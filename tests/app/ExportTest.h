@@ -46,9 +46,11 @@ protected:
 
     void finish() { answer(shownAlert(), "OK"); }
 
+    bool isCancelPossible() { return isProgressShown() && cancelButton().isEnabled(); }
+
     void cancelWhenPossible()
     {
-        ASSERT_TRUE(waitUntil([this] { return isProgressShown() && cancelButton().isEnabled(); }));
+        ASSERT_TRUE(waitUntil([this] { return isCancelPossible(); }));
         QTest::mouseClick(&cancelButton(), Qt::LeftButton);
     }
 

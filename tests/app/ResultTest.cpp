@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What an export ends with: the probe of its output, the alert, and what the alert's buttons do.
+// The end of an export: the probe of its output, the alert and the alert's buttons.
 #include "app/AppDelegate.h"
 #include "desktop/Workspace.h"
 #include "probe/FileProbe.h"
@@ -18,14 +18,14 @@ class ResultTest : public ExportTest
 {
 };
 
-/// Beside a file manager on the bus, and with no other way to open anything.
+/// With a file manager on the bus and no application.
 class ResultActionTest : public ResultTest
 {
 protected:
-    /// The addresses of the files that the file manager was asked to show, one list for each call.
+    /// The file URLs of each call to the file manager.
     QList<QStringList> shownItems()
     {
-        // Calls arrive in their order: once this one is there, nothing is on its way any more.
+        // Calls arrive in order: after this one no earlier call is pending.
         const FileURL last(folder() + "last");
         activateFileViewerSelecting(last);
         const QStringList lastItem(QString::fromStdString(last.absoluteString()));
@@ -43,7 +43,7 @@ protected:
         return items;
     }
 
-    /// The addresses that were opened with whatever the desktop has for them.
+    /// The URLs that were passed to the default application.
     const QList<QUrl>& opened() const { return m_caught.urls(); }
 
 private:
@@ -83,12 +83,17 @@ TEST_F(ResultTest, aToolThatFailsButLeavesAVideoStillSucceeds)
     finish();
 }
 
-TEST_F(ResultTest, anOutputThatIsNoMediaFails)
+TEST_F(ResultTest, anOutputThatIsNoMediaFailsAndTheInputKeepsItsBytes)
 {
-    for (const char* script : {"exit 1\n", "die 11\n", "error Conversion failed!\n"}) {
+    tools().setSniffer(sniffing(errorReport()));
+    for (const char* script :
+        {"exit 1\n", "die 9\n", "error Conversion failed!\n", "write-output rubbish\n", "unstartable"}) {
         SCOPED_TRACE(script);
-        tools().setSniffer(sniffing(errorReport()));
-        save(script);
+        std::filesystem::remove(output());
+        tools().setCreator(script);
+        if (std::string(script) == "unstartable")
+            tools().makeCreatorUnstartable();
+        saveByPanel(output());
         AlertDialog* alert = shownAlert();
         EXPECT_EQ(alert->text(), QStringLiteral("Seems like something went wrong!"));
         EXPECT_EQ(alert->informativeText(), QStringLiteral("Contact : " TARNWELL_SUPPORT_ADDRESS));
@@ -96,41 +101,12 @@ TEST_F(ResultTest, anOutputThatIsNoMediaFails)
         ASSERT_EQ(alert->buttons().size(), 1);
         EXPECT_EQ(alert->buttons().first()->text(), QStringLiteral("OK"));
         finish();
+        EXPECT_EQ(contentsOf(folder() + "clip.mp4"), "bytes");
+        waitForKeyboard(window());
     }
 }
 
-TEST_F(ResultTest, anEncoderThatCannotBeStartedFails)
-{
-    tools().makeCreatorUnstartable();
-    tools().setSniffer(sniffing(errorReport()));
-    saveByPanel(output());
-    EXPECT_EQ(shownAlert()->text(), QStringLiteral("Seems like something went wrong!"));
-    finish();
-    EXPECT_FALSE(exists(output()));
-}
-
-TEST_F(ResultTest, theSuccessAlertOffersThreeButtons)
-{
-    action("rotateLeftBTN").trigger();
-    save(leaveOutput());
-    AlertDialog* alert = shownAlert();
-    EXPECT_EQ(alert->text(), QStringLiteral("Video Rotated Successfully!"));
-    EXPECT_EQ(alert->informativeText(), QStringLiteral("Questions? : " TARNWELL_SUPPORT_ADDRESS));
-    EXPECT_EQ(alert->alertStyle(), Alert::Style::Informational);
-    ASSERT_EQ(alert->buttons().size(), 3);
-    const char* const texts[] = {"OK", "Show in Finder", "Launch Video in QuickTime"};
-    for (int place = 0; place < 3; ++place) {
-        EXPECT_EQ(alert->buttons().at(place)->text().toStdString(), texts[place]);
-        if (place > 0) {
-            EXPECT_LT(alert->buttons().at(place - 1)->x(), alert->buttons().at(place)->x());
-        }
-    }
-    finish();
-    EXPECT_FALSE(isAlertShown());
-    EXPECT_TRUE(exists(output()));
-}
-
-TEST_F(ResultTest, theResultWordFollowsTheOrientation)
+TEST_F(ResultTest, theSuccessAlertNamesWhatWasDoneAndOffersThreeButtons)
 {
     const std::pair<std::vector<const char*>, const char*> cases[] = {
         {{}, "Video Processed Successfully!"},
@@ -139,14 +115,26 @@ TEST_F(ResultTest, theResultWordFollowsTheOrientation)
         {{"rotateLeftBTN", "rotateLeftBTN", "flipHorizontallyBTN"},
             "Video Rotated and Flipped Successfully!"},
     };
+    const char* const buttons[] = {"OK", "Show in Finder", "Launch Video in QuickTime"};
     for (const auto& [actions, message] : cases) {
+        SCOPED_TRACE(message);
         action("resetBTN").trigger();
         for (const char* name : actions)
             action(name).trigger();
-        std::remove(output().c_str());
+        std::filesystem::remove(output());
         save(leaveOutput());
-        EXPECT_EQ(shownAlert()->text().toStdString(), message);
+        AlertDialog* alert = shownAlert();
+        EXPECT_EQ(alert->text().toStdString(), message);
+        EXPECT_EQ(alert->informativeText(), QStringLiteral("Questions? : " TARNWELL_SUPPORT_ADDRESS));
+        EXPECT_EQ(alert->alertStyle(), Alert::Style::Informational);
+        ASSERT_EQ(alert->buttons().size(), 3);
+        for (int place = 0; place < 3; ++place) {
+            EXPECT_EQ(alert->buttons().at(place)->text().toStdString(), buttons[place]);
+            EXPECT_TRUE(place == 0 || alert->buttons().at(place - 1)->x() < alert->buttons().at(place)->x());
+        }
         finish();
+        EXPECT_FALSE(isAlertShown());
+        EXPECT_TRUE(exists(output()));
         waitForKeyboard(window());
     }
 }
@@ -198,7 +186,7 @@ TEST_F(ResultTest, launchingStartsThePlayerOfThatNameWithTheOutput)
         EXPECT_TRUE(defaultApplication.urls().isEmpty());
         std::quick_exit(HasFailure() ? EXIT_FAILURE : EXIT_SUCCESS);
     };
-    // In a process of its own: GIO reads the folders of applications once per process.
+    // In a process of its own, because GIO reads the folders of applications once per process.
     EXPECT_EXIT(launch(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
 

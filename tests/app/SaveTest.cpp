@@ -16,7 +16,7 @@ namespace tarnwell::test
 class SaveTest : public FakeToolsTest
 {
 protected:
-    /// From now on the encoder writes its arguments down and leaves a file.
+    /// Makes an encoder that records its arguments and creates its output.
     void expectExport()
     {
         tools().setCreator("record " + folder() + "created\n" + "copy " + folder() + "still.png\n");
@@ -54,7 +54,7 @@ protected:
     }
 };
 
-TEST_F(SaveTest, theProposedNameSaysWhatWasDone)
+TEST_F(SaveTest, theProposedNameFollowsTheOrientationAndACancelledPanelStartsNothing)
 {
     const std::pair<std::vector<const char*>, const char*> cases[] = {
         {{}, "Processed"},
@@ -66,18 +66,11 @@ TEST_F(SaveTest, theProposedNameSaysWhatWasDone)
     };
     start();
     openVideo();
+    expectExport();
     for (const auto& [actions, name] : cases) {
         press(actions);
         EXPECT_EQ(proposedName(), name);
     }
-}
-
-TEST_F(SaveTest, aCancelledPanelStartsNothing)
-{
-    start();
-    openVideo();
-    expectExport();
-    proposedName();
     EXPECT_FALSE(isAlertShown());
     EXPECT_FALSE(exists(folder() + "created"));
 }
@@ -148,34 +141,25 @@ TEST_F(SaveTest, theInputUnderAnotherSpellingIsPassedOn)
 
 TEST_F(SaveTest, afterARefusedFileTheInputIsTheRefusedOne)
 {
+    const std::pair<const char*, std::string> cases[]
+        = {{"sound.mp3", soundReport()}, {"clip.vob", reportOf({.codec = "mpeg4"})}};
     start();
-    openVideo();
-    tools().setSniffer(sniffing(soundReport()));
-    writeFile(folder() + "sound.mp3", "bytes");
-    ASSERT_TRUE(drop(folder() + "sound.mp3"));
-    finish();
-    expectExport();
-    tools().setSniffer(sniffing(reportOf({})));
-    saveByPanel(folder() + "out.mp4");
-    finish();
-    EXPECT_EQ(createdArguments().at(1), folder() + "sound.mp3");
-}
-
-TEST_F(SaveTest, afterARefusedVobFileTheInputIsTheRefusedOne)
-{
-    tools().setSniffer(sniffing(reportOf({.codec = "mpeg4"})));
-    start();
-    openVideo();
-    tools().setSniffer(sniffing(reportOf({})));
-    writeFile(folder() + "clip.vob", "bytes");
-    ASSERT_TRUE(drop(folder() + "clip.vob"));
-    EXPECT_EQ(shownAlert()->text(), QStringLiteral("Tarnwell cannot open .VOB files."));
-    finish();
-    expectExport();
-    saveByPanel(folder() + "out.mp4");
-    answer(shownAlert(), "Transcode"); // the choice is that of the refused file's codec
-    finish();
-    EXPECT_EQ(createdArguments().at(1), folder() + "clip.vob");
+    for (const auto& [name, report] : cases) {
+        SCOPED_TRACE(name);
+        tools().setSniffer(sniffing(reportOf({})));
+        tools().setCreator(stillScript());
+        openVideo();
+        tools().setSniffer(sniffing(report));
+        writeFile(folder() + name, "bytes");
+        ASSERT_TRUE(drop(folder() + name));
+        finish();
+        expectExport();
+        tools().setSniffer(sniffing(reportOf({})));
+        saveByPanel(folder() + name + " saved.mp4");
+        EXPECT_EQ(shownAlert()->text(), QStringLiteral("Video Processed Successfully!")); // no mode alert
+        finish();
+        EXPECT_EQ(createdArguments().at(1), folder() + name);
+    }
 }
 
 TEST_F(SaveTest, theModeAlertSaysWhatTheModesMean)
@@ -203,35 +187,77 @@ TEST_F(SaveTest, theModeAlertSaysWhatTheModesMean)
     EXPECT_EQ(alert->buttons().at(1)->text(), QStringLiteral("Transcode"));
     EXPECT_LT(alert->buttons().at(0)->x(), alert->buttons().at(1)->x());
     QTest::keyClick(alert, Qt::Key_Escape);
-    EXPECT_TRUE(alert->isVisible()); // there is no way around the choice
+    EXPECT_TRUE(alert->isVisible()); // the alert requires a choice
     EXPECT_FALSE(exists(folder() + "created"));
     answer(alert, "Fix Flag");
     finish();
 }
 
-TEST_F(SaveTest, fixFlagAndTranscodeRunTheEncoderWithTheirLists)
+struct ListRow {
+    const char* name;
+    const char* codec;
+    const char* rotationTag;
+    std::vector<const char*> actions;
+    const char* mode; // empty: no alert offers a choice
+    std::vector<std::string> list; // without input and output
+};
+
+void PrintTo(const ListRow& row, std::ostream* stream)
 {
-    tools().setSniffer(sniffing(reportOf({.rotate = "90"})));
+    *stream << row.name;
+}
+
+class SavedListTest : public SaveTest, public testing::WithParamInterface<ListRow>
+{
+};
+
+TEST_P(SavedListTest, isThatOfTheCodecTheOrientationAndTheMode)
+{
+    const ListRow& row = GetParam();
+    tools().setSniffer(sniffing(reportOf({.codec = row.codec, .rotate = row.rotationTag})));
     start();
     openVideo();
     expectExport();
-    action("rotateLeftBTN").trigger();
-    const std::string input = folder() + "clip.mp4";
-    const std::string output = folder() + "out.mp4";
-    saveByPanel(output);
-    answer(shownAlert(), "Fix Flag");
+    press(row.actions);
+    saveByPanel(folder() + "out.mp4");
+    if (*row.mode != '\0')
+        answer(shownAlert(), row.mode);
+    waitForResult();
     finish();
-    const std::vector<std::string> fixFlag
-        = {"-i", input, "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=0", "-y", output};
-    EXPECT_EQ(createdArguments(), fixFlag);
-    std::filesystem::remove(output);
-    saveByPanel(output);
-    answer(shownAlert(), "Transcode");
-    finish();
-    const std::vector<std::string> transcode = {
-        "-i", input, "-pix_fmt", "yuv420p", "-vf", "transpose=2", "-metadata:s:v", "rotate=0", "-y", output};
-    EXPECT_EQ(createdArguments(), transcode);
+    std::vector<std::string> expected = {"-i", folder() + "clip.mp4"};
+    expected.insert(expected.end(), row.list.begin(), row.list.end());
+    expected.insert(expected.end(), {"-y", folder() + "out.mp4"});
+    EXPECT_EQ(createdArguments(), expected);
 }
+
+std::vector<std::string> flagList(const char* rotation)
+{
+    return {"-c:v", "copy", "-c:a", "copy", "-metadata:s:v", rotation};
+}
+
+std::vector<std::string> transcodeList(const std::vector<std::string>& filters)
+{
+    std::vector<std::string> list = {"-pix_fmt", "yuv420p"};
+    list.insert(list.end(), filters.begin(), filters.end());
+    list.insert(list.end(), {"-metadata:s:v", "rotate=0"});
+    return list;
+}
+
+INSTANTIATE_TEST_SUITE_P(exports, SavedListTest,
+    testing::Values(
+        ListRow{"flagOfAVideoAsItWasOpened", "h264", "90", {}, "Fix Flag", flagList("rotate=-90")},
+        ListRow{"transcodeOfAVideoAsItWasOpened", "h264", "90", {}, "Transcode", transcodeList({})},
+        ListRow{"flagOfATurnedVideo", "h264", "90", {"rotateLeftBTN"}, "Fix Flag", flagList("rotate=0")},
+        ListRow{"transcodeOfATurnedVideo", "h264", "90", {"rotateLeftBTN"}, "Transcode",
+            transcodeList({"-vf", "transpose=2"})},
+        ListRow{"flagOfBothMirrors", "h264", "", {"flipVerticallyBTN", "flipHorizontallyBTN"}, "Fix Flag",
+            flagList("rotate=180")},
+        ListRow{"transcodeOfOneMirrorWithoutAChoice", "hevc", "", {"rotateLeftBTN", "flipHorizontallyBTN"},
+            "", transcodeList({"-vf", "transpose=2,hflip"})},
+        ListRow{"transcodeOfMpeg4WithoutAChoice", "mpeg4", "", {}, "", transcodeList({})},
+        ListRow{"transcodeOfACodecInCapitalsWithoutAChoice", "H264", "", {}, "", transcodeList({})},
+        ListRow{"transcodeOfVp9WithoutAChoice", "vp9", "", {}, "", transcodeList({})}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(SaveTest, theListIsThatOfTheOrientationWhenTheModeIsChosen)
 {
@@ -244,71 +270,12 @@ TEST_F(SaveTest, theListIsThatOfTheOrientationWhenTheModeIsChosen)
         SCOPED_TRACE(mode);
         saveByPanel(folder() + "out.mp4");
         AlertDialog* alert = shownAlert();
-        delegate().leftRotateBTNClicked(); // whatever way leads past the alert
+        delegate().leftRotateBTNClicked(); // as an assistive program can
         answer(alert, mode);
         finish();
         EXPECT_EQ(createdArguments().at(place), element);
         std::filesystem::remove(folder() + "out.mp4");
     }
-}
-
-TEST_F(SaveTest, theUntouchedStateStillOffersTheChoice)
-{
-    tools().setSniffer(sniffing(reportOf({.rotate = "90"})));
-    start();
-    openVideo();
-    expectExport();
-    saveByPanel(folder() + "out.mp4");
-    answer(shownAlert(), "Fix Flag");
-    finish();
-    EXPECT_EQ(createdArguments().at(7), "rotate=-90");
-    std::filesystem::remove(folder() + "out.mp4");
-    saveByPanel(folder() + "out.mp4");
-    answer(shownAlert(), "Transcode");
-    finish();
-    EXPECT_EQ(createdArguments().size(), 8U);
-}
-
-TEST_F(SaveTest, withoutAFlaggableCodecThereIsNoChoice)
-{
-    start();
-    for (const char* codec : {"mpeg4", "H264", "vp9"}) {
-        SCOPED_TRACE(codec);
-        tools().setSniffer(sniffing(reportOf({.codec = codec})));
-        tools().setCreator(stillScript());
-        openVideo();
-        expectExport();
-        saveByPanel(folder() + codec + ".mp4");
-        AlertDialog* alert = shownAlert();
-        EXPECT_EQ(alert->text(), QStringLiteral("Video Processed Successfully!"));
-        finish();
-        EXPECT_EQ(createdArguments().at(2), "-pix_fmt");
-    }
-}
-
-TEST_F(SaveTest, exactlyOneMirrorIsTranscodedWithoutAChoice)
-{
-    tools().setSniffer(sniffing(reportOf({.codec = "hevc"})));
-    start();
-    openVideo();
-    expectExport();
-    press({"rotateLeftBTN", "flipHorizontallyBTN"});
-    saveByPanel(folder() + "out.mp4");
-    EXPECT_EQ(shownAlert()->text(), QStringLiteral("Video Rotated and Flipped Successfully!"));
-    finish();
-    EXPECT_EQ(createdArguments().at(5), "transpose=2,hflip");
-}
-
-TEST_F(SaveTest, bothMirrorsAreOfferedAsAFlag)
-{
-    start();
-    openVideo();
-    expectExport();
-    press({"flipVerticallyBTN", "flipHorizontallyBTN"});
-    saveByPanel(folder() + "out.mp4");
-    answer(shownAlert(), "Fix Flag");
-    finish();
-    EXPECT_EQ(createdArguments().at(7), "rotate=180");
 }
 
 TEST_F(SaveTest, anotherResponseToTheModeAlertLeavesNothingButALine)

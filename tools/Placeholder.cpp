@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/Placeholder.h"
 
+#include "tools/JpegCheck.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -8,7 +10,7 @@
 namespace
 {
 
-constexpr int largestSide = 65500;
+constexpr int largestSide = 65500; // of decoders; the format itself allows 65535
 constexpr int blockSide = 8;
 constexpr std::size_t tableSize = 64;
 
@@ -60,6 +62,11 @@ std::string placeholderPicture(int width, int height)
 {
     width = std::clamp(width, 1, largestSide);
     height = std::clamp(height, 1, largestSide);
+    const double excess = static_cast<double>(width) * height / static_cast<double>(mostStillPixels);
+    if (excess > 1) {
+        width = std::max(1, static_cast<int>(width / std::sqrt(excess)));
+        height = std::max(1, static_cast<int>(height / std::sqrt(excess)));
+    }
     std::string picture = "\xFF\xD8";
     appendSegment(picture, '\xDB', std::string(1, '\0') + std::string(tableSize, '\1'));
     appendSegment(picture, '\xC0', frameHeader(width, height));

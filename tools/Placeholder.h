@@ -5,7 +5,8 @@
 
 #include <string>
 
-/// A JPEG picture in one grey. Sizes beyond the limits of the format, 1 to 65500, are set to the limit.
+/// A JPEG picture in one grey. A side outside 1 to 65500, the limits of decoders, is set to the limit. A
+/// picture of more than mostStillPixels is scaled down.
 std::string placeholderPicture(int width, int height);
 
 /// The one for a video that cannot be decoded: in the size in which the video would be shown.

@@ -9,6 +9,7 @@
 #include "tools/FlagCopy.h"
 #include "tools/InputFile.h"
 #include "tools/Job.h"
+#include "tools/JpegCheck.h"
 #include "tools/OutputFile.h"
 #include "tools/Placeholder.h"
 #include "tools/Report.h"
@@ -87,9 +88,11 @@ bool finish(OutputFile& output)
     return false;
 }
 
+/// The application decodes the still outside of ffmpeg's confinement, so an ffmpeg that a hostile file has
+/// taken over must not choose another format, or one that stops the application.
 bool isPicture(RunEnd end, const OutputFile& output)
 {
-    return end == RunEnd::Succeeded && !output.isEmpty();
+    return end == RunEnd::Succeeded && isPlainJpeg(output.descriptor());
 }
 
 /// The frame at the given position, else the first one that decodes, else a cover. False where there is none.

@@ -34,7 +34,7 @@ protected:
     }
 
     std::string output() const { return folder() + "out.mp4"; }
-    std::string leaveOutput() const { return "copy " + folder() + "still.png\n"; }
+    std::string leaveOutput() const { return "copy " + folder() + "still.jpg\n"; }
     QProgressBar& bar() { return find<QProgressBar>("progressBar"); }
     QPushButton& cancelButton() { return find<QPushButton>("progressCancel"); }
 

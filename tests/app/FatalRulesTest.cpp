@@ -49,7 +49,7 @@ protected:
     }
 
     /// One that is there, and so gives a description without a word.
-    std::string anyFile() const { return folder() + "still.png"; }
+    std::string anyFile() const { return folder() + "still.jpg"; }
 
     /// Runs the encoder without any plan.
     void runCreator() { delegate().startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"}); }
@@ -74,7 +74,7 @@ TEST_F(FatalRulesDeathTest, aProbeToolThatIsMissingStopsTheProgram)
 
 TEST_F(FatalRulesDeathTest, aStillThatIsNoPictureStopsTheProgram)
 {
-    writeFile(folder() + "still.png", "not a picture");
+    writeFile(folder() + "still.jpg", "not a picture");
     EXPECT_SILENT_STOP(openClip());
 }
 

@@ -55,7 +55,7 @@ protected:
     /// Exports with that encoder to the alert at the end; the longest time for which the window did nothing.
     qint64 longestSilence(const std::string& creator)
     {
-        tools().setCreator(creator + "copy " + folder() + "still.png\n");
+        tools().setCreator(creator + "copy " + folder() + "still.jpg\n");
         QTimer pulse;
         QElapsedTimer since;
         qint64 longest = 0;

@@ -87,7 +87,7 @@ protected:
     {
         AppDelegate& lacking = startWithout(disconnect);
         lacking.startCreatorRun(folder() + "out.mp4", {folder() + "out.mp4"});
-        lacking.showResultAlert(std::make_shared<const FileProbe>(folder() + "still.png", tools().context()));
+        lacking.showResultAlert(std::make_shared<const FileProbe>(folder() + "still.jpg", tools().context()));
     }
 
     /// Replaces an element by one that a call of the result destroys.
@@ -270,7 +270,7 @@ TEST_F(OutletsDeathTest, progressNeedsTheBarThoughTheSheetIsUp)
     const std::string go = folder() + "go";
     // More than a pipe holds: the encoder cannot end, which needs the bar too, before its time has been dealt
     // with.
-    tools().setCreator("with -frames:v copy " + folder() + "still.png\nwith -frames:v exit 0\nwait-for " + go
+    tools().setCreator("with -frames:v copy " + folder() + "still.jpg\nwith -frames:v exit 0\nwait-for " + go
         + "\nerror time=00:00:04.00\nwait-until-read\nflood-error 1000000\n");
     EXPECT_STOP_AFTER(
         [&] {

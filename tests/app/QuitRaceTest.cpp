@@ -47,7 +47,7 @@ protected:
         std::filesystem::copy_file(TARNWELL_BUILD_FOLDER "/bin/tarnwell", program());
         QImage still(48, 32, QImage::Format_RGB32);
         still.fill(Qt::red);
-        still.save(QString::fromStdString(folder() + "still.png"));
+        still.save(QString::fromStdString(folder() + "still.jpg"));
         writeFile(video(), videoBytes);
     }
 
@@ -68,11 +68,11 @@ protected:
         m_tools.setSniffer("with " + output() + " touch " + probing() + "\n" + pause() + "print "
             + reportOf({.codec = "mpeg4"}));
         std::string script = "with -frames:v " + pause() + "with -frames:v copy " + folder()
-            + "still.png\nwith -frames:v exit 0\n";
+            + "still.jpg\nwith -frames:v exit 0\n";
         // Mostly longer than the wait in quit(): the test is about an encoder that still runs then.
         for (int line = 0; line < 8; ++line)
             script += pause() + "error time=00:00:0" + std::to_string(line) + ".00 \\n\n";
-        m_tools.setCreator(script + "copy " + folder() + "still.png\n");
+        m_tools.setCreator(script + "copy " + folder() + "still.jpg\n");
     }
 
     void open(ExternalProgram& running)
@@ -137,7 +137,7 @@ protected:
         }
     }
 
-    std::string still() const { return contentsOf(folder() + "still.png"); }
+    std::string still() const { return contentsOf(folder() + "still.jpg"); }
 
     static std::vector<std::string> bothWays() { return {quitByMenu, quitByClosing}; }
 

@@ -40,12 +40,12 @@ protected:
     std::string encoder()
     {
         // A drop may find the window free again, and asks for stills.
-        std::string script = "with -frames:v copy " + folder() + "still.png\nwith -frames:v exit 0\n";
+        std::string script = "with -frames:v copy " + folder() + "still.jpg\nwith -frames:v exit 0\n";
         script += upTo(2) == 0 ? "ignore-termination\n" : "";
         for (int piece = upTo(4); piece >= 0; --piece)
             script += "sleep " + std::to_string(upTo(longestTool / 5)) + "\nerror time=00:00:0"
                 + std::to_string(upTo(7)) + ".00 \\n\n";
-        return script + (upTo(3) == 0 ? "exit 1\n" : "copy " + folder() + "still.png\n");
+        return script + (upTo(3) == 0 ? "exit 1\n" : "copy " + folder() + "still.jpg\n");
     }
 
     void begin()

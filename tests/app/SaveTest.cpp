@@ -19,7 +19,7 @@ protected:
     /// Makes an encoder that records its arguments and creates its output.
     void expectExport()
     {
-        tools().setCreator("record " + folder() + "created\n" + "copy " + folder() + "still.png\n");
+        tools().setCreator("record " + folder() + "created\n" + "copy " + folder() + "still.jpg\n");
     }
 
     std::vector<std::string> createdArguments() { return recordedArguments(folder() + "created"); }

@@ -109,8 +109,8 @@ TEST_F(FaultScenario, endsInAnAlertOrDoesTheJob)
     writeFile(folder() + "clip.mp4", videoBytes);
     start();
     tools().setCreator("with -frames:v copy " + folder()
-        + "still.png\nwithout -frames:v error time=00:00:02.00\\n\n" + "without -frames:v copy " + folder()
-        + "still.png\n");
+        + "still.jpg\nwithout -frames:v error time=00:00:02.00\\n\n" + "without -frames:v copy " + folder()
+        + "still.jpg\n");
     if (openClip())
         saveClip();
     expectNothingLeftOver();

@@ -2,6 +2,7 @@
 // The grey picture, read by another program's decoder.
 #include "tools/Placeholder.h"
 
+#include <QBuffer>
 #include <QImage>
 #include <QImageReader>
 
@@ -87,6 +88,21 @@ TEST(PlaceholderTest, hasTheSizeInWhichTheVideoIsShown)
         if (row.isTurned)
             video.decoded = DisplayMatrix{0, 1, -1, 0};
         EXPECT_EQ(decoded(placeholderOf(video)).size(), row.expected);
+    }
+}
+
+TEST(PlaceholderTest, hasNoMorePixelsThanAnyFrame)
+{
+    struct Row {
+        QSize asked;
+        QSize expected;
+    };
+    for (const Row& row : {Row{{16384, 16384}, {16384, 16384}}, Row{{65500, 65500}, {16384, 16384}},
+             Row{{65500, 16375}, {32768, 8192}}}) {
+        const std::string picture = placeholderPicture(row.asked.width(), row.asked.height());
+        QByteArray bytes(picture.data(), static_cast<qsizetype>(picture.size()));
+        QBuffer buffer(&bytes);
+        EXPECT_EQ(QImageReader(&buffer, "jpeg").size(), row.expected);
     }
 }
 

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// What creator accepts as a still, against the decoder that the application uses.
+#include "tools/JpegCheck.h"
+
+#include "tests/tools/MemoryFile.h"
+#include "tools/Placeholder.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QImageReader>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+/// A picture with some detail in that format.
+std::string encoded(const char* format, QImage::Format pixels = QImage::Format_RGB32)
+{
+    QImage picture(67, 45, pixels);
+    picture.fill(Qt::gray);
+    QPainter painter(&picture);
+    painter.fillRect(5, 5, 30, 20, Qt::red);
+    painter.drawLine(0, 0, 66, 44);
+    painter.end();
+    QBuffer buffer;
+    EXPECT_TRUE(picture.save(&buffer, format, 80));
+    return buffer.data().toStdString();
+}
+
+bool isDecoded(const std::string& bytes)
+{
+    QImageReader::setAllocationLimit(1024); // MiB, as in the application
+    QByteArray data(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    QBuffer buffer(&data);
+    QImageReader reader(&buffer, "jpeg");
+    return !reader.read().isNull();
+}
+
+/// Overwrites, removes or repeats a few bytes, in most cases before the scan's data.
+std::string damaged(std::string bytes, std::mt19937& random)
+{
+    const auto upTo
+        = [&random](std::size_t most) { return std::uniform_int_distribution<std::size_t>(0, most)(random); };
+    for (std::size_t changes = upTo(2); changes < 3; ++changes) {
+        const std::size_t place
+            = upTo(upTo(3) == 0 ? bytes.size() - 2 : std::min<std::size_t>(bytes.size() - 2, 640));
+        switch (upTo(5)) {
+        case 0:
+            bytes.erase(place, 1 + upTo(3));
+            break;
+        case 1:
+            bytes.insert(place, bytes.substr(upTo(place), 1 + upTo(80)));
+            break;
+        default:
+            bytes[place] = static_cast<char>(upTo(2) == 0 ? upTo(255) : upTo(4));
+        }
+    }
+    return bytes;
+}
+
+} // namespace
+
+TEST(JpegCheckTest, picturesInColourAndGreyAreAccepted)
+{
+    EXPECT_TRUE(isPlainJpeg(encoded("JPEG")));
+    EXPECT_TRUE(isPlainJpeg(encoded("JPEG", QImage::Format_Grayscale8)));
+    EXPECT_TRUE(isPlainJpeg(placeholderPicture(1, 1)));
+    EXPECT_TRUE(isPlainJpeg(placeholderPicture(1920, 1080)));
+}
+
+TEST(JpegCheckTest, otherFormatsAreRefused)
+{
+    for (const char* format : {"PNG", "BMP", "PPM"})
+        EXPECT_FALSE(isPlainJpeg(encoded(format))) << format;
+    EXPECT_FALSE(isPlainJpeg("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"1\" height=\"1\"/>"));
+    EXPECT_FALSE(isPlainJpeg(std::string_view()));
+}
+
+TEST(JpegCheckTest, whatIsCutOffAnywhereIsRefused)
+{
+    const std::string whole = encoded("JPEG");
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        ASSERT_FALSE(isPlainJpeg(whole.substr(0, size))) << size;
+}
+
+TEST(JpegCheckTest, bytesBehindTheEndAreRefused)
+{
+    EXPECT_FALSE(isPlainJpeg(encoded("JPEG") + "<svg/>"));
+    EXPECT_FALSE(isPlainJpeg(encoded("JPEG") + encoded("JPEG")));
+}
+
+TEST(JpegCheckTest, aPictureWithMorePixelsThanAnyFrameIsRefused)
+{
+    std::string picture = placeholderPicture(16384, 16384);
+    EXPECT_TRUE(isPlainJpeg(picture));
+    const auto frame = picture.find("\xFF\xC0");
+    ASSERT_NE(frame, std::string::npos);
+    picture[frame + 6] = '\x01'; // the height becomes 16385
+    EXPECT_FALSE(isPlainJpeg(picture));
+}
+
+TEST(JpegCheckTest, everyPictureThatIsAcceptedCanBeDecoded)
+{
+    constexpr int rounds = 4000;
+    int acceptedCount = 0;
+    std::mt19937 random(19);
+    const std::string whole[]
+        = {encoded("JPEG"), encoded("JPEG", QImage::Format_Grayscale8), placeholderPicture(64, 48)};
+    for (int round = 0; round < rounds; ++round) {
+        const std::string bytes = damaged(whole[round % 3], random);
+        if (!isPlainJpeg(bytes))
+            continue;
+        ++acceptedCount;
+        ASSERT_TRUE(isDecoded(bytes)) << "round " << round;
+    }
+    EXPECT_GT(acceptedCount, rounds / 20);
+}
+
+TEST(JpegCheckTest, aFileIsReadFromItsStart)
+{
+    const std::string picture = encoded("JPEG");
+    const MemoryFile file(picture);
+    EXPECT_TRUE(isPlainJpeg(file.descriptor()));
+    const MemoryFile other(picture + "x");
+    EXPECT_FALSE(isPlainJpeg(other.descriptor()));
+    EXPECT_FALSE(isPlainJpeg(-1));
+}
+
+} // namespace tarnwell::test

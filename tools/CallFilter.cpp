@@ -34,11 +34,16 @@ constexpr Call refused[] = {
     {"kcmp"}, {"kill"}, {"tkill"}, {"setpriority"}, {"sched_setaffinity"}, {"sched_setscheduler"},
     {"sched_setparam"}, {"sched_setattr"}, {"ioprio_set"}, {"rt_sigqueueinfo"}, {"rt_tgsigqueueinfo"},
     {"migrate_pages"}, {"move_pages"},
+    // Other users and rights. A change of them also clears the signal at the parent's end, with which a tool
+    // dies when the program that started it does.
+    {"setuid"}, {"setuid32"}, {"setgid"}, {"setgid32"}, {"setreuid"}, {"setreuid32"}, {"setregid"},
+    {"setregid32"}, {"setresuid"}, {"setresuid32"}, {"setresgid"}, {"setresgid32"}, {"setfsuid"},
+    {"setfsuid32"}, {"setfsgid"}, {"setfsgid32"}, {"setgroups"}, {"setgroups32"}, {"capset"},
     // Mounts and namespaces.
     {"mount"}, {"umount"}, {"umount2"}, {"pivot_root"}, {"chroot"}, {"open_tree", 428}, {"move_mount", 429},
     {"fsopen", 430}, {"fsconfig", 431}, {"fsmount", 432}, {"fspick", 433}, {"mount_setattr", 442},
     {"open_tree_attr", 467}, {"unshare"}, {"setns"}, {"quotactl"}, {"quotactl_fd", 443}, {"swapon"},
-    {"swapoff"},
+    {"swapoff"}, {"statmount", 457}, {"listmount", 458},
     // Files by something else than a path.
     {"name_to_handle_at"}, {"open_by_handle_at"}, {"fanotify_init"},
     // What stands at a path, where the kernel's rules for files are silent or too old.
@@ -48,8 +53,8 @@ constexpr Call refused[] = {
     {"lchown"}, {"lchown32"}, {"fchownat"}, {"setxattr"}, {"lsetxattr"}, {"fsetxattr"}, {"setxattrat", 463},
     {"removexattr"}, {"lremovexattr"}, {"fremovexattr"}, {"removexattrat", 466}, {"file_setattr", 469},
     {"utime"}, {"utimes"}, {"futimesat"}, {"utimensat"}, {"utimensat_time64"}, {"getxattr"}, {"lgetxattr"},
-    {"getxattrat", 464}, {"listxattr"}, {"llistxattr"}, {"listxattrat", 465}, {"inotify_init"},
-    {"inotify_init1"}, {"inotify_add_watch"},
+    {"fgetxattr"}, {"getxattrat", 464}, {"listxattr"}, {"llistxattr"}, {"flistxattr"}, {"listxattrat", 465},
+    {"inotify_init"}, {"inotify_init1"}, {"inotify_add_watch"},
     // Devices, terminals, and what file systems know of a file besides its bytes.
     {"ioctl"},
     // Keys, and memory and queues shared with other programs.
@@ -159,12 +164,14 @@ void refuseSignalsByFiles(CallFilter& filter)
     }
 }
 
-/// It would not count against the limit.
-void refuseSharedMemory(CallFilter& filter)
+/// Memory that is shared, or that grows like a stack, does not count against the limit.
+void refuseUncountedMemory(CallFilter& filter)
 {
     constexpr scmp_datum_t shared = MAP_SHARED | MAP_ANONYMOUS;
-    for (const char* call : {"mmap", "mmap2"})
+    for (const char* call : {"mmap", "mmap2"}) {
         filter.refuseWhere({call}, hasBits(3, shared, shared));
+        filter.refuseWhere({call}, hasBits(3, MAP_GROWSDOWN, MAP_GROWSDOWN));
+    }
 }
 
 } // namespace
@@ -179,6 +186,6 @@ bool refuseCalls()
     refuseProcesses(filter);
     refuseEmptying(filter);
     refuseSignalsByFiles(filter);
-    refuseSharedMemory(filter);
+    refuseUncountedMemory(filter);
     return filter.load();
 }

@@ -16,6 +16,9 @@ namespace
 // A report on the longest real film takes seconds.
 constexpr rlim_t probeTime = 600;
 
+// Usual for a program's first thread. A stack does not count as memory that is written and mapped.
+constexpr rlim_t largestStack = rlim_t(8) << 20; // bytes
+
 /// A real report fits the machine's memory by far. What encodes the largest pictures on many processors may
 /// need more than there is, and swap; what needs several times as much is up to no good.
 rlim_t mostMemory(bool isProbe)
@@ -45,7 +48,8 @@ bool setLimits(bool isProbe)
 {
     const bool hasNoCore = limit(RLIMIT_CORE, 0);
     const bool hasMemory = limit(RLIMIT_DATA, mostMemory(isProbe));
-    return hasNoCore && hasMemory && (!isProbe || limit(RLIMIT_CPU, probeTime));
+    const bool hasStack = limit(RLIMIT_STACK, largestStack);
+    return hasNoCore && hasMemory && hasStack && (!isProbe || limit(RLIMIT_CPU, probeTime));
 }
 
 } // namespace

@@ -91,6 +91,18 @@ public:
         ::close(place);
     }
 
+    /// A rule for a folder would hold for all that is in it.
+    void allowFile(const std::string& path, Rights rights) const
+    {
+        const int place = ::open(path.c_str(), O_PATH | O_CLOEXEC);
+        if (place < 0)
+            return;
+        struct stat status = {};
+        if (::fstat(place, &status) == 0 && !S_ISDIR(status.st_mode))
+            allow(place, rights);
+        ::close(place);
+    }
+
     void allow(int place, Rights rights) const
     {
         struct stat status = {};
@@ -114,8 +126,10 @@ const char* const libraryFolders[] = {"/lib", "/lib32", "/lib64", "/usr/lib", "/
 
 // What the loader and the libraries of codecs look at to find each other and to know the processors.
 const char* const descriptions[] = {"/etc/ld.so.cache", "/etc/ld.so.preload", "/etc/gcrypt", "/dev/null",
-    "/dev/zero", "/dev/random", "/dev/urandom", "/proc/self", "/proc/filesystems", "/proc/cpuinfo",
-    "/proc/meminfo", "/proc/stat", "/proc/sys/crypto", "/sys/devices/system"};
+    "/dev/random", "/dev/urandom", "/proc/filesystems", "/proc/cpuinfo", "/proc/meminfo", "/proc/stat",
+    "/proc/sys/crypto", "/sys/devices/system",
+    // Of the process itself; the folder also holds the machine's connections and mounts.
+    "/proc/self/auxv", "/proc/self/cmdline", "/proc/self/maps", "/proc/self/status"};
 
 std::string folderOf(const std::string& path)
 {
@@ -164,7 +178,7 @@ int restrictFiles(const std::string& program, const std::string& readable, int w
     if (!program.empty())
         allowProgram(rules, program, isBesideThisProgram(program));
     if (!readable.empty())
-        rules.allow(readable, readFile);
+        rules.allowFile(readable, readFile);
     if (writable >= 0)
         rules.allow(writable, readFile | writeFile | truncateFile);
     return rules.enforce() ? version : 0;

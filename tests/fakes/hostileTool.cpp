@@ -124,6 +124,40 @@ bool mayTakeHours()
     return limit.rlim_max > 3600;
 }
 
+/// Even a change to the same user asks for the right to do it.
+bool canSetUsers()
+{
+    return ::setresuid(static_cast<uid_t>(-1), static_cast<uid_t>(-1), static_cast<uid_t>(-1)) == 0;
+}
+
+bool canMapGrowing()
+{
+    constexpr std::size_t size = 1 << 20;
+    return ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_GROWSDOWN, -1, 0)
+        != MAP_FAILED;
+}
+
+bool mayGrowStack()
+{
+    constexpr rlim_t usual = 8 << 20;
+    rlimit limit = {};
+    errno = EPERM;
+    return ::getrlimit(RLIMIT_STACK, &limit) == 0 && limit.rlim_max > usual;
+}
+
+bool canListAttributesOfOpenFile(const std::string& path)
+{
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    return file >= 0 && ::flistxattr(file, nullptr, 0) >= 0;
+}
+
+bool canReadAttributeOfOpenFile(const std::string& path)
+{
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    return file >= 0
+        && (::fgetxattr(file, "user.none", nullptr, 0) >= 0 || errno == ENODATA || errno == ENOTSUP);
+}
+
 bool mayGainPrivileges()
 {
     errno = EPERM;
@@ -155,6 +189,11 @@ const std::map<std::string, Attack> attacks = {
     {"arm", canArmFile},
     {"slow", canSlowDownParent},
     {"attributes", [](const std::string& path) { return ::listxattr(path.c_str(), nullptr, 0) >= 0; }},
+    {"list-open", canListAttributesOfOpenFile},
+    {"read-open", canReadAttributeOfOpenFile},
+    {"users", [](const std::string&) { return canSetUsers(); }},
+    {"grow", [](const std::string&) { return canMapGrowing(); }},
+    {"stack", [](const std::string&) { return mayGrowStack(); }},
     {"thread", [](const std::string&) { return canStartThread(); }},
     {"core", [](const std::string&) { return mayLeaveCore(); }},
     {"hours", [](const std::string&) { return mayTakeHours(); }},

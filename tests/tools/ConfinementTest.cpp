@@ -108,6 +108,25 @@ TEST_F(ConfinementTest, otherFilesCannotBeRead)
     expectPrevented({"attributes", "diary", {}}, notPermitted);
 }
 
+TEST_F(ConfinementTest, theMachinesConnectionsAndMountsCannotBeRead)
+{
+    for (const char* path : {"/proc/self/net/dev", "/proc/self/mountinfo", "/proc/self/mounts",
+             "/proc/self/environ", "/proc/thread-self/net/dev"})
+        expectPrevented({"read", {}, path}, denied);
+    expectPrevented({"list", {}, "/proc/self/net"}, denied);
+}
+
+TEST_F(ConfinementTest, aFolderAsInputOpensNoneOfItsFiles)
+{
+    layOutVictim();
+    EXPECT_TRUE(holdsInChild([&] {
+        const auto canOpen = [](const std::string& path) { return ::open(path.c_str(), O_RDONLY) >= 0; };
+        const std::string folder = victim().substr(0, victim().rfind('/'));
+        return canOpen(victim()) && restrictFiles("/bin/true", folder, -1) > 0 && !canOpen(victim())
+            && errno == EACCES && !canOpen(folder) && errno == EACCES;
+    }));
+}
+
 TEST_F(ConfinementTest, nothingCanBeMadeChangedOrTakenAway)
 {
     expectPrevented({"create", "note", {}}, denied);
@@ -138,7 +157,8 @@ TEST_F(ConfinementTest, theInputCanBeReadAndNothingElse)
     EXPECT_EQ(underSniffer({"read", {}, input()}), "done");
     expectPrevented({"write", {}, input()}, denied);
     expectPrevented({"date", {}, tools.addData("other", "bytes")}, notPermitted);
-    for (const char* name : {"truncate", "empty", "rename", "delete", "date"}) {
+    for (const char* name :
+        {"truncate", "empty", "rename", "delete", "date", "attributes", "list-open", "read-open"}) {
         EXPECT_EQ(underCreator({name, {}, input()}), notPermitted) << name;
         EXPECT_EQ(underSniffer({name, {}, input()}), notPermitted) << name;
     }
@@ -164,6 +184,7 @@ TEST_F(ConfinementTest, otherProcessesCannotBeReached)
     expectPrevented({"outlive", {}, {}}, notPermitted);
     expectPrevented({"arm", {}, {}}, notPermitted);
     expectPrevented({"slow", {}, {}}, notPermitted);
+    expectPrevented({"users", {}, {}}, notPermitted); // a change of users would allow to outlive creator
 }
 
 TEST_F(ConfinementTest, noProcessesCanBeStarted)
@@ -176,6 +197,10 @@ TEST_F(ConfinementTest, theMachineKeepsItsMemory)
 {
     expectPrevented({"map", {}, "2000"}, "Cannot allocate memory");
     expectPrevented({"share", {}, "2"}, notPermitted);
+    expectPrevented({"grow", {}, {}}, notPermitted);
+    expectPrevented({"read", {}, "/dev/zero"}, denied); // a shared mapping of it takes memory
+    for (const auto& outcome : {underCreator({"stack", {}, {}}), underSniffer({"stack", {}, {}})})
+        EXPECT_EQ(outcome, notPermitted);
 }
 
 TEST_F(ConfinementTest, privilegesAndCoresCannotBeHad)
@@ -193,8 +218,9 @@ TEST_F(ConfinementTest, aReportEndsInTimeAndAnEncodingMayTakeIt)
 
 TEST_F(ConfinementTest, whatADecoderNeedsIsThere)
 {
-    for (const Attack& need : std::vector<Attack>{
-             {"thread", {}, {}}, {"map", {}, "1"}, {"read", {}, "/dev/urandom"}, {"list", {}, "/usr/lib"}}) {
+    for (const Attack& need :
+        std::vector<Attack>{{"thread", {}, {}}, {"map", {}, "1"}, {"read", {}, "/dev/urandom"},
+            {"list", {}, "/usr/lib"}, {"read", {}, "/proc/self/status"}, {"read", {}, "/proc/self/maps"}}) {
         EXPECT_EQ(underCreator(need), "done") << need.name;
         EXPECT_EQ(underSniffer(need), "done") << need.name;
     }
@@ -287,6 +313,13 @@ TEST_F(ConfinementTest, theKernelsOtherDoorsAreShut)
         {"a new namespace", SYS_clone, {0x10000000, 0, 0}, EPERM},
         {"personality", SYS_personality, {0xFFFFFFFF, 0, 0}, EPERM}, {"semget", SYS_semget, {0, 0, 0}, EPERM},
         {"msgget", SYS_msgget, {0, 0, 0}, EPERM}, {"mq_open", SYS_mq_open, {0, 0, 0}, EPERM},
+        {"setuid", SYS_setuid, {0, 0, 0}, EPERM}, {"setgid", SYS_setgid, {0, 0, 0}, EPERM},
+        {"setreuid", SYS_setreuid, {-1, -1, 0}, EPERM}, {"setregid", SYS_setregid, {-1, -1, 0}, EPERM},
+        {"setresgid", SYS_setresgid, {-1, -1, -1}, EPERM}, {"setfsuid", SYS_setfsuid, {-1, 0, 0}, EPERM},
+        {"setfsgid", SYS_setfsgid, {-1, 0, 0}, EPERM}, {"setgroups", SYS_setgroups, {-1, 0, 0}, EPERM},
+        {"capset", SYS_capset, {0, 0, 0}, EPERM}, {"statmount", 457, {0, 0, 0}, EPERM},
+        {"listmount", 458, {0, 0, 0}, EPERM}, {"fsetxattr", SYS_fsetxattr, {-1, 0, 0}, EPERM},
+        {"fremovexattr", SYS_fremovexattr, {-1, 0, 0}, EPERM},
         {"memfd_create", SYS_memfd_create, {0, 0, 0}, EPERM},
         {"sched_setaffinity", SYS_sched_setaffinity, {0, 0, 0}, EPERM},
         {"inotify_init1", SYS_inotify_init1, {-1, 0, 0}, EPERM},

@@ -9,11 +9,10 @@ namespace tarnwell
 namespace
 {
 
-std::array<std::uint64_t, 5> valuesOf(const struct stat& status)
+std::array<std::uint64_t, 3> valuesOf(const struct stat& status)
 {
     const auto number = [](auto value) { return static_cast<std::uint64_t>(value); };
-    return {number(status.st_size), number(status.st_mtim.tv_sec), number(status.st_mtim.tv_nsec),
-        number(status.st_ctim.tv_sec), number(status.st_ctim.tv_nsec)};
+    return {number(status.st_size), number(status.st_mtim.tv_sec), number(status.st_mtim.tv_nsec)};
 }
 
 } // namespace

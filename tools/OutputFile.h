@@ -1,19 +1,32 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tools/OutputPlace.h"
+
 #include <string>
+#include <sys/types.h>
 
 /// A file that appears at its path whole or not at all. Until it is moved there it has no name or, on file
-/// systems without unnamed files, a hidden name in the same folder. A file that exists at the path stays
-/// untouched until then.
+/// systems without unnamed files, a hidden name in the same folder (HiddenFiles.h). A file that exists at the
+/// path stays untouched until then.
+///
+/// A file is replaced in the same steps on every file system, and nothing is deleted before the last one:
+/// the older file is put aside as "NAME (previous).EXTENSION" (moveToPath), the new file is moved to the
+/// path (moveToPath), and the older file is deleted (deleteOlder). A process that is killed in between leaves
+/// the older file under that name.
 class OutputFile
 {
 public:
-    explicit OutputFile(std::string path);
+    /// A new file has at most the permissions `mode`, without those of the umask; its owner can always read
+    /// and write it. A file that replaces another one has the permissions of that and, if possible, its
+    /// group.
+    explicit OutputFile(const std::string& path, mode_t mode = 0666);
     /// Deletes a file that has not been moved to its path.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
+
+    const OutputPlace& place() const { return m_place; }
 
     bool isOpen() const { return m_descriptor >= 0; }
     int descriptor() const { return m_descriptor; }
@@ -25,36 +38,30 @@ public:
     void empty() const;
     bool isEmpty() const;
 
-    /// Waits until the data is on the disk. False on an error.
+    /// Sets the permissions and waits until the data is on the disk. False on an error.
     bool sync() const;
 
-    /// Moves the file to its path. A file that exists there is kept in the folder under a hidden name until
-    /// this object is destroyed. False on an error; then nothing has changed.
+    /// Puts aside a file at the path and moves this one there. False on an error, for which errno gives the
+    /// reason; an older file then is at the path or put aside.
     bool moveToPath();
 
-    /// Undoes moveToPath: a file that existed at the path is there again, where the file system can exchange
-    /// files.
+    /// Deletes the file after moveToPath. An older file stays put aside.
     void undoMove();
 
-private:
-    void openUnnamed();
-    void openHidden();
-    void removeStale() const;
-    bool linkHidden();
-    bool exchange() const;
+    /// Whether moveToPath has put aside an older file.
+    bool hasOlder() const { return !m_older.empty(); }
 
-    std::string m_path;
-    std::string m_hiddenPath; // of this file or, after an exchange, of the older one; else empty
+    /// Deletes the older file. False on an error; it then stays put aside.
+    bool deleteOlder();
+
+private:
+    void setPermissions() const;
+    bool setName();
+
+    OutputPlace m_place;
+    mode_t m_mode;
+    std::string m_hidden; // the hidden name; empty where the file has none
+    std::string
+        m_older; // the name of the older file that moveToPath has put aside; empty where there is none
     int m_descriptor = -1;
 };
-
-/// Renames the file at `path` to "NAME (WORD).EXTENSION", or "NAME (WORD 2).EXTENSION" and so on where that
-/// exists. Returns the new path; empty where there is no file or it could not be renamed. Never replaces
-/// another file. Folders stay.
-std::string putAside(const std::string& path, const std::string& word);
-
-/// Whether `path` exists and is no folder.
-bool isFileAt(const std::string& path);
-
-/// Whether `path`, not followed where it is a symbolic link, is the same file as `file`, which is followed.
-bool isEntryOf(const std::string& path, const std::string& file);

@@ -19,6 +19,7 @@
 #include <csignal>
 #include <cstdio>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -56,36 +57,67 @@ bool writePlaceholder(const VideoFacts& video, const OutputFile& output)
         == static_cast<ssize_t>(picture.size());
 }
 
-/// Where the output's path is the input itself, under any spelling, renames the input and continues with its
-/// new path. False where that failed.
-bool saveOriginal(Job& job)
+/// Writes the text and the reason in errno to standard error.
+bool complain(const char* text)
 {
-    if (!isEntryOf(job.output, job.input))
-        return true;
-    job.input = putAside(job.output, "original");
-    return !job.input.empty();
+    std::perror(text);
+    return false;
 }
 
-/// Renames a file at the output's path, which must neither be taken for the result nor be deleted as a part
-/// of one. Returns the exit status.
-int endWithoutOutput(const Job& job, RunEnd end)
+/// If the file at the output's path is the input, renames it and continues with its new path. False if that
+/// failed.
+bool saveOriginal(Job& job, const InputFile& input, const OutputFile& output)
 {
-    const bool isOriginal = isEntryOf(job.output, job.input);
-    if (putAside(job.output, isOriginal ? "original" : "previous").empty() && isFileAt(job.output))
+    if (!input.isOpen() || !output.place().holds(input.descriptor()))
+        return true;
+    const std::string name = output.place().putAside("original");
+    if (name.empty())
+        return complain("tarnwell: the original at the output's path could not be renamed");
+    job.input = output.place().pathOf(name);
+    return true;
+}
+
+/// Puts aside a file at the output's path: after a failure or a cancel nothing is there that could be taken
+/// for the result. Returns the exit status.
+int endWithoutOutput(const InputFile& input, const OutputPlace& place, RunEnd end)
+{
+    const bool isOriginal = input.isOpen() && place.holds(input.descriptor());
+    if (place.putAside(isOriginal ? "original" : "previous").empty() && place.hasFile())
         std::fputs("tarnwell: the older file at the output's path could not be renamed\n", stderr);
     return end == RunEnd::Cancelled ? cancelled : failure;
 }
 
-/// Puts the finished file at its path. False on an error and after a cancel, which counts until the last
-/// moment: a caller that has cancelled deletes what it finds at the path.
-bool finish(OutputFile& output)
+/// Deletes the file that the finished one replaces. False after a cancel that arrives meanwhile. The caller
+/// that has cancelled deletes what is at the path; where the older file is gone, the new one is put aside
+/// first, so that one of them is left.
+bool deleteOlder(OutputFile& output)
 {
-    if (!output.sync() || isCancelled() || !output.moveToPath())
-        return false;
+    const bool isDeleted = output.deleteOlder();
+    if (!isDeleted)
+        std::perror("tarnwell: the older file could not be deleted");
     if (!isCancelled())
         return true;
-    output.undoMove();
+    if (isDeleted)
+        output.place().putAside("finished");
+    else
+        output.undoMove();
     return false;
+}
+
+/// Moves the finished file to its path. False on an error and after a cancel.
+bool finish(OutputFile& output)
+{
+    if (!output.sync())
+        return complain("tarnwell: the output could not be written to the disk");
+    if (isCancelled())
+        return false;
+    if (!output.moveToPath())
+        return complain("tarnwell: the output could not be moved to its path");
+    if (isCancelled()) {
+        output.undoMove();
+        return false;
+    }
+    return !output.hasOlder() || deleteOlder(output);
 }
 
 /// The application decodes the still outside of ffmpeg's confinement, so an ffmpeg that a hostile file has
@@ -110,7 +142,7 @@ bool decodeStill(Job job, const OutputFile& output)
 /// A frame of the video, else a grey picture of the size in which it is shown.
 int makeStill(Job job, const InputFile& input, OutputFile& output)
 {
-    if (!saveOriginal(job))
+    if (!saveOriginal(job, input, output))
         return failure;
     bool isMade = input.isOpen() && decodeStill(job, output);
     if (!isMade && !isCancelled())
@@ -140,12 +172,21 @@ RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& outpu
 
 int makeVideoFile(Job job, const InputFile& input, OutputFile& output)
 {
-    if (!saveOriginal(job))
+    if (!saveOriginal(job, input, output))
         return failure;
     const RunEnd end = input.isOpen() ? makeVideo(job, input, output) : RunEnd::Failed;
     if (end == RunEnd::Succeeded && finish(output))
         return success;
-    return endWithoutOutput(job, isCancelled() ? RunEnd::Cancelled : end);
+    return endWithoutOutput(input, output.place(), isCancelled() ? RunEnd::Cancelled : end);
+}
+
+/// The result is readable for nobody who cannot read the input.
+mode_t permissionsOf(const InputFile& input)
+{
+    constexpr mode_t readableAndWritable = 0666;
+    struct stat status = {};
+    return input.isOpen() && ::fstat(input.descriptor(), &status) == 0 ? status.st_mode & readableAndWritable
+                                                                       : 0;
 }
 
 } // namespace
@@ -167,12 +208,13 @@ int main(int argc, char* argv[])
         std::fputs("tarnwell: creator does not know these arguments\n", stderr);
         return wrongArguments;
     }
-    OutputFile output(job->output);
+    const InputFile input(job->input);
+    OutputFile output(job->output, permissionsOf(input));
     if (!output.isOpen()) {
         std::perror("tarnwell: the output cannot be written");
-        return job->kind == Job::Kind::Still ? failure : endWithoutOutput(*job, RunEnd::Failed);
+        return job->kind == Job::Kind::Still ? failure
+                                             : endWithoutOutput(input, output.place(), RunEnd::Failed);
     }
-    const InputFile input(job->input);
     if (!input.isOpen())
         std::fprintf(stderr, "tarnwell: the input cannot be read: %s\n", input.error().c_str());
     return job->kind == Job::Kind::Still ? makeStill(*job, input, output)

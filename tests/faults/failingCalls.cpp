@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // An LD_PRELOAD library that makes the N-th call of a function fail. TARNWELL_FAILS is "FUNCTION N". The
 // library creates the file named by TARNWELL_FAILED when the call has failed. Only calls from the program
-// itself and from the C++ library count.
+// itself and from the C++ library count. With TARNWELL_WAITS_FOR the call does not fail but waits until the
+// file that this variable names exists; it creates a file of that name with ".waiting" appended before.
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
@@ -70,20 +71,6 @@ void recordFailure()
     ::close(file);
 }
 
-bool shouldFail(const char* call, const void* caller)
-{
-    if (!isCounting || std::strcmp(call, plan.call) != 0 || !isOwn(caller) || ++calls != plan.number)
-        return false;
-    recordFailure();
-    return true;
-}
-
-int failing(int error)
-{
-    errno = error;
-    return -1;
-}
-
 /// If the environment variable names a file, creates a file of that name with ".waiting" appended, and waits
 /// until the named file exists.
 void waitIfRequested(const char* variable)
@@ -94,6 +81,29 @@ void waitIfRequested(const char* variable)
     ::close(::creat((std::string(path) + ".waiting").c_str(), 0600));
     while (::access(path, F_OK) != 0)
         ::usleep(1000);
+}
+
+bool shouldFail(const char* call, const void* caller)
+{
+    if (!isCounting || std::strcmp(call, plan.call) != 0 || !isOwn(caller) || ++calls != plan.number)
+        return false;
+    recordFailure();
+    const bool waits = std::getenv("TARNWELL_WAITS_FOR") != nullptr;
+    waitIfRequested("TARNWELL_WAITS_FOR");
+    return !waits;
+}
+
+int failing(int error)
+{
+    errno = error;
+    return -1;
+}
+
+/// Whether the name has more bytes than TARNWELL_LONGEST_NAME allows.
+bool isTooLong(const char* name)
+{
+    const char* longest = std::getenv("TARNWELL_LONGEST_NAME");
+    return longest != nullptr && std::strlen(name) > std::strtoul(longest, nullptr, 10);
 }
 
 bool isFolder(int file)
@@ -301,18 +311,6 @@ char* mkdtemp(char* path)
     return really(path);
 }
 
-int mkostemp(char* path, int flags)
-{
-    FAIL_OR(mkostemp, ENOSPC);
-    return really(path, flags);
-}
-
-int mkostemp64(char* path, int flags)
-{
-    FAIL_OR_64(mkostemp, ENOSPC);
-    return really(path, flags);
-}
-
 int fsync(int file)
 {
     waitIfRequested(isFolder(file) ? "TARNWELL_FOLDER_FSYNC_WAITS_FOR" : "TARNWELL_FSYNC_WAITS_FOR");
@@ -332,6 +330,28 @@ int ftruncate64(int file, off64_t size) noexcept
     return really(file, size);
 }
 
+int openat64(int folder, const char* path, int flags, ...)
+{
+    va_list rest;
+    va_start(rest, flags);
+    const auto mode = va_arg(rest, mode_t);
+    va_end(rest);
+    FAIL_OR_64(openat, EMFILE);
+    return really(folder, path, flags, mode);
+}
+
+int fstatat64(int folder, const char* path, struct stat64* status, int flags) noexcept
+{
+    FAIL_OR_64(fstatat, EACCES);
+    return really(folder, path, status, flags);
+}
+
+int fchmod(int file, mode_t mode) noexcept
+{
+    FAIL_OR(fchmod, EPERM);
+    return really(file, mode);
+}
+
 int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags)
 {
     FAIL_OR(linkat, EACCES);
@@ -347,7 +367,15 @@ int rename(const char* from, const char* to)
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned int flags)
 {
     FAIL_OR(renameat2, EIO);
+    if (isTooLong(to))
+        return failing(ENAMETOOLONG);
     return really(fromFolder, from, toFolder, to, flags);
+}
+
+int renameat(int fromFolder, const char* from, int toFolder, const char* to) noexcept
+{
+    FAIL_OR(renameat, EIO);
+    return really(fromFolder, from, toFolder, to);
 }
 
 int unlinkat(int folder, const char* path, int flags)

@@ -3,12 +3,14 @@
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 #include "tests/tools/RefusedCall.h"
-#include "tools/OutputFile.h"
+#include "tools/OutputPlace.h"
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace tarnwell::test
@@ -18,6 +20,22 @@ namespace
 {
 
 using Names = std::vector<std::string>;
+
+/// The new path; empty where nothing was renamed.
+std::string putAside(const std::string& path, const std::string& word)
+{
+    const OutputPlace place(path);
+    const std::string name = place.putAside(word);
+    return name.empty() ? name : place.pathOf(name);
+}
+
+bool isEntryOf(const std::string& path, const std::string& file)
+{
+    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    const bool isEntry = OutputPlace(path).holds(descriptor);
+    ::close(descriptor);
+    return isEntry;
+}
 
 } // namespace
 

@@ -38,6 +38,8 @@ std::vector<Rule> rulesFor(RefusedCall call)
         return {{SYS_openat, 2, BPF_JSET, namelessFlag | O_CREAT, ENOSPC}};
     case RefusedCall::RenameToFreeName:
         return {{SYS_renameat2, 4, BPF_JSET, 1, EINVAL}}; // RENAME_NOREPLACE
+    case RefusedCall::Link:
+        return {{SYS_linkat, 0, BPF_JGE, 0, EPERM}};
     case RefusedCall::CopyFileRange:
         return {{SYS_copy_file_range, 0, BPF_JGE, 0, ENOSYS}};
     case RefusedCall::FileRules:

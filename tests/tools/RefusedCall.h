@@ -11,6 +11,7 @@ enum class RefusedCall {
     OpenNameless, // a file without a name
     MakeFiles, // as on a disk that has no room for one more
     RenameToFreeName, // a rename that leaves what stands there
+    Link, // a second name
     CopyFileRange, // a copy by the kernel
     FileRules, // Landlock
     CallFilters // seccomp; it must be the last one to be refused

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+// Cancels and kills creator at each of the calls with which it finishes a file.
+#include "tests/support/Files.h"
+#include "tests/support/Folders.h"
+#include "tests/tools/CreatorTest.h"
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+constexpr int cancelled = 255;
+constexpr int mostTimes = 50;
+const std::string previous = "Rotated (previous).mp4";
+const std::string finished = "Rotated (finished).mp4";
+
+/// What the file system of the output lacks.
+struct FileSystem {
+    const char* name;
+    std::vector<RefusedCall> refused;
+};
+
+const std::vector<FileSystem> fileSystems = {
+    {"all", {}},
+    {"noUnnamedFiles", {RefusedCall::OpenNameless}},
+    {"noRenameFlags", {RefusedCall::OpenNameless, RefusedCall::RenameToFreeName}},
+    {"noLinks", {RefusedCall::OpenNameless, RefusedCall::RenameToFreeName, RefusedCall::Link}},
+};
+
+struct Interruption {
+    FileSystem fileSystem;
+    std::string call;
+};
+
+bool isAlwaysCalled(const std::string& call)
+{
+    return call == "fsync" || call == "fstatat" || call == "openat";
+}
+
+std::vector<Interruption> allInterruptions()
+{
+    std::vector<Interruption> rows;
+    for (const auto& fileSystem : fileSystems) {
+        for (const char* call : {"fsync", "linkat", "renameat2", "renameat", "unlinkat", "fstatat", "openat"})
+            rows.push_back({fileSystem, call});
+    }
+    return rows;
+}
+
+} // namespace
+
+class InterruptedSaveTest : public CreatorTest, public testing::WithParamInterface<Interruption>
+{
+protected:
+    void SetUp() override
+    {
+        CreatorTest::SetUp();
+        setGoodFfmpeg();
+    }
+
+    /// Starts a save, sends the signal while the call waits for the given time, and waits for the end. False
+    /// if creator ended without so many calls; `m_status` is its exit status in either case.
+    bool interrupt(int time, int signal)
+    {
+        const std::string goOn = tools.addData("go on", "");
+        std::filesystem::remove(goOn);
+        std::filesystem::remove(goOn + ".waiting");
+        ToolSetup setup;
+        setup.refused = GetParam().fileSystem.refused;
+        setup.variables = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so",
+            "TARNWELL_FAILS=" + GetParam().call + " " + std::to_string(time), "TARNWELL_WAITS_FOR=" + goOn};
+        ToolProcess creator(tools.creator(), transcode(), setup);
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (!exists(goOn + ".waiting") && isRunning(creator.processId())) {
+            if (std::chrono::steady_clock::now() > limit) {
+                ADD_FAILURE() << "creator neither ended nor called " << GetParam().call;
+                return false;
+            }
+            std::this_thread::yield();
+        }
+        const bool isWaiting = exists(goOn + ".waiting");
+        if (isWaiting)
+            creator.signal(signal);
+        if (signal != SIGKILL)
+            writeFile(goOn, "");
+        m_status = creator.wait();
+        return isWaiting;
+    }
+
+    void removeAll()
+    {
+        for (const auto& name : otherNames())
+            std::filesystem::remove(tools.at(name));
+    }
+
+    /// Runs `check` after an interruption at the first call, at the second, and so on.
+    template <typename Check>
+    void interruptEachCall(int signal, const std::string& older, Check check)
+    {
+        int time = 0;
+        bool isInterrupted = true;
+        while (isInterrupted && time < mostTimes) {
+            SCOPED_TRACE(testing::Message() << GetParam().call << " " << ++time);
+            if (!older.empty())
+                writeFile(output(), older);
+            isInterrupted = interrupt(time, signal);
+            check();
+            removeAll();
+        }
+        EXPECT_LT(time, mostTimes);
+        EXPECT_TRUE(time > 1 || !isAlwaysCalled(GetParam().call)) << "it is never called";
+    }
+
+    int m_status = -1;
+};
+
+TEST_P(InterruptedSaveTest, aCancelLeavesTheOlderFileOrTheNewOneAndNothingElse)
+{
+    interruptEachCall(SIGTERM, "older", [this] {
+        if (m_status == 0) {
+            EXPECT_EQ(contentsOf(output()), movie());
+            EXPECT_EQ(otherNames(), std::vector<std::string>({"Rotated.mp4"}));
+            return;
+        }
+        EXPECT_EQ(m_status, cancelled);
+        const auto names = otherNames();
+        ASSERT_EQ(names.size(), 1U);
+        if (names[0] == previous)
+            EXPECT_EQ(contentsOf(tools.at(previous)), "older");
+        else
+            EXPECT_EQ(contentsOf(tools.at(finished)), movie());
+    });
+}
+
+TEST_P(InterruptedSaveTest, aCancelLeavesNothingWhereNothingWas)
+{
+    interruptEachCall(SIGTERM, "", [this] {
+        EXPECT_TRUE(m_status == cancelled ? otherNames().empty() : contentsOf(output()) == movie())
+            << m_status;
+    });
+}
+
+TEST_P(InterruptedSaveTest, aKillLeavesTheOlderFileUnderItsNameOrPutAside)
+{
+    interruptEachCall(SIGKILL, "older", [this] {
+        const std::string now = contentsOf(output());
+        const std::string aside = contentsOf(tools.at(previous));
+        // The older file is deleted by the last call, which a killed process has not made.
+        const bool hasOlder = now == "older" || aside == "older";
+        EXPECT_TRUE(m_status == 0 ? now == movie() : hasOlder) << m_status;
+        EXPECT_TRUE(now.empty() || now == "older" || now == movie());
+        for (const auto& name : otherNames())
+            EXPECT_TRUE(name == "Rotated.mp4" || name == previous || name[0] == '.') << name;
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, InterruptedSaveTest, testing::ValuesIn(allInterruptions()),
+    [](const auto& row) { return row.param.fileSystem.name + ("_" + row.param.call); });
+
+} // namespace tarnwell::test

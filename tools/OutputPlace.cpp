@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+#include "tools/OutputPlace.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr int mostNames = 1000;
+
+std::string folderOf(const std::string& path)
+{
+    const auto slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+/// The text without the bytes from `size` on and without a part of a UTF-8 character at its end.
+std::string shortened(const std::string& text, std::size_t size)
+{
+    const auto isInsideCharacter
+        = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+    while (size > 0 && size < text.size() && isInsideCharacter(text[size]))
+        --size;
+    return text.substr(0, size);
+}
+
+/// As many bytes of the stem as leave room for `end` in a path that other programs can open.
+std::string stemBefore(const std::string& end, const std::string& stem, const std::string& folderPath)
+{
+    const std::size_t others = folderPath.size() + 1 + end.size();
+    const std::size_t room = others < PATH_MAX - 1 ? PATH_MAX - 1 - others : 0;
+    return shortened(stem, std::min(stem.size(), room));
+}
+
+bool isSameTime(const timespec& left, const timespec& right)
+{
+    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
+/// Files that cannot be read count as equal.
+bool areSameBytesAt(int left, int right, off_t offset)
+{
+    std::array<char, 64 * 1024> leftBytes = {};
+    std::array<char, 64 * 1024> rightBytes = {};
+    const ssize_t leftSize = ::pread(left, leftBytes.data(), leftBytes.size(), offset);
+    const ssize_t rightSize = ::pread(right, rightBytes.data(), rightBytes.size(), offset);
+    return leftSize < 0 || rightSize < 0 || leftBytes == rightBytes;
+}
+
+/// Whether the file system keeps the number of each file.
+bool hasFixedNumbers(int folder)
+{
+    struct statfs status = {};
+    return ::fstatfs(folder, &status) == 0 && status.f_type != FUSE_SUPER_MAGIC;
+}
+
+bool areSameEnds(int left, int right, off_t size)
+{
+    constexpr off_t piece = 64 * 1024;
+    return areSameBytesAt(left, right, 0) && areSameBytesAt(left, right, std::max<off_t>(size - piece, 0));
+}
+
+} // namespace
+
+OutputPlace::OutputPlace(const std::string& path)
+    : m_folderPath(folderOf(path))
+    , m_name(path.substr(path.rfind('/') + 1))
+    , m_folder(::open(m_folderPath.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC))
+{
+}
+
+OutputPlace::~OutputPlace()
+{
+    if (isOpen())
+        ::close(m_folder);
+}
+
+std::string OutputPlace::pathOf(const std::string& name) const
+{
+    return m_folderPath + "/" + name;
+}
+
+bool OutputPlace::hasFile() const
+{
+    struct stat status = {};
+    return ::fstatat(m_folder, m_name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && !S_ISDIR(status.st_mode);
+}
+
+bool OutputPlace::holds(int file) const
+{
+    struct stat here = {};
+    struct stat meant = {};
+    if (::fstatat(m_folder, m_name.c_str(), &here, AT_SYMLINK_NOFOLLOW) != 0 || ::fstat(file, &meant) != 0)
+        return false;
+    if (here.st_dev == meant.st_dev && (here.st_ino == meant.st_ino || hasFixedNumbers(m_folder)))
+        return here.st_ino == meant.st_ino;
+    if (!S_ISREG(here.st_mode) || here.st_size != meant.st_size || !isSameTime(here.st_mtim, meant.st_mtim))
+        return false;
+    const int other = ::openat(m_folder, m_name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    const bool isSame = areSameEnds(other, file, meant.st_size);
+    if (other >= 0)
+        ::close(other);
+    return isSame;
+}
+
+std::string OutputPlace::putAside(const std::string& word) const
+{
+    if (!hasFile())
+        return {};
+    const auto dot = m_name.rfind('.');
+    std::string stem = m_name.substr(0, dot == 0 ? std::string::npos : dot);
+    const std::string extension = m_name.substr(stem.size());
+    for (int number = 1; number < mostNames;) {
+        const std::string end
+            = " (" + word + (number == 1 ? "" : " " + std::to_string(number)) + ")" + extension;
+        stem = stemBefore(end, stem, m_folderPath);
+        if (renameToFreeName(m_folder, m_name, stem + end))
+            return stem + end;
+        if (errno == ENAMETOOLONG && !stem.empty())
+            stem = shortened(stem, stem.size() - 1);
+        else if (errno == EEXIST)
+            ++number;
+        else
+            return {};
+    }
+    return {};
+}
+
+void OutputPlace::sync() const
+{
+    const int readable = ::openat(m_folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (readable < 0)
+        return;
+    ::fsync(readable);
+    ::close(readable);
+}
+
+bool renameToFreeName(int folder, const std::string& from, const std::string& to)
+{
+    if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    // The file system has no such rename. A link fails where the name exists; some file systems have none.
+    if (::linkat(folder, from.c_str(), folder, to.c_str(), 0) == 0) {
+        if (::unlinkat(folder, from.c_str(), 0) == 0)
+            return true;
+        const int error = errno;
+        ::unlinkat(folder, to.c_str(), 0);
+        errno = error;
+        return false;
+    }
+    if (errno == EEXIST || errno == ENAMETOOLONG)
+        return false;
+    struct stat taken = {};
+    if (::fstatat(folder, to.c_str(), &taken, AT_SYMLINK_NOFOLLOW) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::renameat(folder, from.c_str(), folder, to.c_str()) == 0;
+}

@@ -210,12 +210,13 @@ private:
 
 MetadataResult addMetadata(int movie, const MetadataSource& source)
 {
-    if (!source.isCopy && !removeDolbyBrand(movie))
-        return MetadataResult::WriteFailed;
     auto metadata = readMovieMetadata(source.file, source.isCopy);
     if (!metadata) {
         metadata.emplace();
         metadata->boxes = keysBox(source.tags);
     }
-    return MovieRewriter(movie, *metadata, source.trackIds).rewrite();
+    const auto result = MovieRewriter(movie, *metadata, source.trackIds).rewrite();
+    if (result == MetadataResult::Added && !source.isCopy && !removeDolbyBrand(movie))
+        return MetadataResult::WriteFailed;
+    return result;
 }

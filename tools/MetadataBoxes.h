@@ -21,7 +21,7 @@ enum class MetadataResult {
 };
 
 /// Completes the metadata of a movie whose last box is its description ("moov"), as ffmpeg writes it: only
-/// that box changes, so that no sample moves.
+/// that box and, in an encoding, a brand change, so that no sample moves.
 ///
 /// From an MP4 or QuickTime file: creation and modification dates and languages of the movie and its tracks,
 /// user data ("udta"), keys ("meta") and boxes of vendors ("uuid") as they are; "uuid" of a track only for a

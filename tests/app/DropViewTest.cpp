@@ -26,6 +26,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <unistd.h>
 #include <vector>
 
@@ -71,7 +72,7 @@ protected:
         return m_view.performDragOperation(*dragOf(paths));
     }
 
-    /// Whether a drop of what had a file when it came is accepted at once.
+    /// Whether the drop of a drag that entered with a file is accepted at once.
     bool isAccepted(const QMimeData& drag)
     {
         const auto file = dragOf({makeFile("first.mp4")});
@@ -96,27 +97,33 @@ TEST_F(DropViewTest, hasNoFileBeforeTheFirstDrop)
     EXPECT_TRUE(m_view.image().isNull());
 }
 
-TEST_F(DropViewTest, offersACopyOfAnExistingFileWhateverItIs)
+TEST_F(DropViewTest, offersACopyWhereTheFirstFileExistsAndIsNoFolder)
 {
-    EXPECT_EQ(entering({makeFile("clip.mp4")}), Qt::CopyAction);
-    EXPECT_EQ(entering({makeFile("letter.txt")}), Qt::CopyAction);
-    EXPECT_EQ(entering({makeFile("my 100% \"clip\" ä\n")}), Qt::CopyAction);
-    EXPECT_EQ(entering({makeFile("bytes \xff\xfe")}), Qt::CopyAction);
-}
-
-TEST_F(DropViewTest, refusesAFolder)
-{
-    EXPECT_EQ(entering({makeFolder("folder")}), Qt::IgnoreAction);
-    EXPECT_EQ(entering({makeFolder("folder.mp4") + "/"}), Qt::IgnoreAction);
-    std::filesystem::create_directory_symlink(m_folder.path() + "folder", m_folder.path() + "link");
-    EXPECT_EQ(entering({m_folder.path() + "link"}), Qt::IgnoreAction);
-}
-
-TEST_F(DropViewTest, refusesAFileThatIsMissing)
-{
-    EXPECT_EQ(entering({m_folder.path() + "missing.mp4"}), Qt::IgnoreAction);
-    std::filesystem::create_symlink(m_folder.path() + "missing.mp4", m_folder.path() + "dangling.mp4");
-    EXPECT_EQ(entering({m_folder.path() + "dangling.mp4"}), Qt::IgnoreAction);
+    const std::string file = makeFile("clip.mp4");
+    const std::string folder = makeFolder("folder");
+    const std::string missing = m_folder.path() + "missing.mp4";
+    std::filesystem::create_directory_symlink(folder, m_folder.path() + "link");
+    std::filesystem::create_symlink(missing, m_folder.path() + "dangling.mp4");
+    const std::tuple<const char*, std::vector<std::string>, Qt::DropAction> cases[] = {
+        {"a video", {file}, Qt::CopyAction},
+        {"a text", {makeFile("letter.txt")}, Qt::CopyAction},
+        {"odd characters", {makeFile("my 100% \"clip\" ä\n")}, Qt::CopyAction},
+        {"no UTF-8", {makeFile("bytes \xff\xfe")}, Qt::CopyAction},
+        {"a folder", {folder}, Qt::IgnoreAction},
+        {"a folder with a slash", {makeFolder("folder.mp4") + "/"}, Qt::IgnoreAction},
+        {"a link to a folder", {m_folder.path() + "link"}, Qt::IgnoreAction},
+        {"a missing file", {missing}, Qt::IgnoreAction},
+        {"a dangling link", {m_folder.path() + "dangling.mp4"}, Qt::IgnoreAction},
+        {"a file first", {file, folder, missing}, Qt::CopyAction},
+        {"a folder first", {folder, file, file}, Qt::IgnoreAction},
+        {"a missing file first", {missing, file, file}, Qt::IgnoreAction},
+    };
+    for (const auto& [name, paths, action] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(entering(paths), action);
+    }
+    EXPECT_TRUE(m_notifications.empty()) << "a drag that only enters is announced";
+    EXPECT_EQ(m_view.filePath(), std::nullopt);
 }
 
 TEST_F(DropViewTest, refusesADragWithoutAFile)
@@ -134,22 +141,6 @@ TEST_F(DropViewTest, refusesADragWithoutAFile)
         EXPECT_FALSE(m_view.performDragOperation(*drag));
     EXPECT_EQ(m_view.filePath(), std::nullopt);
     EXPECT_TRUE(m_notifications.empty());
-}
-
-TEST_F(DropViewTest, theFirstOfSeveralDecides)
-{
-    const std::string file = makeFile("clip.mp4");
-    const std::string folder = makeFolder("folder");
-    EXPECT_EQ(entering({file, folder, m_folder.path() + "missing"}), Qt::CopyAction);
-    EXPECT_EQ(entering({folder, file, file}), Qt::IgnoreAction);
-    EXPECT_EQ(entering({m_folder.path() + "missing", file, file}), Qt::IgnoreAction);
-}
-
-TEST_F(DropViewTest, aDragThatOnlyEntersIsNotAnnounced)
-{
-    entering({makeFile("clip.mp4")});
-    EXPECT_TRUE(m_notifications.empty());
-    EXPECT_EQ(m_view.filePath(), std::nullopt);
 }
 
 TEST_F(DropViewTest, announcesTheFirstFileOnce)
@@ -180,7 +171,7 @@ TEST_F(DropViewTest, hasTheFileBeforeItIsAnnouncedOnTheSameThread)
     EXPECT_EQ(thread, std::this_thread::get_id());
 }
 
-TEST_F(DropViewTest, keepsTheFileThoughNobodyListens)
+TEST_F(DropViewTest, storesTheFileWithoutAnObserver)
 {
     m_observation.reset();
     const std::string path = makeFile("clip.mp4");
@@ -189,40 +180,24 @@ TEST_F(DropViewTest, keepsTheFileThoughNobodyListens)
     EXPECT_TRUE(m_notifications.empty());
 }
 
-TEST_F(DropViewTest, aDropIsNotAskedForItsExistenceAgain)
-{
-    const std::string missing = m_folder.path() + "gone meanwhile.mp4";
-    EXPECT_TRUE(performing({missing}));
-    ASSERT_EQ(m_notifications.size(), 1u);
-    EXPECT_EQ(m_view.filePath(), missing);
-}
-
-TEST_F(DropViewTest, everyDropReplacesTheFileAndOnlyADropDoes)
-{
-    performing({makeFile("first.mp4")});
-    performing({makeFile("second.mp4")});
-    EXPECT_EQ(m_view.filePath(), m_folder.path() + "second.mp4");
-    QMimeData text;
-    text.setText(QStringLiteral("text"));
-    EXPECT_FALSE(m_view.performDragOperation(text));
-    EXPECT_EQ(m_view.filePath(), m_folder.path() + "second.mp4");
-    EXPECT_EQ(m_notifications.size(), 2u);
-}
-
-TEST_F(DropViewTest, theBytesOfANameArriveUnchanged)
-{
-    const std::string path = makeFile("a b%20\"#?\n\xc3\xa4 u\xcc\x88 \xff.mp4");
-    EXPECT_TRUE(performing({path}));
-    EXPECT_EQ(m_view.filePath(), path);
-    EXPECT_EQ(std::any_cast<FileURL>(m_notifications.at(0).userInfo.at("key")).path(), path);
-}
-
-TEST_F(DropViewTest, doesNotShowAPictureByItself)
+TEST_F(DropViewTest, everyDropReplacesTheFileWithItsBytesAndWithoutATestForExistence)
 {
     QImage picture(4, 4, QImage::Format_RGB32);
     picture.fill(Qt::red);
     m_view.setImage(picture);
-    performing({makeFile("clip.mp4")});
+    const std::string paths[] = {makeFile("first.mp4"), m_folder.path() + "missing.mp4",
+        makeFile("a b%20\"#?\n\xc3\xa4 u\xcc\x88 \xff.mp4")};
+    for (const std::string& path : paths) {
+        SCOPED_TRACE(path);
+        EXPECT_TRUE(performing({path}));
+        EXPECT_EQ(m_view.filePath(), path);
+        EXPECT_EQ(std::any_cast<FileURL>(m_notifications.back().userInfo.at("key")).path(), path);
+    }
+    QMimeData text;
+    text.setText(QStringLiteral("text"));
+    EXPECT_FALSE(m_view.performDragOperation(text));
+    EXPECT_EQ(m_view.filePath(), paths[2]);
+    EXPECT_EQ(m_notifications.size(), std::size(paths));
     EXPECT_EQ(m_view.image(), picture);
 }
 
@@ -248,7 +223,7 @@ TEST_F(DropViewTest, aDropWithoutAFileIsRefusedAtOnce)
     EXPECT_FALSE(InputBlocker::isActive());
 }
 
-/// Drags of another program, from its window into this one's by the mouse.
+/// Drags from the window of another process, by the mouse.
 class RealDropTest : public DropViewTest
 {
 protected:
@@ -261,7 +236,7 @@ protected:
 
     QPoint target() { return screenPosition(m_view); }
 
-    /// The colour on the screen where the highlight's frame would be.
+    /// The colour on the screen in the place of the highlight's frame.
     QColor edge() { return colourOnScreen(screenPosition(m_view, QPoint(m_view.width() / 2, 24))); }
 
     bool looksHighlighted()
@@ -275,19 +250,12 @@ protected:
     }
 };
 
-TEST_F(RealDropTest, theViewIsHighlightedWhileAFileHoversAndNotForAFolder)
+TEST_F(RealDropTest, aHoveringFileIsHighlightedAndDropped)
 {
     ASSERT_TRUE(waitUntil([this] { return m_view.windowHandle()->isExposed(); }));
     const QColor usual = edge();
-    {
-        const EventCounter entries(m_view, QEvent::DragEnter);
-        DragSource source(uriList({makeFolder("folder")}));
-        source.dragTo(target());
-        EXPECT_TRUE(waitUntil([&] { return entries.count() > 0; }));
-        EXPECT_FALSE(m_view.isHighlighted());
-        EXPECT_FALSE(source.drop());
-    }
-    DragSource source(uriList({makeFile("clip.mp4")}));
+    const std::string path = makeFile("my clip 100% \xc3\xa4.mp4");
+    DragSource source(uriList({path, makeFolder("folder"), makeFile("clip.mp4")}));
     source.dragTo(target());
     source.waitUntilAccepted();
     EXPECT_TRUE(looksHighlighted());
@@ -295,36 +263,14 @@ TEST_F(RealDropTest, theViewIsHighlightedWhileAFileHoversAndNotForAFolder)
     EXPECT_TRUE(looksUsual(usual));
     source.moveTo(target());
     EXPECT_TRUE(looksHighlighted());
-    EXPECT_TRUE(source.drop());
-    EXPECT_TRUE(looksUsual(usual));
-}
-
-TEST_F(RealDropTest, theHighlightGoesWithASourceThatDies)
-{
-    ASSERT_TRUE(waitUntil([this] { return m_view.windowHandle()->isExposed(); }));
-    const QColor usual = edge();
-    DragSource source(uriList({makeFile("clip.mp4")}));
-    source.dragTo(target());
-    source.waitUntilAccepted();
-    EXPECT_TRUE(looksHighlighted());
-    source.die();
-    realMove(target() + QPoint(30, 30));
-    EXPECT_TRUE(looksUsual(usual));
-}
-
-TEST_F(RealDropTest, aFileIsTaken)
-{
-    const std::string path = makeFile("my clip \xc3\xa4.mp4");
-    DragSource source(uriList({path}));
-    source.dragTo(target());
-    source.waitUntilAccepted();
     EXPECT_TRUE(m_notifications.empty());
     EXPECT_TRUE(source.drop());
+    EXPECT_TRUE(looksUsual(usual));
     ASSERT_TRUE(waitUntil([this] { return m_notifications.size() == 1; }));
     EXPECT_EQ(m_view.filePath(), path);
 }
 
-TEST_F(RealDropTest, aFolderAndAMissingFileAreRefused)
+TEST_F(RealDropTest, aFolderAndAMissingFileAreRefusedWithoutAHighlight)
 {
     for (const std::string& path : {makeFolder("folder"), m_folder.path() + "missing.mp4"}) {
         SCOPED_TRACE(path);
@@ -332,13 +278,14 @@ TEST_F(RealDropTest, aFolderAndAMissingFileAreRefused)
         DragSource source(uriList({path, makeFile("clip.mp4")}));
         source.dragTo(target());
         EXPECT_TRUE(waitUntil([&] { return entries.count() > 0; }));
+        EXPECT_FALSE(m_view.isHighlighted());
         EXPECT_FALSE(source.drop());
     }
     EXPECT_TRUE(m_notifications.empty());
     EXPECT_EQ(m_view.filePath(), std::nullopt);
 }
 
-TEST_F(RealDropTest, aDragThatLeavesAgainIsNotAnnounced)
+TEST_F(RealDropTest, aDragThatLeavesTheWindowIsNotAnnounced)
 {
     const EventCounter departures(m_view, QEvent::DragLeave);
     DragSource source(uriList({makeFile("clip.mp4")}));
@@ -350,26 +297,20 @@ TEST_F(RealDropTest, aDragThatLeavesAgainIsNotAnnounced)
     EXPECT_TRUE(m_notifications.empty());
 }
 
-TEST_F(RealDropTest, ofSeveralFilesTheFirstIsTaken)
+TEST_F(RealDropTest, aDragWhoseSourceIsKilledLeavesNoHighlightAndNextDropWorks)
 {
-    const std::string first = makeFile("100% (1).mp4");
-    DragSource source(uriList({first, makeFolder("folder"), makeFile("clip.mp4")}));
-    source.dragTo(target());
-    source.waitUntilAccepted();
-    EXPECT_TRUE(source.drop());
-    ASSERT_TRUE(waitUntil([this] { return m_notifications.size() == 1; }));
-    EXPECT_EQ(m_view.filePath(), first);
-}
-
-TEST_F(RealDropTest, aDragWhoseSourceDiesIsForgotten)
-{
+    ASSERT_TRUE(waitUntil([this] { return m_view.windowHandle()->isExposed(); }));
+    const QColor usual = edge();
     const std::string path = makeFile("clip.mp4");
     {
         DragSource source(uriList({path}));
         source.dragTo(target());
         source.waitUntilAccepted();
+        EXPECT_TRUE(looksHighlighted());
         source.die();
     }
+    realMove(target() + QPoint(30, 30));
+    EXPECT_TRUE(looksUsual(usual));
     EXPECT_TRUE(m_notifications.empty());
     DragSource another(uriList({path}));
     another.dragTo(target());

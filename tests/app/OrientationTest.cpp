@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "orientation/OrientationState.h"
 #include "tests/support/FakeToolsTest.h"
-#include "tests/support/Files.h"
 
-#include <QAction>
+#include <QKeySequence>
+
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace tarnwell::test
 {
@@ -16,118 +20,95 @@ protected:
         openVideo();
     }
 
-    void expectShown(int quarterTurnsLeft, bool vertically, bool horizontally)
+    void expectShown(const OrientationState& state)
     {
         EXPECT_EQ(shownPicture().convertToFormat(QImage::Format_ARGB32),
-            expectedPicture(still(), quarterTurnsLeft, vertically, horizontally));
+            expectedPicture(
+                still(), static_cast<int>(state.positionState) - 1, state.vFlipState, state.hFlipState));
     }
 
-    void turnLeft() { type(QKeySequence(QStringLiteral("Ctrl+L"))); }
-    void turnRight() { type(QKeySequence(QStringLiteral("Ctrl+R"))); }
-    void flipVertically() { type(QKeySequence(QStringLiteral("Ctrl+Shift+V"))); }
-    void flipHorizontally() { type(QKeySequence(QStringLiteral("Ctrl+Shift+H"))); }
-    void reset() { type(QKeySequence(QStringLiteral("Ctrl+0"))); }
+    void press(const char* shortcut) { type(QKeySequence(QString::fromLatin1(shortcut))); }
 };
 
-TEST_F(OrientationTest, oneTurnToTheLeftIsAQuarterTurnCounterclockwise)
+constexpr const char* left = "Ctrl+L";
+constexpr const char* right = "Ctrl+R";
+constexpr const char* vertically = "Ctrl+Shift+V";
+constexpr const char* horizontally = "Ctrl+Shift+H";
+constexpr const char* reset = "Ctrl+0";
+
+struct Step {
+    const char* shortcut;
+    OrientationState shown;
+};
+
+struct Walk {
+    const char* name;
+    std::vector<Step> steps;
+};
+
+void PrintTo(const Walk& walk, std::ostream* stream)
 {
-    turnLeft();
-    expectShown(1, false, false);
+    *stream << walk.name;
 }
 
-TEST_F(OrientationTest, oneTurnToTheRightIsAQuarterTurnClockwise)
+class OrientationWalkTest : public OrientationTest, public testing::WithParamInterface<Walk>
 {
-    turnRight();
-    expectShown(3, false, false);
-}
+};
 
-TEST_F(OrientationTest, fourTurnsEitherWayLeadBackToTheStart)
+TEST_P(OrientationWalkTest, showsThePictureAfterEachStep)
 {
-    for (int turn = 1; turn <= 4; ++turn) {
-        turnLeft();
-        expectShown(turn % 4, false, false);
+    for (const auto& [shortcut, shown] : GetParam().steps) {
+        SCOPED_TRACE(shortcut);
+        press(shortcut);
+        expectShown(shown);
     }
-    for (int turn = 1; turn <= 4; ++turn) {
-        turnRight();
-        expectShown((4 - turn) % 4, false, false);
-    }
 }
 
-TEST_F(OrientationTest, aTurnEachWayAndAFlipTwiceCancelOut)
-{
-    turnLeft();
-    turnRight();
-    flipVertically();
-    flipVertically();
-    flipHorizontally();
-    flipHorizontally();
-    expectShown(0, false, false);
-}
+INSTANTIATE_TEST_SUITE_P(walks, OrientationWalkTest,
+    testing::Values(Walk{"fourCounterclockwiseTurns", {{left, {2}}, {left, {3}}, {left, {4}}, {left, {1}}}},
+        Walk{"fourClockwiseTurns", {{right, {4}}, {right, {3}}, {right, {2}}, {right, {1}}}},
+        Walk{"eachActionAndItsReverse",
+            {{left, {2}}, {right, {1}}, {vertically, {1, true, false}}, {vertically, {1}},
+                {horizontally, {1, false, true}}, {horizontally, {1}}}},
+        Walk{"mirrorsOfTheTurnedPicture",
+            {{horizontally, {1, false, true}}, {left, {2, false, true}}, {vertically, {2, true, true}},
+                {left, {3, true, true}}}},
+        Walk{"bothMirrorsLikeAHalfTurn", {{vertically, {1, true, false}}, {horizontally, {3}}}},
+        Walk{"resetAndATurn", {{left, {2}}, {horizontally, {2, false, true}}, {reset, {1}}, {left, {2}}}}),
+    [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(OrientationTest, mirrorsActOnThePictureAsItIsTurned)
-{
-    flipHorizontally();
-    expectShown(0, false, true);
-    turnLeft();
-    expectShown(1, false, true);
-    flipVertically();
-    expectShown(1, true, true);
-    turnLeft();
-    expectShown(2, true, true);
-}
-
-TEST_F(OrientationTest, bothMirrorsShowWhatAHalfTurnShows)
-{
-    flipVertically();
-    flipHorizontally();
-    expectShown(2, false, false);
-}
-
-TEST_F(OrientationTest, aRefreshWithoutTurnOrMirrorIsDrawnAnewAndLooksTheSame)
+TEST_F(OrientationTest, aRefreshWithoutTurnOrMirrorCreatesANewImageThatLooksTheSame)
 {
     const QImage extracted = shownPicture();
-    flipVertically();
-    flipVertically();
+    press(vertically);
+    press(vertically);
     EXPECT_NE(shownPicture().cacheKey(), extracted.cacheKey());
-    expectShown(0, false, false);
+    expectShown({1});
 }
 
-TEST_F(OrientationTest, resetShowsTheStillAsItWasExtractedWithoutARedraw)
-{
-    turnLeft();
-    flipHorizontally();
-    reset();
-    const QImage afterFirst = shownPicture();
-    expectShown(0, false, false);
-    turnRight();
-    flipVertically();
-    reset();
-    // A redraw would have made another picture.
-    EXPECT_EQ(shownPicture().cacheKey(), afterFirst.cacheKey());
-    turnLeft();
-    expectShown(1, false, false);
-}
-
-TEST_F(OrientationTest, theViewAndThePreviewsStartFromTwoSeparatePictures)
+TEST_F(OrientationTest, everyResetShowsTheSecondExtractedImageItself)
 {
     const QImage opened = shownPicture();
-    reset();
-    EXPECT_EQ(shownPicture(), opened);
-    EXPECT_NE(shownPicture().cacheKey(), opened.cacheKey());
+    press(reset);
+    const QImage still = shownPicture();
+    EXPECT_EQ(still, opened);
+    EXPECT_NE(still.cacheKey(), opened.cacheKey());
+    press(right);
+    press(vertically);
+    press(reset);
+    EXPECT_EQ(shownPicture().cacheKey(), still.cacheKey()); // a redraw would create another image
 }
 
-TEST_F(OrientationTest, theToolbarDoesWhatTheShortcutsDo)
+TEST_F(OrientationTest, theToolbarWorksLikeTheShortcuts)
 {
-    clickToolBar("rotateLeftBTN");
-    expectShown(1, false, false);
-    clickToolBar("flipVerticallyBTN");
-    expectShown(1, true, false);
-    clickToolBar("flipHorizontallyBTN");
-    expectShown(1, true, true);
-    clickToolBar("rotateRightBTN");
-    expectShown(0, true, true);
-    clickToolBar("resetBTN");
-    expectShown(0, false, false);
+    const std::pair<const char*, OrientationState> steps[]
+        = {{"rotateLeftBTN", {2}}, {"flipVerticallyBTN", {2, true, false}},
+            {"flipHorizontallyBTN", {2, true, true}}, {"rotateRightBTN", {1, true, true}}, {"resetBTN", {1}}};
+    for (const auto& [name, shown] : steps) {
+        SCOPED_TRACE(name);
+        clickToolBar(name);
+        expectShown(shown);
+    }
 }
 
 } // namespace tarnwell::test

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What users and broken tools can throw at the window, with a clear message and nothing lost.
+// Unusable input and broken tools end in an alert, and no file is lost.
 #include "app/AppDelegate.h"
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
@@ -50,26 +50,19 @@ TEST_F(BadInputTest, aProbeToolThatMisbehavesEndsInTheAlert)
     refuse("error only on standard error\\n\n");
 }
 
-TEST_F(BadInputTest, aFileThatIsNoVideoEndsInTheAlert)
+TEST_F(BadInputTest, aTextAndAnEmptyFileEndInTheAlert)
 {
     tools().useRealSniffer();
     tools().useRealCreator();
     start();
-    writeFile(folder() + "clip.mp4", "just a text\n");
-    ASSERT_TRUE(drop(folder() + "clip.mp4"));
-    expectRefusal();
+    for (const char* contents : {"just a text\n", ""}) {
+        writeFile(folder() + "clip.mp4", contents);
+        ASSERT_TRUE(drop(folder() + "clip.mp4"));
+        expectRefusal();
+    }
 }
 
-TEST_F(BadInputTest, anEmptyFileEndsInTheAlert)
-{
-    tools().useRealSniffer();
-    start();
-    writeFile(folder() + "clip.mp4", "");
-    ASSERT_TRUE(drop(folder() + "clip.mp4"));
-    expectRefusal();
-}
-
-TEST_F(BadInputTest, aFileThatVanishesBeforeTheProbeIsReportedAndRefused)
+TEST_F(BadInputTest, aFileThatIsMissingAtTheProbeIsReportedAndRefused)
 {
     tools().useRealSniffer();
     start();
@@ -101,7 +94,7 @@ TEST_F(BadInputTest, anUnstartableProbeToolPrintsALineAndEndsInTheAlert)
     expectRefusal();
 }
 
-TEST_F(BadInputTest, aFloodOfStatusLinesComesThrough)
+TEST_F(BadInputTest, aFloodOfStatusLinesLosesNoTime)
 {
     tools().setSniffer(sniffing(reportOf({.codec = "mpeg4"})));
     start();
@@ -109,7 +102,7 @@ TEST_F(BadInputTest, aFloodOfStatusLinesComesThrough)
     std::string script;
     for (int line = 0; line < 2000; ++line)
         script += "error frame=1 time=00:00:04.00 bitrate=1\\r\n";
-    // Apart from the flood, whose chunks may begin in the middle of a line.
+    // A chunk of its own: a chunk of the flood can begin in the middle of a line.
     script += "wait-until-read\nerror time=00:00:02.00\\r\n";
     tools().setCreator(script + stillScript());
     testing::internal::CaptureStdout();
@@ -119,7 +112,7 @@ TEST_F(BadInputTest, aFloodOfStatusLinesComesThrough)
     answer(alert, "OK");
 }
 
-TEST_F(BadInputTest, nothingStaysInTheTemporaryFolderAfterAnyOfThis)
+TEST_F(BadInputTest, nothingStaysInTheTemporaryFolderAfterARefusal)
 {
     start();
     openVideo();

@@ -25,14 +25,14 @@ TEST_F(ControllerTest, atTheStartTheSixEditingControlsAreOffAndTheOthersOn)
     EXPECT_FALSE(exists(folder() + "probed"));
 }
 
-TEST_F(ControllerTest, theWindowBearsTheProgramsIcon)
+TEST_F(ControllerTest, theWindowHasTheProgramsIcon)
 {
     start();
     EXPECT_TRUE(waitUntil([this] { return !window().windowIcon().isNull(); }));
     EXPECT_FALSE(window().windowIcon().pixmap(QSize(32, 32)).isNull());
 }
 
-TEST_F(ControllerTest, controlsBearTheNamesAndShortcutsThatPeopleKnow)
+TEST_F(ControllerTest, controlsHaveTheirDocumentedNamesAndShortcuts)
 {
     const std::tuple<const char*, const char*, const char*> controls[] = {
         {"openMenuBTN", "Open", "Ctrl+O"},
@@ -69,37 +69,34 @@ TEST_F(ControllerTest, aShortcutOfADisabledControlDoesNothing)
     EXPECT_TRUE(shownPicture().isNull());
 }
 
-TEST_F(ControllerTest, okEndsTheHelpSheetAndChangesNothing)
+TEST_F(ControllerTest, okAndEscapeEndTheHelpSheetAndChangeNothing)
 {
     start();
     openVideo();
     type(QKeySequence(QStringLiteral("Ctrl+L")));
     const QImage before = shownPicture();
-    type(QKeySequence(QStringLiteral("F1")));
     auto& help = find<QDialog>("helpWindow");
-    ASSERT_TRUE(waitUntil([&help] { return help.isVisible(); }));
-    waitForKeyboard(help);
-    QTest::mouseClick(&find<QPushButton>("helpOK"), Qt::LeftButton);
-    EXPECT_FALSE(help.isVisible());
-    EXPECT_EQ(shownPicture().cacheKey(), before.cacheKey());
-    waitForKeyboard(window());
+    for (const bool byEscape : {false, true, false}) {
+        SCOPED_TRACE(byEscape);
+        if (byEscape)
+            clickToolBar("helpBTN");
+        else
+            type(QKeySequence(QStringLiteral("F1")));
+        ASSERT_TRUE(waitUntil([&help] { return help.isVisible(); }));
+        waitForKeyboard(help);
+        if (byEscape)
+            QTest::keyClick(&help, Qt::Key_Escape);
+        else
+            QTest::mouseClick(&find<QPushButton>("helpOK"), Qt::LeftButton);
+        EXPECT_FALSE(help.isVisible());
+        EXPECT_EQ(shownPicture().cacheKey(), before.cacheKey());
+        waitForKeyboard(window());
+    }
     type(QKeySequence(QStringLiteral("Ctrl+R")));
     EXPECT_EQ(shownPicture().size(), stillSize);
 }
 
-TEST_F(ControllerTest, theHelpSheetComesAgainAndEscapeEndsItToo)
-{
-    start();
-    auto& help = find<QDialog>("helpWindow");
-    for (int round = 0; round < 2; ++round) {
-        clickToolBar("helpBTN");
-        ASSERT_TRUE(waitUntil([&help] { return help.isVisible(); }));
-        QTest::keyClick(&help, Qt::Key_Escape);
-        EXPECT_FALSE(help.isVisible());
-    }
-}
-
-TEST_F(ControllerTest, reopeningBringsAMinimisedWindowBackWithTheKeyboard)
+TEST_F(ControllerTest, reopeningShowsAMinimisedOrHiddenWindowWithTheKeyboard)
 {
     start();
     window().showMinimized();
@@ -107,12 +104,7 @@ TEST_F(ControllerTest, reopeningBringsAMinimisedWindowBackWithTheKeyboard)
     application().reopen();
     EXPECT_TRUE(waitUntil([this] { return window().isVisible() && !window().isMinimized(); }));
     EXPECT_TRUE(waitUntil([this] { return hasKeyboard(window()); }));
-}
-
-TEST_F(ControllerTest, reopeningBringsAHiddenWindowBackWithTheKeyboard)
-{
-    start();
-    QWidget other; // so that hiding the window is not the end of the program
+    QWidget other; // the program quits when its last window is hidden
     other.show();
     window().hide();
     application().reopen();
@@ -134,20 +126,20 @@ TEST_F(ControllerTest, reopeningOnlyRaisesAVisibleWindow)
 TEST_F(ControllerTest, aHiddenCancelButtonDoesNothing)
 {
     start();
-    // As assistive programs can press it; there is no encoder that it could end.
+    // Assistive programs can press a hidden button. There is no encoder to terminate.
     find<QPushButton>("progressCancel").click();
     openVideo();
     EXPECT_FALSE(shownPicture().isNull());
 }
 
-TEST_F(ControllerTest, quittingDuringAnAnalysisWaitsForAWindowThatTakesInput)
+TEST_F(ControllerTest, quitIsIgnoredDuringAnAnalysis)
 {
     tools().setSniffer("wait-for " + folder() + "go\n" + sniffing(reportOf({})));
     start();
     bool isAliveAfterwards = false;
     QTimer::singleShot(0, [&] {
         action("quitMenuBTN").trigger();
-        // Had the loop been left, the tool would wait for ever.
+        // If the program had left the event loop, the tool would never end.
         QTimer::singleShot(0, [&] {
             isAliveAfterwards = isProgressShown();
             writeFile(folder() + "go", "");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Another program replaces, damages or removes the open file: a save then uses the file at the path, or fails,
-// and leaves that file unchanged.
+// Another program replaces, damages or removes the open file: a save then uses the file at the path, or
+// fails, and leaves that file unchanged.
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"
@@ -34,10 +34,10 @@ protected:
         action("rotateRightBTN").trigger();
     }
 
-    /// Takes the place of the open file in one step, as programs that save a file do.
+    /// Replaces the open file by a rename, as editors do.
     void replaceBy(const std::string& path) { std::filesystem::rename(path, video()); }
 
-    /// Saves in that mode and answers the alert at the end, whose text is returned.
+    /// Saves in that mode and answers the alert at the end. Returns its text.
     QString savedBy(const char* mode)
     {
         saveByPanel(output());
@@ -55,17 +55,19 @@ protected:
         return text;
     }
 
-    void expectFailure(const char* mode)
+    void expectFailureInBothModes()
     {
-        SCOPED_TRACE(mode);
-        EXPECT_EQ(savedBy(mode), QStringLiteral("Seems like something went wrong!"));
-        EXPECT_FALSE(exists(output()));
+        for (const char* mode : {"Fix Flag", "Transcode"}) {
+            SCOPED_TRACE(mode);
+            EXPECT_EQ(savedBy(mode), QStringLiteral("Seems like something went wrong!"));
+            EXPECT_FALSE(exists(output()));
+        }
     }
 
     static QString success() { return QStringLiteral("Video Rotated Successfully!"); }
 };
 
-TEST_F(ReplacedFileTest, anotherVideoInItsPlaceIsSavedAndStaysAsItIs)
+TEST_F(ReplacedFileTest, anotherVideoInItsPlaceIsSavedAndKeepsItsBytes)
 {
     openAndTurn({});
     makeSampleVideo(folder() + "other.mp4", {.size = {400, 200}});
@@ -80,36 +82,22 @@ TEST_F(ReplacedFileTest, anotherVideoInItsPlaceIsSavedAndStaysAsItIs)
     }
 }
 
-TEST_F(ReplacedFileTest, textInItsPlaceEndsInTheAlertAndStaysAsItIs)
+TEST_F(ReplacedFileTest, aTextNothingOrAFolderInItsPlaceEndsInTheAlertAndStaysAsItIs)
 {
     openAndTurn({});
     writeFile(video(), "just a text\n");
-    expectFailure("Fix Flag");
-    expectFailure("Transcode");
+    expectFailureInBothModes();
     EXPECT_EQ(contentsOf(video()), "just a text\n");
-}
-
-TEST_F(ReplacedFileTest, nothingInItsPlaceEndsInTheAlert)
-{
-    openAndTurn({});
     std::filesystem::remove(video());
-    expectFailure("Fix Flag");
-    expectFailure("Transcode");
+    expectFailureInBothModes();
     EXPECT_FALSE(exists(video()));
-}
-
-TEST_F(ReplacedFileTest, aFolderInItsPlaceEndsInTheAlertAndStaysAsItIs)
-{
-    openAndTurn({});
-    std::filesystem::remove(video());
     std::filesystem::create_directory(video());
     writeFile(video() + "/note", "mine");
-    expectFailure("Fix Flag");
-    expectFailure("Transcode");
+    expectFailureInBothModes();
     EXPECT_EQ(contentsOf(video() + "/note"), "mine");
 }
 
-TEST_F(ReplacedFileTest, theEncoderFinishesTheVideoThatItHasBegun)
+TEST_F(ReplacedFileTest, theEncoderFinishesTheVideoThatItHasOpened)
 {
     openAndTurn({.size = {640, 360}, .seconds = 12, .codec = "mpeg4"}); // no choice of a mode
     writeFile(folder() + "other.mp4", "just a text\n");
@@ -122,7 +110,7 @@ TEST_F(ReplacedFileTest, theEncoderFinishesTheVideoThatItHasBegun)
     EXPECT_EQ(contentsOf(video()), "just a text\n");
 }
 
-TEST_F(ReplacedFileTest, aFileSpoiltBetweenReportAndStillNeitherStopsNorHangs)
+TEST_F(ReplacedFileTest, aFileReplacedBetweenReportAndStillNeitherStopsNorHangs)
 {
     writeFile(video(), "bytes");
     writeFile(folder() + "text", "just a text\n");

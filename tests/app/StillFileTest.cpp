@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The file that a still frame is written to, and its folder.
+// The file of a still frame and its folder.
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 
 #include <filesystem>
-#include <memory>
 #include <sstream>
 #include <sys/stat.h>
 
@@ -50,51 +49,31 @@ protected:
     }
 };
 
-TEST_F(StillFileTest, everyExtractionOfARunUsesTheSamePathInAnEmptyFolder)
-{
-    start();
-    openVideo();
-    openVideo();
-    EXPECT_EQ(stillPaths(), std::vector<std::string>(4, stillFolder() + "/posterFrame.jpg"));
-    EXPECT_EQ(listings(), std::vector<std::string>(4, ""));
-    EXPECT_TRUE(namesIn(stillFolder()).empty());
-}
-
-TEST_F(StillFileTest, theFolderIsPrivateAndStandsInTheTemporaryFolder)
-{
-    start();
-    openVideo();
-    struct stat status = {};
-    ASSERT_EQ(::stat(stillFolder().c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0700U);
-    EXPECT_EQ(std::filesystem::path(stillFolder()).parent_path(), ownTemporaryFolder());
-}
-
-TEST_F(StillFileTest, theFolderIsCreatedAtTheFirstExtraction)
+TEST_F(StillFileTest, theFolderIsPrivateFromTheFirstExtractionToTheEnd)
 {
     const auto before = namesIn(ownTemporaryFolder());
     start();
     EXPECT_EQ(namesIn(ownTemporaryFolder()), before);
     openVideo();
     EXPECT_EQ(namesIn(ownTemporaryFolder()).size(), before.size() + 1);
-}
-
-TEST_F(StillFileTest, theFolderIsRemovedAtTheEnd)
-{
-    start();
-    openVideo();
-    ASSERT_TRUE(exists(stillFolder()));
+    struct stat status = {};
+    ASSERT_EQ(::stat(stillFolder().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0700U);
+    EXPECT_EQ(std::filesystem::path(stillFolder()).parent_path(), ownTemporaryFolder());
     quit();
     EXPECT_FALSE(exists(stillFolder()));
 }
 
-TEST_F(StillFileTest, aFolderThatWasRemovedIsCreatedAgainAtTheSamePath)
+TEST_F(StillFileTest, everyExtractionUsesTheSamePathInAnEmptyFolderEvenAfterItsRemoval)
 {
     start();
     openVideo();
+    openVideo();
+    EXPECT_TRUE(namesIn(stillFolder()).empty());
     std::filesystem::remove_all(stillFolder());
     openVideo();
-    EXPECT_EQ(stillPaths(), std::vector<std::string>(4, stillFolder() + "/posterFrame.jpg"));
+    EXPECT_EQ(stillPaths(), std::vector<std::string>(6, stillFolder() + "/posterFrame.jpg"));
+    EXPECT_EQ(listings(), std::vector<std::string>(6, ""));
     quit();
     EXPECT_FALSE(exists(stillFolder()));
 }

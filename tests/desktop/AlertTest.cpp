@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace tarnwell::test
@@ -41,7 +42,7 @@ protected:
 
     static QStringList modeButtons() { return {QStringLiteral("Fix Flag"), QStringLiteral("Transcode")}; }
 
-    /// Shows the alert and waits until it has the keyboard; its answers are collected.
+    /// Shows the alert, waits until it has the keyboard and collects its responses.
     void show(const Alert& alert)
     {
         alert.beginSheetModal(m_window, m_sheets, [this](int response) { m_responses.push_back(response); });
@@ -60,7 +61,7 @@ protected:
         return *m_box->buttons().first();
     }
 
-    /// The buttons' texts from left to right, as they are on the screen.
+    /// The texts of the visible buttons from left to right.
     QStringList shownButtons() const
     {
         std::map<int, QString> byPlace;
@@ -82,28 +83,20 @@ protected:
     std::vector<int> m_responses;
 };
 
-TEST_F(AlertTest, showsItsTexts)
+TEST_F(AlertTest, showsItsTextsLiterally)
 {
+    const QString message = QStringLiteral("First <b>line</b>.\nSecond & last line?");
+    const QString information = QStringLiteral("Contact : someone@example.org <a href='x'>desk</a>");
     Alert alert;
-    alert.setMessageText(QStringLiteral("First line.\nSecond line?"));
-    alert.setInformativeText(QStringLiteral("Contact : someone@example.org"));
+    alert.setMessageText(message);
+    alert.setInformativeText(information);
     show(alert);
-    EXPECT_EQ(label("alertMessage").text(), QStringLiteral("First line.\nSecond line?"));
-    EXPECT_TRUE(label("alertMessage").isVisible());
-    EXPECT_EQ(label("alertInformation").text(), QStringLiteral("Contact : someone@example.org"));
-    EXPECT_TRUE(label("alertInformation").isVisible());
-    EXPECT_EQ(m_box->windowTitle(), m_window.windowTitle());
-}
-
-TEST_F(AlertTest, takesItsTextsLiterally)
-{
-    Alert alert;
-    alert.setMessageText(QStringLiteral("<b>bold</b> & <i>slanted</i>"));
-    alert.setInformativeText(QStringLiteral("Contact : <b>Help</b> <a href='x'>desk</a>"));
-    show(alert);
-    for (const char* name : {"alertMessage", "alertInformation"}) {
+    for (const auto& [name, text] : {std::pair("alertMessage", message), {"alertInformation", information}}) {
+        EXPECT_EQ(label(name).text(), text);
         EXPECT_EQ(label(name).textFormat(), Qt::PlainText) << name;
+        EXPECT_TRUE(label(name).isVisible());
     }
+    EXPECT_EQ(m_box->windowTitle(), m_window.windowTitle());
 }
 
 TEST_F(AlertTest, wrapsLongTextsAtAReadableWidthAndShowsThemInWhole)
@@ -119,7 +112,7 @@ TEST_F(AlertTest, wrapsLongTextsAtAReadableWidthAndShowsThemInWhole)
     EXPECT_LE(text.geometry().bottom(), button(resultButtons().first()).geometry().top());
 }
 
-TEST_F(AlertTest, theTextsStandBesideTheIconHoweverWideTheButtonsAre)
+TEST_F(AlertTest, theTextsAreBesideTheIconWithWideButtons)
 {
     show(alertWithButtons({QStringLiteral("A button with a text much longer than the message"),
         QStringLiteral("Another button with a long text")}));
@@ -130,7 +123,7 @@ TEST_F(AlertTest, theTextsStandBesideTheIconHoweverWideTheButtonsAre)
     EXPECT_EQ(text.top(), icon.top());
 }
 
-TEST_F(AlertTest, isAnAlertToAssistiveToolsAndSaysBothTexts)
+TEST_F(AlertTest, hasTheAccessibleRoleOfAnAlertAndBothTexts)
 {
     Alert alert = alertWithButtons(modeButtons());
     alert.setMessageText(QStringLiteral("First line.\nSecond line?"));
@@ -148,15 +141,13 @@ TEST_F(AlertTest, isAnAlertToAssistiveToolsAndSaysBothTexts)
     }
 }
 
-TEST_F(AlertTest, isAWarningWhereNoStyleIsSet)
-{
-    show(alertWithButtons({}));
-    EXPECT_EQ(m_box->alertStyle(), Alert::Style::Warning);
-}
-
-TEST_F(AlertTest, showsTheIconOfItsStyle)
+TEST_F(AlertTest, isAWarningByDefaultAndShowsTheIconOfItsStyle)
 {
     Alert alert = alertWithButtons({});
+    show(alert);
+    EXPECT_EQ(m_box->alertStyle(), Alert::Style::Warning);
+    realKeys("Return");
+    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
     alert.setStyle(Alert::Style::Informational);
     show(alert);
     EXPECT_EQ(m_box->alertStyle(), Alert::Style::Informational);
@@ -164,19 +155,7 @@ TEST_F(AlertTest, showsTheIconOfItsStyle)
     EXPECT_FALSE(label("alertIcon").pixmap(Qt::ReturnByValue).isNull());
 }
 
-TEST_F(AlertTest, showsTwoButtonsInTheOrderInWhichTheyWereAdded)
-{
-    show(alertWithButtons(modeButtons()));
-    EXPECT_EQ(shownButtons(), modeButtons());
-}
-
-TEST_F(AlertTest, showsThreeButtonsInTheOrderInWhichTheyWereAdded)
-{
-    show(alertWithButtons(resultButtons()));
-    EXPECT_EQ(shownButtons(), resultButtons());
-}
-
-/// Orders a dialog's buttons as one of the desktops does.
+/// The button order of a desktop.
 class ButtonLayoutStyle : public QProxyStyle
 {
 public:
@@ -212,41 +191,63 @@ TEST_F(AlertTest, theOrderOfItsButtonsIsTheSameOnEveryDesktop)
     EXPECT_EQ(m_responses, (std::vector{1002, 1002, 1002, 1002}));
 }
 
-TEST_F(AlertTest, answersWithThePlaceOfTheClickedButton)
+struct Press {
+    const char* name;
+    QStringList buttons;
+    const char* input; // a key, the text of a button to click, or "close" for a request to close
+    int response;
+};
+
+void PrintTo(const Press& press, std::ostream* stream)
 {
-    for (const QString& text : resultButtons()) {
-        show(alertWithButtons(resultButtons()));
-        realClick(button(text));
-        EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); })) << "the box outlives its answer";
-    }
-    EXPECT_EQ(m_responses, (std::vector{1000, 1001, 1002}));
+    *stream << press.name;
+}
+
+class AlertAnswerTest : public AlertTest, public testing::WithParamInterface<Press>
+{
+public:
+    static QStringList modes() { return modeButtons(); }
+    static QStringList results() { return resultButtons(); }
+};
+
+TEST_P(AlertAnswerTest, isThePlaceOfTheButtonInItsOrder)
+{
+    const Press& press = GetParam();
+    const QString input = QString::fromLatin1(press.input);
+    show(alertWithButtons(press.buttons));
+    EXPECT_EQ(shownButtons(), press.buttons.isEmpty() ? QStringList(QStringLiteral("OK")) : press.buttons);
+    if (press.buttons.contains(input))
+        realClick(button(input));
+    else if (input == QStringLiteral("close"))
+        m_box->windowHandle()->close();
+    else
+        realKeys(press.input);
+    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); })) << "the dialog is not destroyed";
+    EXPECT_EQ(m_responses, std::vector{press.response});
+}
+
+INSTANTIATE_TEST_SUITE_P(input, AlertAnswerTest,
+    testing::Values(Press{"aClickOnTheFirst", AlertAnswerTest::results(), "OK", Alert::firstButtonResponse},
+        Press{"aClickOnTheSecond", AlertAnswerTest::results(), "Show in Finder", Alert::secondButtonResponse},
+        Press{"aClickOnTheThird", AlertAnswerTest::results(), "Launch Video in QuickTime",
+            Alert::thirdButtonResponse},
+        Press{"aClickOnTheSecondOfTwo", AlertAnswerTest::modes(), "Transcode", 1001},
+        Press{"returnWithTwoButtons", AlertAnswerTest::modes(), "Return", 1000},
+        Press{"returnWithThreeButtons", AlertAnswerTest::results(), "Return", 1000},
+        Press{"returnWithTheButtonOfAnAlertWithoutButtons", {}, "Return", 1000},
+        Press{"escapeWithOkAsTheFirst", AlertAnswerTest::results(), "Escape", 1000},
+        Press{"escapeWithOkAsTheSecond", {QStringLiteral("Reveal"), QStringLiteral("OK")}, "Escape", 1001},
+        Press{"aRequestToCloseWithOk", AlertAnswerTest::results(), "close", 1000}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(AlertTest, theResponsesStartAtAThousand)
+{
     EXPECT_EQ(Alert::firstButtonResponse, 1000);
     EXPECT_EQ(Alert::secondButtonResponse, 1001);
     EXPECT_EQ(Alert::thirdButtonResponse, 1002);
 }
 
-TEST_F(AlertTest, returnPressesTheFirstButton)
-{
-    for (const QStringList& buttons : {modeButtons(), resultButtons()}) {
-        show(alertWithButtons(buttons));
-        realKeys("Return");
-        EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
-    }
-    EXPECT_EQ(m_responses, (std::vector{1000, 1000}));
-}
-
-TEST_F(AlertTest, escapePressesOkWhereverItStands)
-{
-    show(alertWithButtons(resultButtons()));
-    realKeys("Escape");
-    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
-    show(alertWithButtons({QStringLiteral("Reveal"), QStringLiteral("OK")}));
-    realKeys("Escape");
-    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
-    EXPECT_EQ(m_responses, (std::vector{1000, 1001}));
-}
-
-TEST_F(AlertTest, escapeAndARequestToCloseDoNothingWhereNoButtonSaysOk)
+TEST_F(AlertTest, escapeAndARequestToCloseDoNothingWithoutAnOkButton)
 {
     show(alertWithButtons(modeButtons()));
     realKeys("Escape");
@@ -257,23 +258,6 @@ TEST_F(AlertTest, escapeAndARequestToCloseDoNothingWhereNoButtonSaysOk)
     EXPECT_TRUE(m_responses.empty());
     realClick(button(QStringLiteral("Transcode")));
     EXPECT_EQ(m_responses, std::vector{1001});
-}
-
-TEST_F(AlertTest, aRequestToClosePressesOk)
-{
-    show(alertWithButtons(resultButtons()));
-    m_box->windowHandle()->close();
-    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
-    EXPECT_EQ(m_responses, std::vector{1000});
-}
-
-TEST_F(AlertTest, hasAnOkButtonWhereNoneWasAdded)
-{
-    show(alertWithButtons({}));
-    EXPECT_EQ(shownButtons(), QStringList(QStringLiteral("OK")));
-    realKeys("Return");
-    EXPECT_TRUE(waitUntil([this] { return m_box.isNull(); }));
-    EXPECT_EQ(m_responses, std::vector{1000});
 }
 
 TEST_F(AlertTest, blocksItsWindowUntilItIsAnswered)

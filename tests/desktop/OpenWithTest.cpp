@@ -11,6 +11,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace tarnwell::test
 {
@@ -32,12 +33,12 @@ protected:
         EXPECT_TRUE(waitForEnd(m_process));
     }
 
-    /// The path of a program that writes its name and its arguments down, one a line.
+    /// Adds a program that records its name and its arguments, one per line. Returns its path.
     std::string addProgram(const std::string& name) const
     {
         const std::string path = m_folder.path() + name;
         const std::string part = recordPath() + ".part";
-        // Renamed only when it is complete: the test waits for the file.
+        // The rename makes the file complete when the test sees it.
         writeFile(path,
             "#!/bin/sh\nprintf '%s\\n' " + name + " \"$@\" >'" + part + "'\nmv '" + part + "' '"
                 + recordPath() + "'\n");
@@ -45,23 +46,18 @@ protected:
         return path;
     }
 
-    std::string execOf(const std::string& program, const std::string& codes) const
-    {
-        return "Exec=" + addProgram(program) + " " + codes + "\n";
-    }
-
     std::string recordPath() const { return m_folder.path() + "arguments"; }
     std::string file(const std::string& name = "clip.mp4") const { return m_folder.path() + name; }
 
-    /// What the program of the test has written down.
+    /// Waits for the record of the program and returns it.
     std::string started()
     {
         EXPECT_TRUE(waitUntil([this] { return exists(recordPath()); })) << "no program was started";
         return exists(recordPath()) ? contentsOf(recordPath()) : std::string();
     }
 
-    /// Opens the file and waits until that has been asked for; the addresses that went to the default
-    /// application instead, each with a line feed.
+    /// Opens the file and waits for the end of the call. Returns the URLs that were opened with the default
+    /// application, one per line.
     std::string open(const std::string& path)
     {
         auto environment = m_folders.environment();
@@ -88,119 +84,113 @@ private:
     QProcess m_process;
 };
 
-TEST_F(OpenWithTest, startsTheApplicationOfThatNameWithThePath)
+struct Entry {
+    const char* file; // below the folder of applications; "system/" for that of the system
+    std::string text; // "PROGRAM" stands for the path of a program that records its arguments
+};
+
+struct Desktop {
+    const char* name;
+    std::vector<Entry> entries;
+    std::string recorded; // by the program, before the line with the path; empty: the default application
+    const char* fileName = "my clip.mp4";
+    QString locale = QStringLiteral("C.UTF-8");
+};
+
+void PrintTo(const Desktop& desktop, std::ostream* stream)
 {
-    m_folders.addUserEntry("other.desktop", "Name=Other\n" + execOf("other", "%f"));
-    m_folders.addUserEntry("player.desktop", playerName + execOf("player", "--play %f"));
-    const std::string path = file("my \"clip\" $HOME % %f ä.mp4");
-    EXPECT_EQ(open(path), "");
-    EXPECT_EQ(started(), "player\n--play\n" + path + "\n");
+    *stream << desktop.name;
 }
 
-TEST_F(OpenWithTest, passesANameThatIsNoUtf8Unchanged)
+class OpenWithEntryTest : public OpenWithTest, public testing::WithParamInterface<Desktop>
 {
-    m_folders.addUserEntry("player.desktop", playerName + execOf("player", "%f"));
-    const std::string path = file("caf\xe9 \xff\xfe.mp4");
-    EXPECT_EQ(open(path), "");
-    EXPECT_EQ(started(), "player\n" + path + "\n");
+protected:
+    void addEntry(const Entry& entry)
+    {
+        const std::string system = "system/";
+        std::string text = entry.text;
+        const std::string mark = "PROGRAM";
+        const std::string program = addProgram("player");
+        if (const auto place = text.find(mark); place != std::string::npos)
+            text.replace(place, mark.size(), program);
+        const std::string file = entry.file;
+        if (file.starts_with(system))
+            m_folders.addSystemEntry(file.substr(system.size()), text);
+        else
+            m_folders.addUserEntry(file, text);
+    }
+};
+
+TEST_P(OpenWithEntryTest, decidesWhichApplicationIsStarted)
+{
+    const Desktop& desktop = GetParam();
+    m_locale = desktop.locale;
+    for (const Entry& entry : desktop.entries)
+        addEntry(entry);
+    const std::string path = file(desktop.fileName);
+    if (desktop.recorded.empty()) {
+        EXPECT_EQ(open(path), FileURL(path).absoluteString() + "\n");
+    } else {
+        EXPECT_EQ(open(path), "");
+        EXPECT_EQ(started(), desktop.recorded + path + "\n");
+    }
 }
 
-TEST_F(OpenWithTest, passesALocalPathToAnApplicationThatTakesAddresses)
-{
-    m_folders.addUserEntry("player.desktop", playerName + execOf("player", "%U"));
-    const std::string path = file("my clip \xc3\xa4 \xff.mp4");
-    EXPECT_EQ(open(path), "");
-    EXPECT_EQ(started(), "player\n" + path + "\n");
-}
+const QString german = QStringLiteral("de_DE.UTF-8");
 
-TEST_F(OpenWithTest, appendsThePathWhereTheEntryHasNoFieldCode)
-{
-    m_folders.addUserEntry("player.desktop", playerName + execOf("player", "--play"));
-    EXPECT_EQ(open(file()), "");
-    EXPECT_EQ(started(), "player\n--play\n" + file() + "\n");
-}
+INSTANTIATE_TEST_SUITE_P(started, OpenWithEntryTest,
+    testing::Values(Desktop{"theApplicationOfThatName",
+                        {{"other.desktop", "Name=Other\nExec=PROGRAM other %f\n"},
+                            {"player.desktop", playerName + "Exec=PROGRAM --play %f\n"}},
+                        "player\n--play\n", "my \"clip\" $HOME % %f ä.mp4"},
+        Desktop{"withANameThatIsNoUtf8", {{"player.desktop", playerName + "Exec=PROGRAM %f\n"}}, "player\n",
+            "caf\xe9 \xff\xfe.mp4"},
+        Desktop{"withALocalPathWhereItTakesUrls", {{"player.desktop", playerName + "Exec=PROGRAM %U\n"}},
+            "player\n", "my clip \xc3\xa4 \xff.mp4"},
+        Desktop{"withThePathAppendedWithoutAFieldCode",
+            {{"player.desktop", playerName + "Exec=PROGRAM --play\n"}}, "player\n--play\n"},
+        Desktop{"fromTheSystemsEntries", {{"system/vendor/player.desktop", playerName + "Exec=PROGRAM %f\n"}},
+            "player\n"},
+        Desktop{"fromTheUsersEntryOfTheSameId",
+            {{"system/player.desktop", playerName + "Exec=PROGRAM ofSystem %f\n"},
+                {"player.desktop", playerName + "Exec=PROGRAM ofUser %f\n"}},
+            "player\nofUser\n"},
+        Desktop{"fromAnEntryThatMenusDoNotShow",
+            {{"player.desktop", playerName + "NoDisplay=true\nExec=PROGRAM %f\n"}}, "player\n"},
+        Desktop{"byTheUntranslatedName",
+            {{"player.desktop", playerName + "Name[de]=Abspieler\nExec=PROGRAM %f\n"}}, "player\n",
+            "my clip.mp4", german},
+        Desktop{"byTheNameInTheUsersLanguage",
+            {{"player.desktop", "Name=Other\nName[de]=QuickTime Player\nExec=PROGRAM %f\n"}}, "player\n",
+            "my clip.mp4", german}),
+    [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(OpenWithTest, findsTheSystemsApplicationsToo)
-{
-    m_folders.addSystemEntry("vendor/player.desktop", playerName + execOf("player", "%f"));
-    EXPECT_EQ(open(file()), "");
-    EXPECT_EQ(started(), "player\n" + file() + "\n");
-}
-
-TEST_F(OpenWithTest, anEntryOfTheUserReplacesTheSystemsEntryOfTheSameId)
-{
-    m_folders.addSystemEntry("player.desktop", playerName + execOf("ofSystem", "%f"));
-    m_folders.addUserEntry("player.desktop", playerName + execOf("ofUser", "%f"));
-    EXPECT_EQ(open(file()), "");
-    EXPECT_EQ(started(), "ofUser\n" + file() + "\n");
-}
-
-TEST_F(OpenWithTest, anEntryHiddenByTheUserHidesTheSystemsEntryOfTheSameId)
-{
-    m_folders.addSystemEntry("player.desktop", playerName + execOf("player", "%f"));
-    m_folders.addUserEntry("player.desktop", "Hidden=true\n");
-    EXPECT_EQ(open(file()), "file://" + file() + "\n");
-}
-
-TEST_F(OpenWithTest, anEntryThatMenusDoNotShowIsAnApplication)
-{
-    m_folders.addUserEntry("player.desktop", playerName + "NoDisplay=true\n" + execOf("player", "%f"));
-    EXPECT_EQ(open(file()), "");
-    EXPECT_EQ(started(), "player\n" + file() + "\n");
-}
-
-TEST_F(OpenWithTest, theUntranslatedNameCountsInEveryLanguage)
-{
-    m_locale = QStringLiteral("de_DE.UTF-8");
-    m_folders.addUserEntry("player.desktop", playerName + "Name[de]=Abspieler\n" + execOf("player", "%f"));
-    EXPECT_EQ(open(file()), "");
-    EXPECT_EQ(started(), "player\n" + file() + "\n");
-}
-
-TEST_F(OpenWithTest, theNameInTheUsersLanguageCounts)
-{
-    m_locale = QStringLiteral("de_DE.UTF-8");
-    m_folders.addUserEntry(
-        "player.desktop", "Name=Other\nName[de]=QuickTime Player\n" + execOf("player", "%f"));
-    EXPECT_EQ(open(file()), "");
-    EXPECT_EQ(started(), "player\n" + file() + "\n");
-}
-
-TEST_F(OpenWithTest, onlyExactlyThatNameCounts)
-{
-    m_folders.addUserEntry("a.desktop", "Name=QuickTime Player Deluxe\n" + execOf("deluxe", "%f"));
-    m_folders.addUserEntry("b.desktop", "Name=quicktime player\n" + execOf("lower", "%f"));
-    m_folders.addUserEntry(
-        "c.desktop", "Name=Other\nGenericName=QuickTime Player\n" + execOf("generic", "%f"));
-    m_folders.addUserEntry("d.desktop",
-        "Name=Suite\n" + execOf("suite", "%f")
-            + "Actions=play;\n[Desktop Action play]\nName=QuickTime Player\nExec=true\n");
-    EXPECT_EQ(open(file()), "file://" + file() + "\n");
-}
-
-TEST_F(OpenWithTest, usesTheDefaultApplicationWhereNoneHasTheName)
-{
-    EXPECT_EQ(open(file("my clip.mp4")), FileURL(file("my clip.mp4")).absoluteString() + "\n");
-}
-
-TEST_F(OpenWithTest, usesTheDefaultApplicationWhereTheProgramIsNotInstalled)
-{
-    m_folders.addUserEntry("player.desktop", playerName + "Exec=" + file("missing") + " %f\n");
-    EXPECT_EQ(open(file()), "file://" + file() + "\n");
-}
-
-TEST_F(OpenWithTest, usesTheDefaultApplicationWhereTheProgramCannotBeStarted)
-{
-    m_folders.addUserEntry("player.desktop", playerName + execOf("player", "%f") + "Path=/nonexistent\n");
-    EXPECT_EQ(open(file()), "file://" + file() + "\n");
-}
+INSTANTIATE_TEST_SUITE_P(theDefaultApplication, OpenWithEntryTest,
+    testing::Values(Desktop{"withoutEntries", {}, ""},
+        Desktop{"withAnEntryThatTheUserHides",
+            {{"system/player.desktop", playerName + "Exec=PROGRAM %f\n"},
+                {"player.desktop", "Hidden=true\n"}},
+            ""},
+        Desktop{"withSimilarNames",
+            {{"a.desktop", "Name=QuickTime Player Deluxe\nExec=PROGRAM %f\n"},
+                {"b.desktop", "Name=quicktime player\nExec=PROGRAM %f\n"},
+                {"c.desktop", "Name=Other\nGenericName=QuickTime Player\nExec=PROGRAM %f\n"},
+                {"d.desktop",
+                    "Name=Suite\nExec=PROGRAM %f\nActions=play;\n[Desktop Action play]\n"
+                    "Name=QuickTime Player\nExec=true\n"}},
+            ""},
+        Desktop{"withAProgramThatIsNotInstalled",
+            {{"player.desktop", playerName + "Exec=/nonexistent/player %f\n"}}, ""},
+        Desktop{"withAProgramThatCannotBeStarted",
+            {{"player.desktop", playerName + "Exec=PROGRAM %f\nPath=/nonexistent\n"}}, ""}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(OpenWithTest, asksAnApplicationThatTheBusActivatesToOpenTheAddress)
 {
     const BusService player(
         QStringLiteral("org.example.Player"), QStringLiteral("/org/example/Player"), BusService::emptyReply);
-    m_folders.addUserEntry(
-        "org.example.Player.desktop", playerName + "DBusActivatable=true\n" + execOf("player", "%f"));
+    m_folders.addUserEntry("org.example.Player.desktop",
+        playerName + "DBusActivatable=true\nExec=" + addProgram("player") + " %f\n");
     EXPECT_EQ(open(file("my clip.mp4")), "");
     ASSERT_TRUE(waitUntil([&] { return !player.calls().isEmpty(); }));
     const QDBusMessage call = player.calls().first();

@@ -11,7 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace tarnwell::test
 {
@@ -32,7 +34,7 @@ protected:
         waitForKeyboard(m_sheet);
     }
 
-    /// What the window manager's request to close it leads to.
+    /// Closes the sheet like a request of the window manager.
     void requestClose()
     {
         m_sheet.windowHandle()->close();
@@ -58,25 +60,39 @@ TEST_F(SheetTest, blocksItsWindowAndNothingElse)
     EXPECT_EQ(m_window.clicks(), 0);
 }
 
-TEST_F(SheetTest, escapePressesTheEscapeButton)
+TEST_F(SheetTest, escapeAndARequestToClosePressTheEscapeButtonAndDoNotEndTheSheet)
 {
     m_sheet.setEscapeButton(&m_button);
     open();
     realKeys("Escape");
     EXPECT_EQ(m_clicks, 1);
-    EXPECT_TRUE(m_sheet.isVisible()) << "only its owner ends it";
-}
-
-TEST_F(SheetTest, aRequestToClosePressesTheEscapeButton)
-{
-    m_sheet.setEscapeButton(&m_button);
-    open();
+    EXPECT_TRUE(m_sheet.isVisible());
     requestClose();
-    EXPECT_EQ(m_clicks, 1);
+    EXPECT_EQ(m_clicks, 2);
     EXPECT_TRUE(m_sheet.isVisible());
 }
 
-TEST_F(SheetTest, saysWhatItsDescribingLabelSays)
+TEST_F(SheetTest, staysUnlessItsEscapeButtonCanBePressed)
+{
+    auto destroyed = std::make_unique<QPushButton>(&m_sheet);
+    const std::pair<const char*, std::function<void()>> buttons[] = {
+        {"none", [] {}},
+        {"destroyed", [&] { m_sheet.setEscapeButton(destroyed.get()), destroyed.reset(); }},
+        {"hidden", [&] { m_sheet.setEscapeButton(&m_button), m_button.hide(); }},
+        {"disabled", [&] { m_button.show(), m_button.setEnabled(false); }},
+    };
+    open();
+    for (const auto& [name, setUp] : buttons) {
+        SCOPED_TRACE(name);
+        setUp();
+        realKeys("Escape");
+        requestClose();
+        EXPECT_EQ(m_clicks, 0);
+        EXPECT_TRUE(m_sheet.isVisible());
+    }
+}
+
+TEST_F(SheetTest, hasTheDescriptionOfItsLabel)
 {
     QLabel label(&m_sheet);
     label.setAccessibleName(QStringLiteral("Title"));
@@ -94,48 +110,7 @@ TEST_F(SheetTest, saysWhatItsDescribingLabelSays)
     }
 }
 
-TEST_F(SheetTest, staysWithoutAnEscapeButton)
-{
-    open();
-    realKeys("Escape");
-    requestClose();
-    EXPECT_EQ(m_clicks, 0);
-    EXPECT_TRUE(m_sheet.isVisible());
-}
-
-TEST_F(SheetTest, doesNotPressAHiddenEscapeButton)
-{
-    m_button.hide();
-    m_sheet.setEscapeButton(&m_button);
-    open();
-    realKeys("Escape");
-    requestClose();
-    EXPECT_EQ(m_clicks, 0);
-    EXPECT_TRUE(m_sheet.isVisible());
-}
-
-TEST_F(SheetTest, doesNotPressADisabledEscapeButton)
-{
-    m_button.setEnabled(false);
-    m_sheet.setEscapeButton(&m_button);
-    open();
-    realKeys("Escape");
-    requestClose();
-    EXPECT_EQ(m_clicks, 0);
-    EXPECT_TRUE(m_sheet.isVisible());
-}
-
-TEST_F(SheetTest, staysWhenItsEscapeButtonHasBeenDestroyed)
-{
-    auto button = std::make_unique<QPushButton>(&m_sheet);
-    m_sheet.setEscapeButton(button.get());
-    button.reset();
-    open();
-    realKeys("Escape");
-    EXPECT_TRUE(m_sheet.isVisible());
-}
-
-TEST_F(SheetTest, itsOwnerEndsIt)
+TEST_F(SheetTest, doneClosesItAndUnblocksItsWindow)
 {
     open();
     m_sheet.done(QDialog::Accepted);

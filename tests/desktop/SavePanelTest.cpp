@@ -16,42 +16,34 @@ class SavePanelTest : public PanelTest
 {
 };
 
-TEST_F(SavePanelTest, proposesTheNameAndAddsTheExtension)
+TEST_F(SavePanelTest, proposesTheNameAndAddsTheExtensionByReturnAndByTheButton)
 {
-    beginSave("Rotated and Flipped");
-    EXPECT_EQ(nameField().text(), QStringLiteral("Rotated and Flipped"));
-    realKeys("Return");
-    EXPECT_EQ(answer(), folder() + "Rotated and Flipped.mp4");
+    for (const bool byButton : {false, true}) {
+        beginSave("Rotated and Flipped");
+        EXPECT_EQ(nameField().text(), QStringLiteral("Rotated and Flipped"));
+        byButton ? realClick(acceptButton()) : realKeys("Return");
+        EXPECT_EQ(answer(), folder() + "Rotated and Flipped.mp4");
+        forgetAnswers();
+    }
 }
 
-TEST_F(SavePanelTest, isAnsweredByItsButtonToo)
-{
-    beginSave("Flipped");
-    realClick(acceptButton());
-    EXPECT_EQ(answer(), folder() + "Flipped.mp4");
-}
-
-TEST_F(SavePanelTest, takesANameTypedOverTheProposal)
+TEST_F(SavePanelTest, theProposalIsSelectedAndATypedNameReplacesIt)
 {
     beginSave();
-    // The proposal is selected, as it is where one is to be typed over.
+    EXPECT_TRUE(nameField().hasFocus());
     realText("Holiday");
-    realKeys("Return");
+    realKeys("Return"); // once
     EXPECT_EQ(answer(), folder() + "Holiday.mp4");
 }
 
-TEST_F(SavePanelTest, cancelChoosesNothing)
+TEST_F(SavePanelTest, cancelAndEscapeChooseNothing)
 {
-    beginSave();
-    realClick(cancelButton());
-    EXPECT_EQ(answer(), std::nullopt);
-}
-
-TEST_F(SavePanelTest, escapeChoosesNothing)
-{
-    beginSave();
-    realKeys("Escape");
-    EXPECT_EQ(answer(), std::nullopt);
+    for (const bool byButton : {false, true}) {
+        beginSave();
+        byButton ? realClick(cancelButton()) : realKeys("Escape");
+        EXPECT_EQ(answer(), std::nullopt);
+        forgetAnswers();
+    }
 }
 
 struct TypedName {
@@ -119,28 +111,22 @@ TEST_F(SavePanelTest, anAbsolutePathMayBeTyped)
     EXPECT_EQ(answer(), other.path() + "Clip.mp4");
 }
 
-TEST_F(SavePanelTest, theNameOfAFolderLeadsIntoIt)
+TEST_F(SavePanelTest, theNameOfAFolderOpensTheFolder)
 {
     makeFolder("sub");
+    makeFolder("sub/deeper");
     beginSave();
     enter(QStringLiteral("sub"));
-    ASSERT_TRUE(isPanelUp());
     EXPECT_EQ(shownFolder(), folder() + "sub/");
+    enter(QStringLiteral("deeper/"));
+    ASSERT_TRUE(isPanelUp());
+    EXPECT_EQ(shownFolder(), folder() + "sub/deeper/");
     EXPECT_FALSE(isAnswered());
     enter(QStringLiteral("Clip"));
-    EXPECT_EQ(answer(), folder() + "sub/Clip.mp4");
+    EXPECT_EQ(answer(), folder() + "sub/deeper/Clip.mp4");
 }
 
-TEST_F(SavePanelTest, theNameOfAFolderWithASlashLeadsIntoIt)
-{
-    makeFolder("sub");
-    beginSave();
-    enter(QStringLiteral("sub/"));
-    EXPECT_EQ(shownFolder(), folder() + "sub/");
-    EXPECT_FALSE(isAnswered());
-}
-
-TEST_F(SavePanelTest, aMissingFolderIsSaidAndNotChosen)
+TEST_F(SavePanelTest, aMissingFolderIsReportedAndNotChosen)
 {
     for (const char* name : {"missing/", "missing/Clip"}) {
         SCOPED_TRACE(name);
@@ -148,7 +134,8 @@ TEST_F(SavePanelTest, aMissingFolderIsSaidAndNotChosen)
         nextQuestionGets(QMessageBox::Ok);
         enter(QString::fromLatin1(name));
         waitForAnsweredQuestion();
-        EXPECT_TRUE(questions().last().contains(QStringLiteral("missing")));
+        EXPECT_TRUE(questions().last().contains(QStringLiteral("missing” does not exist")))
+            << questions().last().toStdString();
         EXPECT_FALSE(isAnswered());
         realKeys("Escape");
         EXPECT_EQ(answer(), std::nullopt);
@@ -168,7 +155,7 @@ TEST_F(SavePanelTest, aFolderThatCannotBeWrittenIsNotSavedIn)
     uid_t effective = 0;
     uid_t saved = 0;
     ASSERT_EQ(::getresuid(&real, &effective, &saved), 0);
-    if (real == 0) { // whom no folder is closed to
+    if (real == 0) { // root can write everywhere
         ASSERT_EQ(::setresuid(65534, effective, saved), 0);
     }
     static_cast<QDialog&>(panel()).accept();
@@ -202,7 +189,7 @@ TEST_F(SavePanelTest, noNameChoosesNothing)
     EXPECT_FALSE(isAnswered());
 }
 
-TEST_F(SavePanelTest, anExistingFileIsReplacedOnlyAfterAYes)
+TEST_F(SavePanelTest, anExistingFileIsReplacedOnlyAfterYes)
 {
     makeFile("Rotated.mp4");
     beginSave();
@@ -216,26 +203,19 @@ TEST_F(SavePanelTest, anExistingFileIsReplacedOnlyAfterAYes)
 TEST_F(SavePanelTest, aNoKeepsThePanelOpen)
 {
     makeFile("Rotated.mp4");
-    beginSave();
-    nextQuestionGets(QMessageBox::No);
-    realKeys("Return");
-    waitForAnsweredQuestion();
-    EXPECT_EQ(questions().size(), 1);
-    EXPECT_TRUE(isPanelUp());
-    EXPECT_FALSE(isAnswered());
-    enter(QStringLiteral("Other"));
-    EXPECT_EQ(answer(), folder() + "Other.mp4");
-}
-
-TEST_F(SavePanelTest, cancelAfterANoChoosesNothing)
-{
-    makeFile("Rotated.mp4");
-    beginSave();
-    nextQuestionGets(QMessageBox::No);
-    realKeys("Return");
-    waitForAnsweredQuestion();
-    realKeys("Escape");
-    EXPECT_EQ(answer(), std::nullopt);
+    for (const bool isCancelled : {false, true}) {
+        SCOPED_TRACE(isCancelled);
+        beginSave();
+        nextQuestionGets(QMessageBox::No);
+        realKeys("Return");
+        waitForAnsweredQuestion();
+        EXPECT_EQ(questions().size(), 1);
+        EXPECT_TRUE(isPanelUp());
+        EXPECT_FALSE(isAnswered());
+        isCancelled ? realKeys("Escape") : enter(QStringLiteral("Other"));
+        EXPECT_EQ(answer(), isCancelled ? Answer() : folder() + "Other.mp4");
+        forgetAnswers();
+    }
 }
 
 TEST_F(SavePanelTest, aFileThatIsPickedFromTheListIsReplacedOnlyAfterAYes)

@@ -37,29 +37,20 @@ protected:
         return sheet;
     }
 
+    /// Creates that many sheets and begins them in their order.
+    std::vector<std::unique_ptr<Sheet>> begun(std::size_t count)
+    {
+        std::vector<std::unique_ptr<Sheet>> sheets;
+        while (sheets.size() < count) {
+            sheets.push_back(newSheet());
+            m_sheets.begin(sheets.back().get());
+        }
+        return sheets;
+    }
+
     ParentWindow m_window;
     SheetQueue m_sheets{m_window};
 };
-
-TEST_F(SheetQueueTest, aSheetAppearsAtOnceWhereNoneIsUp)
-{
-    const auto sheet = newSheet();
-    m_sheets.begin(sheet.get());
-    EXPECT_TRUE(sheet->isVisible());
-}
-
-TEST_F(SheetQueueTest, aSecondSheetWaitsAndAppearsWhenTheFirstEnds)
-{
-    const auto first = newSheet();
-    const auto second = newSheet();
-    m_sheets.begin(first.get());
-    m_sheets.begin(second.get());
-    EXPECT_TRUE(first->isVisible());
-    EXPECT_FALSE(second->isVisible());
-    m_sheets.end(first.get());
-    EXPECT_FALSE(first->isVisible());
-    EXPECT_TRUE(second->isVisible());
-}
 
 TEST_F(SheetQueueTest, anAlertWaitsForTheSheetThatIsUp)
 {
@@ -76,18 +67,18 @@ TEST_F(SheetQueueTest, anAlertWaitsForTheSheetThatIsUp)
     EXPECT_TRUE(alert->isVisible());
 }
 
-TEST_F(SheetQueueTest, threeSheetsAppearInTheOrderInWhichTheyBegan)
+TEST_F(SheetQueueTest, sheetsAppearOneByOneInTheirOrderAndTheQueueIsBusyUntilTheLastEnds)
 {
-    std::vector<std::unique_ptr<Sheet>> sheets;
-    for (int i = 0; i < 3; ++i) {
-        sheets.push_back(newSheet());
-        m_sheets.begin(sheets.back().get());
-    }
+    EXPECT_FALSE(m_sheets.isBusy());
+    const auto sheets = begun(3);
     for (std::size_t shown = 0; shown < sheets.size(); ++shown) {
         for (std::size_t i = 0; i < sheets.size(); ++i)
-            EXPECT_EQ(sheets[i]->isVisible(), i == shown) << i << " while " << shown << " is up";
+            EXPECT_EQ(sheets[i]->isVisible(), i == shown) << i << " while " << shown << " is shown";
+        EXPECT_TRUE(m_sheets.isBusy());
         m_sheets.end(sheets[shown].get());
+        EXPECT_FALSE(sheets[shown]->isVisible());
     }
+    EXPECT_FALSE(m_sheets.isBusy());
 }
 
 TEST_F(SheetQueueTest, aWaitingSheetThatIsEndedNeverAppears)
@@ -107,29 +98,17 @@ TEST_F(SheetQueueTest, aWaitingSheetThatIsEndedNeverAppears)
     EXPECT_TRUE(third->isVisible());
 }
 
-TEST_F(SheetQueueTest, aShownSheetThatIsDestroyedLetsTheNextOneAppear)
+TEST_F(SheetQueueTest, aDestroyedSheetLeavesTheQueue)
 {
-    auto first = newSheet();
-    const auto second = newSheet();
-    m_sheets.begin(first.get());
-    m_sheets.begin(second.get());
-    first.reset();
-    EXPECT_TRUE(second->isVisible());
-}
-
-TEST_F(SheetQueueTest, aWaitingSheetThatIsDestroyedLeavesTheQueue)
-{
-    const auto first = newSheet();
-    auto second = newSheet();
-    const auto third = newSheet();
-    m_sheets.begin(first.get());
-    m_sheets.begin(second.get());
-    m_sheets.begin(third.get());
-    second.reset();
-    EXPECT_TRUE(first->isVisible());
-    EXPECT_FALSE(third->isVisible());
-    m_sheets.end(first.get());
-    EXPECT_TRUE(third->isVisible());
+    auto sheets = begun(4);
+    sheets[1].reset(); // waiting
+    EXPECT_TRUE(sheets[0]->isVisible());
+    EXPECT_FALSE(sheets[2]->isVisible());
+    sheets[0].reset(); // shown
+    EXPECT_TRUE(sheets[2]->isVisible());
+    EXPECT_FALSE(sheets[3]->isVisible());
+    m_sheets.end(sheets[2].get());
+    EXPECT_TRUE(sheets[3]->isVisible());
 }
 
 TEST_F(SheetQueueTest, aSheetThatBeginsTwiceStaysWhereItIs)
@@ -229,7 +208,7 @@ TEST_F(SheetQueueTest, aSheetBlocksItsWindowUntilTheLastHasEnded)
     EXPECT_EQ(m_window.clicks(), 1);
 }
 
-TEST_F(SheetQueueTest, aSheetIsOnTheScreenWhenItsPaintingHasBeenWaitedFor)
+TEST_F(SheetQueueTest, aSheetIsOnTheScreenAfterTheWaitForItsPainting)
 {
     const auto sheet = newSheet();
     QPalette palette = sheet->palette();
@@ -237,33 +216,17 @@ TEST_F(SheetQueueTest, aSheetIsOnTheScreenWhenItsPaintingHasBeenWaitedFor)
     sheet->setPalette(palette);
     m_sheets.begin(sheet.get());
     m_sheets.waitUntilPainted(sheet.get());
-    // Nothing of the event loop runs from here on.
+    // The event loop does not run from here on.
     EXPECT_TRUE(sheet->windowHandle()->isExposed());
     EXPECT_EQ(colourOnScreen(sheet->mapToGlobal(sheet->rect().center())), QColor(Qt::magenta));
 }
 
-TEST_F(SheetQueueTest, aWaitingSheetIsNotWaitedFor)
+TEST_F(SheetQueueTest, thePaintingOfAWaitingSheetIsNotWaitedFor)
 {
-    const auto first = newSheet();
-    const auto second = newSheet();
-    m_sheets.begin(first.get());
-    m_sheets.begin(second.get());
-    m_sheets.waitUntilPainted(second.get());
-    EXPECT_TRUE(first->isVisible());
-    EXPECT_FALSE(second->isVisible());
-}
-
-TEST_F(SheetQueueTest, isBusyUntilItsLastSheetHasEnded)
-{
-    const auto first = newSheet();
-    const auto second = newSheet();
-    EXPECT_FALSE(m_sheets.isBusy());
-    m_sheets.begin(first.get());
-    m_sheets.begin(second.get());
-    m_sheets.end(first.get());
-    EXPECT_TRUE(m_sheets.isBusy());
-    m_sheets.end(second.get());
-    EXPECT_FALSE(m_sheets.isBusy());
+    const auto sheets = begun(2);
+    m_sheets.waitUntilPainted(sheets[1].get());
+    EXPECT_TRUE(sheets[0]->isVisible());
+    EXPECT_FALSE(sheets[1]->isVisible());
 }
 
 TEST_F(SheetQueueTest, anActionOfEverySheetWorksInEachOfThem)
@@ -273,20 +236,16 @@ TEST_F(SheetQueueTest, anActionOfEverySheetWorksInEachOfThem)
     int calls = 0;
     QObject::connect(&help, &QAction::triggered, &help, [&] { ++calls; });
     m_sheets.addActionOfEverySheet(&help);
-    const auto first = newSheet();
-    const auto second = newSheet();
-    m_sheets.begin(first.get());
-    m_sheets.begin(second.get());
-    for (Sheet* sheet : {first.get(), second.get()}) {
+    for (const auto& sheet : begun(2)) {
         waitForKeyboard(*sheet);
         const int earlier = calls;
         realKeys("F1");
         EXPECT_EQ(calls, earlier + 1);
-        m_sheets.end(sheet);
+        m_sheets.end(sheet.get());
     }
 }
 
-/// Takes drops on all of the window but its button.
+/// Accepts drops on the window except on its button.
 class DropArea : public QWidget
 {
 public:
@@ -298,7 +257,7 @@ public:
         show();
     }
 
-    /// Where no sheet is.
+    /// A place that no sheet covers.
     QPoint freePlace() { return screenPosition(*this, rect().bottomLeft() + QPoint(30, -30)); }
     int drops() const { return m_drops; }
 
@@ -335,7 +294,7 @@ TEST_F(SheetQueueTest, nothingCanBeDroppedOnTheWindowWhileASheetIsUp)
     EXPECT_TRUE(waitUntil([&] { return area.drops() == 1; }));
 }
 
-TEST_F(SheetQueueTest, aDragThatHoversWhenASheetComesCannotBeDropped)
+TEST_F(SheetQueueTest, aDragThatHoversWhenASheetAppearsCannotBeDropped)
 {
     DropArea area(m_window);
     DragSource source("file:///clip");

@@ -44,7 +44,7 @@ class SingleInstanceTest : public testing::Test
 protected:
     ~SingleInstanceTest() override { QDBusConnection::sessionBus().unregisterService(name()); }
 
-    /// The answer of another connection's call to the instance, which answers on this thread.
+    /// Calls the instance from another connection and returns the reply. The instance replies on this thread.
     QDBusMessage answerTo(const QDBusMessage& call)
     {
         const QString connection = QStringLiteral("caller");
@@ -75,41 +75,7 @@ TEST_F(SingleInstanceTest, theFirstOneOwnsTheName)
     EXPECT_EQ(m_reopens, 0);
 }
 
-TEST_F(SingleInstanceTest, theFirstOneReopensWheneverALaterOneAsks)
-{
-    ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
-    QDBusMessage activate = callOf("Activate");
-    activate << QVariantMap{{QStringLiteral("desktop-startup-id"), QStringLiteral("x")}};
-    EXPECT_EQ(answerTo(activate).type(), QDBusMessage::ReplyMessage);
-    EXPECT_EQ(m_reopens, 1);
-    QDBusMessage open = callOf("Open");
-    open << QStringList(QStringLiteral("file:///clip.mp4")) << QVariantMap();
-    EXPECT_EQ(answerTo(open).type(), QDBusMessage::ReplyMessage);
-    EXPECT_EQ(m_reopens, 2);
-}
-
-TEST_F(SingleInstanceTest, anActionChangesNothing)
-{
-    ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
-    QDBusMessage action = callOf("ActivateAction");
-    action << QStringLiteral("play") << QVariantList() << QVariantMap();
-    EXPECT_EQ(answerTo(action).type(), QDBusMessage::ReplyMessage);
-    EXPECT_EQ(m_reopens, 0);
-}
-
-TEST_F(SingleInstanceTest, aSecondProcessAsksTheFirstToReopenAndLeaves)
-{
-    ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
-    QProcess second;
-    second.start(QStringLiteral(TARNWELL_BUILD_FOLDER "/bin/tarnwell"), QStringList());
-    EXPECT_TRUE(waitUntil([&] { return second.state() == QProcess::NotRunning; }));
-    EXPECT_EQ(second.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(second.exitCode(), 0);
-    EXPECT_EQ(second.readAll(), QByteArray());
-    EXPECT_EQ(m_reopens, 1);
-}
-
-TEST_F(SingleInstanceTest, theFirstOneLearnsWhatLetsItComeForward)
+TEST_F(SingleInstanceTest, theFirstOneReopensOnActivateAndOpenWithTheToken)
 {
     const std::tuple<const char*, QVariantMap, ActivationToken> cases[] = {
         {"nothing", {}, {}},
@@ -121,22 +87,32 @@ TEST_F(SingleInstanceTest, theFirstOneLearnsWhatLetsItComeForward)
             {}},
     };
     ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    int reopens = 0;
     for (const auto& [name, platformData, token] : cases) {
         SCOPED_TRACE(name);
-        m_token = {QStringLiteral("of an"), QStringLiteral("earlier call")};
         QDBusMessage activate = callOf("Activate");
         activate << platformData;
-        EXPECT_EQ(answerTo(activate).type(), QDBusMessage::ReplyMessage);
-        EXPECT_EQ(m_token, token);
-        m_token = {QStringLiteral("of an"), QStringLiteral("earlier call")};
         QDBusMessage open = callOf("Open");
-        open << QStringList() << platformData;
-        EXPECT_EQ(answerTo(open).type(), QDBusMessage::ReplyMessage);
-        EXPECT_EQ(m_token, token);
+        open << QStringList(QStringLiteral("file:///clip.mp4")) << platformData;
+        for (const QDBusMessage& call : {activate, open}) {
+            m_token = {QStringLiteral("of an"), QStringLiteral("earlier call")};
+            EXPECT_EQ(answerTo(call).type(), QDBusMessage::ReplyMessage);
+            EXPECT_EQ(m_reopens, ++reopens);
+            EXPECT_EQ(m_token, token);
+        }
     }
 }
 
-TEST_F(SingleInstanceTest, aSecondProcessHandsOverWhatItWasStartedWith)
+TEST_F(SingleInstanceTest, anActionChangesNothing)
+{
+    ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
+    QDBusMessage action = callOf("ActivateAction");
+    action << QStringLiteral("play") << QVariantList() << QVariantMap();
+    EXPECT_EQ(answerTo(action).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(m_reopens, 0);
+}
+
+TEST_F(SingleInstanceTest, aSecondProcessPassesItsTokenToTheFirstAndExitsSilently)
 {
     ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
     QProcess second;
@@ -146,34 +122,31 @@ TEST_F(SingleInstanceTest, aSecondProcessHandsOverWhatItWasStartedWith)
     second.setProcessEnvironment(environment);
     second.start(QStringLiteral(TARNWELL_BUILD_FOLDER "/bin/tarnwell"), QStringList());
     EXPECT_TRUE(waitUntil([&] { return second.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(second.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_EQ(second.readAll(), QByteArray());
+    EXPECT_EQ(m_reopens, 1);
     EXPECT_EQ(m_token, (ActivationToken{QStringLiteral("abc"), QStringLiteral("launcher-1_TIME5")}));
 }
 
-TEST_F(SingleInstanceTest, aLaterOneHandsItsTokenToTheOwner)
+TEST_F(SingleInstanceTest, aLaterOneActivatesTheOwnerWithItsToken)
 {
-    const BusService first(name(), path(), BusService::emptyReply);
-    const ActivationToken token{QStringLiteral("abc"), QStringLiteral("launcher-1_TIME5")};
-    EXPECT_EQ(m_instance.claim(token), SingleInstance::Role::Later);
-    ASSERT_EQ(first.calls().size(), 1);
-    const auto platformData = qdbus_cast<QVariantMap>(first.calls().first().arguments().first());
-    EXPECT_EQ(platformData.value(QStringLiteral("activation-token")).toString(), token.token);
-    EXPECT_EQ(platformData.value(QStringLiteral("desktop-startup-id")).toString(), token.startupId);
-    EXPECT_EQ(platformData.size(), 2);
-}
-
-TEST_F(SingleInstanceTest, aLaterOneAsksTheOwnerToComeForward)
-{
-    const BusService first(name(), path(), BusService::emptyReply);
-    EXPECT_EQ(m_instance.claim(), SingleInstance::Role::Later);
-    ASSERT_EQ(first.calls().size(), 1);
-    const QDBusMessage call = first.calls().first();
-    EXPECT_EQ(call.path(), path());
-    EXPECT_EQ(call.interface(), QStringLiteral("org.freedesktop.Application"));
-    EXPECT_EQ(call.member(), QStringLiteral("Activate"));
-    EXPECT_EQ(call.signature(), QStringLiteral("a{sv}"));
-    EXPECT_TRUE(qdbus_cast<QVariantMap>(call.arguments().first()).isEmpty());
-    EXPECT_EQ(m_reopens, 0);
+    const ActivationToken whole{QStringLiteral("abc"), QStringLiteral("launcher-1_TIME5")};
+    for (const ActivationToken& token : {ActivationToken(), whole}) {
+        const BusService first(name(), path(), BusService::emptyReply);
+        EXPECT_EQ(m_instance.claim(token), SingleInstance::Role::Later);
+        ASSERT_EQ(first.calls().size(), 1);
+        const QDBusMessage call = first.calls().first();
+        EXPECT_EQ(call.path(), path());
+        EXPECT_EQ(call.interface(), QStringLiteral("org.freedesktop.Application"));
+        EXPECT_EQ(call.member(), QStringLiteral("Activate"));
+        EXPECT_EQ(call.signature(), QStringLiteral("a{sv}"));
+        const auto platformData = qdbus_cast<QVariantMap>(call.arguments().first());
+        EXPECT_EQ(platformData.value(QStringLiteral("activation-token")).toString(), token.token);
+        EXPECT_EQ(platformData.value(QStringLiteral("desktop-startup-id")).toString(), token.startupId);
+        EXPECT_EQ(platformData.size(), token == whole ? 2 : 0);
+        EXPECT_EQ(m_reopens, 0);
+    }
 }
 
 TEST_F(SingleInstanceTest, isTheFirstWhereTheOwnerIsAnotherProgram)
@@ -183,21 +156,16 @@ TEST_F(SingleInstanceTest, isTheFirstWhereTheOwnerIsAnotherProgram)
     EXPECT_TRUE(stranger.calls().isEmpty());
 }
 
-TEST_F(SingleInstanceTest, isTheFirstWhereTheOwnerRefuses)
+TEST_F(SingleInstanceTest, isTheFirstWhereTheOwnerRefusesOrNeverAnswers)
 {
-    const BusService owner(name(), path(), BusService::refusal);
-    EXPECT_EQ(m_instance.claim(), SingleInstance::Role::First);
-    EXPECT_EQ(owner.calls().size(), 1);
+    for (const auto& answer : {BusService::refusal, BusService::silence}) {
+        const BusService owner(name(), path(), answer);
+        EXPECT_EQ(m_instance.claim(), SingleInstance::Role::First);
+        EXPECT_EQ(owner.calls().size(), 1);
+    }
 }
 
-TEST_F(SingleInstanceTest, isTheFirstWhereTheOwnerNeverAnswers)
-{
-    const BusService owner(name(), path(), BusService::silence);
-    EXPECT_EQ(m_instance.claim(), SingleInstance::Role::First);
-    EXPECT_EQ(owner.calls().size(), 1);
-}
-
-TEST_F(SingleInstanceTest, theNameIsFreeAgainWhenItsOwnerHasGone)
+TEST_F(SingleInstanceTest, theNameIsFreeAfterItsOwnerHasDisconnected)
 {
     {
         const BusService first(name(), path(), BusService::emptyReply);

@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <sys/stat.h>
+#include <tuple>
 #include <utility>
 
 namespace tarnwell::test
@@ -87,7 +88,7 @@ TEST_F(RevealTest, asksTheFileManagerOnceForExactlyTheFile)
     const BusService portal(portalName(), portalPath(), requestHandle);
     activateFileViewerSelecting(FileURL(path));
     ASSERT_TRUE(waitUntil([&] { return !fileManager.calls().isEmpty(); }));
-    // The answer of a second request shows that nothing came after the first one's.
+    // After the call for a second file, no further call for the first one is pending.
     activateFileViewerSelecting(FileURL(m_folder.path() + "other.mp4"));
     ASSERT_TRUE(waitUntil([&] { return fileManager.calls().size() >= 2; }));
     const auto calls = fileManager.calls();
@@ -113,14 +114,14 @@ TEST_F(RevealTest, oddCharactersArePercentEncodedInTheAddress)
     EXPECT_EQ(fileManager.calls().first().arguments().at(0).toStringList(), QStringList(expected));
 }
 
-TEST_F(RevealTest, returnsAtOnceHoweverLongTheFileManagerTakes)
+TEST_F(RevealTest, returnsBeforeTheFileManagerAnswers)
 {
     std::optional<BusService> fileManager(
         std::in_place, fileManagerName(), fileManagerPath(), BusService::silence);
     activateFileViewerSelecting(FileURL(makeFile("clip.mp4")));
     ASSERT_TRUE(waitUntil([&] { return !fileManager->calls().isEmpty(); }));
     EXPECT_TRUE(m_opened.urls().isEmpty());
-    fileManager.reset(); // as one that crashes over the request
+    fileManager.reset(); // like a file manager that crashes
     EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
     EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
 }
@@ -148,29 +149,25 @@ TEST_F(RevealTest, asksThePortalWhereTheFileManagerRefuses)
     EXPECT_EQ(fileManager.calls().size(), 1);
 }
 
-TEST_F(RevealTest, opensTheFolderWhereNobodyCanSelect)
+TEST_F(RevealTest, opensTheFolderWithoutAServiceThatCanSelectTheFile)
 {
-    activateFileViewerSelecting(FileURL(makeFile("clip.mp4")));
-    EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
-    EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
-}
-
-TEST_F(RevealTest, opensTheFolderWhereThePortalRefuses)
-{
-    const BusService portal(portalName(), portalPath(), BusService::refusal);
-    activateFileViewerSelecting(FileURL(makeFile("clip.mp4")));
-    EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
-    EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
-    EXPECT_EQ(portal.calls().size(), 1);
-}
-
-TEST_F(RevealTest, opensTheFolderOfAFileThatIsGoneWhereThereIsOnlyThePortal)
-{
-    const BusService portal(portalName(), portalPath(), requestHandle);
-    activateFileViewerSelecting(FileURL(m_folder.path() + "gone.mp4"));
-    EXPECT_TRUE(waitUntil([&] { return !m_opened.urls().isEmpty(); }));
-    EXPECT_EQ(m_opened.urls(), QList<QUrl>{folderUrl()});
-    EXPECT_TRUE(portal.calls().isEmpty());
+    const std::string file = makeFile("clip.mp4");
+    const std::tuple<const char*, std::string, std::optional<BusService::Answer>, int> cases[] = {
+        {"no service", file, std::nullopt, 0},
+        {"the portal refuses", file, BusService::refusal, 1},
+        {"the file is missing", m_folder.path() + "gone.mp4", requestHandle, 0},
+    };
+    for (const auto& [name, path, answer, portalCalls] : cases) {
+        SCOPED_TRACE(name);
+        std::optional<BusService> portal;
+        if (answer)
+            portal.emplace(portalName(), portalPath(), *answer);
+        const auto earlier = m_opened.urls().size();
+        activateFileViewerSelecting(FileURL(path));
+        EXPECT_TRUE(waitUntil([&] { return m_opened.urls().size() > earlier; }));
+        EXPECT_EQ(m_opened.urls().mid(earlier), QList<QUrl>{folderUrl()});
+        EXPECT_EQ(portal ? portal->calls().size() : 0, portalCalls);
+    }
 }
 
 } // namespace tarnwell::test

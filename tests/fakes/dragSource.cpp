@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A drag source in another process: a magenta window in the top left corner of the screen, above all windows.
 // The arguments are pairs of a MIME type and a text, which a drag carries; "then" separates the contents of
-// successive drags. Prints on standard output: "ready" after the window has been painted, "action N" when the
-// drop action of the target changes, "end N" with the final drop action.
+// successive drags. Prints on standard output: "ready" after the window has been painted, "entered" when the
+// pointer enters it, "started" at the start of a drag, "action N" when the drop action of the target changes,
+// "end N" with the final drop action.
 #include <QApplication>
 #include <QDrag>
 #include <QMimeData>
@@ -38,6 +39,8 @@ public:
     }
 
 protected:
+    void enterEvent(QEnterEvent* /*event*/) override { say("entered"); }
+
     void mouseMoveEvent(QMouseEvent* /*event*/) override
     {
         auto* drag = new QDrag(this);
@@ -50,6 +53,7 @@ protected:
             m_drag = m_drag.mid(then + 1);
         drag->setMimeData(contents);
         connect(drag, &QDrag::actionChanged, drag, [](Qt::DropAction action) { say("action", action); });
+        say("started");
         say("end", drag->exec(Qt::CopyAction));
     }
 

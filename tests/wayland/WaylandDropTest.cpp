@@ -12,7 +12,6 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QScreen>
-#include <QTest>
 
 #include <cstdlib>
 #include <filesystem>
@@ -65,7 +64,6 @@ void xdotool(const QStringList& arguments)
 void moveTo(QPoint place)
 {
     xdotool({QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())});
-    QTest::qWait(30);
 }
 
 void glide(QPoint from, QPoint to)
@@ -94,7 +92,8 @@ protected:
                 QStringLiteral("--idle-time=0")});
         ASSERT_TRUE(waitUntil([&] { return exists(socket); })) << "weston does not start";
         start(m_program, "/bin/tarnwell", {});
-        ASSERT_TRUE(waitUntil([this] { return isSteady(); }));
+        waitFor("the window", [] { return placeOf(QColor(Qt::black)).isValid(); });
+        waitForSteadyScreen();
     }
 
     void TearDown() override
@@ -114,12 +113,17 @@ protected:
         process.start(QStringLiteral(TARNWELL_BUILD_FOLDER) + QString::fromLatin1(path), arguments);
     }
 
-    /// Whether the screen has not changed for half a second and shows a window.
-    static bool isSteady()
+    /// Waits until 30 pictures of the screen in a row are the same.
+    static void waitForSteadyScreen()
     {
-        const QImage before = screen();
-        QTest::qWait(500);
-        return before == screen() && placeOf(QColor(Qt::black)).isValid();
+        QImage last;
+        int same = 0;
+        waitFor("a screen that does not change", [&] {
+            const QImage now = screen();
+            same = now == last ? same + 1 : 0;
+            last = now;
+            return same == 30;
+        });
     }
 
     /// Starts the drag source. Its first drag carries the first path, its second drag the second path, and so
@@ -131,14 +135,15 @@ protected:
             drags << QStringLiteral("then") << QStringLiteral("text/uri-list")
                   << QString::fromStdString("file://" + path + "\r\n");
         start(m_source, "/tests/dragSource", drags.mid(1));
-        ASSERT_TRUE(waitUntil([] { return placeOf(sourceColour).width() > 50; })) << "no source to drag from";
-        QTest::qWait(300);
+        waitFor("the drag source", [] { return placeOf(sourceColour).width() > 50; });
+        waitForSteadyScreen();
         m_sourcePlace = placeOf(sourceColour);
         // weston reads the pointer's position when the pointer enters its window, and then tracks its motion.
         moveTo(QPoint(1, 1));
-        QTest::qWait(300);
-        glide(QPoint(50, 210), m_sourcePlace.center());
-        QTest::qWait(300);
+        waitFor("the pointer in the drag source", [this] {
+            glide(QPoint(50, 210), m_sourcePlace.center());
+            return hasPrinted("entered");
+        });
     }
 
     /// Drags from the source to the program's window and keeps the button pressed. The pointer must be in the
@@ -146,9 +151,13 @@ protected:
     void drag()
     {
         xdotool({QStringLiteral("mousedown"), QStringLiteral("1")});
-        QTest::qWait(200);
-        glide(m_sourcePlace.center(), target());
-        QTest::qWait(500);
+        const QPoint start = m_sourcePlace.center();
+        waitFor("the start of the drag", [&] {
+            glide(start, start + QPoint(10, 0));
+            return hasPrinted("started");
+        });
+        glide(start, target());
+        waitForSteadyScreen(); // an accepted drag has highlighted the window by then
     }
 
     /// Drags back to the source and releases the button there, which does not drop anything.
@@ -156,26 +165,19 @@ protected:
     {
         glide(target(), m_sourcePlace.center());
         EXPECT_EQ(drop(), "end 0");
-        QTest::qWait(300);
     }
 
     /// Whether the target has offered a copy action in the current drag.
-    bool isCopyOffered()
-    {
-        m_output += m_source.readAllStandardOutput();
-        return m_output.contains("action 1");
-    }
+    bool isCopyOffered() { return hasPrinted("action 1"); }
 
     /// Releases the button. Returns the source's output: "end 1" for a copy, "end 0" for no action.
     QByteArray drop()
     {
         xdotool({QStringLiteral("mouseup"), QStringLiteral("1")});
-        waitFor("the end of the drag", [&] {
-            m_output += m_source.readAllStandardOutput();
-            return m_output.contains("end ");
-        });
-        const QByteArray end = m_output.mid(m_output.indexOf("end ")).trimmed();
-        m_output.clear();
+        waitFor("the end of the drag", [this] { return hasPrinted("end 0\n") || hasPrinted("end 1\n"); });
+        const auto place = m_output.indexOf("end ");
+        const QByteArray end = m_output.mid(place, 5);
+        m_output.remove(0, place + 6);
         return end;
     }
 
@@ -189,6 +191,13 @@ protected:
     std::string folder() const { return m_folder.path(); }
 
 private:
+    /// Whether the source has printed the text since the end of the last drag.
+    bool hasPrinted(const char* text)
+    {
+        m_output += m_source.readAllStandardOutput();
+        return m_output.contains(text);
+    }
+
     /// A position in the program's window, outside of the source.
     QPoint target() const
     {
@@ -201,7 +210,7 @@ private:
     QProcess m_weston;
     QProcess m_program;
     QProcess m_source;
-    QByteArray m_output; // of the source since the last drop
+    QByteArray m_output; // of the source since the end of the last drag
     QRect m_sourcePlace;
 };
 
@@ -223,7 +232,7 @@ TEST_F(WaylandDropTest, aFolderIsRefused)
     drag(); // the folder
     EXPECT_FALSE(isCopyOffered());
     EXPECT_EQ(drop(), "end 0");
-    QTest::qWait(300);
+    waitForSteadyScreen();
     EXPECT_FALSE(showsVideo());
 }
 

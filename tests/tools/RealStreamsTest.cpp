@@ -1,138 +1,84 @@
 // SPDX-License-Identifier: MIT
 // What creator makes of unusual pixels and sound with the installed ffmpeg.
-#include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
-#include "tests/support/Folders.h"
-#include "tests/tools/ToolProcess.h"
-
-#include <QImage>
-
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
+#include "tests/tools/RealTools.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarnwell::test
 {
 
-namespace
-{
-
-using Words = std::vector<std::string>;
-
-const std::string ffmpeg = "/usr/bin/ffmpeg";
-const std::string creator = TARNWELL_BUILD_FOLDER "/libexec/tarnwell/creator";
-
-} // namespace
-
-class RealStreamsTest : public testing::Test
+class RealStreamsTest : public RealTools
 {
 protected:
-    std::string at(const std::string& name) const { return m_folder.path() + name; }
-
-    /// One second of video, with these options of ffmpeg's.
-    void makeVideo(const std::string& path, const std::string& size, const Words& options) const
+    /// One second of H.264 video, with these options of ffmpeg.
+    void makeClip(const std::string& path, const std::string& size, const Words& options) const
     {
-        Words words = {
-            "-v", "error", "-nostdin", "-f", "lavfi", "-i", "testsrc=size=" + size + ":rate=10:duration=1"};
-        words.insert(words.end(), options.begin(), options.end());
-        words.insert(words.end(), {"-y", "file:" + path});
-        ASSERT_EQ(runTool(ffmpeg, words), 0);
+        makeVideo(path, "testsrc=size=" + size + ":rate=10:duration=1", joined(options, h264()));
     }
-
-    static Words h264() { return {"-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p"}; }
 
     static int fixFlag(const std::string& from, const std::string& to)
     {
-        return runTool(
-            creator, {"-i", from, "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=90", "-y", to});
+        return creator(fixFlagCommand(from, to));
     }
-
     static int transcode(const std::string& from, const std::string& to)
     {
-        return runTool(creator,
-            {"-i", from, "-pix_fmt", "yuv420p", "-vf", "transpose=2", "-metadata:s:v", "rotate=0", "-y", to});
+        return creator(transcodeCommand(from, to));
     }
 
-    QSize stillSize(const std::string& path) const
-    {
-        EXPECT_EQ(runTool(creator,
-                      {"-v", "quiet", "-ss", "0.5", "-i", path, "-frames:v", "1", "-y", at("still.jpg")}),
-            0);
-        return QImage(QString::fromStdString(at("still.jpg"))).size();
-    }
+    static nlohmann::json streamsOf(const std::string& path) { return report(path, realFfprobe)["streams"]; }
 
-    /// ffprobe's report on the streams.
-    static nlohmann::json streamsOf(const std::string& path)
+    /// A hash of the first sound stream in that codec; "copy" for its packets.
+    static std::string soundHash(const std::string& path, const std::string& codec = "copy")
     {
-        ToolProcess process(
-            "/usr/bin/ffprobe", {"-v", "quiet", "-print_format", "json", "-show_streams", path});
-        EXPECT_EQ(process.wait(), 0);
-        return nlohmann::json::parse(process.output())["streams"];
-    }
-
-    /// A hash of the packets of the first sound stream.
-    static std::string soundHash(const std::string& path)
-    {
-        ToolProcess process(
-            ffmpeg, {"-v", "error", "-nostdin", "-i", path, "-map", "0:a:0", "-c", "copy", "-f", "md5", "-"});
+        ToolProcess process(realFfmpeg,
+            {"-v", "error", "-nostdin", "-i", path, "-map", "0:a:0", "-c:a", codec, "-f", "md5", "-"});
         EXPECT_EQ(process.wait(), 0);
         return process.output();
     }
-
-private:
-    TemporaryDirectory m_folder;
 };
 
 TEST_F(RealStreamsTest, aStillHasTheProportionsThatPlayersShow)
 {
-    Words options = {"-vf", "setsar=64/45"};
-    const Words coding = h264();
-    options.insert(options.end(), coding.begin(), coding.end());
-    makeVideo(at("wide.mp4"), "720x576", options);
-    EXPECT_EQ(stillSize(at("wide.mp4")), QSize(1024, 576));
+    const QSize wide(1024, 576);
+    const QSize tall = wide.transposed();
+    makeClip(at("wide.mp4"), "720x576", {"-vf", "setsar=64/45"});
+    EXPECT_EQ(still(at("wide.mp4")).size(), wide);
     ASSERT_EQ(fixFlag(at("wide.mp4"), at("turned.mp4")), 0);
-    EXPECT_EQ(stillSize(at("turned.mp4")), QSize(576, 1024));
+    EXPECT_EQ(still(at("turned.mp4")).size(), tall);
 
     ASSERT_EQ(transcode(at("wide.mp4"), at("coded.mp4")), 0);
-    EXPECT_EQ(stillSize(at("coded.mp4")), QSize(576, 1024));
+    EXPECT_EQ(still(at("coded.mp4")).size(), tall);
     EXPECT_EQ(streamsOf(at("coded.mp4"))[0]["display_aspect_ratio"], "9:16");
     ASSERT_EQ(transcode(at("turned.mp4"), at("coded.mp4")), 0);
-    EXPECT_EQ(stillSize(at("coded.mp4")), QSize(1024, 576));
+    EXPECT_EQ(still(at("coded.mp4")).size(), wide);
     EXPECT_EQ(streamsOf(at("coded.mp4"))[0]["display_aspect_ratio"], "16:9");
 }
 
 TEST_F(RealStreamsTest, aStillOfALargePictureIsShrunkInsteadOfStretched)
 {
-    struct Row {
-        const char* pixels;
-        QSize expected;
-    };
-    for (const Row& row : {Row{"2/1", {6000, 300}}, Row{"1/2", {6000, 1200}}, Row{"1/100", {60, 600}},
-             Row{"1/1", {6000, 600}}}) {
-        SCOPED_TRACE(row.pixels);
-        makeVideo(at("large.mkv"), "6000x600",
-            {"-frames:v", "1", "-vf", std::string("setsar=") + row.pixels, "-c:v", "ffv1"});
-        EXPECT_EQ(stillSize(at("large.mkv")), row.expected);
+    const std::vector<std::pair<std::string, QSize>> rows
+        = {{"2/1", {6000, 300}}, {"1/2", {6000, 1200}}, {"1/100", {60, 600}}, {"1/1", {6000, 600}}};
+    for (const auto& [pixelAspect, expected] : rows) {
+        makeVideo(at("large.mkv"), "testsrc=size=6000x600:rate=10:duration=1",
+            {"-frames:v", "1", "-vf", "setsar=" + pixelAspect, "-c:v", "ffv1"});
+        EXPECT_EQ(still(at("large.mkv")).size(), expected) << pixelAspect;
     }
 }
 
 TEST_F(RealStreamsTest, aacSoundIsCopiedIntoAnEncoding)
 {
-    Words options = {"-f", "lavfi", "-i", "sine=duration=1", "-c:a", "aac"};
-    const Words coding = h264();
-    options.insert(options.end(), coding.begin(), coding.end());
+    const Words options = {"-f", "lavfi", "-i", "sine=duration=1", "-c:a", "aac"};
     for (const char* name : {"clip.mp4", "clip.mkv", "clip.mov"}) {
-        SCOPED_TRACE(name);
-        makeVideo(at(name), "64x48", options);
-        ASSERT_EQ(transcode(at(name), at("out.mp4")), 0);
-        EXPECT_EQ(soundHash(at("out.mp4")), soundHash(at(name)));
+        makeClip(at(name), "64x48", options);
+        ASSERT_EQ(transcode(at(name), at("out.mp4")), 0) << name;
+        EXPECT_EQ(soundHash(at("out.mp4")), soundHash(at(name))) << name;
     }
-    makeVideo(at("clip.ts"), "64x48", options); // there each packet has a header
+    makeClip(at("clip.ts"), "64x48", options); // whose packets have a header each
     ASSERT_EQ(transcode(at("clip.ts"), at("out.mp4")), 0);
     EXPECT_EQ(streamsOf(at("out.mp4"))[1]["codec_name"], "aac");
-    makeVideo(at("clip.mp4"), "64x48", options);
     EXPECT_EQ(soundHash(at("out.mp4")), soundHash(at("clip.mp4")));
 }
 
@@ -143,17 +89,14 @@ TEST_F(RealStreamsTest, soundOfAnyLayoutIsEncoded)
         const char* layout; // empty: ffmpeg knows the number of channels only
         int expected;
     };
+    writeFile(at("sound.raw"), std::string(96000, 's'));
     for (const Row& row :
         {Row{"7", "6.1", 8}, Row{"6", "5.1(side)", 6}, Row{"11", "", 2}, Row{"16", "", 2}}) {
         SCOPED_TRACE(testing::Message() << row.channels << " " << row.layout);
-        writeFile(at("sound.raw"), std::string(96000, 's'));
         Words options = {"-f", "s16le", "-ar", "8000", "-ac", row.channels};
         if (*row.layout != '\0')
             options.insert(options.end(), {"-channel_layout", row.layout});
-        options.insert(options.end(), {"-i", at("sound.raw"), "-c:a", "pcm_s16le"});
-        const Words coding = h264();
-        options.insert(options.end(), coding.begin(), coding.end());
-        makeVideo(at("clip.mkv"), "64x48", options);
+        makeClip(at("clip.mkv"), "64x48", joined(options, {"-i", at("sound.raw"), "-c:a", "pcm_s16le"}));
         ASSERT_EQ(transcode(at("clip.mkv"), at("out.mp4")), 0);
         const auto streams = streamsOf(at("out.mp4"));
         ASSERT_EQ(streams.size(), 2U);
@@ -164,19 +107,10 @@ TEST_F(RealStreamsTest, soundOfAnyLayoutIsEncoded)
 
 TEST_F(RealStreamsTest, uncompressedSoundIsKeptWithoutLossInACopy)
 {
-    Words options
-        = {"-f", "lavfi", "-i", "anoisesrc=duration=1:sample_rate=8000", "-c:a", "pcm_s16be", "-ac", "2"};
-    const Words coding = h264();
-    options.insert(options.end(), coding.begin(), coding.end());
-    makeVideo(at("clip.mov"), "64x48", options);
+    makeClip(at("clip.mov"), "64x48",
+        {"-f", "lavfi", "-i", "anoisesrc=duration=1:sample_rate=8000", "-c:a", "pcm_s16be", "-ac", "2"});
     ASSERT_EQ(fixFlag(at("clip.mov"), at("out.mp4")), 0);
-    const auto samples = [](const std::string& path) {
-        ToolProcess process(ffmpeg,
-            {"-v", "error", "-nostdin", "-i", path, "-map", "0:a:0", "-c:a", "pcm_s16le", "-f", "md5", "-"});
-        EXPECT_EQ(process.wait(), 0);
-        return process.output();
-    };
-    EXPECT_EQ(samples(at("out.mp4")), samples(at("clip.mov")));
+    EXPECT_EQ(soundHash(at("out.mp4"), "pcm_s16le"), soundHash(at("clip.mov"), "pcm_s16le"));
 }
 
 } // namespace tarnwell::test

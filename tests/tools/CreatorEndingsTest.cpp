@@ -1,69 +1,32 @@
 // SPDX-License-Identifier: MIT
-// What is at the output's place after each ending of ffmpeg, but for a cancel.
+// What is at the output's path after each ending of ffmpeg other than a cancel.
 #include "tests/support/Files.h"
+#include "tests/support/Rows.h"
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MovieBytes.h"
 
-#include <csignal>
+#include <filesystem>
 #include <string>
-#include <vector>
 
 namespace tarnwell::test
 {
 
-namespace
-{
+using CreatorEndingsTest = CreatorTest;
 
-using Names = std::vector<std::string>;
-
-const std::string previous = "Rotated (previous).mp4";
-
-} // namespace
-
-class CreatorEndingsTest : public CreatorTest
-{
-protected:
-    /// No trace of the attempt, with an older file and without.
-    void expectFailure(const std::string& ffmpegScript)
-    {
-        tools.setFfmpeg(ffmpegScript);
-        std::filesystem::remove(tools.at(previous));
-        for (const auto& arguments : {fixFlag(), transcode()}) {
-            EXPECT_EQ(run(arguments), 1);
-            EXPECT_EQ(otherNames(), Names());
-        }
-        writeFile(output(), "older");
-        EXPECT_EQ(run(transcode()), 1);
-        EXPECT_EQ(otherNames(), Names({previous}));
-        EXPECT_EQ(contentsOf(tools.at(previous)), "older");
-    }
-
-    std::string writing(const std::string& bytes)
-    {
-        return "write-output-file " + tools.addData("bytes", bytes) + "\n";
-    }
-};
-
-TEST_F(CreatorEndingsTest, successMakesTheOutput)
+TEST_F(CreatorEndingsTest, successMakesTheOutputAndReplacesAnOlderFile)
 {
     setGoodFfmpeg();
     EXPECT_EQ(run(transcode()), 0);
     EXPECT_EQ(contentsOf(output()), movie());
-    EXPECT_EQ(otherNames(), Names({"Rotated.mp4"}));
-}
-
-TEST_F(CreatorEndingsTest, successReplacesAnOlderFile)
-{
-    setGoodFfmpeg();
     for (const auto& arguments : {transcode(), fixFlag()}) {
         writeFile(output(), "older");
         EXPECT_EQ(run(arguments), 0);
         EXPECT_EQ(contentsOf(output()).size(), movie().size());
-        EXPECT_EQ(otherNames(), Names({"Rotated.mp4"}));
+        EXPECT_EQ(otherNames(), Words({"Rotated.mp4"}));
     }
 }
 
-TEST_F(CreatorEndingsTest, aFixFlagIsInTheTracksHeader)
+TEST_F(CreatorEndingsTest, aFixFlagIsInTheHeaderOfTheTrack)
 {
     setGoodFfmpeg();
     EXPECT_EQ(run(fixFlag()), 0);
@@ -72,75 +35,74 @@ TEST_F(CreatorEndingsTest, aFixFlagIsInTheTracksHeader)
     EXPECT_EQ(header.substr(12, 12), bigEndian(65536, 4) + bigEndian(0, 8));
 }
 
-TEST_F(CreatorEndingsTest, anFfmpegThatFailsLeavesNothing)
+struct FailureRow {
+    const char* name;
+    std::string written; // empty: nothing
+    const char* end; // further commands of ffmpeg
+};
+
+class FailureEndingsTest : public CreatorEndingsTest, public testing::WithParamInterface<FailureRow>
 {
-    expectFailure("exit 1\n");
-    expectFailure("error no such codec\\n\nexit 69\n");
+};
+
+TEST_P(FailureEndingsTest, leavesNothingButTheOlderFile)
+{
+    const std::string& bytes = GetParam().written;
+    tools.setFfmpeg((bytes.empty() ? "" : writing(bytes)) + GetParam().end);
+    for (const auto& arguments : {fixFlag(), transcode()}) {
+        EXPECT_EQ(run(arguments), 1);
+        EXPECT_EQ(otherNames(), Words());
+        writeFile(output(), "older");
+        EXPECT_EQ(run(arguments), 1);
+        expectOnlyOlderFile();
+    }
 }
 
-TEST_F(CreatorEndingsTest, anFfmpegThatFailsWithAWholeFileLeavesNothing)
-{
-    expectFailure(writing(movie()) + "exit 1\n");
-}
+INSTANTIATE_TEST_SUITE_P(Ffmpeg, FailureEndingsTest,
+    testing::Values(FailureRow{"anFfmpegThatFails", "", "exit 1\n"},
+        FailureRow{"anFfmpegThatReportsAnErrorAndFails", "", "error no such codec\\n\nexit 69\n"},
+        FailureRow{"anFfmpegThatFailsWithAWholeFile", smallMovie(), "exit 1\n"},
+        FailureRow{"anFfmpegThatCrashes", smallMovie(), "die 11\n"},
+        FailureRow{"anFfmpegThatIsKilled", "stub", "die 9\n"},
+        FailureRow{"anFfmpegThatIsTerminated", "", "die 15\n"},
+        FailureRow{"anFfmpegThatWritesNothing", "", "exit 0\n"},
+        FailureRow{"anFfmpegThatWritesNoMovie", "no movie at all", ""},
+        FailureRow{"anFfmpegThatWritesTheBeginningOfAMovie", smallMovie().substr(0, 200), ""},
+        FailureRow{"anFfmpegThatOmitsTheLastByte", smallMovie().substr(0, smallMovie().size() - 1), ""},
+        FailureRow{"anFfmpegThatWritesNoVideoTrack", fileType() + box("moov", track("soun")), ""}),
+    rowName);
 
-TEST_F(CreatorEndingsTest, anFfmpegThatCrashesLeavesNothing)
-{
-    expectFailure(writing(movie()) + "die " + std::to_string(SIGSEGV) + "\n");
-}
-
-TEST_F(CreatorEndingsTest, anFfmpegThatIsKilledLeavesNothing)
-{
-    expectFailure(writing("stub") + "die " + std::to_string(SIGKILL) + "\n");
-    expectFailure("die " + std::to_string(SIGTERM) + "\n");
-}
-
-TEST_F(CreatorEndingsTest, anIncompleteMovieIsNoSuccess)
-{
-    expectFailure(writing(movie().substr(0, movie().size() - 1)));
-    expectFailure(writing(movie().substr(0, 200)));
-    expectFailure("exit 0\n");
-    expectFailure(writing("no movie at all"));
-}
-
-TEST_F(CreatorEndingsTest, aMovieWithoutAVideoTrackTakesNoFlag)
-{
-    tools.setFfmpeg(writing(box("ftyp", "isom") + box("moov", track("soun"))));
-    EXPECT_EQ(run(fixFlag()), 1);
-    EXPECT_EQ(otherNames(), Names());
-}
-
-TEST_F(CreatorEndingsTest, anFfmpegThatCannotBeRunIsToldOfPlainly)
+TEST_F(CreatorEndingsTest, anFfmpegThatCannotBeRunIsReported)
 {
     tools.breakFfmpeg();
     writeFile(output(), "older");
-    ToolProcess creator(tools.creator(), transcode());
-    EXPECT_EQ(creator.wait(), 1);
-    EXPECT_NE(creator.errorText().find("ffmpeg cannot be run"), std::string::npos) << creator.errorText();
-    EXPECT_NE(creator.errorText().find("install the package ffmpeg"), std::string::npos)
-        << creator.errorText();
-    EXPECT_EQ(otherNames(), Names({previous}));
+    EXPECT_EQ(run(transcode()), 1);
+    expectError("ffmpeg cannot be run");
+    expectError("install the package ffmpeg");
+    expectOnlyOlderFile();
 }
 
-TEST_F(CreatorEndingsTest, olderFilesArePutAsideOneAfterTheOther)
+TEST_F(CreatorEndingsTest, olderFilesAreRenamedOneAfterTheOther)
 {
     tools.setFfmpeg("exit 1\n");
     for (const char* text : {"first", "second", "third"}) {
         writeFile(output(), text);
         EXPECT_EQ(run(fixFlag()), 1);
     }
-    EXPECT_EQ(otherNames(), Names({"Rotated (previous 2).mp4", "Rotated (previous 3).mp4", previous}));
-    EXPECT_EQ(contentsOf(tools.at(previous)), "first");
+    EXPECT_EQ(otherNames(),
+        Words({"Rotated (previous 2).mp4", "Rotated (previous 3).mp4", "Rotated (previous).mp4"}));
+    EXPECT_EQ(contentsOf(previousPath()), "first");
     EXPECT_EQ(contentsOf(tools.at("Rotated (previous 3).mp4")), "third");
 }
 
-TEST_F(CreatorEndingsTest, nothingIsSeenOfTheOutputWhileFfmpegWorks)
+TEST_F(CreatorEndingsTest, theOutputIsInvisibleWhileFfmpegWorks)
 {
     const std::string goOn = tools.at("go on");
     setGoodFfmpeg("write-output half\nerror written\\n\nwait-for " + goOn + "\n");
     writeFile(output(), "older");
     ToolProcess creator(tools.creator(), transcode());
     creator.waitForError("written");
-    EXPECT_EQ(otherNames(), Names({"Rotated.mp4"}));
+    EXPECT_EQ(otherNames(), Words({"Rotated.mp4"}));
     EXPECT_EQ(contentsOf(output()), "older");
     writeFile(goOn, "");
     EXPECT_EQ(creator.wait(), 0);
@@ -149,16 +111,12 @@ TEST_F(CreatorEndingsTest, nothingIsSeenOfTheOutputWhileFfmpegWorks)
 
 TEST_F(CreatorEndingsTest, aFullDiskLeavesNothing)
 {
-    ToolSetup setup;
-    setup.largestFile = 100000;
     tools.setFfmpeg("flood-output 1000000\n");
     for (const auto& arguments : {fixFlag(), transcode()}) {
         writeFile(output(), "older");
-        ToolProcess creator(tools.creator(), arguments, setup);
-        EXPECT_EQ(creator.wait(), 1);
-        EXPECT_FALSE(exists(output()));
+        EXPECT_EQ(run(arguments, {.largestFile = 100000}), 1);
+        expectOnlyOlderFile();
     }
-    EXPECT_EQ(otherNames(), Names({"Rotated (previous 2).mp4", previous}));
 }
 
 TEST_F(CreatorEndingsTest, aFolderThatVanishesMidwayIsAFailure)
@@ -171,62 +129,48 @@ TEST_F(CreatorEndingsTest, aFolderThatVanishesMidwayIsAFailure)
     std::filesystem::remove_all(tools.at("there"));
     writeFile(goOn, "");
     EXPECT_EQ(creator.wait(), 1);
-    EXPECT_EQ(otherNames(), Names({"go on"}));
+    EXPECT_EQ(otherNames(), Words({"go on"}));
 }
 
-TEST_F(CreatorEndingsTest, anOutputFolderThatIsNotThereIsToldOf)
+TEST_F(CreatorEndingsTest, aFolderThatCannotHoldTheOutputIsReported)
 {
     setGoodFfmpeg();
-    ToolProcess creator(tools.creator(), transcode(input(), tools.at("nowhere/out.mp4")));
-    EXPECT_EQ(creator.wait(), 1);
-    EXPECT_NE(creator.errorText().find("No such file or directory"), std::string::npos)
-        << creator.errorText();
-    EXPECT_EQ(otherNames(), Names());
+    EXPECT_EQ(run(transcode(input(), tools.at("nowhere/out.mp4"))), 1);
+    expectError("No such file or directory");
+    EXPECT_EQ(run(transcode(input(), "/sys/out.mp4")), 1); // refused to the superuser, too
+    expectError("the output cannot be written");
+    EXPECT_EQ(otherNames(), Words());
 }
 
-TEST_F(CreatorEndingsTest, anOutputFolderThatTakesNoFilesIsToldOf)
-{
-    setGoodFfmpeg();
-    ToolProcess creator(tools.creator(), transcode(input(), "/sys/out.mp4")); // not even from the superuser
-    EXPECT_EQ(creator.wait(), 1);
-    EXPECT_NE(creator.errorText().find("the output cannot be written"), std::string::npos)
-        << creator.errorText();
-    EXPECT_EQ(otherNames(), Names());
-}
-
-TEST_F(CreatorEndingsTest, whatStandsThereIsPutAsideEvenWhereNoFileCanBeMade)
+TEST_F(CreatorEndingsTest, anOlderFileIsRenamedEvenIfNoFileCanBeMade)
 {
     setGoodFfmpeg();
     writeFile(output(), "older");
-    ToolSetup setup;
-    setup.refused = {RefusedCall::MakeFiles};
     for (const auto& arguments : {transcode(), fixFlag(), transcode(input(), tools.at("./clip.mp4"))}) {
-        ToolProcess creator(tools.creator(), arguments, setup);
-        EXPECT_EQ(creator.wait(), 1);
+        EXPECT_EQ(run(arguments, {.refused = {RefusedCall::MakeFiles}}), 1);
         EXPECT_FALSE(exists(arguments.back()));
     }
-    expectInputAt(tools.at("clip (original).mp4"));
-    EXPECT_EQ(contentsOf(tools.at(previous)), "older");
+    expectInputAt(originalPath());
+    EXPECT_EQ(contentsOf(previousPath()), "older");
 }
 
-TEST_F(CreatorEndingsTest, aFolderAtTheOutputsPlaceStaysThere)
+TEST_F(CreatorEndingsTest, aFolderAtTheOutputsPathIsKept)
 {
     setGoodFfmpeg();
     std::filesystem::create_directory(output());
     writeFile(output() + "/kept", "kept");
     EXPECT_EQ(run(transcode()), 1);
-    EXPECT_EQ(otherNames(), Names({"Rotated.mp4"}));
+    EXPECT_EQ(otherNames(), Words({"Rotated.mp4"}));
     EXPECT_EQ(contentsOf(output() + "/kept"), "kept");
 }
 
-TEST_F(CreatorEndingsTest, anyOtherListIsRefusedAndTouchesNothing)
+TEST_F(CreatorEndingsTest, anyOtherListIsRefusedAndChangesNothing)
 {
     setGoodFfmpeg();
     writeFile(output(), "older");
-    for (const Names& arguments : std::vector<Names>{{}, {"-version"}, {"-i", input(), output()}}) {
-        ToolProcess creator(tools.creator(), arguments);
-        EXPECT_EQ(creator.wait(), 2);
-        EXPECT_NE(creator.errorText(), "");
+    for (const Words& arguments : {Words(), Words{"-version"}, Words{"-i", input(), output()}}) {
+        EXPECT_EQ(run(arguments), 2);
+        EXPECT_NE(lastRun().errorText(), "");
         EXPECT_EQ(contentsOf(output()), "older");
     }
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// What ffmpeg says of its progress and of its troubles, turned into lines.
+// Status lines from ffmpeg's progress report, and error lines from its messages.
 #include "tools/StatusLines.h"
+
+#include "tests/support/Rows.h"
 
 #include <gtest/gtest.h>
 
@@ -74,49 +76,64 @@ TEST(StatusLineTest, showsHoursMinutesSecondsAndHundredthsRoundedDown)
         EXPECT_EQ(statusLine(row.microseconds), row.line) << row.microseconds;
 }
 
-TEST(ProgressReaderTest, aBlockGivesOneLine)
+struct TextRow {
+    const char* name;
+    std::string text;
+    const char* lines;
+};
+
+class ProgressTextTest : public testing::TestWithParam<TextRow>
 {
-    EXPECT_EQ(read(block("3723450000")), "time=01:02:03.45\n");
-    EXPECT_EQ(read(block("0") + block("500000")), "time=00:00:00.00\ntime=00:00:00.50\n");
-    EXPECT_EQ(read("out_time_us=1000000\nprogress=end\n"), "time=00:00:01.00\n");
+};
+
+class ComplaintTextTest : public testing::TestWithParam<TextRow>
+{
+};
+
+TEST_P(ProgressTextTest, hasTheseStatusLines)
+{
+    EXPECT_EQ(read(GetParam().text), GetParam().lines);
 }
 
-TEST(ProgressReaderTest, timesThatAreNoneGiveNoLine)
+TEST_P(ComplaintTextTest, hasTheseErrorLines)
+{
+    EXPECT_EQ(complaint(GetParam().text), GetParam().lines);
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, ProgressTextTest,
+    testing::Values(TextRow{"oneBlock", block("3723450000"), "time=01:02:03.45\n"},
+        TextRow{"twoBlocks", block("0") + block("500000"), "time=00:00:00.00\ntime=00:00:00.50\n"},
+        TextRow{"theLastBlock", "out_time_us=1000000\nprogress=end\n", "time=00:00:01.00\n"},
+        TextRow{"aBlockWithoutATime", block("20000") + "frame=3\nprogress=continue\n", "time=00:00:00.02\n"},
+        TextRow{"aBlockWithAnUnknownTime", block("20000") + "out_time_us=N/A\nprogress=continue\n",
+            "time=00:00:00.02\n"},
+        TextRow{"noTimeAtAll", "progress=end\n", ""},
+        TextRow{"aLongerKey", "xout_time_us=5000000\nprogress=continue\n", ""},
+        TextRow{"aKeyWithASpace", "out_time_us =5000000\nprogress=continue\n", ""},
+        TextRow{"otherTimes", "out_time=00:00:05.00\ntime=00:00:05.00\nprogress=continue\n", ""},
+        TextRow{
+            "twoBytesAtTheEndsOfLines", "out_time_us=1000000\r\nprogress=continue\r\n", "time=00:00:01.00\n"},
+        TextRow{"returnsAtTheEndsOfLines", "out_time_us=1000000\rprogress=continue\r", "time=00:00:01.00\n"},
+        TextRow{"emptyLines", "\n\n\r\nout_time_us=1000000\n\nprogress=continue\n", "time=00:00:01.00\n"},
+        TextRow{"aLineWithoutItsEnd", "out_time_us=1000000\nprogress=continue", ""}),
+    rowName);
+
+INSTANTIATE_TEST_SUITE_P(Texts, ComplaintTextTest,
+    testing::Values(TextRow{"wholeLines", "one\ntwo\n", "one\ntwo\n"},
+        TextRow{"emptyLines", "one\r\ntwo\r\n\n", "one\ntwo\n"}, TextRow{"aLineWithoutItsEnd", "half", ""},
+        TextRow{"aTimeCode", "time code 01:00:00:00 is wrong\n", "time code 01.00.00:00 is wrong\n"},
+        TextRow{"aTimeStamp", "12:34:56.78\n", "12.34:56.78\n"},
+        TextRow{"numbersWithColons", "11:22:33:44:55 0:1 1:23:45\n", "11.22.33.44:55 0:1 1:23:45\n"},
+        TextRow{"otherBytes", "\x1B[31mred\xC3\xA4\n", "?[31mred??\n"}),
+    rowName);
+
+TEST(ProgressReaderTest, otherTimesGiveNoLine)
 {
     for (const char* time : {"N/A", "", "-1", "-9223372036854775808", "9223372036854775808",
              "99999999999999999999", "1.5", "12x", " 12", "00:00:01.00", "0x10", "+5", "nan"}) {
         EXPECT_EQ(read(block(time)), "") << time;
         EXPECT_EQ(read(block(time) + block("40000")), "time=00:00:00.04\n") << time;
     }
-}
-
-TEST(ProgressReaderTest, aBlockWithoutATimeDoesNotRepeatTheOneBefore)
-{
-    EXPECT_EQ(read(block("20000") + "frame=3\nprogress=continue\n"), "time=00:00:00.02\n");
-    EXPECT_EQ(read(block("20000") + "out_time_us=N/A\nprogress=continue\n"), "time=00:00:00.02\n");
-    EXPECT_EQ(read("progress=end\n"), "");
-}
-
-TEST(ProgressReaderTest, otherKeysThatLookAlikeGiveNothing)
-{
-    EXPECT_EQ(read("xout_time_us=5000000\nprogress=continue\n"), "");
-    EXPECT_EQ(read("out_time_us =5000000\nprogress=continue\n"), "");
-    EXPECT_EQ(read("out_time=00:00:05.00\ntime=00:00:05.00\nprogress=continue\n"), "");
-}
-
-TEST(ProgressReaderTest, anyEndOfLineCounts)
-{
-    EXPECT_EQ(read("out_time_us=1000000\r\nprogress=continue\r\n"), "time=00:00:01.00\n");
-    EXPECT_EQ(read("out_time_us=1000000\rprogress=continue\r"), "time=00:00:01.00\n");
-    EXPECT_EQ(read("\n\n\r\nout_time_us=1000000\n\nprogress=continue\n"), "time=00:00:01.00\n");
-}
-
-TEST(ProgressReaderTest, aLineWithoutItsEndGivesNothingYet)
-{
-    ProgressReader reader;
-    EXPECT_EQ(reader.read("out_time_us=1000000\nprogress=contin"), "");
-    EXPECT_EQ(reader.read("ue"), "");
-    EXPECT_EQ(reader.read("\n"), "time=00:00:01.00\n");
 }
 
 TEST(ProgressReaderTest, aCutAtAnyByteChangesNothing)
@@ -136,22 +153,12 @@ TEST(ProgressReaderTest, aCutAtAnyByteChangesNothing)
     EXPECT_EQ(lines, whole);
 }
 
-TEST(ProgressReaderTest, aFloodWithoutAnEndOfLineIsForgotten)
+TEST(ProgressReaderTest, aFloodWithoutAnEndOfLineIsDropped)
 {
     ProgressReader reader;
     for (int piece = 0; piece < 100; ++piece)
         EXPECT_EQ(reader.read(std::string(65536, 'x')), "");
     EXPECT_EQ(reader.read("\n" + block("1000000")), "time=00:00:01.00\n");
-}
-
-TEST(ComplaintReaderTest, wholeLinesComeThrough)
-{
-    EXPECT_EQ(complaint("one\ntwo\n"), "one\ntwo\n");
-    EXPECT_EQ(complaint("one\r\ntwo\r\n\n"), "one\ntwo\n");
-    ComplaintReader reader;
-    EXPECT_EQ(reader.read("ha"), "");
-    EXPECT_EQ(reader.read("lf"), "");
-    EXPECT_EQ(reader.read("\nnext"), "half\n");
 }
 
 TEST(ComplaintReaderTest, noLineCanBeTakenForAStatusLine)
@@ -175,14 +182,7 @@ TEST(ComplaintReaderTest, aMarkThatIsCutAtAnyByteDoesNotGetThrough)
     }
 }
 
-TEST(ComplaintReaderTest, noTimeStampGetsThrough)
-{
-    EXPECT_EQ(complaint("time code 01:00:00:00 is wrong\n"), "time code 01.00.00:00 is wrong\n");
-    EXPECT_EQ(complaint("12:34:56.78\n"), "12.34:56.78\n");
-    EXPECT_EQ(complaint("11:22:33:44:55 0:1 1:23:45\n"), "11.22.33.44:55 0:1 1:23:45\n");
-}
-
-TEST(ComplaintReaderTest, howALongLineComesInChangesNothing)
+TEST(ComplaintReaderTest, theSizesOfThePiecesOfALongLineChangeNothing)
 {
     const std::string text = std::string(longestLine + 900, 'x') + "end\n";
     ComplaintReader reader;
@@ -208,7 +208,6 @@ TEST(ComplaintReaderTest, onlyPrintableCharactersComeThrough)
         all += static_cast<char>(byte);
     for (const char byte : complaint(all + "\n"))
         EXPECT_TRUE((byte >= ' ' && byte <= '~') || byte == '\n') << static_cast<int>(byte);
-    EXPECT_EQ(complaint("\x1B[31mred\xC3\xA4\n"), "?[31mred??\n");
 }
 
 TEST(ComplaintReaderTest, aFloodBecomesLinesThatAreWrittenInOnePiece)

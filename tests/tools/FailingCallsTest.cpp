@@ -1,23 +1,21 @@
 // SPDX-License-Identifier: MIT
-// Every call of the system that the tools make fails in turn, the first time, the second, and so on.
+// Every system call of the tools fails in turn: its first occurrence, its second one, and so on.
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MovieBytes.h"
 
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace tarnwell::test
 {
 
 namespace
 {
-
-using Words = std::vector<std::string>;
 
 const std::string library = TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so";
 constexpr int mostTimes = 200;
@@ -27,25 +25,39 @@ constexpr int mostTimes = 200;
 class FailingCallsTest : public CreatorTest, public testing::WithParamInterface<std::string>
 {
 protected:
-    /// Makes the call fail once, at that time; absent where the tool does not make it so often.
-    std::optional<int> statusWith(int time, const std::string& program, const Words& arguments)
+    /// Runs the tool again and again, and makes another occurrence of the call fail each time, until it no
+    /// longer makes so many. Calls `check` with the exit status of each run; returns the number of failed
+    /// calls.
+    int failEachCall(
+        const std::string& program, const Words& arguments, const std::function<void(int status)>& check)
     {
         const std::string note = tools.addData("failed", "");
-        std::filesystem::remove(note);
-        ToolSetup setup;
-        setup.variables = {"LD_PRELOAD=" + library, "TARNWELL_FAILED=" + note,
-            "TARNWELL_FAILS=" + GetParam() + " " + std::to_string(time)};
-        ToolProcess process(program, arguments, setup);
-        const int status = process.wait();
-        m_output = process.output();
-        return exists(note) ? std::optional(status) : std::nullopt;
+        for (int time = 1; time < mostTimes; ++time) {
+            SCOPED_TRACE(testing::Message() << GetParam() << " " << time);
+            std::filesystem::remove(note);
+            if (m_hasOlderFile)
+                writeFile(output(), "older");
+            ToolProcess process(program, arguments,
+                {.variables = {"LD_PRELOAD=" + library, "TARNWELL_FAILED=" + note,
+                     "TARNWELL_FAILS=" + GetParam() + " " + std::to_string(time)}});
+            const int status = process.wait();
+            m_printed = process.output();
+            check(status);
+            if (!exists(note)) {
+                EXPECT_EQ(status, 0);
+                std::cout << GetParam() << " failed " << time - 1 << " times\n";
+                return time - 1;
+            }
+        }
+        ADD_FAILURE() << "the call still fails after " << mostTimes << " runs";
+        return mostTimes;
     }
 
-    /// Whole or not there at all, and an older file never lost.
+    /// The output is whole or missing, and an older file is never lost.
     void expectGoodEnding(int status, std::size_t otherSize = 0)
     {
         const std::string now = contentsOf(output());
-        const std::string previous = contentsOf(tools.at("Rotated (previous).mp4"));
+        const std::string previous = contentsOf(previousPath());
         EXPECT_TRUE(status == 0 || status == 1 || status == 255) << status;
         if (status == 0) {
             EXPECT_TRUE(now.size() == movie().size() || now.size() == otherSize) << now.size();
@@ -58,77 +70,49 @@ protected:
         }
     }
 
-    std::string m_output;
+    bool m_hasOlderFile = true; // at the output's path
+    std::string m_printed;
 };
 
 TEST_P(FailingCallsTest, aVideoIsMadeWholeOrNotAtAll)
 {
-    setGoodFfmpeg("print out_time_us=1000000\\nprogress=continue\\n\nerror complaint\\n\n");
-    for (const Words& arguments : {transcode(), fixFlag()}) {
-        int time = 0;
-        for (bool failed = true; failed && time < mostTimes;) {
-            SCOPED_TRACE(testing::Message() << GetParam() << " " << ++time);
-            writeFile(output(), "older");
-            const auto status = statusWith(time, tools.creator(), arguments);
-            expectGoodEnding(status.value_or(0));
-            failed = status.has_value();
-        }
-        EXPECT_LT(time, mostTimes);
-        std::cout << GetParam() << " failed " << time - 1 << " times\n";
-    }
+    setGoodFfmpeg("print out_time_us=1000000\\nprogress=continue\\n\nerror message\\n\n");
+    for (const Words& arguments : {transcode(), fixFlag()})
+        failEachCall(tools.creator(), arguments, [this](int status) { expectGoodEnding(status); });
 }
 
 TEST_P(FailingCallsTest, aCopyIsMadeWholeOrNotAtAll)
 {
     setGoodFfmpeg();
-    const std::string input = movieOf(GetParam() == "sync_file_range" ? 9 << 20 : 2 << 20);
-    setInput(input);
-    int time = 0;
-    for (bool failed = true; failed && time < mostTimes;) {
-        SCOPED_TRACE(testing::Message() << GetParam() << " " << ++time);
-        writeFile(output(), "older");
-        const auto status = statusWith(time, tools.creator(), fixFlag());
-        expectGoodEnding(status.value_or(0), input.size());
-        failed = status.has_value();
-    }
+    const std::string bytes = movieOf(GetParam() == "sync_file_range" ? 9 << 20 : 2 << 20);
+    setInput(bytes);
+    const int times = failEachCall(
+        tools.creator(), fixFlag(), [&](int status) { expectGoodEnding(status, bytes.size()); });
     const std::set<std::string> needed
         = {"pread", "pwrite", "lseek", "ioctl", "copy_file_range", "sync_file_range"};
-    EXPECT_TRUE(time > 1 || !needed.contains(GetParam())) << "it is never called";
-    EXPECT_LT(time, mostTimes);
-    std::cout << GetParam() << " failed " << time - 1 << " times\n";
+    EXPECT_TRUE(times > 0 || !needed.contains(GetParam())) << "it is never called";
 }
 
-TEST_P(FailingCallsTest, aStillOrNone)
+TEST_P(FailingCallsTest, aStillIsAPictureOrMissing)
 {
     setGoodFfmpeg();
+    m_hasOlderFile = false;
     const std::string picture = tools.at("still.jpg");
-    int time = 0;
-    for (bool failed = true; failed && time < mostTimes;) {
-        SCOPED_TRACE(testing::Message() << GetParam() << " " << ++time);
-        const auto status = statusWith(time, tools.creator(), still("1.5", picture));
-        EXPECT_EQ(status.value_or(0) == 0, contentsOf(picture).starts_with("\xFF\xD8"));
-        failed = status.has_value();
+    failEachCall(tools.creator(), still("1.5", picture), [&picture](int status) {
+        EXPECT_EQ(status == 0, contentsOf(picture).starts_with("\xFF\xD8"));
         std::filesystem::remove(picture);
-    }
-    EXPECT_LT(time, mostTimes);
+    });
 }
 
-TEST_P(FailingCallsTest, aReportIsWholeOrSaysSoByItsStatus)
+TEST_P(FailingCallsTest, aReportIsWholeOrTheStatusIsNotZero)
 {
-    int time = 0;
     const Words arguments = {"-v", "quiet", input()};
-    const std::string whole = [&] {
-        ToolProcess process(tools.sniffer(), arguments);
-        process.wait();
-        return process.output();
-    }();
-    for (bool failed = true; failed && time < mostTimes;) {
-        SCOPED_TRACE(testing::Message() << GetParam() << " " << ++time);
-        const auto status = statusWith(time, tools.sniffer(), arguments);
-        EXPECT_TRUE(m_output == whole || status.value_or(0) != 0) << m_output;
-        failed = status.has_value();
-    }
-    EXPECT_LT(time, mostTimes);
+    m_hasOlderFile = false;
+    ToolProcess process(tools.sniffer(), arguments);
+    EXPECT_EQ(process.wait(), 0);
+    failEachCall(tools.sniffer(), arguments, [this, whole = process.output()](int status) {
+        EXPECT_TRUE(m_printed == whole || status != 0) << m_printed;
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, FailingCallsTest,

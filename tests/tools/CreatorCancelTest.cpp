@@ -1,30 +1,24 @@
 // SPDX-License-Identifier: MIT
-// Signals for creator, at any moment.
+// Signals for creator at any time of its run.
 #include "tests/support/Files.h"
-#include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
 
 #include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <memory>
 #include <random>
 #include <set>
 #include <string>
 #include <system_error>
 #include <thread>
-#include <vector>
 
 namespace tarnwell::test
 {
 
 namespace
 {
-
-using Names = std::vector<std::string>;
-
-constexpr int cancelled = 255;
-const std::string previous = "Rotated (previous).mp4";
 
 std::set<std::string> pipesOf(const std::string& process)
 {
@@ -47,7 +41,7 @@ std::string childOf(pid_t process)
     return name.substr(0, name.find('\n'));
 }
 
-/// Whether it has pipes that it has not inherited.
+/// Whether the process has pipes that it did not inherit.
 bool hasOwnPipes(pid_t process)
 {
     const auto ours = pipesOf("self");
@@ -57,44 +51,44 @@ bool hasOwnPipes(pid_t process)
 
 } // namespace
 
-using CreatorCancelTest = CreatorTest;
+class CreatorCancelTest : public CreatorTest
+{
+protected:
+    /// Starts the job and sends the signal when ffmpeg has written "ready"; the exit status.
+    int cancelWhenReady(const Words& job, int signal = SIGTERM)
+    {
+        m_creator = std::make_unique<ToolProcess>(tools.creator(), job);
+        m_creator->waitForError("ready");
+        m_creator->signal(signal);
+        return m_creator->wait();
+    }
+
+    /// The ffmpeg whose script has `say-pid` is killed.
+    void expectNoFfmpeg() const { waitUntilGone(std::stoi(m_creator->said("pid ").at(0))); }
+
+    std::unique_ptr<ToolProcess> m_creator;
+};
 
 TEST_F(CreatorCancelTest, aSignalReachesFfmpeg)
 {
+    tools.setFfmpeg("say-on-termination told to end\nwrite-output half\nerror ready\\n\nhang\n");
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-        SCOPED_TRACE(signal);
-        tools.setFfmpeg("say-on-termination told to end\nwrite-output half\nerror ready\\n\nhang\n");
         for (const auto& arguments : {still(), fixFlag(), transcode()}) {
-            ToolProcess creator(tools.creator(), arguments);
-            creator.waitForError("ready");
-            creator.signal(signal);
-            EXPECT_EQ(creator.wait(), cancelled);
-            EXPECT_EQ(creator.said("told to end").size(), 1U) << creator.errorText();
-            EXPECT_EQ(otherNames(), Names());
+            EXPECT_EQ(cancelWhenReady(arguments, signal), cancelled) << signal;
+            EXPECT_EQ(m_creator->said("told to end").size(), 1U) << m_creator->errorText();
+            EXPECT_EQ(otherNames(), Words());
         }
     }
 }
 
-TEST_F(CreatorCancelTest, aStubbornFfmpegIsKilled)
+TEST_F(CreatorCancelTest, anFfmpegThatIgnoresTheSignalIsKilled)
 {
-    tools.setFfmpeg("ignore-termination\nsay-pid\nwrite-output half\nerror ready\\n\nhang\n");
-    ToolProcess creator(tools.creator(), transcode());
-    creator.waitForError("ready");
-    const int ffmpeg = std::stoi(creator.waitForError("pid "));
-    creator.signal(SIGTERM);
-    EXPECT_EQ(creator.wait(), cancelled);
-    waitUntilGone(ffmpeg);
-    EXPECT_EQ(otherNames(), Names());
-}
-
-TEST_F(CreatorCancelTest, aStubbornFfmpegThatFloodsIsKilled)
-{
-    tools.setFfmpeg("ignore-termination\nsay-pid\nflood 1000000000000\n");
-    ToolProcess creator(tools.creator(), transcode());
-    const int ffmpeg = std::stoi(creator.waitForError("pid "));
-    creator.signal(SIGTERM);
-    EXPECT_EQ(creator.wait(), cancelled);
-    waitUntilGone(ffmpeg);
+    for (const char* rest : {"write-output half\nhang\n", "flood 1000000000000\n"}) {
+        tools.setFfmpeg(std::string("ignore-termination\nsay-pid\nerror ready\\n\n") + rest);
+        EXPECT_EQ(cancelWhenReady(transcode()), cancelled);
+        expectNoFfmpeg();
+        EXPECT_EQ(otherNames(), Words());
+    }
 }
 
 TEST_F(CreatorCancelTest, anFfmpegThatHasClosedItsStreamsIsReachedToo)
@@ -102,8 +96,7 @@ TEST_F(CreatorCancelTest, anFfmpegThatHasClosedItsStreamsIsReachedToo)
     tools.setFfmpeg("say-pid\nclose 1\nclose 2\nhang\n");
     ToolProcess creator(tools.creator(), transcode());
     const int ffmpeg = std::stoi(creator.waitForError("pid "));
-    while (hasOwnPipes(creator.processId()))
-        std::this_thread::yield();
+    EXPECT_TRUE(waitFor([&] { return !hasOwnPipes(creator.processId()); })) << "creator keeps its pipes";
     creator.signal(SIGTERM);
     EXPECT_EQ(creator.wait(), cancelled);
     waitUntilGone(ffmpeg);
@@ -118,98 +111,70 @@ TEST_F(CreatorCancelTest, anFfmpegThatSucceedsAllTheSameIsStillCancelled)
     creator.signal(SIGTERM);
     writeFile(goOn, "");
     EXPECT_EQ(creator.wait(), cancelled);
-    EXPECT_EQ(otherNames(), Names({"go on"}));
+    EXPECT_EQ(otherNames(), Words({"go on"}));
 }
 
-TEST_F(CreatorCancelTest, anOlderFileIsPutAside)
+TEST_F(CreatorCancelTest, anOlderFileIsRenamed)
 {
     tools.setFfmpeg("error ready\\n\nhang\n");
     for (const auto& arguments : {fixFlag(), transcode()}) {
         writeFile(output(), "older");
-        ToolProcess creator(tools.creator(), arguments);
-        creator.waitForError("ready");
-        creator.signal(SIGTERM);
-        EXPECT_EQ(creator.wait(), cancelled);
-        EXPECT_FALSE(exists(output()));
+        EXPECT_EQ(cancelWhenReady(arguments), cancelled);
+        expectOnlyOlderFile();
     }
-    EXPECT_EQ(otherNames(), Names({"Rotated (previous 2).mp4", previous}));
-    EXPECT_EQ(contentsOf(tools.at(previous)), "older");
 }
 
-TEST_F(CreatorCancelTest, aHangingFfprobeDoesNotKeepIt)
+TEST_F(CreatorCancelTest, anFfprobeThatHangsDoesNotDelayIt)
 {
     setGoodFfmpeg();
     tools.setFfprobe("hang\n");
     ToolProcess creator(tools.creator(), fixFlag());
-    while (childOf(creator.processId()) != "ffprobe")
-        std::this_thread::yield();
+    EXPECT_TRUE(waitFor([&] { return childOf(creator.processId()) == "ffprobe"; })) << "no ffprobe runs";
     creator.signal(SIGTERM);
     EXPECT_EQ(creator.wait(), cancelled);
-    EXPECT_EQ(otherNames(), Names());
+    EXPECT_EQ(otherNames(), Words());
 }
 
-class LateCancelTest : public CreatorTest
+class LateCancelTest : public CreatorTest, public testing::WithParamInterface<const char*>
 {
 protected:
-    /// Cancels while that write to the disk lasts.
-    int cancelDuring(const std::string& fsync, const std::vector<std::string>& arguments)
+    /// Cancels during that write to the disk.
+    int cancelLate(const Words& arguments)
     {
-        const std::string goOn = tools.addData("go on", "");
-        std::filesystem::remove(goOn);
-        ToolSetup setup;
-        setup.variables
-            = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so", fsync + "_WAITS_FOR=" + goOn};
-        ToolProcess creator(tools.creator(), arguments, setup);
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (!exists(goOn + ".waiting") && std::chrono::steady_clock::now() < limit)
-            std::this_thread::yield();
-        EXPECT_TRUE(exists(goOn + ".waiting")) << "creator did not call " << fsync;
-        creator.signal(SIGTERM);
-        writeFile(goOn, "");
-        const int status = creator.wait();
-        std::filesystem::remove(goOn + ".waiting");
-        return status;
-    }
-
-    void expectThatItCounts(const std::string& fsync)
-    {
-        setGoodFfmpeg();
-        for (const auto& arguments : {fixFlag(), transcode()}) {
-            writeFile(output(), "older");
-            EXPECT_EQ(cancelDuring(fsync, arguments), cancelled);
-            EXPECT_EQ(otherNames(), Names({previous}));
-            EXPECT_EQ(contentsOf(tools.at(previous)), "older");
-            std::filesystem::remove(tools.at(previous));
-            EXPECT_EQ(cancelDuring(fsync, arguments), cancelled);
-            EXPECT_EQ(otherNames(), Names());
-        }
+        return runWithPause(
+            GetParam(), arguments, [](const ToolProcess& creator) { creator.signal(SIGTERM); });
     }
 };
 
-TEST_F(LateCancelTest, countsWhileTheDataIsBroughtToTheDisk)
+TEST_P(LateCancelTest, leavesNothingButTheOlderFile)
 {
-    expectThatItCounts("TARNWELL_FSYNC");
+    setGoodFfmpeg();
+    for (const auto& arguments : {fixFlag(), transcode()}) {
+        writeFile(output(), "older");
+        EXPECT_EQ(cancelLate(arguments), cancelled);
+        expectOnlyOlderFile();
+        EXPECT_EQ(cancelLate(arguments), cancelled);
+        EXPECT_EQ(otherNames(), Words());
+    }
 }
 
-TEST_F(LateCancelTest, countsWhenTheFileIsInItsPlaceAlready)
-{
-    expectThatItCounts("TARNWELL_FOLDER_FSYNC");
-}
+// The first write is that of the data, the second one that of the folder, after the move to the output's
+// path.
+INSTANTIATE_TEST_SUITE_P(Writes, LateCancelTest,
+    testing::Values("TARNWELL_FSYNC_WAITS_FOR", "TARNWELL_FOLDER_FSYNC_WAITS_FOR"),
+    [](const auto& variable) { return std::string(variable.param); });
 
-TEST_F(CreatorCancelTest, aSignalBeforeItIsReadyIsKeptForIt)
+TEST_F(CreatorCancelTest, aSignalBeforeItsHandlersIsKept)
 {
     constexpr int rounds = 20;
     tools.setFfmpeg("hang\n");
-    ToolSetup setup;
-    setup.blocked = SIGTERM; // a caller may do so, to cancel from the first moment on
     for (int round = 0; round < rounds; ++round) {
         writeFile(output(), "older");
-        ToolProcess creator(tools.creator(), transcode(), setup);
+        // A caller may block the signal, in order to cancel at any time after the start.
+        ToolProcess creator(tools.creator(), transcode(), {.blocked = SIGTERM});
         creator.signal(SIGTERM);
         EXPECT_EQ(creator.wait(), cancelled);
-        EXPECT_EQ(otherNames(), Names({previous}));
-        EXPECT_EQ(contentsOf(tools.at(previous)), "older");
-        std::filesystem::remove(tools.at(previous));
+        expectOnlyOlderFile();
     }
 }
 
@@ -219,9 +184,7 @@ TEST_F(CreatorCancelTest, aSignalThatItsCallerIgnoresDoesNotCancel)
         const std::string goOn = tools.at("go on");
         std::filesystem::remove(goOn);
         setGoodFfmpeg("error ready\\n\nwait-for " + goOn + "\n");
-        const auto usual = std::signal(signal, SIG_IGN);
-        ToolProcess creator(tools.creator(), transcode());
-        std::signal(signal, usual);
+        ToolProcess creator(tools.creator(), transcode(), {.ignored = signal});
         creator.waitForError("ready");
         creator.signal(signal);
         writeFile(goOn, "");
@@ -229,19 +192,16 @@ TEST_F(CreatorCancelTest, aSignalThatItsCallerIgnoresDoesNotCancel)
     }
 }
 
-TEST_F(CreatorCancelTest, aCallerThatIgnoresItsChildrenDoesNotConfuseIt)
+TEST_F(CreatorCancelTest, aCallerMayIgnoreTheEndOfChildren)
 {
     setGoodFfmpeg();
-    ToolSetup setup;
-    setup.ignored = SIGCHLD;
-    ToolProcess creator(tools.creator(), transcode(), setup);
-    EXPECT_EQ(creator.wait(), 0);
+    EXPECT_EQ(run(transcode(), {.ignored = SIGCHLD}), 0);
 }
 
 TEST_F(CreatorCancelTest, noMomentLeavesAnythingBehind)
 {
     constexpr int rounds = 200;
-    constexpr int longest = 12000; // microseconds; creator is done with the fake before
+    constexpr int longest = 12000; // microseconds; creator and the fake have ended by then
     std::mt19937 random(7);
     std::uniform_int_distribution<int> moment(0, longest);
     setGoodFfmpeg("print out_time_us=1000\\nprogress=continue\\n\nwrite-output half\nsleep 2\n");
@@ -250,9 +210,7 @@ TEST_F(CreatorCancelTest, noMomentLeavesAnythingBehind)
         const int wait = moment(random);
         SCOPED_TRACE(testing::Message() << "round " << round << ", after " << wait << " microseconds");
         writeFile(output(), "older");
-        ToolSetup setup;
-        setup.blocked = SIGTERM; // a caller may do so, to cancel from the first moment on
-        ToolProcess creator(tools.creator(), transcode(), setup);
+        ToolProcess creator(tools.creator(), transcode(), {.blocked = SIGTERM});
         std::this_thread::sleep_for(std::chrono::microseconds(wait));
         creator.signal(SIGTERM);
         const int status = creator.wait();
@@ -261,37 +219,31 @@ TEST_F(CreatorCancelTest, noMomentLeavesAnythingBehind)
             std::filesystem::remove(output());
         } else {
             EXPECT_EQ(status, cancelled);
-            EXPECT_EQ(contentsOf(tools.at(previous)), "older");
-            std::filesystem::remove(tools.at(previous));
+            expectOnlyOlderFile();
             ++cancels;
         }
-        ASSERT_EQ(otherNames(), Names());
+        ASSERT_EQ(otherNames(), Words());
     }
     EXPECT_GT(cancels, 0);
 }
 
-TEST_F(CreatorCancelTest, itsViolentEndIsTheEndOfFfmpegAndLeavesNothing)
+TEST_F(CreatorCancelTest, aKillEndsFfmpegAndLeavesTheOlderFile)
 {
     tools.setFfmpeg("ignore-termination\nsay-pid\nwrite-output half\nerror ready\\n\nhang\n");
     writeFile(output(), "older");
     for (const auto& arguments : {still(), fixFlag(), transcode()}) {
-        ToolProcess creator(tools.creator(), arguments);
-        creator.waitForError("ready");
-        const int ffmpeg = std::stoi(creator.waitForError("pid "));
-        ASSERT_TRUE(isRunning(ffmpeg));
-        creator.signal(SIGKILL);
-        EXPECT_EQ(creator.wait(), 128 + SIGKILL);
-        waitUntilGone(ffmpeg);
-        EXPECT_EQ(otherNames(), Names({"Rotated.mp4"}));
+        EXPECT_EQ(cancelWhenReady(arguments, SIGKILL), 128 + SIGKILL);
+        expectNoFfmpeg();
+        EXPECT_EQ(otherNames(), Words({"Rotated.mp4"}));
         EXPECT_EQ(contentsOf(output()), "older");
     }
 }
 
-TEST_F(CreatorCancelTest, noMomentOfAViolentEndHarmsAnything)
+TEST_F(CreatorCancelTest, noMomentOfAKillHarmsAnything)
 {
     constexpr int rounds = 100;
     std::mt19937 random(11);
-    std::uniform_int_distribution<int> moment(0, 12000);
+    std::uniform_int_distribution<int> moment(0, 12000); // microseconds
     setGoodFfmpeg("write-output half\nsleep 2\n");
     for (int round = 0; round < rounds; ++round) {
         SCOPED_TRACE(round);

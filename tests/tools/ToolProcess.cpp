@@ -2,6 +2,7 @@
 #include "tests/tools/ToolProcess.h"
 
 #include "tests/support/Files.h"
+#include "tests/support/TimeLimit.h"
 
 #include <gtest/gtest.h>
 
@@ -26,20 +27,6 @@ namespace
 
 constexpr int signalBase = 128;
 constexpr int cannotBeRun = 127;
-constexpr std::chrono::seconds longestWait(30); // only what hangs for ever takes so long
-constexpr std::chrono::milliseconds pause(2);
-
-template <typename Condition>
-bool waitFor(Condition condition)
-{
-    const auto end = std::chrono::steady_clock::now() + longestWait;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        std::this_thread::sleep_for(pause);
-    }
-    return true;
-}
 
 // Each write is one message.
 std::pair<int, int> messageSockets()
@@ -214,7 +201,7 @@ std::string ToolProcess::waitForError(const std::string& beginning)
     std::vector<std::string> lines = said(beginning);
     while (lines.empty() && hear())
         lines = said(beginning);
-    EXPECT_FALSE(lines.empty()) << "it has not said: " << beginning << "\nbut: " << errorText();
+    EXPECT_FALSE(lines.empty()) << "no line begins with: " << beginning << "\nbut: " << errorText();
     return lines.empty() ? std::string() : lines.front();
 }
 
@@ -235,6 +222,19 @@ std::vector<std::string> ToolProcess::saidInHex(const std::string& beginning) co
     for (const auto& digits : said(beginning))
         words.push_back(fromHexadecimal(digits));
     return words;
+}
+
+testing::AssertionResult waitFor(const std::function<bool()>& condition)
+{
+    constexpr std::chrono::milliseconds interval(2);
+    const auto deadline = std::chrono::steady_clock::now() + longestWait;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return testing::AssertionFailure()
+                << "the condition did not hold within " << longestWait.count() << " s; ";
+        std::this_thread::sleep_for(interval);
+    }
+    return testing::AssertionSuccess();
 }
 
 bool isRunning(pid_t process)

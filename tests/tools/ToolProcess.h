@@ -3,6 +3,9 @@
 
 #include "tests/tools/RefusedCall.h"
 
+#include <gtest/gtest.h>
+
+#include <functional>
 #include <string>
 #include <sys/resource.h>
 #include <sys/types.h>
@@ -11,22 +14,22 @@
 namespace tarnwell::test
 {
 
-/// How a tool is started, besides its arguments.
+/// The surroundings of a tool at its start.
 struct ToolSetup {
     enum class ErrorStream {
         Heard,
         Closed,
-        Unread, // a pipe whose reader has gone
-        NotListened // a pipe whose reader is there and does not read
+        Unread, // a pipe without a reader
+        NotListened // a pipe whose reader does not read
     };
 
     ErrorStream errors = ErrorStream::Heard;
-    std::vector<int> closed = {}; // descriptors that it finds closed
-    int ignored = 0; // a signal
-    int blocked = 0; // another
-    rlim_t largestFile = RLIM_INFINITY;
-    std::vector<std::string> variables = {}; // more of the environment
-    std::vector<RefusedCall> refused = {}; // what its system cannot do
+    std::vector<int> closed = {}; // descriptors
+    int ignored = 0; // a signal; 0 for none
+    int blocked = 0; // a signal; 0 for none
+    rlim_t largestFile = RLIM_INFINITY; // bytes
+    std::vector<std::string> variables = {}; // added to the environment
+    std::vector<RefusedCall> refused = {}; // system calls that fail
 };
 
 /// A tool as a child process. Each write to its standard error is kept apart.
@@ -35,7 +38,7 @@ class ToolProcess
 public:
     ToolProcess(
         const std::string& program, const std::vector<std::string>& arguments, const ToolSetup& setup = {});
-    /// Kills it where it still runs.
+    /// Kills the tool if it still runs.
     ~ToolProcess();
     ToolProcess(const ToolProcess&) = delete;
     ToolProcess& operator=(const ToolProcess&) = delete;
@@ -43,23 +46,23 @@ public:
     pid_t processId() const { return m_process; }
     void signal(int number) const;
 
-    /// Waits for its end: the exit status, or 128 and the signal's number. -1 where it does not come; that
-    /// fails the test.
+    /// Waits for the end of the tool; returns its exit status, or 128 plus the number of the signal. -1 after
+    /// the longest wait, which fails the test.
     int wait();
 
-    /// What was printed on standard output until now.
+    /// What the tool has written to standard output.
     std::string output() const;
 
-    /// All that was written to standard error until now, one element a write.
+    /// What the tool has written to standard error, one element for each write.
     const std::vector<std::string>& errors() const { return m_errors; }
     std::string errorText() const;
 
-    /// Waits for a line that begins so; what follows in it. Fails the test where the tool ends before.
+    /// Waits for a line with that beginning; returns its rest. Fails the test if the tool ends before.
     std::string waitForError(const std::string& beginning);
 
-    /// What the fake tool said in lines that begin so, each without the beginning; see FakeTools.h.
+    /// The lines of the fake tool with that beginning, each without it; see FakeTools.h.
     std::vector<std::string> said(const std::string& beginning) const;
-    /// The same for words in hexadecimal digits.
+    /// The same for lines in hexadecimal digits.
     std::vector<std::string> saidInHex(const std::string& beginning) const;
 
 private:
@@ -73,13 +76,16 @@ private:
     std::vector<std::string> m_errors;
 };
 
-/// Whether the process runs; one that has ended and that nobody has waited for does not.
+/// Blocks until the condition holds; fails after the longest wait.
+testing::AssertionResult waitFor(const std::function<bool()>& condition);
+
+/// False for a process that has ended, even if its parent has not waited for it.
 bool isRunning(pid_t process);
 
-/// Waits until it does not run any more. Fails the test where that does not come.
+/// Blocks until the process has ended. Fails the test after the longest wait.
 void waitUntilGone(pid_t process);
 
-/// Runs it to its end; the status as of ToolProcess::wait.
+/// Runs the program to its end; returns the value of ToolProcess::wait.
 int runTool(const std::string& program, const std::vector<std::string>& arguments);
 
 } // namespace tarnwell::test

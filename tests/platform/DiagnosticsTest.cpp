@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/Diagnostics.h"
 
+#include "tests/support/TimeLimit.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -284,6 +286,7 @@ protected:
     /// printed the last of them. Returns what the child printed.
     static std::string linesOfEndingProcess(void (*end)())
     {
+        startTimeLimit(longestWait, "the process with queued lines did not end");
         std::array<int, 2> output{};
         std::array<int, 2> signal{};
         if (::pipe(output.data()) != 0 || ::pipe(signal.data()) != 0)

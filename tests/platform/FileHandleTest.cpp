@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/FileHandle.h"
 
+#include "tests/support/TimeLimit.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -174,11 +176,12 @@ protected:
         });
     }
 
-    /// Waits until at least `count` bytes have arrived and returns all of them.
+    /// Waits until at least `count` bytes have arrived and returns all of them. Fails after the longest wait.
     std::string dataOf(std::size_t count)
     {
         std::unique_lock lock(m_mutex);
-        m_changed.wait(lock, [&] { return m_data.size() >= count; });
+        EXPECT_TRUE(m_changed.wait_for(lock, longestWait, [&] { return m_data.size() >= count; }))
+            << "only " << m_data.size() << " of " << count << " bytes have arrived";
         return m_data;
     }
 

@@ -17,7 +17,7 @@ class ProcessEndingTest : public ProcessTestSetup, public testing::WithParamInte
 {
 };
 
-// The child ends by itself: the wait returns, a second wait returns, and terminate reaches nobody.
+// The child ends by itself: the wait returns, a second wait returns, and terminate reaches no process.
 TEST_P(ProcessEndingTest, isWaitedForAndLeavesNothingToTerminate)
 {
     setScript("print it ran\n" + GetParam().script);
@@ -122,7 +122,7 @@ TEST_F(ProcessTerminationTest, aChildThatDoesNotListenIsEnded)
     EXPECT_EQ(printed(), "");
 }
 
-TEST_F(ProcessTerminationTest, aChildMayRefuse)
+TEST_F(ProcessTerminationTest, aChildMayIgnoreIt)
 {
     setScript("ignore-termination\nprint ready\nwait-for " + path("go") + "\nprint went on");
     launch();

@@ -63,7 +63,7 @@ protected:
     }
 };
 
-TEST_F(FileProbeFailureTest, outputThatIsNoReportPrintsOneLineAndSetsNothing)
+TEST_F(FileProbeFailureTest, otherOutputPrintsOneLineAndSetsNothing)
 {
     expectUnreadable("rubbish\nin two lines");
     expectUnreadable(R"({"streams": [{"codec_type": "video")");
@@ -99,7 +99,7 @@ TEST_F(FileProbeFailureTest, aToolThatFailsAfterItsReportHasReported)
     EXPECT_TRUE(probe().isValidMediaFile);
 }
 
-TEST_F(FileProbeFailureTest, whatTheToolSaysOnStandardErrorIsNoPartOfTheReport)
+TEST_F(FileProbeFailureTest, standardErrorIsNoPartOfTheReport)
 {
     m_tools.setSniffer(std::string("error a warning\\n\nprint ") + oneVideo);
     testing::internal::CaptureStderr();
@@ -107,7 +107,7 @@ TEST_F(FileProbeFailureTest, whatTheToolSaysOnStandardErrorIsNoPartOfTheReport)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "a warning\n");
 }
 
-TEST_F(FileProbeFailureTest, aToolThatCannotBeStartedSaysWhyAndSetsNothing)
+TEST_F(FileProbeFailureTest, aToolThatCannotBeStartedPrintsTheReasonAndSetsNothing)
 {
     writeFile(path("sniffer"), "not a program");
     testing::internal::CaptureStdout();
@@ -129,7 +129,7 @@ TEST_F(FileProbeFailureTest, aReportWithAnErrorSetsItsFlagAlone)
     expectNothingRead(description);
 }
 
-TEST_F(FileProbeFailureTest, anErrorOutweighsTheStreams)
+TEST_F(FileProbeFailureTest, anErrorHidesTheStreams)
 {
     const std::string streams
         = R"("streams": [{"codec_type": "video", "codec_name": "h264", "width": 1, "height": 1}]})";
@@ -157,7 +157,7 @@ TEST_F(FileProbeFailureTest, withoutStreamsTheFileIsNotValid)
     }
 }
 
-TEST_F(FileProbeFailureTest, aTextFileIsNotValidWhateverTheReportLists)
+TEST_F(FileProbeFailureTest, aTextFileIsNeverValid)
 {
     for (const std::string name : {"notes.txt", "notes.TXT", "notes.TxT", "notes.mp4.txt", ".txt"}) {
         SCOPED_TRACE(name);
@@ -213,7 +213,7 @@ TEST_F(FileProbeFailureTest, aFloodOfRubbishIsReadToItsEnd)
     EXPECT_TRUE(exists(path("done")));
 }
 
-TEST_F(FileProbeFailureTest, aMissingFilePrintsBothQueriesAndIsProbedAllTheSame)
+TEST_F(FileProbeFailureTest, aMissingFilePrintsBothQueriesAndIsProbed)
 {
     m_tools.setSniffer("print {\"error\": {}}");
     const std::string missing = path("missing.mp4");

@@ -64,7 +64,7 @@ TEST(HumanDurationLimitsTest, theLongestDurationsAreWritten)
     EXPECT_TRUE(humanDuration(-0x1p63).ends_with(".00"));
 }
 
-TEST(HumanDurationLimitsTest, aPointIsWrittenWhateverTheLocaleIs)
+TEST(HumanDurationLimitsTest, aPointIsWrittenInEveryLocale)
 {
     const CommaLocale locale;
     EXPECT_EQ(humanDuration(40000.25), "11:06:40.25");

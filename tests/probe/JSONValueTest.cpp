@@ -124,7 +124,7 @@ TEST(JSONMissingValueTest, whatIsMissingReadsAsNull)
     }
 }
 
-TEST(JSONLocaleTest, numbersAreReadAndWrittenWithAPointWhateverTheLocaleIs)
+TEST(JSONLocaleTest, numbersHaveAPointInEveryLocale)
 {
     const CommaLocale locale;
     const JSON values = json(R"([12.5, "12.5", 1234567])");

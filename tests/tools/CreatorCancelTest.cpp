@@ -71,11 +71,11 @@ protected:
 
 TEST_F(CreatorCancelTest, aSignalReachesFfmpeg)
 {
-    tools.setFfmpeg("say-on-termination told to end\nwrite-output half\nerror ready\\n\nhang\n");
+    tools.setFfmpeg("say-on-termination terminated\nwrite-output half\nerror ready\\n\nhang\n");
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         for (const auto& arguments : {still(), fixFlag(), transcode()}) {
             EXPECT_EQ(cancelWhenReady(arguments, signal), cancelled) << signal;
-            EXPECT_EQ(m_creator->said("told to end").size(), 1U) << m_creator->errorText();
+            EXPECT_EQ(m_creator->said("terminated").size(), 1U) << m_creator->errorText();
             EXPECT_EQ(otherNames(), Words());
         }
     }
@@ -102,7 +102,7 @@ TEST_F(CreatorCancelTest, anFfmpegThatHasClosedItsStreamsIsReachedToo)
     waitUntilGone(ffmpeg);
 }
 
-TEST_F(CreatorCancelTest, anFfmpegThatSucceedsAllTheSameIsStillCancelled)
+TEST_F(CreatorCancelTest, anFfmpegThatSucceedsAfterTheSignalIsCancelled)
 {
     const std::string goOn = tools.at("go on");
     setGoodFfmpeg("ignore-termination\nerror ready\\n\nwait-for " + goOn + "\n");

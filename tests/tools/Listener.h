@@ -17,7 +17,7 @@ public:
 
     std::string port() const { return std::to_string(m_port); }
 
-    /// Whether anybody has called since the last time.
+    /// Whether there was a connection since the last call of this function.
     bool wasCalled() const;
 
     /// Waits for a call. False where none comes.

@@ -123,7 +123,7 @@ TEST(MetadataBoxesTest, datesAreTakenOverInEveryVersionOfAHeader)
         {"from short to long", {1000, 2000}, {5, 6, 1}, {1000, 2000, 1}},
         {"too late for the short one", {late, 7, 1}, {5, 6}, {5, 6}},
         {"unknown", {0, 2000}, {5, 6}, {5, 6}},
-        {"a version that nobody knows", {1000, 2000, 2}, {5, 6}, {5, 6}},
+        {"an unknown version", {1000, 2000, 2}, {5, 6}, {5, 6}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which names files are put aside under, and when two paths mean one entry.
+// The new names of older files, and when two paths mean one directory entry.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 #include "tests/tools/RefusedCall.h"
@@ -85,7 +85,7 @@ TEST_F(PutAsideTest, aDotInTheFoldersNameIsNoExtension)
     EXPECT_EQ(putAside(at("a.b/clip"), "original"), at("a.b/clip (original)"));
 }
 
-TEST_F(PutAsideTest, takenNamesAreCountedOn)
+TEST_F(PutAsideTest, namesInUseAreNumbered)
 {
     for (int run = 1; run <= 4; ++run) {
         writeFile(at("out.mp4"), std::to_string(run));
@@ -98,7 +98,7 @@ TEST_F(PutAsideTest, takenNamesAreCountedOn)
     EXPECT_EQ(contentsOf(at("out (previous 4).mp4")), "4");
 }
 
-TEST_F(PutAsideTest, foldersAndBrokenLinksTakeNamesToo)
+TEST_F(PutAsideTest, foldersAndBrokenLinksUseNamesToo)
 {
     std::filesystem::create_directory(at("out (previous).mp4"));
     std::filesystem::create_symlink(at("nowhere"), at("out (previous 2).mp4"));
@@ -116,7 +116,7 @@ TEST_F(PutAsideTest, aGapIsFilled)
     EXPECT_EQ(putAside(at("out.mp4"), "previous"), at("out (previous 2).mp4"));
 }
 
-TEST_F(PutAsideTest, aLinkIsPutAsideItself)
+TEST_F(PutAsideTest, aLinkIsRenamedInsteadOfItsTarget)
 {
     writeFile(at("original.mp4"), "original");
     std::filesystem::create_symlink("original.mp4", at("out.mp4"));
@@ -125,7 +125,7 @@ TEST_F(PutAsideTest, aLinkIsPutAsideItself)
     EXPECT_EQ(contentsOf(at("original.mp4")), "original");
 }
 
-TEST_F(PutAsideTest, nothingHappensWhereNothingIs)
+TEST_F(PutAsideTest, aMissingFileIsNotRenamed)
 {
     EXPECT_EQ(putAside(at("out.mp4"), "previous"), "");
     EXPECT_EQ(putAside(at("nowhere/out.mp4"), "previous"), "");
@@ -152,14 +152,14 @@ TEST_F(PutAsideTest, aNameThatWouldBeTooLongIsShortened)
     }
 }
 
-TEST_F(PutAsideTest, aFolderIsLeftWhereItIs)
+TEST_F(PutAsideTest, aFolderIsNotRenamed)
 {
     std::filesystem::create_directory(at("out.mp4"));
     EXPECT_EQ(putAside(at("out.mp4"), "previous"), "");
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
 }
 
-TEST_F(PutAsideTest, worksWhereARenameCannotLeaveWhatIsThere)
+TEST_F(PutAsideTest, aSystemWithoutARenameToAFreeNameIsSupported)
 {
     writeFile(at("out (previous).mp4"), "first");
     writeFile(at("out.mp4"), "older");
@@ -170,7 +170,7 @@ TEST_F(PutAsideTest, worksWhereARenameCannotLeaveWhatIsThere)
     EXPECT_FALSE(exists(at("out.mp4")));
 }
 
-TEST_F(EntryTest, aFileIsItsOwnHoweverItIsSpelled)
+TEST_F(EntryTest, anySpellingOfAPathMeansTheSameFile)
 {
     writeFile(at("a.mp4"), "a");
     std::filesystem::create_directory(at("sub"));
@@ -182,7 +182,7 @@ TEST_F(EntryTest, aFileIsItsOwnHoweverItIsSpelled)
     }
 }
 
-TEST_F(EntryTest, theFileBehindALinkIsMeant)
+TEST_F(EntryTest, aLinkMeansItsTarget)
 {
     writeFile(at("a.mp4"), "a");
     std::filesystem::create_directory(at("sub"));
@@ -194,14 +194,14 @@ TEST_F(EntryTest, theFileBehindALinkIsMeant)
     }
 }
 
-TEST_F(EntryTest, anotherNameOfAFileIsItToo)
+TEST_F(EntryTest, aHardLinkMeansTheSameFile)
 {
     writeFile(at("a.mp4"), "a");
     std::filesystem::create_hard_link(at("a.mp4"), at("b.mp4"));
     EXPECT_TRUE(isEntryOf(at("b.mp4"), at("a.mp4")));
 }
 
-TEST_F(EntryTest, otherFilesAreNot)
+TEST_F(EntryTest, otherFilesAreDifferent)
 {
     writeFile(at("a.mp4"), "a");
     writeFile(at("b.mp4"), "a");
@@ -211,7 +211,7 @@ TEST_F(EntryTest, otherFilesAreNot)
         EXPECT_FALSE(isEntryOf(at("a.mp4"), at(other))) << other;
 }
 
-TEST_F(EntryTest, whatIsNotThereIsNothing)
+TEST_F(EntryTest, aMissingFileIsDifferent)
 {
     EXPECT_FALSE(isEntryOf(at("none.mp4"), at("none.mp4")));
 }

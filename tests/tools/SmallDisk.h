@@ -12,7 +12,7 @@ class SmallDisk
 {
 public:
     SmallDisk(const std::string& folder, int kibibytes);
-    /// All that is on it goes with it.
+    /// Unmounts the disk, which deletes its files.
     ~SmallDisk();
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;

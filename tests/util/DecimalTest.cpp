@@ -168,7 +168,7 @@ TEST(LocaleTest, theCommaLocaleReachesTheLibraries)
     EXPECT_EQ(stream.str(), "1.234,5");
 }
 
-TEST(LocaleTest, numbersAreWrittenWithAPointWhateverTheLocaleIs)
+TEST(LocaleTest, numbersAreWrittenWithAPointInEveryLocale)
 {
     const CommaLocale locale;
     EXPECT_EQ(shortestDecimal(1234567.5), "1234567.5");
@@ -176,7 +176,7 @@ TEST(LocaleTest, numbersAreWrittenWithAPointWhateverTheLocaleIs)
     EXPECT_EQ(twoDigitDecimal(1234567.5), "1234567.50");
 }
 
-TEST(LocaleTest, numbersAreReadWithAPointWhateverTheLocaleIs)
+TEST(LocaleTest, numbersAreReadWithAPointInEveryLocale)
 {
     const CommaLocale locale;
     EXPECT_EQ(parseDecimal("12.48"), 12.48);

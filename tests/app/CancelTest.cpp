@@ -72,6 +72,17 @@ TEST_F(CancelTest, removesOutputsOfEveryKindButNotTheTargetOfALink)
     EXPECT_EQ(contentsOf(folder() + "target"), "kept");
 }
 
+TEST_F(CancelTest, keepsAnOlderFileThatWasRenamedAndBack)
+{
+    writeFile(output(), "an older video");
+    installScript("mv out.mp4 aside && mv aside out.mp4 && chmod 600 out.mp4\n"
+                  "touch running\nexec sleep 1000000\n");
+    saveByPanel(output());
+    answerReplaceQuestion("&Yes");
+    cancelWhenRunning();
+    EXPECT_EQ(contentsOf(output()), "an older video");
+}
+
 /// With a real video, which plain ffmpeg transcodes.
 class PlainFfmpegTest : public CancelTest
 {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// An LD_PRELOAD library that makes the N-th call of a function fail. TARNWELL_FAILS is "FUNCTION N". The
-// library creates the file named by TARNWELL_FAILED when the call has failed. Only calls from the program
-// itself and from the C++ library count. With TARNWELL_WAITS_FOR the call does not fail but waits until the
-// file that this variable names exists; it creates a file of that name with ".waiting" appended before.
+// An LD_PRELOAD library that makes the N-th call of a function fail, or every call. TARNWELL_FAILS is
+// "FUNCTION N", or "FUNCTION -1". The library creates the file named by TARNWELL_FAILED when the call has
+// failed. Only calls from the program itself and from the C++ library count. With TARNWELL_WAITS_FOR the call
+// waits until the file that this variable names exists, and succeeds.
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
@@ -23,7 +23,8 @@
 namespace
 {
 
-/// The function and the number of its call that fails; number 0 for none.
+/// The function and the number of its call that fails; number 0 for none, everyCall for all.
+constexpr int everyCall = -1;
 struct Plan {
     char call[32] = {};
     int number = 0;
@@ -85,7 +86,8 @@ void waitIfRequested(const char* variable)
 
 bool shouldFail(const char* call, const void* caller)
 {
-    if (!isCounting || std::strcmp(call, plan.call) != 0 || !isOwn(caller) || ++calls != plan.number)
+    if (!isCounting || std::strcmp(call, plan.call) != 0 || !isOwn(caller)
+        || (++calls != plan.number && plan.number != everyCall))
         return false;
     recordFailure();
     const bool waits = std::getenv("TARNWELL_WAITS_FOR") != nullptr;

@@ -40,6 +40,9 @@ std::vector<Rule> rulesFor(RefusedCall call)
         return {{SYS_renameat2, 4, BPF_JSET, 1, EINVAL}}; // RENAME_NOREPLACE
     case RefusedCall::Link:
         return {{SYS_linkat, 0, BPF_JGE, 0, EPERM}};
+    case RefusedCall::RemoveNames:
+        return {{SYS_renameat2, 0, BPF_JGE, 0, EPERM}, {SYS_renameat, 0, BPF_JGE, 0, EPERM},
+            {SYS_unlinkat, 0, BPF_JGE, 0, EPERM}};
     case RefusedCall::CopyFileRange:
         return {{SYS_copy_file_range, 0, BPF_JGE, 0, ENOSYS}};
     case RefusedCall::FileRules:

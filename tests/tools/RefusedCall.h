@@ -12,6 +12,7 @@ enum class RefusedCall {
     MakeFiles, // as on a disk that has no room for one more
     RenameToFreeName, // a rename that leaves what stands there
     Link, // a second name
+    RemoveNames, // renames and deletions, as in a folder to which only can be added
     CopyFileRange, // a copy by the kernel
     FileRules, // Landlock
     CallFilters // seccomp; it must be the last one to be refused

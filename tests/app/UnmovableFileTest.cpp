@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+// An older file at the output's path that the real encoder cannot rename stays, and is no result.
+#include "tests/support/Files.h"
+#include "tests/support/Folders.h"
+#include "tests/support/Samples.h"
+#include "tests/support/WindowTest.h"
+
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTest>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+/// False where the file system or the user cannot set the flag.
+bool setImmutable(const std::string& path, bool isImmutable)
+{
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    int flags = 0;
+    bool isSet = ::ioctl(file, FS_IOC_GETFLAGS, &flags) == 0;
+    flags = isImmutable ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
+    isSet = isSet && ::ioctl(file, FS_IOC_SETFLAGS, &flags) == 0;
+    ::close(file);
+    return isSet;
+}
+
+} // namespace
+
+class UnmovableFileTest : public WindowTest
+{
+protected:
+    ~UnmovableFileTest() override
+    {
+        ::unsetenv("LD_PRELOAD");
+        ::unsetenv("TARNWELL_FAILS");
+    }
+
+    void open(int seconds)
+    {
+        makeSampleVideo(folder() + "clip.mp4", {.size = {640, 360}, .seconds = seconds, .codec = "mpeg4"});
+        makeSampleVideo(output(), {.codec = "mpeg4"});
+        m_older = contentsOf(output());
+        start();
+        ASSERT_TRUE(drop(folder() + "clip.mp4"));
+        waitForKeyboard(window());
+    }
+
+    /// Every rename by the encoder fails from now on.
+    static void refuseRenames()
+    {
+        ::setenv("LD_PRELOAD", TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so", 1);
+        ::setenv("TARNWELL_FAILS", "renameat2 -1", 1);
+    }
+
+    void saveOverIt()
+    {
+        saveByPanel(output());
+        answerReplaceQuestion("&Yes");
+    }
+
+    void expectFailureAlert()
+    {
+        ASSERT_TRUE(waitUntil([this] { return isResultShown(); }));
+        AlertDialog* alert = shownAlert();
+        EXPECT_EQ(alert->text(), QStringLiteral("Seems like something went wrong!"));
+        answer(alert, "OK");
+        expectOlderFile();
+    }
+
+    void cancel()
+    {
+        ASSERT_TRUE(waitUntil([this] { return find<QProgressBar>("progressBar").value() > 0; }));
+        QTest::mouseClick(&find<QPushButton>("progressCancel"), Qt::LeftButton);
+        ASSERT_TRUE(waitUntil([this] { return !isProgressShown(); }));
+        EXPECT_FALSE(isAlertShown());
+        expectOlderFile();
+    }
+
+    void expectOlderFile()
+    {
+        EXPECT_EQ(contentsOf(output()), m_older);
+        EXPECT_EQ(namesIn(folder()), (std::vector<std::string>{"clip.mp4", "out.mp4"}));
+    }
+
+    std::string output() const { return folder() + "out.mp4"; }
+
+private:
+    /// The panel's question, which is no result, may still be on the screen.
+    bool isResultShown()
+    {
+        for (const auto* alert : window().findChildren<AlertDialog*>()) {
+            if (alert->isVisible() && alert->buttons().first()->text() == QStringLiteral("OK"))
+                return true;
+        }
+        return false;
+    }
+
+    std::string m_older;
+};
+
+TEST_F(UnmovableFileTest, isNoResult)
+{
+    open(1);
+    refuseRenames();
+    saveOverIt();
+    expectFailureAlert();
+}
+
+TEST_F(UnmovableFileTest, staysAfterACancel)
+{
+    open(60);
+    refuseRenames();
+    saveOverIt();
+    cancel();
+}
+
+TEST_F(UnmovableFileTest, isNoResultWhereItIsImmutable)
+{
+    open(1);
+    if (!setImmutable(output(), true))
+        GTEST_SKIP() << "no file can be made immutable here";
+    saveOverIt();
+    expectFailureAlert();
+    EXPECT_TRUE(setImmutable(output(), false));
+}
+
+} // namespace tarnwell::test

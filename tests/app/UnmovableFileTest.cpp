@@ -46,7 +46,7 @@ protected:
 
     void open(int seconds)
     {
-        makeSampleVideo(folder() + "clip.mp4", {.size = {640, 360}, .seconds = seconds, .codec = "mpeg4"});
+        makeSampleVideo(folder() + "clip.mp4", {.size = {1280, 720}, .seconds = seconds, .codec = "mpeg4"});
         makeSampleVideo(output(), {.codec = "mpeg4"});
         m_older = contentsOf(output());
         start();
@@ -117,7 +117,7 @@ TEST_F(UnmovableFileTest, isNoResult)
 
 TEST_F(UnmovableFileTest, staysAfterACancel)
 {
-    open(60);
+    open(12);
     refuseRenames();
     saveOverIt();
     cancel();

@@ -29,6 +29,19 @@ QImage StillFrameExtractor::pictureMadeBy(
         m_folder->restore();
     else
         m_folder.emplace();
+    QImage picture;
+    for (std::string tried; picture.isNull() && m_folder->path() != tried;) {
+        tried = m_folder->path();
+        picture = runCreator(creatorPath, probe, wait);
+        if (picture.isNull())
+            m_folder->restore(); // its disk may have become full: then there is another folder
+    }
+    return picture;
+}
+
+QImage StillFrameExtractor::runCreator(
+    const std::string& creatorPath, const FileProbe& probe, const BlockingWait& wait) const
+{
     const std::string stillPath = posterFramePath(m_folder->path());
     Process creator;
     creator.setExecutable(creatorPath);

@@ -14,8 +14,8 @@ namespace tarnwell
 class FileProbe;
 
 /// Extracts still frames with the tool `creator`. Every extraction writes the same file, which is deleted
-/// after it has been read. The file stands in a private folder that is created at the first extraction. Main
-/// thread.
+/// after it has been read. The file stands in a private folder that is created at the first extraction and
+/// replaced when its disk is full. Main thread.
 class StillFrameExtractor
 {
 public:
@@ -28,7 +28,9 @@ public:
     void removeFolder() { m_folder.reset(); }
 
 private:
+    /// Null if the tool leaves no readable picture in any folder that has room.
     QImage pictureMadeBy(const std::string& creatorPath, const FileProbe& probe, const BlockingWait& wait);
+    QImage runCreator(const std::string& creatorPath, const FileProbe& probe, const BlockingWait& wait) const;
 
     std::optional<TemporaryDirectory> m_folder; // absent before the first extraction
 };

@@ -6,8 +6,10 @@
 namespace tarnwell
 {
 
-/// A new folder below the system's temporary folder: mode 0700, with a random name. The destructor removes it
-/// together with everything in it.
+/// A new folder with a random name and mode 0700 in the first of these folders that has 16 MiB of room:
+/// TMPDIR, /tmp, /var/tmp, XDG_RUNTIME_DIR, and /dev/shm, which is in memory. If none has, the first one in
+/// which a small file can be written; if there is none either, the first one in which it can be created. The
+/// destructor removes the folder together with everything in it.
 class TemporaryDirectory
 {
 public:
@@ -21,7 +23,8 @@ public:
     const std::string& path() const { return m_path; }
 
     /// Creates the folder again if it was removed. The path stays the same, unless another item has taken its
-    /// place or the path cannot be created any more: then it is a new one.
+    /// place, the path cannot be created any more, or its file system has become full and another folder has
+    /// more room: then it is a new one, and the earlier folder is removed.
     void restore();
 
 private:

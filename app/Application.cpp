@@ -2,9 +2,12 @@
 #include "app/Application.h"
 
 #include "app/AppDelegate.h"
+#include "desktop/InputBlocker.h"
 #include "desktop/Panels.h"
 
 #include <QApplication>
+
+#include <cstdlib>
 
 namespace tarnwell
 {
@@ -30,6 +33,16 @@ void Application::reopen()
 {
     const QMainWindow& window = m_interface.window();
     m_delegate->applicationShouldHandleReopen(window.isVisible() && !window.isMinimized());
+}
+
+void Application::quit()
+{
+    if (!InputBlocker::isActive()) {
+        QCoreApplication::exit();
+        return;
+    }
+    m_delegate->removeStillFolder();
+    std::quick_exit(EXIT_SUCCESS);
 }
 
 } // namespace tarnwell

@@ -26,6 +26,10 @@ public:
     /// Brings the window forward. Called when the user starts the program again.
     void reopen();
 
+    /// Ends the program as the menu item does. While a tool analyses a file, ends it at once: the analysis,
+    /// unlike an export, is of no use to anyone then.
+    void quit();
+
     Interface& interface() { return m_interface; }
     AppDelegate& delegate() { return *m_delegate; }
 

@@ -17,8 +17,10 @@ QImage StillFrameExtractor::extract(const FileProbe& probe, const ToolContext& t
     const auto creator = tools.bundle.pathForResource("creator");
     QImage picture = creator ? pictureMadeBy(*creator, probe, tools.wait)
                              : loadPoster(required(tools.bundle.pathForImageResource("poster")));
-    if (picture.isNull())
+    if (picture.isNull()) {
+        removeFolder();
         fatalError();
+    }
     return picture;
 }
 

@@ -2,6 +2,7 @@
 #include "app/Application.h"
 #include "desktop/ActivationToken.h"
 #include "desktop/EventLoopWait.h"
+#include "desktop/QuitSignals.h"
 #include "desktop/SingleInstance.h"
 #include "platform/Bundle.h"
 #include "platform/StandardStreams.h"
@@ -30,6 +31,7 @@ int main(int argc, char* argv[])
     if (instance.claim(ownToken) == SingleInstance::Role::Later)
         return 0;
     application = std::make_unique<Application>(ToolContext{Bundle::main(), waitInEventLoop});
+    const QuitSignals signals([&application] { application->quit(); });
     const int status = QApplication::exec();
     application.reset();
     // The threads of a running export run until the process ends. Destructors of static objects, which exit

@@ -6,10 +6,10 @@
 #include "tools/StatusLines.h"
 #include "tools/Stream.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
@@ -44,10 +44,11 @@ char* const toolEnvironment[] = {path, locale, nullptr};
 // How long a tool may run on after its output has ended.
 constexpr int longestEnd = 1000; // milliseconds
 
-void reportThatItCannotRun(const char* program)
+void reportThatItCannotRun(const std::string& program)
 {
-    std::fprintf(stderr, "tarnwell: %s cannot be run: %s. Please install the package ffmpeg.\n", program,
-        std::strerror(errno));
+    const std::string reason = std::strerror(errno);
+    writeErrorLines("tarnwell: " + withoutStatusMarks(program) + " cannot be run: " + reason
+        + ". Please install the package ffmpeg.\n");
 }
 
 /// Makes `stream`, a standard descriptor, a copy of `descriptor`, which is not one; -1 is the null device.
@@ -101,10 +102,12 @@ void resetSignals()
     closeOthersOnExec();
     if (plan.output >= 0)
         ::fcntl(plan.output, F_SETFD, 0);
-    confine({plan.program, plan.input, plan.output, plan.isProbe});
+    // Stands for the very file that is open, whatever is at its path by now.
+    const std::string input = plan.input >= 0 ? "/proc/self/fd/" + std::to_string(plan.input) : "";
+    confine({plan.program, input, plan.output, plan.isProbe});
     ::execve(plan.program.c_str(), arguments, toolEnvironment);
     ::dup2(ownError, STDERR_FILENO);
-    reportThatItCannotRun(plan.program.c_str());
+    reportThatItCannotRun(plan.program);
     ::_exit(cannotRun);
 }
 
@@ -118,6 +121,13 @@ void endChild(pid_t child, bool isStopped)
     }
     ::kill(child, SIGKILL);
     ::close(end);
+}
+
+int millisecondsUntil(std::chrono::steady_clock::time_point time)
+{
+    const auto left = time - std::chrono::steady_clock::now();
+    const auto count = std::chrono::ceil<std::chrono::milliseconds>(left).count();
+    return static_cast<int>(std::max<std::int64_t>(count, 0));
 }
 
 } // namespace
@@ -169,7 +179,7 @@ int waitForChild(pid_t child)
     return WIFEXITED(status) ? WEXITSTATUS(status) : signalBase + WTERMSIG(status);
 }
 
-std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor)
+std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor, std::chrono::milliseconds longest)
 {
     Stream output;
     Stream errors;
@@ -183,32 +193,28 @@ std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor)
     errors.closeWriting();
     if (child < 0)
         return {};
+    const auto end = std::chrono::steady_clock::now() + longest;
     ComplaintReader reader;
     std::string text;
     bool isStopped = false;
     while (output.isOpen() && !isStopped) {
         std::array<pollfd, 3> waiting
             = {{{output.reading(), POLLIN, 0}, {errors.reading(), POLLIN, 0}, {stopDescriptor, POLLIN, 0}}};
-        ::poll(waiting.data(), waiting.size(), -1);
-        isStopped = waiting[2].revents != 0;
+        const int left = millisecondsUntil(end);
+        ::poll(waiting.data(), waiting.size(), left);
+        isStopped = waiting[2].revents != 0 || left == 0 || text.size() > mostOutput;
         if (waiting[0].revents != 0)
             text += output.read();
         if (waiting[1].revents != 0)
             writeErrorLines(reader.read(errors.read()), stopDescriptor);
     }
     endChild(child, isStopped);
-    const int end = waitForChild(child);
+    const int exit = waitForChild(child);
     while (errors.hasMore())
         writeErrorLines(reader.read(errors.read()), stopDescriptor);
-    status = end == 0 && !output.isWhole() ? cannotRun : end;
+    writeErrorLines(reader.rest(), stopDescriptor);
+    status = exit == 0 && !output.isWhole() ? cannotRun : exit;
     return text;
-}
-
-bool canBlock(const std::string& path)
-{
-    struct stat status = {};
-    return ::stat(path.c_str(), &status) == 0
-        && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode) || S_ISCHR(status.st_mode));
 }
 
 std::string pathOfTool(const std::string& name)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -12,7 +13,8 @@ struct ChildPlan {
     std::vector<std::string> arguments;
     int standardOutput = -1;
     int standardError = -1;
-    std::string input; // the path of the file that it may read
+    int input = -1; // the file that it may read: it opens it by the path in its arguments, whereas the
+                    // descriptor is not inherited. What another program puts at the path is not accessible.
     int output = -1; // the file that it may write; the child inherits the descriptor under the same number
     bool isProbe = false; // it has the resource limits of a report, see Reach
     bool forwardsErrors = false; // whole lines of its standard error go to that of this process
@@ -34,16 +36,20 @@ constexpr int exitCheckInterval = 5; // milliseconds
 /// Waits until the child ends. Returns its exit status, or 128 plus the number of the signal that killed it.
 int waitForChild(pid_t child);
 
+// A report takes a few seconds from a slow network. What blocks without processor time, such as a pipe that
+// has replaced the file on a kernel without file rules, ends then.
+constexpr std::chrono::minutes longestReport(2);
+
 /// Runs the child and returns what it writes to its standard output, to the end of that. `status` is set as
 /// waitForChild returns it, but never to 0 where the output could not be read to its end. The child is killed
-/// where it runs for more than a second after that, or when `stopDescriptor` becomes readable.
-std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor = -1);
+/// where it runs for more than a second after that, writes more than mostOutput, has not ended its output
+/// when the time is over, or when `stopDescriptor` becomes readable.
+std::string outputOfChild(
+    ChildPlan plan, int& status, int stopDescriptor = -1, std::chrono::milliseconds longest = longestReport);
+constexpr std::size_t mostOutput = std::size_t(128) << 20U;
 
 /// Opens closed standard descriptors on the null device, so that no other file is opened under their numbers.
 void openStandardDescriptors();
-
-/// Whether the path is a pipe, a socket or a character device, from which a read can block without an end.
-bool canBlock(const std::string& path);
 
 /// The path of ffmpeg or ffprobe: in the folder of this program where it exists there, else in the folder
 /// that the build sets (TARNWELL_FFMPEG_FOLDER).

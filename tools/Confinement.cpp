@@ -13,8 +13,9 @@
 namespace
 {
 
-// A report on the longest real film takes seconds.
-constexpr rlim_t probeTime = 600;
+// In seconds of processor time. A report on the longest film takes few of them, one on zeros that pretend to
+// be raw video would take a minute for every 4 GB.
+constexpr rlim_t probeTime = 30;
 
 // Usual for a program's first thread. A stack does not count as memory that is written and mapped.
 constexpr rlim_t largestStack = rlim_t(8) << 20; // bytes

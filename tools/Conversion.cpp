@@ -2,6 +2,7 @@
 #include "tools/Conversion.h"
 
 #include "tools/Attempts.h"
+#include "tools/InputFile.h"
 #include "tools/MetadataBoxes.h"
 #include "tools/OutputFile.h"
 #include "tools/StandardError.h"
@@ -22,18 +23,18 @@ bool isDiskFull(int file)
 }
 
 /// An ffmpeg that could not write the end of its output may succeed all the same.
-RunEnd runAttempt(const Attempt& attempt, const Job& job, const OutputFile& output)
+RunEnd runAttempt(const Attempt& attempt, const Job& job, const InputFile& input, const OutputFile& output)
 {
     output.empty();
-    const RunEnd end = runFfmpeg(attempt.arguments, job.input, output.descriptor());
+    const RunEnd end = runFfmpeg(attempt.arguments, input, job.input, output.descriptor());
     return end == RunEnd::Succeeded && !isCompleteMovie(output.descriptor()) ? RunEnd::Failed : end;
 }
 
-RunEnd completeMetadata(
-    const Attempt& attempt, const Job& job, const MediaFacts& facts, int input, const OutputFile& output)
+RunEnd completeMetadata(const Attempt& attempt, const Job& job, const MediaFacts& facts,
+    const InputFile& input, const OutputFile& output)
 {
-    const auto result = addMetadata(
-        output.descriptor(), {input, attempt.trackIds, facts.tags, job.kind == Job::Kind::FixFlag});
+    const auto result = addMetadata(output.descriptor(),
+        {input.descriptor(), attempt.trackIds, facts.tags, job.kind == Job::Kind::FixFlag});
     if (result == MetadataResult::NotAdded)
         writeErrorLines("tarnwell: some metadata could not be added\n", cancelDescriptor());
     return result == MetadataResult::WriteFailed ? RunEnd::Failed : RunEnd::Succeeded;
@@ -41,16 +42,16 @@ RunEnd completeMetadata(
 
 } // namespace
 
-RunEnd convert(const Job& job, const MediaFacts& facts, int input, const OutputFile& output)
+RunEnd convert(const Job& job, const MediaFacts& facts, const InputFile& input, const OutputFile& output)
 {
     for (const Attempt& attempt : attemptsFor(job, facts, {output.writablePath(), "mp4"})) {
-        const RunEnd end = runAttempt(attempt, job, output);
+        const RunEnd end = runAttempt(attempt, job, input, output);
         if (end == RunEnd::Succeeded) {
             if (!attempt.notice.empty())
                 writeErrorLines(attempt.notice, cancelDescriptor());
             return completeMetadata(attempt, job, facts, input, output);
         }
-        if (end == RunEnd::Cancelled || isDiskFull(output.descriptor()))
+        if (end == RunEnd::Cancelled || end == RunEnd::InputFailed || isDiskFull(output.descriptor()))
             return end;
     }
     return RunEnd::Failed;

@@ -3,6 +3,7 @@
 
 #include "tools/Child.h"
 #include "tools/EarlyWriteback.h"
+#include "tools/InputFile.h"
 #include "tools/StandardError.h"
 #include "tools/StatusLines.h"
 #include "tools/Stream.h"
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <climits>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
@@ -56,18 +58,30 @@ public:
             m_writeback.advanceToEnd();
             if (m_killAt && Clock::now() >= *m_killAt) {
                 ::kill(m_child, SIGKILL);
-                return;
+                break;
             }
             if (waiting[0].revents != 0)
                 report(m_progressReader.read(m_progress.read()));
-            else if (isSilent())
-                report(m_lastReport);
+            else if (m_progress.isOpen())
+                repeatReport();
             if (waiting[1].revents != 0)
-                writeErrorLines(m_errorReader.read(m_errors.read()), cancelSignals);
+                writeComplaints(m_errorReader.read(m_errors.read()));
             if (!m_killAt && isCancelled())
                 forwardCancel();
         }
+        writeComplaints(m_errorReader.rest());
     }
+
+    /// Writes the last status line again where none was written for a while: some versions of ffmpeg write a
+    /// little less often than twice a second.
+    void repeatReport()
+    {
+        if (!m_lastReport.empty() && left(longestSilence) == 0)
+            report(m_lastReport);
+    }
+
+    /// Whether ffmpeg has written an error message.
+    bool hasComplained() const { return m_hasComplained; }
 
 private:
     /// An ffmpeg that has closed its streams may still work; a cancel must reach it, too.
@@ -82,10 +96,10 @@ private:
         m_reportedAt = Clock::now();
     }
 
-    /// Some versions of ffmpeg report a little less often than twice a second.
-    bool isSilent() const
+    void writeComplaints(const std::string& lines)
     {
-        return m_progress.isOpen() && !m_lastReport.empty() && left(longestSilence) == 0;
+        m_hasComplained = m_hasComplained || !lines.empty();
+        writeErrorLines(lines, cancelSignals);
     }
 
     int left(std::chrono::milliseconds silence) const { return millisecondsUntil(m_reportedAt + silence); }
@@ -119,10 +133,33 @@ private:
     EarlyWriteback m_writeback;
     ProgressReader m_progressReader;
     ComplaintReader m_errorReader;
+    bool m_hasComplained = false;
     std::string m_lastReport; // the last status line
     Clock::time_point m_reportedAt;
     std::optional<Clock::time_point> m_killAt;
 };
+
+/// Whether the input was read to its end as it was, after a run that has succeeded.
+RunEnd checkInput(const InputFile& input, const std::string& path, Listener& listener)
+{
+    if (listener.hasComplained()) {
+        const auto end = input.readToEnd([&listener] {
+            listener.repeatReport();
+            return !isCancelled();
+        });
+        if (end == InputFile::ReadEnd::Stopped)
+            return RunEnd::Cancelled;
+        if (end == InputFile::ReadEnd::Failed) {
+            const std::string reason = std::strerror(errno);
+            writeErrorLines("tarnwell: the input cannot be read to its end: " + reason + "\n", cancelSignals);
+            return RunEnd::InputFailed;
+        }
+    }
+    if (input.isUnchanged(path))
+        return RunEnd::Succeeded;
+    writeErrorLines("tarnwell: the input was changed meanwhile\n", cancelSignals);
+    return RunEnd::InputFailed;
+}
 
 /// Whether the caller has set the signal to be ignored, as nohup does.
 bool isIgnored(int signal)
@@ -158,7 +195,8 @@ int cancelDescriptor()
     return cancelSignals;
 }
 
-RunEnd runFfmpeg(const std::vector<std::string>& arguments, const std::string& input, int output)
+RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input,
+    const std::string& inputPath, int output)
 {
     if (isCancelled())
         return RunEnd::Cancelled;
@@ -169,16 +207,17 @@ RunEnd runFfmpeg(const std::vector<std::string>& arguments, const std::string& i
     ffmpeg.arguments = arguments;
     ffmpeg.standardOutput = progress.writing();
     ffmpeg.standardError = errors.writing();
-    ffmpeg.input = input;
+    ffmpeg.input = input.descriptor();
     ffmpeg.output = output;
     const pid_t child = startChild(ffmpeg);
     progress.closeWriting();
     errors.closeWriting();
     if (child < 0)
         return RunEnd::Failed;
-    Listener(child, progress, errors, output).listen();
+    Listener listener(child, progress, errors, output);
+    listener.listen();
     const int status = waitForChild(child);
     if (isCancelled())
         return RunEnd::Cancelled;
-    return status == 0 ? RunEnd::Succeeded : RunEnd::Failed;
+    return status == 0 ? checkInput(input, inputPath, listener) : RunEnd::Failed;
 }

@@ -4,8 +4,11 @@
 #include <string>
 #include <vector>
 
-/// How a run of ffmpeg ended.
-enum class RunEnd { Succeeded, Failed, Cancelled };
+class InputFile;
+
+/// How a run of ffmpeg ended. InputFailed: the input could not be read to its end or was changed, so that no
+/// other run can succeed either.
+enum class RunEnd { Succeeded, Failed, Cancelled, InputFailed };
 
 /// From now on SIGTERM, SIGINT and SIGHUP cancel the work instead of ending the process. A SIGINT or SIGHUP
 /// that the caller has set to be ignored stays ignored. Call it first.
@@ -17,7 +20,12 @@ bool isCancelled();
 /// Is readable when such a signal has arrived and isCancelled has not been called since.
 int cancelDescriptor();
 
-/// Runs ffmpeg to its end. It may read the file at the path `input` and write to the descriptor `output`. Its
-/// progress, as status lines, and its error messages go to this process's standard error. A cancel is
-/// forwarded as SIGTERM; an ffmpeg that has not ended 0.4 seconds later is killed.
-RunEnd runFfmpeg(const std::vector<std::string>& arguments, const std::string& input, int output);
+/// Runs ffmpeg to its end. It may read the input, at the path `inputPath` in its arguments, and write to the
+/// descriptor `output`. Its progress, as status lines, and its error messages go to this process's standard
+/// error. A cancel is forwarded as SIGTERM; an ffmpeg that has not ended 0.4 seconds later is killed.
+///
+/// An input that is changed meanwhile is a failure, and so is a read error: ffmpeg takes one for the end of
+/// the file, prints a message and succeeds. After a run with any message the whole input is read once more: a
+/// file that is broken in itself is no failure, one that cannot be read is.
+RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input,
+    const std::string& inputPath, int output);

@@ -4,16 +4,31 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+constexpr std::size_t pieceSize = std::size_t(1) << 20U;
+
+/// Ignores the change time (ctime): a rename, a new link or other permissions change no data.
+bool hasSameData(const struct stat& left, const struct stat& right)
+{
+    return left.st_size == right.st_size && left.st_mtim.tv_sec == right.st_mtim.tv_sec
+        && left.st_mtim.tv_nsec == right.st_mtim.tv_nsec;
+}
+
+} // namespace
 
 InputFile::InputFile(const std::string& path)
     : m_descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC))
 {
-    struct stat status = {};
-    if (m_descriptor < 0 || ::fstat(m_descriptor, &status) != 0) {
+    if (m_descriptor < 0 || ::fstat(m_descriptor, &m_atOpening) != 0) {
+        m_isOtherKind = errno == ENXIO; // a socket
         m_error = std::strerror(errno);
-    } else if (!S_ISREG(status.st_mode)) {
+    } else if (!S_ISREG(m_atOpening.st_mode)) {
+        m_isOtherKind = true;
         m_error = "not a file";
     } else {
         return;
@@ -27,4 +42,28 @@ InputFile::~InputFile()
 {
     if (isOpen())
         ::close(m_descriptor);
+}
+
+bool InputFile::isUnchanged(const std::string& path) const
+{
+    struct stat now = {};
+    if (::fstat(m_descriptor, &now) != 0 || !hasSameData(now, m_atOpening))
+        return false;
+    // Another program may have renamed the file, which changes no data.
+    return ::stat(path.c_str(), &now) != 0 || hasSameData(now, m_atOpening);
+}
+
+InputFile::ReadEnd InputFile::readToEnd(const std::function<bool()>& mayContinue) const
+{
+    std::vector<char> piece(pieceSize);
+    for (off_t offset = 0;;) {
+        const ssize_t count = ::pread(m_descriptor, piece.data(), piece.size(), offset);
+        if (count == 0)
+            return ReadEnd::Whole;
+        if (count < 0 && errno != EINTR)
+            return ReadEnd::Failed;
+        offset += count > 0 ? count : 0;
+        if (!mayContinue())
+            return ReadEnd::Stopped;
+    }
 }

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <string>
+#include <sys/stat.h>
 
 /// The file that is read, opened once and never for writing. Nothing but a regular file is accepted: reading
-/// a named pipe or a device could wait without an end.
+/// a named pipe or a device could block without an end.
 class InputFile
 {
 public:
@@ -16,10 +18,25 @@ public:
     bool isOpen() const { return m_descriptor >= 0; }
     int descriptor() const { return m_descriptor; }
 
+    /// Whether something other than a regular file is at the path.
+    bool isOtherKind() const { return m_isOtherKind; }
+
     /// Why it is not open, in words; empty where it is.
     const std::string& error() const { return m_error; }
 
+    /// Whether size and modification time are those at the time of opening, and `path`, where the file was
+    /// opened or to which it was renamed since, does not lead to a file of another size or time.
+    bool isUnchanged(const std::string& path) const;
+
+    enum class ReadEnd { Whole, Failed, Stopped };
+
+    /// Reads the file to its end and drops the data. What the kernel has in memory is not read from the disk
+    /// again. `mayContinue` is called after at most 1 MiB each; false stops. errno is set after a failure.
+    ReadEnd readToEnd(const std::function<bool()>& mayContinue) const;
+
 private:
     int m_descriptor = -1;
+    struct stat m_atOpening = {};
+    bool m_isOtherKind = false;
     std::string m_error;
 };

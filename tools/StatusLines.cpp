@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <utility>
 #include <vector>
 
 namespace
@@ -67,20 +68,6 @@ bool isTimeStampAt(const std::string& line, std::size_t place)
         });
 }
 
-/// Whoever looks for a status line takes the first time stamp that comes along with one.
-std::string withoutStatusMarks(std::string line)
-{
-    std::replace_if(
-        line.begin(), line.end(), [](char byte) { return byte < ' ' || byte > '~'; }, '?');
-    for (auto mark = line.find(statusMark); mark != std::string::npos; mark = line.find(statusMark))
-        line[mark + statusMark.size() - 1] = ':';
-    for (std::size_t place = 0; place < line.size(); ++place) {
-        if (isTimeStampAt(line, place))
-            line[place + 2] = '.';
-    }
-    return line;
-}
-
 } // namespace
 
 std::string statusLine(std::int64_t microseconds)
@@ -115,6 +102,20 @@ std::string ProgressReader::takeLine(const std::string& line)
     return status;
 }
 
+std::string withoutStatusMarks(std::string text)
+{
+    std::replace_if(
+        text.begin(), text.end(), [](char byte) { return byte < ' ' || byte > '~'; }, '?');
+    for (auto mark = text.find(statusMark); mark != std::string::npos; mark = text.find(statusMark))
+        text[mark + statusMark.size() - 1] = ':';
+    // The window takes the first time stamp of what it reads at once, even one before "time=".
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        if (isTimeStampAt(text, place))
+            text[place + 2] = '.';
+    }
+    return text;
+}
+
 std::string ComplaintReader::read(const std::string& piece)
 {
     m_rest += piece;
@@ -124,4 +125,9 @@ std::string ComplaintReader::read(const std::string& piece)
             lines += withoutStatusMarks(line) + "\n";
     }
     return lines;
+}
+
+std::string ComplaintReader::rest()
+{
+    return m_rest.empty() ? std::string() : withoutStatusMarks(std::exchange(m_rest, {})) + "\n";
 }

@@ -23,11 +23,20 @@ private:
 /// "time=HH:MM:SS.hh", rounded down.
 std::string statusLine(std::int64_t microseconds);
 
-/// Passes on what ffmpeg complains of, whole lines only, so that none can be taken for a status line.
+/// The text as one line that no reader can take for a status line: "time=" and time stamps are changed, and
+/// bytes that are not printable ASCII become "?". Any text that comes from outside, such as a path, is
+/// printed in this form.
+std::string withoutStatusMarks(std::string text);
+
+/// Passes on the messages of ffmpeg as whole lines, see withoutStatusMarks.
 class ComplaintReader
 {
 public:
+    /// The lines that the piece completes, each with its end of line; empty where it completes none.
     std::string read(const std::string& piece);
+
+    /// At the end of the messages: the last line where it has no end of its own, with one; else empty.
+    std::string rest();
 
 private:
     std::string m_rest;

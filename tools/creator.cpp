@@ -31,22 +31,23 @@ constexpr int failure = 1;
 constexpr int wrongArguments = 2;
 constexpr int cancelled = 255; // as ffmpeg exits then
 
-MediaFacts askFfprobe(const std::string& path)
+MediaFacts askFfprobe(const std::string& path, const InputFile& input)
 {
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments
         = {"-v", "quiet", "-print_format", "json", "-show_format", "-show_streams", "file:" + path};
-    ffprobe.input = path;
+    ffprobe.input = input.descriptor();
     ffprobe.isProbe = true;
     int status = 0;
     return mediaFactsOf(outputOfChild(ffprobe, status, cancelDescriptor()));
 }
 
-RunEnd runStill(const Job& job, const OutputFile& output)
+RunEnd runStill(const Job& job, const InputFile& input, const OutputFile& output)
 {
     output.empty();
-    return runFfmpeg(ffmpegArguments(job, {output.writablePath(), "image2"}), job.input, output.descriptor());
+    return runFfmpeg(
+        ffmpegArguments(job, {output.writablePath(), "image2"}), input, job.input, output.descriptor());
 }
 
 bool writePlaceholder(const VideoFacts& video, const OutputFile& output)
@@ -124,19 +125,20 @@ bool finish(OutputFile& output)
 /// taken over must not choose another format, or one that stops the application.
 bool isPicture(RunEnd end, const OutputFile& output)
 {
-    return end == RunEnd::Succeeded && isPlainJpeg(output.descriptor());
+    // A still needs one frame only, so that it may come from a file that is still being written.
+    return (end == RunEnd::Succeeded || end == RunEnd::InputFailed) && isPlainJpeg(output.descriptor());
 }
 
 /// The frame at the given position, else the first one that decodes, else a cover. False where there is none.
-bool decodeStill(Job job, const OutputFile& output)
+bool decodeStill(Job job, const InputFile& input, const OutputFile& output)
 {
-    if (isPicture(runStill(job, output), output))
+    if (isPicture(runStill(job, input, output), output))
         return true;
     job.position.clear();
-    if (isPicture(runStill(job, output), output))
+    if (isPicture(runStill(job, input, output), output))
         return true;
     job.mayBeCover = true;
-    return isPicture(runStill(job, output), output);
+    return isPicture(runStill(job, input, output), output);
 }
 
 /// A frame of the video, else a grey picture of the size in which it is shown.
@@ -144,9 +146,9 @@ int makeStill(Job job, const InputFile& input, OutputFile& output)
 {
     if (!saveOriginal(job, input, output))
         return failure;
-    bool isMade = input.isOpen() && decodeStill(job, output);
+    bool isMade = input.isOpen() && decodeStill(job, input, output);
     if (!isMade && !isCancelled())
-        isMade = writePlaceholder(input.isOpen() ? askFfprobe(job.input).video : VideoFacts(), output);
+        isMade = writePlaceholder(input.isOpen() ? askFfprobe(job.input, input).video : VideoFacts(), output);
     if (isCancelled())
         return cancelled;
     return isMade && finish(output) ? success : failure;
@@ -159,8 +161,8 @@ RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& outpu
         if (const auto end = copyWithFlag(input.descriptor(), output.descriptor(), job.rotation))
             return *end;
     }
-    const MediaFacts facts = askFfprobe(job.input);
-    const RunEnd end = convert(job, facts, input.descriptor(), output);
+    const MediaFacts facts = askFfprobe(job.input, input);
+    const RunEnd end = convert(job, facts, input, output);
     if (end != RunEnd::Succeeded)
         return end;
     const Orientation orientation = {facts.video.rotation, facts.video.decoded};

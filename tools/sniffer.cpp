@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The probe tool: prints ffprobe's report on one file, with the rotation that a decoder will really apply.
 #include "tools/Child.h"
+#include "tools/InputFile.h"
 #include "tools/Report.h"
+#include "tools/StandardError.h"
+#include "tools/StatusLines.h"
 
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -35,19 +37,22 @@ int main(int argc, char* argv[])
     openStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, ffprobe could not be waited for
-    ChildPlan ffprobe;
-    ffprobe.program = pathOfTool("ffprobe");
-    ffprobe.arguments.assign(argv + 1, argv + argc);
-    ffprobe.forwardsErrors = true;
-    ffprobe.input = ffprobe.arguments.empty() ? "" : ffprobe.arguments.back();
-    ffprobe.isProbe = true;
-    if (canBlock(ffprobe.input)) {
-        std::fprintf(stderr, "tarnwell: %s: not a file\n", ffprobe.input.c_str());
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    const std::string path = arguments.empty() ? "" : arguments.back();
+    const InputFile input(path);
+    if (input.isOtherKind()) {
+        writeErrorLines("tarnwell: " + withoutStatusMarks(path) + ": " + input.error() + "\n");
         // As ffprobe reports on what it cannot read.
         writeAll("{\n    \"error\": {\n        \"code\": -22,\n        \"string\": \"Invalid argument\"\n    "
                  "}\n}\n");
         return noFile;
     }
+    ChildPlan ffprobe;
+    ffprobe.program = pathOfTool("ffprobe");
+    ffprobe.arguments = arguments;
+    ffprobe.forwardsErrors = true;
+    ffprobe.input = input.descriptor(); // -1: ffprobe reports why the file cannot be opened
+    ffprobe.isProbe = true;
     int status = 0;
     const std::string report = outputOfChild(ffprobe, status);
     const bool isWritten = writeAll(withTrueRotation(report));

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+// An input that is changed or cannot be read while ffmpeg, here a fake that succeeds all the same, works.
+#include "tests/support/Files.h"
+#include "tests/support/Folders.h"
+#include "tests/tools/CreatorTest.h"
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+
+namespace tarnwell::test
+{
+
+class InputFailureTest : public CreatorTest
+{
+protected:
+    void SetUp() override
+    {
+        CreatorTest::SetUp();
+        writeFile(video(), std::string(100000, 'x'));
+        std::filesystem::last_write_time(
+            video(), std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    }
+
+    std::string video() const { return tools.at("other.mov"); }
+
+    std::vector<std::string> flag() const
+    {
+        return {"-i", video(), "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=90", "-y", output()};
+    }
+
+    /// Runs creator, with the action while ffmpeg works. The exit status.
+    int statusWith(const std::vector<std::string>& arguments, const std::function<void()>& action)
+    {
+        const std::string done = tools.at("done");
+        std::filesystem::remove(done);
+        setGoodFfmpeg("say-pid\nwait-for " + done + "\n");
+        ToolProcess creator(tools.creator(), arguments);
+        creator.waitForError("pid ");
+        action();
+        writeFile(done, "");
+        const int status = creator.wait();
+        m_errors = creator.errorText();
+        return status;
+    }
+
+    void expectFailure(const std::function<void()>& action)
+    {
+        for (const auto& arguments : {transcode(video(), output()), flag()}) {
+            EXPECT_EQ(statusWith(arguments, action), 1);
+            EXPECT_FALSE(exists(output()));
+            EXPECT_NE(m_errors.find("tarnwell: the input was changed meanwhile\n"), std::string::npos)
+                << m_errors;
+            EXPECT_EQ(m_errors.find("pid ", m_errors.find("pid ") + 1), std::string::npos)
+                << "another attempt was made";
+            SetUp();
+        }
+    }
+
+    /// creator with an ffmpeg that prints the message and then succeeds, and a call that fails.
+    int statusAfterMessage(const std::string& message, const std::string& call)
+    {
+        setGoodFfmpeg(message.empty() ? "" : "error " + message + "\\n\n");
+        ToolSetup setup;
+        setup.variables = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so",
+            "TARNWELL_FAILS=" + call, "TARNWELL_FAILED=/dev/null"};
+        ToolProcess creator(tools.creator(), transcode(video(), output()), setup);
+        const int status = creator.wait();
+        m_errors = creator.errorText();
+        return status;
+    }
+
+    std::string m_errors;
+};
+
+TEST_F(InputFailureTest, anInputThatIsCutIsAFailure)
+{
+    expectFailure([this] { std::filesystem::resize_file(video(), 50000); });
+}
+
+TEST_F(InputFailureTest, anInputThatGrowsIsAFailure)
+{
+    expectFailure([this] { std::ofstream(video(), std::ios::app) << "more"; });
+}
+
+TEST_F(InputFailureTest, anInputThatIsOverwrittenIsAFailure)
+{
+    expectFailure([this] {
+        std::fstream file(video(), std::ios::in | std::ios::out);
+        file << "other";
+    });
+}
+
+TEST_F(InputFailureTest, anInputThatIsReplacedIsAFailure)
+{
+    expectFailure([this] {
+        writeFile(tools.at("another"), "another video");
+        std::filesystem::rename(tools.at("another"), video());
+    });
+}
+
+TEST_F(InputFailureTest, anInputThatIsOnlyRenamedOrReadIsNoFailure)
+{
+    EXPECT_EQ(statusWith(transcode(video(), output()), [this] { contentsOf(video()); }), 0) << m_errors;
+    const auto rename = [this] { std::filesystem::rename(video(), tools.at("renamed.mov")); };
+    EXPECT_EQ(statusWith(transcode(video(), output()), rename), 0) << m_errors;
+    EXPECT_EQ(contentsOf(output()), movie());
+}
+
+TEST_F(InputFailureTest, aStillOfAVideoThatIsBeingWrittenIsMade)
+{
+    const auto grow = [this] { std::ofstream(video(), std::ios::app) << "more"; };
+    const std::vector<std::string> picture
+        = {"-v", "quiet", "-ss", "1", "-i", video(), "-frames:v", "1", "-y", output()};
+    EXPECT_EQ(statusWith(picture, grow), 0);
+    EXPECT_EQ(contentsOf(output()), contentsOf(tools.addData("expected", contentsOf(output()))));
+    EXPECT_TRUE(contentsOf(output()).starts_with("\xFF\xD8")) << "no JPEG";
+}
+
+TEST_F(InputFailureTest, aReadErrorIsAFailureEvenIfFfmpegSucceeds)
+{
+    EXPECT_EQ(statusAfterMessage("file:other.mov: Input/output error", "pread 1"), 1);
+    EXPECT_NE(m_errors.find("the input cannot be read to its end: Input/output error"), std::string::npos)
+        << m_errors;
+    EXPECT_FALSE(exists(output()));
+}
+
+TEST_F(InputFailureTest, aFileThatIsOnlyBrokenInItselfIsSaved)
+{
+    EXPECT_EQ(statusAfterMessage("file:other.mov: Invalid data found", "none 1"), 0);
+    EXPECT_EQ(contentsOf(output()), movie());
+}
+
+} // namespace tarnwell::test

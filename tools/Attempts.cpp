@@ -166,6 +166,27 @@ Attempt encoding(const Job& job, const MediaFacts& facts, const Target& target, 
     return attempt;
 }
 
+/// The main video stream and at most one sound stream, with the coding that MP4 implies for an encoding. The
+/// streams are selected here: ffmpeg itself would choose the largest picture, which need not be the one that
+/// the still shows and whose flag is changed.
+Attempt plainAttempt(const Job& job, const MediaFacts& facts, const Target& target, const MediaStream* sound)
+{
+    Attempt attempt;
+    Arguments options;
+    if (facts.mainVideo) {
+        append(options, mapped(*facts.mainVideo));
+        attempt.trackIds.push_back(facts.mainVideo->trackId);
+    }
+    if (facts.mainVideo && sound != nullptr) {
+        append(options, mapped(*sound));
+        attempt.trackIds.push_back(sound->trackId);
+    }
+    if (job.kind == Job::Kind::FixFlag)
+        append(options, {"-c:v", "copy", "-c:a", "copy"});
+    attempt.arguments = ffmpegArguments(job, target, options);
+    return attempt;
+}
+
 std::vector<Attempt> copies(const Job& job, const MediaFacts& facts, const Target& target)
 {
     std::vector<Attempt> attempts;
@@ -175,8 +196,9 @@ std::vector<Attempt> copies(const Job& job, const MediaFacts& facts, const Targe
         if (common.arguments != attempts.front().arguments)
             attempts.push_back(std::move(common));
     }
-    attempts.push_back({ffmpegArguments(job, target), {},
-        attempts.empty() ? "" : "tarnwell: all but one video and one sound stream is left out\n"});
+    attempts.push_back(plainAttempt(job, facts, target, mainSound(facts)));
+    if (attempts.size() > 1)
+        attempts.back().notice = "tarnwell: all but one video and one sound stream is left out\n";
     return attempts;
 }
 
@@ -189,11 +211,14 @@ std::vector<Attempt> encodings(const Job& job, const MediaFacts& facts, const Ta
             attempts.push_back(encoding(job, facts, target, sound, SoundCoding::Copy));
         attempts.push_back(encoding(job, facts, target, sound, SoundCoding::Aac));
     } else {
-        attempts.push_back({ffmpegArguments(job, target), {}, ""});
+        attempts.push_back(plainAttempt(job, facts, target, nullptr));
     }
-    Arguments picture = keepTags;
+    Arguments picture = facts.mainVideo ? mapped(*facts.mainVideo) : Arguments();
+    append(picture, keepTags);
     append(picture, {"-an"});
     attempts.push_back({ffmpegArguments(job, target, picture), {}, "tarnwell: the sound is left out\n"});
+    if (facts.mainVideo)
+        attempts.back().trackIds.push_back(facts.mainVideo->trackId);
     return attempts;
 }
 

@@ -18,5 +18,6 @@ struct Attempt {
 
 /// The ways to try one after the other until one succeeds. The first one keeps the most. A copy keeps the
 /// main video stream, all sound streams and the text subtitles that MP4 holds; an encoding keeps the main
-/// video stream and one sound stream. Both keep tags and chapters. Never empty.
+/// video stream and one sound stream: the one that is marked as default, else the one with the most channels.
+/// Both keep tags and chapters. Every attempt has the main video stream, if there is one. Never empty.
 std::vector<Attempt> attemptsFor(const Job& job, const MediaFacts& facts, const Target& target);

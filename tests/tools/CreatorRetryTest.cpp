@@ -76,10 +76,10 @@ const char* const others = "all but one video and one sound stream is left out";
 
 INSTANTIATE_TEST_SUITE_P(Runs, RetryTableTest,
     testing::Values(RetryRow{"aCopyThatSucceedsIsMadeOnce", true, "", 0, 1, ""},
-        RetryRow{"aCopyThatFailsIsFollowedByAPlainOne", true, "with -map exit 1\n", 0, 2, others},
-        RetryRow{"aCopyThatCrashesIsFollowedByAPlainOne", true, "with -map die 11\n", 0, 2, others},
+        RetryRow{"aCopyThatFailsIsFollowedByAPlainOne", true, "with -strict exit 1\n", 0, 2, others},
+        RetryRow{"aCopyThatCrashesIsFollowedByAPlainOne", true, "with -strict die 11\n", 0, 2, others},
         RetryRow{"aCopyThatIsIncompleteIsFollowedByAPlainOne", true,
-            "with -map write-output half\nwith -map exit 0\n", 0, 2, others},
+            "with -strict write-output half\nwith -strict exit 0\n", 0, 2, others},
         RetryRow{"anEncodingThatSucceedsIsMadeOnce", false, "", 0, 1, ""},
         RetryRow{"anEncodingThatFailsWithACopyOfTheSoundEncodesIt", false, "with copy exit 1\n", 0, 2, ""},
         RetryRow{"anEncodingThatFailsWithSoundLeavesItOut", false, "without -an exit 1\n", 0, 3,

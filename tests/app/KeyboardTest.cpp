@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The window without a pointer: where the keyboard is, where Tab takes it, what Space does there.
+// The window without a pointer: the keyboard focus, Tab, the arrows and Space.
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/RealInput.h"
 
@@ -19,7 +19,7 @@ namespace tarnwell::test
 class KeyboardTest : public FakeToolsTest
 {
 protected:
-    /// The name of the control that has the keyboard, as a screen reader says it.
+    /// The accessible name of the control that has the keyboard focus.
     static std::string owner()
     {
         waitForAnyKeyboard(); // it may move once more after a sheet has gone
@@ -29,7 +29,7 @@ protected:
         return widget == nullptr ? std::string() : widget->accessibleName().toStdString();
     }
 
-    /// The owners from here once around, by that key.
+    /// The controls that get the keyboard focus by repeated presses of the key, until the first one again.
     static std::vector<std::string> round(const std::string& key)
     {
         std::vector<std::string> owners{owner()};
@@ -53,7 +53,7 @@ protected:
         ASSERT_EQ(owner(), name);
     }
 
-    /// The colour on the edge of what has the keyboard is the highlight's.
+    /// Whether the edge of the control with the keyboard focus has the highlight colour.
     static bool isOwnerMarked()
     {
         waitForAnyKeyboard();
@@ -96,7 +96,7 @@ TEST_F(KeyboardTest, itsPlaceIsMarkedOnEveryControl)
 {
     start();
     openVideo();
-    EXPECT_FALSE(isOwnerMarked()) << "nobody has used the keyboard yet";
+    EXPECT_FALSE(isOwnerMarked()) << "before the first key";
     for (std::size_t control = 0; control < everyControl.size(); ++control) {
         realKeys("Tab");
         EXPECT_TRUE(isOwnerMarked()) << owner();

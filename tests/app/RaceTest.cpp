@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Cancels, second cancels, drops and returns at random moments of exports by a tool that takes random time,
-// one export after the other in one window. TARNWELL_ROUNDS sets how many.
+// Cancels, second cancels, drops and reopen requests at random moments of successive exports by a tool of
+// random duration in one window. TARNWELL_ROUNDS sets the number of exports.
 #include "app/AppDelegate.h"
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
@@ -35,11 +35,10 @@ class RaceTest : public FakeToolsTest
 protected:
     int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(m_random); }
 
-    /// An encoder that takes up to that long, talks meanwhile, and ends when it is told to or just does not
-    /// hear it.
+    /// An encoder that sleeps for random times, prints status lines, and handles or ignores SIGTERM.
     std::string encoder()
     {
-        // A drop may find the window free again, and asks for stills.
+        // A drop after the end of the export extracts stills.
         std::string script = "with -frames:v copy " + folder() + "still.jpg\nwith -frames:v exit 0\n";
         script += upTo(2) == 0 ? "ignore-termination\n" : "";
         for (int piece = upTo(4); piece >= 0; --piece)
@@ -56,8 +55,8 @@ protected:
         answer(shownAlert(), "Transcode");
     }
 
-    /// Meddles until the export has ended; whether it was cancelled.
-    bool meddle()
+    /// Cancels, drops and reopens at random moments until the export has ended. Whether it was cancelled.
+    bool disturb()
     {
         auto& cancel = find<QPushButton>("progressCancel");
         QElapsedTimer time;
@@ -72,7 +71,7 @@ protected:
                     cancel.click();
             }
             if (upTo(20) == 0)
-                drop(folder() + "clip.mp4"); // while a sheet is up nothing is taken
+                drop(folder() + "clip.mp4"); // ignored while a sheet is shown
             if (upTo(20) == 0)
                 application().reopen();
             return isAlertShown() || (isCancelled && !isProgressShown());
@@ -95,7 +94,7 @@ TEST_F(RaceTest, exportsAndCancelsOneAfterTheOther)
     for (int round = 0; round < rounds() && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         begin();
-        const bool isCancelled = meddle();
+        const bool isCancelled = disturb();
         cancels += isCancelled ? 1 : 0;
         if (isAlertShown())
             answer(shownAlert(), "OK");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Exports by the real encoder, watched through the real progress sheet.
+// Exports by the real encoder with the progress sheet.
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"
 #include "tests/support/WindowTest.h"
@@ -21,7 +21,7 @@ namespace
 
 const SampleVideo longVideo = {.size = {1280, 720}, .seconds = 12, .codec = "mpeg4"}; // no choice of a mode
 
-/// What the lines "Percent : " say, as a bar from 0 to 100 shows it.
+/// The values of the lines "Percent : ", limited to the range of the bar.
 std::vector<int> printedPercentages(const std::string& printed)
 {
     const std::string label = "Percent : ";
@@ -34,7 +34,7 @@ std::vector<int> printedPercentages(const std::string& printed)
     return percentages;
 }
 
-/// A bar tells of a value only when it changes, and it starts at 0.
+/// The values without repetitions, as a progress bar that starts at 0 emits them.
 std::vector<int> changesOf(const std::vector<int>& values)
 {
     std::vector<int> changes;

@@ -49,28 +49,27 @@ protected:
     std::string shownFolder() const;
     QLineEdit& nameField();
 
-    /// Puts the text into the name field in the place of what is there, by way of the clipboard.
+    /// Replaces the text of the name field through the clipboard.
     void typeName(const QString& name);
-    /// Types the name and presses Return; where that ends the panel, returns when it is gone.
+    /// Types the name and presses Return. If that closes the panel, returns after it is closed.
     void enter(const QString& name);
 
     /// Clicks the file in the panel's list, once it is listed.
     void clickInList(const QString& name);
     void doubleClickInList(const QString& name);
-    /// The panel's own button for going ahead, and the other one.
+    /// The buttons Open or Save, and Cancel.
     QPushButton& acceptButton();
     QPushButton& cancelButton();
 
-    /// How a question of the panel's will be answered, by a click; a question that was not announced fails
-    /// the test. The panel may ask inside the
-    /// call that makes it ask.
+    /// The next question of the panel is answered by a click on this button. A question without a set button
+    /// fails the test. The panel can ask during the call that accepts it.
     void nextQuestionGets(QMessageBox::StandardButton button) { m_nextAnswer = button; }
-    /// Waits until it has been answered and the panel, if it is still up, has the keyboard again.
+    /// Waits until the question is answered and the panel, if it is still shown, has the keyboard again.
     void waitForAnsweredQuestion();
-    /// The questions that were asked, with their informative texts.
+    /// The texts of all questions, with their informative texts.
     const QStringList& questions() const { return m_questions; }
 
-    /// Waits for the panel's end; what it answered.
+    /// Waits until the panel is closed and returns its answer.
     Answer answer();
     bool isAnswered() const { return !m_answers.empty(); }
     void forgetAnswers();

@@ -68,7 +68,7 @@ xcb_atom_t RootWindow::atom(const std::string& name)
     return reply->atom;
 }
 
-/// Whatever the server has sent before it answers the question is there when it has answered.
+/// The reply to a request comes after all events that the server has sent before.
 void RootWindow::receive()
 {
     atom("WM_NAME");

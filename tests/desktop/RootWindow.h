@@ -9,7 +9,7 @@
 namespace tarnwell::test
 {
 
-/// Hears what programs tell the window manager and the desktop, as another client of the X server.
+/// Receives the messages of programs to the window manager and the desktop, as another X client.
 class RootWindow
 {
 public:

@@ -26,7 +26,7 @@ private:
     int m_count = 0;
 };
 
-/// While it lives, takes the place of whatever the desktop would open a file with.
+/// During its lifetime, receives the URLs that would be opened with the desktop's default applications.
 class UrlCatcher : public QObject
 {
     Q_OBJECT

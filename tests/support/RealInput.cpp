@@ -150,7 +150,7 @@ void clickThere(QPoint position)
     send(moveCommand(position) + QStringList{QStringLiteral("click"), QStringLiteral("1")}, {.buttons = 1});
 }
 
-/// Decides whether a click is the second one of a double click, however fast or slow this machine is.
+/// Decides whether a click is the second one of a double click, at any speed of the machine.
 class DoubleClickInterval
 {
 public:

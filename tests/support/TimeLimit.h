@@ -11,7 +11,7 @@ namespace tarnwell::test
 inline constexpr std::chrono::seconds longestWait(60);
 
 /// Starts this process's only time limit anew. When the time is up, the process writes `message` to standard
-/// error and dies of SIGALRM, whatever its threads are waiting for.
+/// error and ends by SIGALRM, even if all of its threads wait.
 void startTimeLimit(std::chrono::seconds limit, const std::string& message);
 
 void stopTimeLimit();

@@ -45,7 +45,7 @@ private:
 bool isOnTop(const QWidget& window);
 
 /// The real window of the program with tools that the test chooses, operated as by a user: by names, keys and
-/// clicks. A function that does not find what it needs, or waits for it in vain, ends the test with a
+/// clicks. A function that does not find an element, or reaches the limit of a wait, ends the test with a
 /// failure.
 class WindowTest : public testing::Test
 {

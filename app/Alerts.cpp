@@ -41,6 +41,12 @@ Alert sameFileAlert()
     return alert;
 }
 
+Alert changedInputAlert()
+{
+    return refusalAlert("Seems like something went wrong!",
+        "The video has changed since it was opened. Please open it again.");
+}
+
 Alert failureAlert()
 {
     return refusalAlert("Seems like something went wrong!", "Contact : " + supportAddress());

@@ -20,6 +20,10 @@ Alert modeAlert();
 /// For an output path that equals the input path.
 Alert sameFileAlert();
 
+/// For a save of a file that is not the one that was opened any more: the preview shows another content, and
+/// a file that a save has turned would be turned twice.
+Alert changedInputAlert();
+
 /// For an export that left no valid video.
 Alert failureAlert();
 

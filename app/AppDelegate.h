@@ -112,6 +112,7 @@ private:
     std::shared_ptr<DispatchQueue> m_mainQueue;
     NotificationCenter::Observation m_dropObservation;
     StillFrameExtractor m_stillFrames;
+    std::optional<FileFingerprint> m_inputWhenOpened; // absent before the first analysis
     std::optional<FileFingerprint> m_outputBeforeRun; // absent before the first export
     std::unique_ptr<InputBlocker> m_blockerBeforeSheet; // from an export's start until its sheet is shown
 };

@@ -44,6 +44,7 @@ void AppDelegate::analyzeFile(const FileURL& url)
 {
     showAnalysisProgress();
     required(m_outlets.sheets).waitUntilPainted(&required(m_outlets.progressWindow));
+    m_inputWhenOpened.emplace(url.path()); // before the analysis, which a change can overtake
     const auto probe = std::make_shared<const FileProbe>(url.path(), m_tools);
     globalFP.store(probe); // a refused file too: a later save uses the file that was analysed last
     if (lowerCased(url.pathExtension()) == "vob")

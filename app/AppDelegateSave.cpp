@@ -36,11 +36,12 @@ void AppDelegate::saveTo(const std::string& outputPath)
     const auto& inputPath = required(probe).fileFullPath;
     if (!inputPath)
         return;
-    if (!isCanonicallyEquivalent(*inputPath, outputPath)) {
+    if (isCanonicallyEquivalent(*inputPath, outputPath))
+        sameFileAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+    else if (m_inputWhenOpened != FileFingerprint(*inputPath))
+        changedInputAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+    else
         chooseExportMode(*inputPath, outputPath);
-        return;
-    }
-    sameFileAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
 }
 
 } // namespace tarnwell

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Another program replaces, damages or removes the open file: a save then uses the file at the path, or
-// fails, and leaves that file unchanged.
+// Another program, or a save, replaces, damages or removes the open file: the next save is refused or fails,
+// and leaves the file unchanged.
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"
@@ -9,6 +9,7 @@
 #include <QProgressBar>
 
 #include <filesystem>
+#include <functional>
 
 namespace tarnwell::test
 {
@@ -37,13 +38,29 @@ protected:
     /// Replaces the open file by a rename, as editors do.
     void replaceBy(const std::string& path) { std::filesystem::rename(path, video()); }
 
-    /// Saves in that mode and answers the alert at the end. Returns its text.
-    QString savedBy(const char* mode)
+    /// Changes the file while the mode is chosen, then chooses that mode. Returns the text of the alert at
+    /// the end.
+    QString savedBy(const char* mode, const std::function<void()>& change)
     {
         saveByPanel(output());
-        answer(shownAlert(), mode);
+        AlertDialog* alert = shownAlert();
+        change();
+        answer(alert, mode);
         EXPECT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
         return answeredAlert();
+    }
+
+    /// A save is refused, because the file is not the one that was opened, and nothing is written.
+    void expectRefusal()
+    {
+        saveByPanel(output());
+        AlertDialog* alert = shownAlert();
+        EXPECT_EQ(alert->text(), failure());
+        EXPECT_EQ(alert->informativeText(),
+            QStringLiteral("The video has changed since it was opened. Please open it again."));
+        answer(alert, "OK");
+        waitForKeyboard(window());
+        EXPECT_FALSE(exists(output()));
     }
 
     QString answeredAlert()
@@ -55,46 +72,74 @@ protected:
         return text;
     }
 
-    void expectFailureInBothModes()
-    {
-        for (const char* mode : {"Fix Flag", "Transcode"}) {
-            SCOPED_TRACE(mode);
-            EXPECT_EQ(savedBy(mode), QStringLiteral("Seems like something went wrong!"));
-            EXPECT_FALSE(exists(output()));
-        }
-    }
-
+    static QString failure() { return QStringLiteral("Seems like something went wrong!"); }
     static QString success() { return QStringLiteral("Video Rotated Successfully!"); }
 };
 
-TEST_F(ReplacedFileTest, anotherVideoInItsPlaceIsSavedAndKeepsItsBytes)
+TEST_F(ReplacedFileTest, anotherVideoInItsPlaceIsSavedOnlyAfterItIsOpened)
 {
     openAndTurn({});
     makeSampleVideo(folder() + "other.mp4", {.size = {400, 200}});
     const std::string other = contentsOf(folder() + "other.mp4");
     replaceBy(folder() + "other.mp4");
+    expectRefusal();
+    ASSERT_TRUE(drop(video()));
+    waitForKeyboard(window());
+    action("rotateRightBTN").trigger();
     for (const char* mode : {"Fix Flag", "Transcode"}) {
         SCOPED_TRACE(mode);
-        EXPECT_EQ(savedBy(mode), success());
+        EXPECT_EQ(savedBy(mode, [] {}), success());
         EXPECT_EQ(decodedFrame(output(), 1).size(), QSize(200, 400));
         EXPECT_EQ(contentsOf(video()), other);
         std::filesystem::remove(output());
     }
 }
 
-TEST_F(ReplacedFileTest, aTextNothingOrAFolderInItsPlaceEndsInTheAlertAndStaysAsItIs)
+TEST_F(ReplacedFileTest, aVideoThatASaveHasTurnedIsNotTurnedAgain)
 {
     openAndTurn({});
-    writeFile(video(), "just a text\n");
-    expectFailureInBothModes();
-    EXPECT_EQ(contentsOf(video()), "just a text\n");
-    std::filesystem::remove(video());
-    expectFailureInBothModes();
-    EXPECT_FALSE(exists(video()));
-    std::filesystem::create_directory(video());
-    writeFile(video() + "/note", "mine");
-    expectFailureInBothModes();
-    EXPECT_EQ(contentsOf(video() + "/note"), "mine");
+    std::filesystem::create_directory_symlink(folder(), folder() + "link");
+    saveByPanel(folder() + "link/clip.mp4");
+    answerReplaceQuestion("&Yes");
+    answer(shownAlert(), "Fix Flag");
+    ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
+    EXPECT_EQ(answeredAlert(), success());
+    const std::string turned = contentsOf(video());
+    expectRefusal();
+    EXPECT_EQ(contentsOf(video()), turned);
+}
+
+TEST_F(ReplacedFileTest, aFileThatIsRemovedOrWrittenIsNotSaved)
+{
+    openAndTurn({});
+    std::filesystem::rename(video(), folder() + "elsewhere.mp4");
+    expectRefusal();
+    std::filesystem::rename(folder() + "elsewhere.mp4", video());
+    EXPECT_EQ(savedBy("Fix Flag", [] {}), success()); // it is the one that was opened again
+    std::filesystem::remove(output());
+    writeFile(video(), contentsOf(video()) + "x");
+    expectRefusal();
+}
+
+TEST_F(ReplacedFileTest, aTextNothingOrAFolderInItsPlaceEndsInTheAlertAndStaysAsItIs)
+{
+    const std::function<void()> changes[]
+        = {[this] { writeFile(video(), "just a text\n"); }, [this] { std::filesystem::remove(video()); },
+            [this] {
+                std::filesystem::remove(video());
+                std::filesystem::create_directory(video());
+                writeFile(video() + "/note", "mine");
+            }};
+    for (const char* mode : {"Fix Flag", "Transcode"}) {
+        SCOPED_TRACE(mode);
+        for (const auto& change : changes) {
+            std::filesystem::remove_all(video());
+            openAndTurn({});
+            EXPECT_EQ(savedBy(mode, change), failure());
+            EXPECT_FALSE(exists(output()));
+        }
+        EXPECT_EQ(contentsOf(video() + "/note"), "mine");
+    }
 }
 
 TEST_F(ReplacedFileTest, theEncoderFinishesTheVideoThatItHasOpened)

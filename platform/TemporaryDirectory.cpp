@@ -45,6 +45,7 @@ std::vector<std::string> candidateFolders()
 /// What fits into a folder, in ascending order.
 enum class Room { None, SmallFile, Enough };
 
+/// Closes the file.
 bool canWrite(int file)
 {
     const std::string bytes(smallFile, '\0');
@@ -52,18 +53,27 @@ bool canWrite(int file)
     return ::close(file) == 0 && isWritten; // network file systems report a full disk at the end
 }
 
-/// `folder` ends in "/".
+/// A new file without a name. `folder` ends in "/".
+int openUnnamed(const std::string& folder)
+{
+    if (const int file = ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
+        file >= 0)
+        return file;
+    std::string path = folder + "XXXXXX"; // the file system has no unnamed files
+    const int file = ::mkostemp(path.data(), O_CLOEXEC);
+    if (file >= 0)
+        ::unlink(path.c_str());
+    return file;
+}
+
 Room roomIn(const std::string& folder)
 {
-    std::string path = folder + "XXXXXX";
-    const int file = ::mkostemp(path.data(), O_CLOEXEC);
+    const int file = openUnnamed(folder);
     if (file < 0)
         return Room::None;
     struct statvfs status = {};
     const bool isKnown = ::fstatvfs(file, &status) == 0 && status.f_blocks > 0;
-    const bool isWritable = canWrite(file);
-    ::unlink(path.c_str());
-    if (!isWritable)
+    if (!canWrite(file))
         return Room::None;
     return !isKnown || static_cast<unsigned long long>(status.f_bavail) * status.f_frsize >= enoughRoom
         ? Room::Enough

@@ -82,6 +82,10 @@ protected:
         ASSERT_TRUE(waitUntil([this] { return isAlertShown(); }));
         countCalls(true);
         AlertDialog* question = shownAlert();
+        if (question->buttons().size() == 1) { // the input could not be compared with the opened file
+            printOutcome(answerAlert("OK"));
+            return;
+        }
         answer(question, "Transcode");
         ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
         printOutcome(answerAlert("OK"));

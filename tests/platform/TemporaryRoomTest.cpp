@@ -2,6 +2,7 @@
 // Where the temporary folder is created when file systems are full.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
+#include "tests/tools/RefusedCall.h"
 #include "tests/tools/SmallDisk.h"
 
 #include <gtest/gtest.h>
@@ -70,6 +71,16 @@ TEST_F(TemporaryRoomTest, aFullDiskIsPassedOverAndNothingIsLeftOnIt)
     writeFile(folder.path() + "file", "text");
     EXPECT_EQ(contentsOf(folder.path() + "file"), "text");
     EXPECT_EQ(namesOnDisk(), std::vector<std::string>({"rest"}));
+}
+
+TEST_F(TemporaryRoomTest, aFullDiskIsPassedOverWhereFilesWithoutANameAreMissing)
+{
+    mountTemporaryFolder(32 << 10);
+    fillDisk();
+    EXPECT_TRUE(holdsWithout(RefusedCall::OpenNameless, [this] {
+        const TemporaryDirectory folder;
+        return !isOnDisk(folder) && namesIn(folder.path()).empty();
+    }));
 }
 
 TEST_F(TemporaryRoomTest, aDiskWithLittleRoomIsPassedOver)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/Report.h"
 
+#include "tools/ReportSize.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -206,8 +208,9 @@ std::vector<std::pair<std::string, std::string>> fileTagsIn(const Json& report)
 
 } // namespace
 
-std::string withTrueRotation(const std::string& report)
+std::string withTrueRotation(const std::string& originalReport)
 {
+    const std::string report = limitedReport(originalReport);
     Json json = parsed(report);
     if (!json.is_object() || !json.contains("streams") || !json["streams"].is_array())
         return report;
@@ -233,7 +236,7 @@ VideoFacts videoFactsOf(const std::string& report)
 
 MediaFacts mediaFactsOf(const std::string& report)
 {
-    const Json json = parsed(report);
+    const Json json = parsed(limitedReport(report));
     const Json* streams = streamsIn(json);
     if (streams == nullptr)
         return {};

@@ -11,7 +11,7 @@
 
 /// Returns ffprobe's JSON report with the tag "rotate" of each video stream set to the clockwise turn of its
 /// display matrix, and removed where there is no such matrix. Also removes a stream's duration that does not
-/// fit 64 bits of seconds. Text that is no report is returned unchanged.
+/// fit 64 bits of seconds, and what limitedReport removes. Text that is no report is returned unchanged.
 std::string withTrueRotation(const std::string& report);
 
 /// The main video stream of a JSON report: the first one that has a frame rate and is no attached picture,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/Boxes.h"
 
+#include "tools/Cancel.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <sys/stat.h>
@@ -34,11 +36,10 @@ std::vector<Box> BoxReader::leadingBoxesOfFile()
 {
     std::vector<Box> boxes;
     FileOffset begin = 0;
-    while (begin < m_fileSize && m_boxesLeft > 0) {
+    while (begin < m_fileSize && mayReadOn()) {
         const auto box = boxAt(begin, m_fileSize);
         if (!box)
             break;
-        --m_boxesLeft;
         boxes.push_back(*box);
         begin = box->end;
     }
@@ -71,14 +72,22 @@ std::optional<std::vector<Box>> BoxReader::boxesBetween(FileOffset begin, FileOf
 {
     std::vector<Box> boxes;
     while (begin < end) {
-        const auto box = m_boxesLeft > 0 ? boxAt(begin, end) : std::nullopt;
+        const auto box = mayReadOn() ? boxAt(begin, end) : std::nullopt;
         if (!box)
             return std::nullopt;
-        --m_boxesLeft;
         boxes.push_back(*box);
         begin = box->end;
     }
     return boxes;
+}
+
+bool BoxReader::mayReadOn()
+{
+    constexpr std::size_t boxesBetweenChecks = 1024;
+    if (m_boxesLeft == 0 || (m_boxesLeft % boxesBetweenChecks == 0 && isCancelled()))
+        return false;
+    --m_boxesLeft;
+    return true;
 }
 
 /// The box whose header is at `begin`. Empty where it does not end by `end`.

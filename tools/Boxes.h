@@ -23,7 +23,7 @@ struct Box {
 };
 
 /// Reads the boxes of an open file, of which nothing is trusted: a size that leaves the file or the parent
-/// makes a list of boxes invalid, and so does a file of more than `mostBoxes` boxes.
+/// makes a list of boxes invalid, and so do a file of more than `mostBoxes` boxes and a cancel.
 class BoxReader
 {
 public:
@@ -56,6 +56,8 @@ public:
     std::string contentOf(const Box& box, std::size_t count, FileOffset offset = 0) const;
 
 private:
+    /// Whether another box may be read; counts it.
+    bool mayReadOn();
     std::optional<std::vector<Box>> boxesBetween(FileOffset begin, FileOffset end);
     std::optional<Box> boxAt(FileOffset begin, FileOffset end) const;
     std::string bytesAt(FileOffset offset, std::size_t count) const;

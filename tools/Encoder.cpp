@@ -18,7 +18,6 @@
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
-#include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -29,8 +28,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds graceAfterCancel(400);
 constexpr std::chrono::milliseconds longestSilence(450);
-int cancelSignals = -1;
-bool cancelSeen = false;
 
 /// Reads ffmpeg's two streams until both have ended and it has exited. Forwards a cancel to it.
 class Listener
@@ -51,9 +48,9 @@ public:
     void listen()
     {
         while (isListening() || !hasEnded(m_child)) {
-            std::array<pollfd, 4> waiting
-                = {{{m_progress.reading(), POLLIN, 0}, {m_errors.reading(), POLLIN, 0},
-                    {m_killAt ? -1 : cancelSignals, POLLIN, 0}, {isListening() ? -1 : m_exit, POLLIN, 0}}};
+            std::array<pollfd, 4> waiting = {{{m_progress.reading(), POLLIN, 0},
+                {m_errors.reading(), POLLIN, 0}, {m_killAt ? -1 : cancelDescriptor(), POLLIN, 0},
+                {isListening() ? -1 : m_exit, POLLIN, 0}}};
             ::poll(waiting.data(), waiting.size(), timeout());
             m_writeback.advanceToEnd();
             if (m_killAt && Clock::now() >= *m_killAt) {
@@ -91,7 +88,7 @@ private:
     {
         if (lines.empty())
             return;
-        writeErrorLines(lines, cancelSignals);
+        writeErrorLines(lines, cancelDescriptor());
         m_lastReport = lines.substr(lines.rfind('\n', lines.size() - 2) + 1);
         m_reportedAt = Clock::now();
     }
@@ -99,7 +96,7 @@ private:
     void writeComplaints(const std::string& lines)
     {
         m_hasComplained = m_hasComplained || !lines.empty();
-        writeErrorLines(lines, cancelSignals);
+        writeErrorLines(lines, cancelDescriptor());
     }
 
     int left(std::chrono::milliseconds silence) const { return millisecondsUntil(m_reportedAt + silence); }
@@ -151,49 +148,18 @@ RunEnd checkInput(const InputFile& input, const std::string& path, Listener& lis
             return RunEnd::Cancelled;
         if (end == InputFile::ReadEnd::Failed) {
             const std::string reason = std::strerror(errno);
-            writeErrorLines("tarnwell: the input cannot be read to its end: " + reason + "\n", cancelSignals);
+            writeErrorLines(
+                "tarnwell: the input cannot be read to its end: " + reason + "\n", cancelDescriptor());
             return RunEnd::InputFailed;
         }
     }
     if (input.isUnchanged(path))
         return RunEnd::Succeeded;
-    writeErrorLines("tarnwell: the input was changed meanwhile\n", cancelSignals);
+    writeErrorLines("tarnwell: the input was changed meanwhile\n", cancelDescriptor());
     return RunEnd::InputFailed;
 }
 
-/// Whether the caller has set the signal to be ignored, as nohup does.
-bool isIgnored(int signal)
-{
-    struct sigaction action = {};
-    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
-
 } // namespace
-
-void handleCancelSignals()
-{
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-        if (signal == SIGTERM || !isIgnored(signal))
-            sigaddset(&signals, signal);
-    }
-    ::sigprocmask(SIG_BLOCK, &signals, nullptr);
-    cancelSignals = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-}
-
-bool isCancelled()
-{
-    signalfd_siginfo info = {};
-    if (::read(cancelSignals, &info, sizeof info) > 0)
-        cancelSeen = true;
-    return cancelSeen;
-}
-
-int cancelDescriptor()
-{
-    return cancelSignals;
-}
 
 RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input,
     const std::string& inputPath, int output)

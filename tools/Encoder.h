@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tools/Cancel.h"
+
 #include <string>
 #include <vector>
 
@@ -9,16 +11,6 @@ class InputFile;
 /// How a run of ffmpeg ended. InputFailed: the input could not be read to its end or was changed, so that no
 /// other run can succeed either.
 enum class RunEnd { Succeeded, Failed, Cancelled, InputFailed };
-
-/// From now on SIGTERM, SIGINT and SIGHUP cancel the work instead of ending the process. A SIGINT or SIGHUP
-/// that the caller has set to be ignored stays ignored. Call it first.
-void handleCancelSignals();
-
-/// Whether such a signal has arrived.
-bool isCancelled();
-
-/// Is readable when such a signal has arrived and isCancelled has not been called since.
-int cancelDescriptor();
 
 /// Runs ffmpeg to its end. It may read the input, at the path `inputPath` in its arguments, and write to the
 /// descriptor `output`. Its progress, as status lines, and its error messages go to this process's standard

@@ -94,6 +94,22 @@ TEST_F(RealInputTest, aFileThatWasCutBeforeIsSavedAsFarAsItDecodes)
     EXPECT_GT(std::stod(probe.output()), 1);
 }
 
+/// The H.264 encoder takes even sizes only, so that nothing is left of a side of one pixel.
+TEST_F(RealInputTest, aPictureOfOnePixelInASideCannotBeEncoded)
+{
+    for (const std::string size : {"1:64", "64:1"}) {
+        const std::string source = "color=red:rate=10:duration=1:size=64x64,format=rgb24,crop=" + size;
+        ASSERT_EQ(runTool("/usr/bin/ffmpeg",
+                      {"-v", "error", "-nostdin", "-f", "lavfi", "-i", source, "-c:v", "png", "-y",
+                          at("clip.mkv")}),
+            0);
+        ToolProcess process(creator, transcode());
+        EXPECT_EQ(process.wait(), 1) << size;
+        EXPECT_FALSE(exists(at("out.mp4"))) << size;
+        EXPECT_NE(process.errorText(), "") << size;
+    }
+}
+
 TEST_F(RealInputTest, aPipeThatReplacesTheFileBlocksNobody)
 {
     constexpr int killed = 128 + SIGKILL;

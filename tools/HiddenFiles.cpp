@@ -15,7 +15,7 @@
 namespace
 {
 
-constexpr std::time_t minimumAge = 24 * 60 * 60; // seconds
+constexpr std::time_t minimumAge = 86400; // seconds
 constexpr int mostAttempts = 100;
 constexpr std::size_t digits = 16;
 const std::string prefix = ".tarnwell-unfinished-";

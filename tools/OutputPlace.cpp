@@ -16,6 +16,7 @@ namespace
 {
 
 constexpr int mostNames = 1000;
+constexpr std::size_t endSize = std::size_t(64) << 10; // of the bytes at each end that are compared
 
 std::string folderOf(const std::string& path)
 {
@@ -48,11 +49,11 @@ bool isSameTime(const timespec& left, const timespec& right)
     return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }
 
-/// Files that cannot be read count as equal.
+/// Compares `endSize` bytes. Files that cannot be read count as equal.
 bool areSameBytesAt(int left, int right, off_t offset)
 {
-    std::array<char, 64 * 1024> leftBytes = {};
-    std::array<char, 64 * 1024> rightBytes = {};
+    std::array<char, endSize> leftBytes = {};
+    std::array<char, endSize> rightBytes = {};
     const ssize_t leftSize = ::pread(left, leftBytes.data(), leftBytes.size(), offset);
     const ssize_t rightSize = ::pread(right, rightBytes.data(), rightBytes.size(), offset);
     return leftSize < 0 || rightSize < 0 || leftBytes == rightBytes;
@@ -67,8 +68,8 @@ bool hasFixedNumbers(int folder)
 
 bool areSameEnds(int left, int right, off_t size)
 {
-    constexpr off_t piece = 64 * 1024;
-    return areSameBytesAt(left, right, 0) && areSameBytesAt(left, right, std::max<off_t>(size - piece, 0));
+    const off_t lastBytes = std::max<off_t>(size - static_cast<off_t>(endSize), 0);
+    return areSameBytesAt(left, right, 0) && areSameBytesAt(left, right, lastBytes);
 }
 
 } // namespace
@@ -122,8 +123,9 @@ std::string OutputPlace::putAside(const std::string& word) const
     std::string stem = m_name.substr(0, dot == 0 ? std::string::npos : dot);
     const std::string extension = m_name.substr(stem.size());
     for (int number = 1; number < mostNames;) {
-        const std::string end
-            = " (" + word + (number == 1 ? "" : " " + std::to_string(number)) + ")" + extension;
+        std::string end = " (" + word;
+        end += (number == 1 ? "" : " " + std::to_string(number)) + ")";
+        end += extension;
         stem = stemBefore(end, stem, m_folderPath);
         if (renameToFreeName(m_folder, m_name, stem + end))
             return stem + end;

@@ -2,6 +2,7 @@
 #include "tools/Cancel.h"
 
 #include <csignal>
+#include <initializer_list>
 #include <sys/signalfd.h>
 #include <unistd.h>
 

@@ -35,7 +35,7 @@ TEST(ChildOutputTest, aChildThatFloodsItsOutputIsKilled)
 {
     ChildPlan plan;
     plan.program = "/bin/cat";
-    plan.arguments = {"/dev/zero"};
+    plan.arguments = {"/dev/urandom"};
     int status = 0;
     const std::string text = outputOfChild(plan, status);
     EXPECT_EQ(status, killed);

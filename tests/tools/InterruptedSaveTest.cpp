@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Cancels and kills creator at each of the calls with which it finishes a file.
+// Cancels and kills creator at each of the calls with which it finishes a file, and makes each of them fail.
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
@@ -161,6 +161,28 @@ TEST_P(InterruptedSaveTest, aKillLeavesTheOlderFileUnderItsNameOrPutAside)
         for (const auto& name : otherNames())
             EXPECT_TRUE(name == "Rotated.mp4" || name == previous || name[0] == '.') << name;
     });
+}
+
+TEST_P(InterruptedSaveTest, aFailureOfACallLosesNothing)
+{
+    const std::string note = tools.addData("failed", "");
+    int time = 0;
+    do {
+        SCOPED_TRACE(testing::Message() << GetParam().call << " " << ++time);
+        std::filesystem::remove(note);
+        writeFile(output(), "older");
+        ToolSetup setup;
+        setup.refused = GetParam().fileSystem.refused;
+        setup.variables = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so",
+            "TARNWELL_FAILS=" + GetParam().call + " " + std::to_string(time), "TARNWELL_FAILED=" + note};
+        ToolProcess creator(tools.creator(), transcode(), setup);
+        const int status = creator.wait();
+        const std::string now = contentsOf(output());
+        EXPECT_TRUE(status == 0 ? now == movie() : now.empty() || now == "older") << status;
+        EXPECT_TRUE(status == 0 || now == "older" || contentsOf(tools.at(previous)) == "older");
+        removeAll();
+    } while (exists(note) && time < mostTimes);
+    EXPECT_LT(time, mostTimes);
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, InterruptedSaveTest, testing::ValuesIn(allInterruptions()),

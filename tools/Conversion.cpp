@@ -23,10 +23,10 @@ bool isDiskFull(int file)
 }
 
 /// An ffmpeg that could not write the end of its output may succeed all the same.
-RunEnd runAttempt(const Attempt& attempt, const Job& job, const InputFile& input, const OutputFile& output)
+RunEnd runAttempt(const Attempt& attempt, const InputFile& input, const OutputFile& output)
 {
     output.empty();
-    const RunEnd end = runFfmpeg(attempt.arguments, input, job.input, output.descriptor());
+    const RunEnd end = runFfmpeg(attempt.arguments, input, output.descriptor());
     return end == RunEnd::Succeeded && !isCompleteMovie(output.descriptor()) ? RunEnd::Failed : end;
 }
 
@@ -45,7 +45,7 @@ RunEnd completeMetadata(const Attempt& attempt, const Job& job, const MediaFacts
 RunEnd convert(const Job& job, const MediaFacts& facts, const InputFile& input, const OutputFile& output)
 {
     for (const Attempt& attempt : attemptsFor(job, facts, {output.writablePath(), "mp4"})) {
-        const RunEnd end = runAttempt(attempt, job, input, output);
+        const RunEnd end = runAttempt(attempt, input, output);
         if (end == RunEnd::Succeeded) {
             if (!attempt.notice.empty())
                 writeErrorLines(attempt.notice, cancelDescriptor());

@@ -137,7 +137,7 @@ private:
 };
 
 /// Whether the input was read to its end as it was, after a run that has succeeded.
-RunEnd checkInput(const InputFile& input, const std::string& path, Listener& listener)
+RunEnd checkInput(const InputFile& input, Listener& listener)
 {
     if (listener.hasComplained()) {
         const auto end = input.readToEnd([&listener] {
@@ -153,7 +153,7 @@ RunEnd checkInput(const InputFile& input, const std::string& path, Listener& lis
             return RunEnd::InputFailed;
         }
     }
-    if (input.isUnchanged(path))
+    if (input.isUnchanged())
         return RunEnd::Succeeded;
     writeErrorLines("tarnwell: the input was changed meanwhile\n", cancelDescriptor());
     return RunEnd::InputFailed;
@@ -161,8 +161,7 @@ RunEnd checkInput(const InputFile& input, const std::string& path, Listener& lis
 
 } // namespace
 
-RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input,
-    const std::string& inputPath, int output)
+RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input, int output)
 {
     if (isCancelled())
         return RunEnd::Cancelled;
@@ -185,5 +184,5 @@ RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& inp
     const int status = waitForChild(child);
     if (isCancelled())
         return RunEnd::Cancelled;
-    return status == 0 ? checkInput(input, inputPath, listener) : RunEnd::Failed;
+    return status == 0 ? checkInput(input, listener) : RunEnd::Failed;
 }

@@ -12,12 +12,11 @@ class InputFile;
 /// other run can succeed either.
 enum class RunEnd { Succeeded, Failed, Cancelled, InputFailed };
 
-/// Runs ffmpeg to its end. It may read the input, at the path `inputPath` in its arguments, and write to the
-/// descriptor `output`. Its progress, as status lines, and its error messages go to this process's standard
+/// Runs ffmpeg to its end. It may read the input, by the path in its arguments, and write to the descriptor
+/// `output`. Its progress, as status lines, and its error messages go to this process's standard
 /// error. A cancel is forwarded as SIGTERM; an ffmpeg that has not ended 0.4 seconds later is killed.
 ///
 /// An input that is changed meanwhile is a failure, and so is a read error: ffmpeg takes one for the end of
 /// the file, prints a message and succeeds. After a run with any message the whole input is read once more: a
 /// file that is broken in itself is no failure, one that cannot be read is.
-RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input,
-    const std::string& inputPath, int output);
+RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input, int output);

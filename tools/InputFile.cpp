@@ -44,13 +44,10 @@ InputFile::~InputFile()
         ::close(m_descriptor);
 }
 
-bool InputFile::isUnchanged(const std::string& path) const
+bool InputFile::isUnchanged() const
 {
     struct stat now = {};
-    if (::fstat(m_descriptor, &now) != 0 || !hasSameData(now, m_atOpening))
-        return false;
-    // Another program may have renamed the file, which changes no data.
-    return ::stat(path.c_str(), &now) != 0 || hasSameData(now, m_atOpening);
+    return ::fstat(m_descriptor, &now) == 0 && hasSameData(now, m_atOpening);
 }
 
 InputFile::ReadEnd InputFile::readToEnd(const std::function<bool()>& mayContinue) const

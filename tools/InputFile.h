@@ -24,9 +24,9 @@ public:
     /// Why it is not open, in words; empty where it is.
     const std::string& error() const { return m_error; }
 
-    /// Whether size and modification time are those at the time of opening, and `path`, where the file was
-    /// opened or to which it was renamed since, does not lead to a file of another size or time.
-    bool isUnchanged(const std::string& path) const;
+    /// Whether size and modification time are those at the time of opening. Another file at its path is no
+    /// change: ffmpeg and ffprobe can open this one only.
+    bool isUnchanged() const;
 
     enum class ReadEnd { Whole, Failed, Stopped };
 

@@ -46,8 +46,7 @@ MediaFacts askFfprobe(const std::string& path, const InputFile& input)
 RunEnd runStill(const Job& job, const InputFile& input, const OutputFile& output)
 {
     output.empty();
-    return runFfmpeg(
-        ffmpegArguments(job, {output.writablePath(), "image2"}), input, job.input, output.descriptor());
+    return runFfmpeg(ffmpegArguments(job, {output.writablePath(), "image2"}), input, output.descriptor());
 }
 
 bool writePlaceholder(const VideoFacts& video, const OutputFile& output)

@@ -142,7 +142,7 @@ TEST_F(ReplacedFileTest, aTextNothingOrAFolderInItsPlaceEndsInTheAlertAndStaysAs
     }
 }
 
-TEST_F(ReplacedFileTest, aTextInItsPlaceDuringAnExportEndsInTheAlertAndStaysAsItIs)
+TEST_F(ReplacedFileTest, theEncoderFinishesTheVideoThatItHasOpened)
 {
     openAndTurn({.size = {640, 360}, .seconds = 12, .codec = "mpeg4"}); // no choice of a mode
     writeFile(folder() + "other.mp4", "just a text\n");
@@ -150,8 +150,8 @@ TEST_F(ReplacedFileTest, aTextInItsPlaceDuringAnExportEndsInTheAlertAndStaysAsIt
     ASSERT_TRUE(waitUntil([this] { return find<QProgressBar>("progressBar").value() > 0; }));
     replaceBy(folder() + "other.mp4");
     ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
-    EXPECT_EQ(answeredAlert(), failure());
-    EXPECT_FALSE(exists(output()));
+    EXPECT_EQ(answeredAlert(), success());
+    EXPECT_EQ(decodedFrame(output(), 11).size(), QSize(360, 640));
     EXPECT_EQ(contentsOf(video()), "just a text\n");
 }
 

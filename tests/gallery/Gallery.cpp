@@ -146,8 +146,8 @@ protected:
 
     void openPicture(QSize size)
     {
-        EXPECT_TRUE(scene(size).save(textOfPath(folder() + "scene.png")));
-        tools().setCreator("with -frames:v copy " + folder() + "scene.png\n");
+        EXPECT_TRUE(scene(size).save(textOfPath(folder() + "scene.jpg"), nullptr, 95));
+        tools().setCreator("with -frames:v copy " + folder() + "scene.jpg\n");
         openVideo();
     }
 
@@ -214,7 +214,7 @@ TEST_P(Gallery, anExportFromTheQuestionToTheResult)
     const std::string name
         = "a rather long name of a video that was taken on a rather long journey to the north.mp4";
     const std::string goOn = folder() + "go-on";
-    tools().setCreator("error time=00:00:03.00 \\n\nwait-for " + goOn + "\ncopy " + folder() + "scene.png\n");
+    tools().setCreator("error time=00:00:03.00 \\n\nwait-for " + goOn + "\ncopy " + folder() + "scene.jpg\n");
     saveByPanel(folder() + name);
     AlertDialog* question = shownAlert();
     show("question");

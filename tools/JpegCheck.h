@@ -3,9 +3,9 @@
 
 #include <string_view>
 
-/// Whether the bytes are one whole baseline JPEG picture that every decoder accepts: from its start to its
-/// end marker, with nothing behind, all tables that its single scan refers to, and at most mostStillPixels.
-/// The entropy-coded data itself is not decoded: decoders show something for any data.
+/// Whether the bytes are a JPEG picture in one scan and nothing else: grey or in three colours, of at most
+/// mostStillPixels, and decoded without an error or warning by the library that the application's decoder
+/// also uses.
 bool isPlainJpeg(std::string_view bytes);
 
 /// The same for all bytes of an open file. False where they cannot be read or are more than 512 MiB.

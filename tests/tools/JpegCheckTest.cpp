@@ -8,6 +8,7 @@
 #include <QBuffer>
 #include <QImage>
 #include <QImageReader>
+#include <QImageWriter>
 #include <QPainter>
 
 #include <gtest/gtest.h>
@@ -98,14 +99,28 @@ TEST(JpegCheckTest, bytesBehindTheEndAreRefused)
     EXPECT_FALSE(isPlainJpeg(encoded("JPEG") + encoded("JPEG")));
 }
 
+TEST(JpegCheckTest, aPictureInSeveralScansIsRefused)
+{
+    QBuffer buffer;
+    QImageWriter writer(&buffer, "JPEG");
+    writer.setProgressiveScanWrite(true);
+    QImage picture(67, 45, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(writer.write(picture));
+    const std::string bytes = buffer.data().toStdString();
+    EXPECT_TRUE(isDecoded(bytes));
+    EXPECT_FALSE(isPlainJpeg(bytes));
+}
+
 TEST(JpegCheckTest, aPictureWithMorePixelsThanAnyFrameIsRefused)
 {
-    std::string picture = placeholderPicture(16384, 16384);
-    EXPECT_TRUE(isPlainJpeg(picture));
-    const auto frame = picture.find("\xFF\xC0");
-    ASSERT_NE(frame, std::string::npos);
-    picture[frame + 6] = '\x01'; // the height becomes 16385
-    EXPECT_FALSE(isPlainJpeg(picture));
+    const std::string largest = placeholderPicture(16384, 16384);
+    EXPECT_TRUE(isPlainJpeg(largest));
+    std::string taller = largest;
+    taller[taller.find("\xFF\xC0") + 6] = '\x01'; // 16385 lines
+    constexpr std::size_t scanHeader = 10; // bytes, with one component
+    taller.insert(taller.find("\xFF\xDA") + scanHeader, 512, '\0'); // 2048 blocks of two bits
+    EXPECT_FALSE(isPlainJpeg(taller));
 }
 
 TEST(JpegCheckTest, everyPictureThatIsAcceptedCanBeDecoded)

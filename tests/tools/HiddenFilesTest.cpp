@@ -3,6 +3,7 @@
 
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
+#include "tests/tools/RefusedCall.h"
 #include "tools/OutputPlace.h"
 
 #include <gtest/gtest.h>
@@ -77,6 +78,16 @@ TEST_F(HiddenFilesTest, aDayOldFileOfAKilledProcessIsRemoved)
     const std::string young = leaveFile(Hours(24));
     removeStale();
     EXPECT_EQ(names(), Names({young}));
+}
+
+TEST_F(HiddenFilesTest, itIsRemovedWhereFilesOpenForReadingCannotBeLockedExclusively)
+{
+    leaveFile(Hours(25));
+    EXPECT_TRUE(holdsWithout(RefusedCall::ExclusiveLock, [this] {
+        removeStale();
+        return true;
+    }));
+    EXPECT_EQ(names(), Names());
 }
 
 TEST_F(HiddenFilesTest, aLockedFileStays)

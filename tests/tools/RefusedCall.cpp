@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <sys/file.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -45,6 +46,8 @@ std::vector<Rule> rulesFor(RefusedCall call)
             {SYS_unlinkat, 0, BPF_JGE, 0, EPERM}};
     case RefusedCall::CopyFileRange:
         return {{SYS_copy_file_range, 0, BPF_JGE, 0, ENOSYS}};
+    case RefusedCall::ExclusiveLock:
+        return {{SYS_flock, 1, BPF_JSET, LOCK_EX, EBADF}};
     case RefusedCall::FileRules:
         return {{createRulesetCall, 0, BPF_JGE, 0, ENOSYS}};
     case RefusedCall::CallFilters:

@@ -14,6 +14,7 @@ enum class RefusedCall {
     Link, // a second name
     RemoveNames, // renames and deletions, as in a folder to which only can be added
     CopyFileRange, // a copy by the kernel
+    ExclusiveLock, // as NFS refuses it for a file that is open for reading
     FileRules, // Landlock
     CallFilters // seccomp; it must be the last one to be refused
 };

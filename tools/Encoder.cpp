@@ -29,6 +29,14 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds graceAfterCancel(400);
 constexpr std::chrono::milliseconds longestSilence(450);
 
+/// Whether one of the messages names an error of a device or of a file server.
+bool namesReadError(const std::string& messages)
+{
+    constexpr std::array readErrors = {EIO, ENXIO, ENODEV, ENOTCONN, ETIMEDOUT, ESTALE, EREMOTEIO};
+    return std::any_of(readErrors.begin(), readErrors.end(),
+        [&messages](int error) { return messages.find(std::strerror(error)) != std::string::npos; });
+}
+
 /// Reads ffmpeg's two streams until both have ended and it has exited. Forwards a cancel to it.
 class Listener
 {
@@ -80,6 +88,9 @@ public:
     /// Whether ffmpeg has written an error message.
     bool hasComplained() const { return m_hasComplained; }
 
+    /// Whether ffmpeg has written that it could not read or write a file.
+    bool hasNamedReadError() const { return m_hasNamedReadError; }
+
 private:
     /// An ffmpeg that has closed its streams may still work; a cancel must reach it, too.
     bool isListening() const { return m_progress.isOpen() || m_errors.isOpen(); }
@@ -96,6 +107,7 @@ private:
     void writeComplaints(const std::string& lines)
     {
         m_hasComplained = m_hasComplained || !lines.empty();
+        m_hasNamedReadError = m_hasNamedReadError || namesReadError(lines);
         writeErrorLines(lines, cancelDescriptor());
     }
 
@@ -131,12 +143,13 @@ private:
     ProgressReader m_progressReader;
     ComplaintReader m_errorReader;
     bool m_hasComplained = false;
+    bool m_hasNamedReadError = false;
     std::string m_lastReport; // the last status line
     Clock::time_point m_reportedAt;
     std::optional<Clock::time_point> m_killAt;
 };
 
-/// Whether the input was read to its end as it was, after a run that has succeeded.
+/// Succeeded if the input can be read to its end and is unchanged.
 RunEnd checkInput(const InputFile& input, Listener& listener)
 {
     if (listener.hasComplained()) {
@@ -159,12 +172,15 @@ RunEnd checkInput(const InputFile& input, Listener& listener)
     return RunEnd::InputFailed;
 }
 
-} // namespace
+struct Run {
+    RunEnd end = RunEnd::Failed;
+    bool hasNamedReadError = false;
+};
 
-RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input, int output)
+Run runOnce(const std::vector<std::string>& arguments, const InputFile& input, int output)
 {
     if (isCancelled())
-        return RunEnd::Cancelled;
+        return {RunEnd::Cancelled};
     Stream progress;
     Stream errors;
     ChildPlan ffmpeg;
@@ -178,11 +194,30 @@ RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& inp
     progress.closeWriting();
     errors.closeWriting();
     if (child < 0)
-        return RunEnd::Failed;
+        return {RunEnd::Failed};
     Listener listener(child, progress, errors, output);
     listener.listen();
     const int status = waitForChild(child);
     if (isCancelled())
-        return RunEnd::Cancelled;
-    return status == 0 ? checkInput(input, listener) : RunEnd::Failed;
+        return {RunEnd::Cancelled};
+    const bool hasNamedReadError = listener.hasNamedReadError();
+    if (status != 0 && !hasNamedReadError)
+        return {RunEnd::Failed};
+    const RunEnd inputEnd = checkInput(input, listener);
+    if (inputEnd != RunEnd::Succeeded)
+        return {inputEnd};
+    return {status == 0 ? RunEnd::Succeeded : RunEnd::Failed, hasNamedReadError};
+}
+
+} // namespace
+
+RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input, int output)
+{
+    const Run first = runOnce(arguments, input, output);
+    if (!first.hasNamedReadError)
+        return first.end;
+    // The input can be read now. Either the error was temporary and this output ends where it occurred, or
+    // ffmpeg names it for data that is broken, and does so again.
+    writeErrorLines("tarnwell: ffmpeg runs again after a read error\n", cancelDescriptor());
+    return runOnce(arguments, input, output).end;
 }

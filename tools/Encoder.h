@@ -18,5 +18,6 @@ enum class RunEnd { Succeeded, Failed, Cancelled, InputFailed };
 ///
 /// An input that is changed meanwhile is a failure, and so is a read error: ffmpeg takes one for the end of
 /// the file, prints a message and succeeds. After a run with any message the whole input is read once more: a
-/// file that is broken in itself is no failure, one that cannot be read is.
+/// file that is broken in itself is no failure, one that cannot be read is. If the input can be read but the
+/// message named a read error, which can be temporary, ffmpeg runs a second time.
 RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input, int output);

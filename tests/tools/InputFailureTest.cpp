@@ -124,9 +124,39 @@ TEST_F(InputFailureTest, aReadErrorIsAFailureEvenIfFfmpegSucceeds)
     EXPECT_FALSE(exists(output()));
 }
 
+TEST_F(InputFailureTest, aTemporaryReadErrorIsFollowedByAnotherRun)
+{
+    // The fake reads its script before the first run; the action replaces it for the second one.
+    const std::string done = tools.at("done");
+    for (const std::string ending : {"exit 0\n", "exit 1\n"}) {
+        std::filesystem::remove(done);
+        std::filesystem::remove(output());
+        tools.setFfmpeg("error file:other.mov: Input/output error\\n\nsay-pid\nwait-for " + done
+            + "\nwrite-output shorter\n" + ending);
+        ToolProcess creator(tools.creator(), transcode(video(), output()));
+        creator.waitForError("pid ");
+        setGoodFfmpeg();
+        writeFile(done, "");
+        EXPECT_EQ(creator.wait(), 0) << creator.errorText();
+        EXPECT_EQ(contentsOf(output()), movie());
+        EXPECT_NE(
+            creator.errorText().find("tarnwell: ffmpeg runs again after a read error\n"), std::string::npos);
+    }
+}
+
+TEST_F(InputFailureTest, aReadErrorThatOnlyFfmpegReportsCausesOneMoreRun)
+{
+    EXPECT_EQ(statusAfterMessage("file:other.mov: Input/output error", "none 1"), 0) << m_errors;
+    EXPECT_EQ(contentsOf(output()), movie());
+    const auto notice = m_errors.find("runs again");
+    EXPECT_NE(notice, std::string::npos);
+    EXPECT_EQ(notice, m_errors.rfind("runs again"));
+}
+
 TEST_F(InputFailureTest, aFileThatIsOnlyBrokenInItselfIsSaved)
 {
     EXPECT_EQ(statusAfterMessage("file:other.mov: Invalid data found", "none 1"), 0);
+    EXPECT_EQ(m_errors.find("runs again"), std::string::npos);
     EXPECT_EQ(contentsOf(output()), movie());
 }
 

@@ -29,9 +29,10 @@ mode_t umaskOfProcess()
 
 } // namespace
 
-OutputFile::OutputFile(const std::string& path, mode_t mode)
+OutputFile::OutputFile(const std::string& path, mode_t mode, std::optional<gid_t> group)
     : m_place(path)
     , m_mode(mode)
+    , m_group(group)
 {
     if (!m_place.isOpen())
         return;
@@ -69,6 +70,12 @@ bool OutputFile::isEmpty() const
     return ::fstat(m_descriptor, &status) != 0 || status.st_size == 0;
 }
 
+bool OutputFile::hasGroup(gid_t group) const
+{
+    struct stat status = {};
+    return ::fstat(m_descriptor, &status) == 0 && status.st_gid == group;
+}
+
 /// Errors are ignored: file systems without permissions refuse the calls, and the file is then left with
 /// those for its owner only, or with those of the mount.
 void OutputFile::setPermissions() const
@@ -78,14 +85,14 @@ void OutputFile::setPermissions() const
         = ::fstatat(m_place.folder(), m_place.name().c_str(), &older, AT_SYMLINK_NOFOLLOW) == 0
         && S_ISREG(older.st_mode);
     mode_t mode = (m_mode & ~umaskOfProcess()) | ownerOnly;
+    std::optional<gid_t> group = m_group;
     if (replaces) {
         mode = older.st_mode & allPermissions;
-        struct stat own = {};
-        const bool hasGroup = ::fchown(m_descriptor, static_cast<uid_t>(-1), older.st_gid) == 0
-            || (::fstat(m_descriptor, &own) == 0 && own.st_gid == older.st_gid);
-        if (!hasGroup)
-            mode = limitedForAnotherGroup(mode);
+        group = older.st_gid;
+        [[maybe_unused]] const int result = ::fchown(m_descriptor, static_cast<uid_t>(-1), older.st_gid);
     }
+    if (group && !hasGroup(*group))
+        mode = limitedForAnotherGroup(mode);
     [[maybe_unused]] const int result = ::fchmod(m_descriptor, mode);
 }
 

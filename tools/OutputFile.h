@@ -3,6 +3,7 @@
 
 #include "tools/OutputPlace.h"
 
+#include <optional>
 #include <string>
 #include <sys/types.h>
 
@@ -18,9 +19,10 @@ class OutputFile
 {
 public:
     /// A new file has at most the permissions `mode`, without those of the umask; its owner can always read
-    /// and write it. A file that replaces another one has the permissions of that and, if possible, its
-    /// group.
-    explicit OutputFile(const std::string& path, mode_t mode = 0666);
+    /// and write it. Where it gets another group than `group`, that has no more permissions than everyone. A
+    /// file that replaces another one has the permissions of that and, if possible, its group.
+    explicit OutputFile(
+        const std::string& path, mode_t mode = 0666, std::optional<gid_t> group = std::nullopt);
     /// Deletes a file that has not been moved to its path.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
@@ -55,11 +57,13 @@ public:
     bool deleteOlder();
 
 private:
+    bool hasGroup(gid_t group) const;
     void setPermissions() const;
     bool setName();
 
     OutputPlace m_place;
     mode_t m_mode;
+    std::optional<gid_t> m_group; // absent where m_mode is for any group
     std::string m_hidden; // the hidden name; empty where the file has none
     std::string
         m_older; // the name of the older file that moveToPath has put aside; empty where there is none

@@ -181,13 +181,14 @@ int makeVideoFile(Job job, const InputFile& input, OutputFile& output)
     return endWithoutOutput(input, output.place(), isCancelled() ? RunEnd::Cancelled : end);
 }
 
-/// The result is readable for nobody who cannot read the input.
-mode_t permissionsOf(const InputFile& input)
+/// A new file is readable for nobody who cannot read the input.
+OutputFile outputFor(const Job& job, const InputFile& input)
 {
     constexpr mode_t readableAndWritable = 0666;
     struct stat status = {};
-    return input.isOpen() && ::fstat(input.descriptor(), &status) == 0 ? status.st_mode & readableAndWritable
-                                                                       : 0;
+    if (!input.isOpen() || ::fstat(input.descriptor(), &status) != 0)
+        return OutputFile(job.output, 0);
+    return OutputFile(job.output, status.st_mode & readableAndWritable, status.st_gid);
 }
 
 } // namespace
@@ -210,7 +211,7 @@ int main(int argc, char* argv[])
         return wrongArguments;
     }
     const InputFile input(job->input);
-    OutputFile output(job->output, permissionsOf(input));
+    OutputFile output = outputFor(*job, input);
     if (!output.isOpen()) {
         std::perror("tarnwell: the output cannot be written");
         return job->kind == Job::Kind::Still ? failure

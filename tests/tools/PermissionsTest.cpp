@@ -78,6 +78,38 @@ TEST_F(PermissionsTest, aNewFileHasThoseOfTheModeWithoutTheUmask)
     }
 }
 
+TEST_F(PermissionsTest, aNewFileOfAnotherGroupGivesItNoMoreThanEveryone)
+{
+    const mode_t usual = ::umask(0);
+    struct Row {
+        mode_t mode;
+        mode_t expected;
+    };
+    for (const Row& row : std::vector<Row>{{0640, 0600}, {0660, 0600}, {0664, 0644}, {0666, 0666}}) {
+        OutputFile file(output(), row.mode, ::getegid() + 1);
+        EXPECT_TRUE(file.sync() && file.moveToPath());
+        EXPECT_EQ(permissionsOf(output()), row.expected) << std::oct << row.mode;
+        std::filesystem::remove(output());
+    }
+    OutputFile file(output(), 0640, ::getegid());
+    EXPECT_TRUE(file.sync() && file.moveToPath());
+    EXPECT_EQ(permissionsOf(output()), 0640U);
+    ::umask(usual);
+}
+
+TEST_F(PermissionsTest, theGroupOfAFolderCannotReadAPrivateInput)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only the superuser can give the folder a group that is not his";
+    setGoodFfmpeg();
+    setPermissions(input(), 0640);
+    ASSERT_EQ(::chown(tools.videos().c_str(), static_cast<uid_t>(-1), 65533), 0);
+    setPermissions(tools.videos(), 02770); // files in it get its group
+    EXPECT_EQ(run(transcode()), 0);
+    EXPECT_EQ(statusOf(output()).st_gid, 65533U);
+    EXPECT_EQ(permissionsOf(output()), 0600U);
+}
+
 TEST_F(PermissionsTest, aReplacedFileKeepsIts)
 {
     for (const mode_t mode : {0600U, 0640U, 0444U, 0777U}) {

@@ -99,6 +99,17 @@ Arguments videoTag(const MediaStream& video)
     return {"-tag:v", video.tag == "dvh1" || video.tag == "dvhe" ? "dvh1" : "hvc1"};
 }
 
+/// Removes orientation messages, which decoders obey instead of the display matrix. HEVC has no filter for
+/// one kind of messages: all SEI units go.
+Arguments messageFilter(const MediaFacts& facts)
+{
+    if (!facts.hasOrientationMessage)
+        return {};
+    return {"-bsf:v",
+        facts.mainVideo->codec == "hevc" ? "filter_units=remove_types=39-40"
+                                         : "h264_metadata=display_orientation=remove"};
+}
+
 /// A copy of all that MP4 holds.
 Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target, Lossless kept)
 {
@@ -124,6 +135,7 @@ Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target, 
     append(options, keepTags);
     append(options, allowEverything);
     append(options, videoTag(*facts.mainVideo));
+    append(options, messageFilter(facts));
     attempt.arguments = ffmpegArguments(job, target, options);
     return attempt;
 }
@@ -181,8 +193,10 @@ Attempt plainAttempt(const Job& job, const MediaFacts& facts, const Target& targ
         append(options, mapped(*sound));
         attempt.trackIds.push_back(sound->trackId);
     }
-    if (job.kind == Job::Kind::FixFlag)
+    if (job.kind == Job::Kind::FixFlag) {
         append(options, {"-c:v", "copy", "-c:a", "copy"});
+        append(options, messageFilter(facts));
+    }
     attempt.arguments = ffmpegArguments(job, target, options);
     return attempt;
 }

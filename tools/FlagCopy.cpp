@@ -2,6 +2,7 @@
 #include "tools/FlagCopy.h"
 
 #include "tools/FileCopy.h"
+#include "tools/OrientationMessage.h"
 #include "tools/StandardError.h"
 #include "tools/StatusLines.h"
 #include "tools/TrackMatrix.h"
@@ -63,6 +64,15 @@ bool isUnchanged(int file, const struct stat& before)
         && isSameTime(now.st_mtim, before.st_mtim);
 }
 
+/// Why it is not enough to change display matrices; empty where it is.
+std::string obstacleToCopy(int input, const Movie& movie)
+{
+    const std::string obstacle = obstacleToPatches(movie);
+    if (obstacle.empty() && hasOrientationMessage(input, movie))
+        return "its video stream holds an orientation of its own";
+    return obstacle;
+}
+
 RunEnd failed(const std::string& reason)
 {
     writeErrorLines("tarnwell: the file could not be copied: " + reason + "\n", cancelDescriptor());
@@ -78,11 +88,12 @@ std::optional<RunEnd> copyWithFlag(int input, int output, double rotation)
         return std::nullopt;
     std::string problem;
     const auto movie = readMovie(input, problem);
-    const auto patches = movie ? patchesOfFlag(*movie, rotation) : std::nullopt;
+    if (movie)
+        problem = obstacleToCopy(input, *movie);
+    const auto patches = problem.empty() ? patchesOfFlag(*movie, rotation) : std::nullopt;
     if (!patches) {
-        const std::string reason = movie ? obstacleToPatches(*movie) : problem;
         writeErrorLines(
-            "tarnwell: the file is not copied byte by byte: " + reason + "\n", cancelDescriptor());
+            "tarnwell: the file is not copied byte by byte: " + problem + "\n", cancelDescriptor());
         return std::nullopt;
     }
     CopyStatus status(movie->microseconds, before.st_size);

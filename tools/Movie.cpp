@@ -226,10 +226,24 @@ private:
         if (const Box* durations = onlyBox(*lists, "stts"))
             video.hasFrameRate = video.hasFrameRate || haveDuration(*durations);
         const Box* formats = onlyBox(*lists, "stsd");
+        if (formats != nullptr)
+            video.formats = *formats;
+        video.firstSample = firstChunkIn(*lists);
         const Box* sizes = onlyBox(*lists, "stsz");
         sizes = sizes != nullptr ? sizes : onlyBox(*lists, "stz2");
         if (formats != nullptr && sizes != nullptr && !m_isFragmented)
             video.isCover = isOnePicture(*formats, *sizes);
+    }
+
+    /// The offset in the first entry of "stco" or "co64"; 0 where there is none.
+    FileOffset firstChunkIn(const std::vector<Box>& lists) const
+    {
+        const Box* longOffsets = onlyBox(lists, "co64");
+        const Box* offsets = longOffsets != nullptr ? longOffsets : onlyBox(lists, "stco");
+        if (offsets == nullptr)
+            return 0;
+        const std::size_t size = longOffsets != nullptr ? 8 : 4;
+        return static_cast<FileOffset>(readBigEndian(m_reader.contentOf(*offsets, size, entriesOffset)));
     }
 
     /// Whether one of the first entries, each a count of samples and their duration, is longer than nothing.

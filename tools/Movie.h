@@ -18,6 +18,8 @@ struct VideoTrack {
     double height = 0;
     bool hasFrameRate = false; // its samples last longer than nothing
     bool isCover = false; // a single picture in a picture format, or pictures of chapters
+    std::optional<Box> formats; // "stsd"; empty where there is none
+    FileOffset firstSample = 0; // in the file; 0 where the description has no samples, as in fragmented files
 };
 
 /// What the description of an MP4 or QuickTime file (its box "moov") says of the presentation.

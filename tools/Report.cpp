@@ -37,13 +37,17 @@ bool isVideo(const Json& stream)
     return stream.is_object() && isText(stream, "codec_type", "video");
 }
 
-std::string matrixTextOf(const Json& stream)
+constexpr const char* matrixOfStream = "Display Matrix";
+constexpr const char* matrixOfFrame = "3x3 displaymatrix";
+
+/// The text of the first side data of that type; empty for none.
+std::string matrixTextOf(const Json& object, const char* type)
 {
-    const auto list = stream.find("side_data_list");
-    if (list == stream.end() || !list->is_array())
+    const auto list = object.find("side_data_list");
+    if (list == object.end() || !list->is_array())
         return {};
     for (const Json& data : *list) {
-        if (!data.is_object() || !isText(data, "side_data_type", "Display Matrix"))
+        if (!data.is_object() || !isText(data, "side_data_type", type))
             continue;
         const auto numbers = data.find("displaymatrix");
         if (numbers != data.end() && numbers->is_string())
@@ -54,7 +58,7 @@ std::string matrixTextOf(const Json& stream)
 
 void setTrueRotation(Json& stream)
 {
-    const auto matrix = parseDisplayMatrix(matrixTextOf(stream));
+    const auto matrix = parseDisplayMatrix(matrixTextOf(stream, matrixOfStream));
     if (matrix) {
         if (!stream.contains("tags") || !stream["tags"].is_object())
             stream["tags"] = Json::object();
@@ -111,7 +115,7 @@ double pixelAspectOf(const Json& stream)
 
 VideoFacts videoFactsIn(const Json& stream)
 {
-    const std::string numbers = matrixTextOf(stream);
+    const std::string numbers = matrixTextOf(stream, matrixOfStream);
     const auto matrix = parseDisplayMatrix(numbers);
     return {matrix ? rotationTag(*matrix) : 0, parseDecodedMatrix(numbers), integerOf(stream, "width"),
         integerOf(stream, "height"), pixelAspectOf(stream)};
@@ -158,6 +162,13 @@ const Json* streamsIn(const Json& report)
 {
     const auto streams = report.is_object() ? report.find("streams") : report.end();
     return streams != report.end() && streams->is_array() ? &*streams : nullptr;
+}
+
+/// The list of that name in a report; an empty one for a text that is no report.
+Json listIn(const Json& report, const char* name)
+{
+    const auto list = report.is_object() ? report.find(name) : report.end();
+    return list != report.end() && list->is_array() ? *list : Json::array();
 }
 
 MediaStream::Kind kindOf(const Json& stream)
@@ -252,4 +263,22 @@ MediaFacts mediaFactsOf(const std::string& report)
     }
     facts.tags = fileTagsIn(json);
     return facts;
+}
+
+FrameOrientation frameOrientationOf(const std::string& report)
+{
+    FrameOrientation orientation;
+    const Json json = parsed(limitedReport(report));
+    for (const Json& frame : listIn(json, "frames")) {
+        const std::string text = frame.is_object() ? matrixTextOf(frame, matrixOfFrame) : "";
+        orientation.matrix = parseDecodedMatrix(text);
+        if (orientation.matrix)
+            break;
+    }
+    constexpr int firstFilterVersion = 8; // of FFmpeg 5.0
+    for (const Json& library : listIn(json, "library_versions")) {
+        if (library.is_object() && isText(library, "name", "libavfilter"))
+            orientation.isObeyed = integerOf(library, "major") >= firstFilterVersion;
+    }
+    return orientation;
 }

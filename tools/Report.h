@@ -48,6 +48,16 @@ struct MediaFacts {
     std::optional<MediaStream> mainVideo;
     std::vector<MediaStream> streams; // in the report's order
     std::vector<std::pair<std::string, std::string>> tags; // of the whole file, not of its streams
+    bool hasOrientationMessage = false; // the main video stream may hold one; mediaFactsOf leaves it false
 };
 
 MediaFacts mediaFactsOf(const std::string& report);
+
+/// The display matrix of the first frame that has one, in a JSON report of frames and library versions,
+/// without its scale. It is that of an orientation message in the stream; from FFmpeg 6.1 on a frame without
+/// a message has the matrix of the container. Empty where no frame has one.
+struct FrameOrientation {
+    std::optional<DisplayMatrix> matrix;
+    bool isObeyed = true; // by ffmpeg when it decodes; versions before 5.0 obey the container only
+};
+FrameOrientation frameOrientationOf(const std::string& report);

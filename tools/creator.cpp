@@ -10,6 +10,7 @@
 #include "tools/InputFile.h"
 #include "tools/Job.h"
 #include "tools/JpegCheck.h"
+#include "tools/OrientationMessage.h"
 #include "tools/OutputFile.h"
 #include "tools/Placeholder.h"
 #include "tools/Report.h"
@@ -31,16 +32,42 @@ constexpr int failure = 1;
 constexpr int wrongArguments = 2;
 constexpr int cancelled = 255; // as ffmpeg exits then
 
-MediaFacts askFfprobe(const std::string& path, const InputFile& input)
+/// ffprobe's JSON report with these options on the input.
+std::string reportOf(const std::string& path, const InputFile& input, const std::vector<std::string>& options)
 {
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");
-    ffprobe.arguments
-        = {"-v", "quiet", "-print_format", "json", "-show_format", "-show_streams", "file:" + path};
+    ffprobe.arguments = {"-v", "quiet", "-print_format", "json"};
+    ffprobe.arguments.insert(ffprobe.arguments.end(), options.begin(), options.end());
+    ffprobe.arguments.push_back("file:" + path);
     ffprobe.input = input.descriptor();
     ffprobe.isProbe = true;
     int status = 0;
-    return mediaFactsOf(outputOfChild(ffprobe, status, cancelDescriptor()));
+    return outputOfChild(ffprobe, status, cancelDescriptor());
+}
+
+MediaFacts askFfprobe(const std::string& path, const InputFile& input)
+{
+    return mediaFactsOf(reportOf(path, input, {"-show_format", "-show_streams"}));
+}
+
+/// Sets the orientation to the one that ffmpeg shows where the stream holds an orientation message. MP4 and
+/// QuickTime files are searched for one; only where there is one, and for other files, ffprobe decodes
+/// frames.
+void readOrientationMessage(MediaFacts& facts, const std::string& path, const InputFile& input)
+{
+    if (!facts.mainVideo || (facts.mainVideo->codec != "h264" && facts.mainVideo->codec != "hevc"))
+        return;
+    const auto movie = readMovie(input.descriptor());
+    if (movie && !hasOrientationMessage(input.descriptor(), *movie))
+        return;
+    const std::string packets = "%+#30"; // some of the first ones decode to no frame
+    const auto frame = frameOrientationOf(reportOf(path, input,
+        {"-select_streams", std::to_string(facts.mainVideo->index), "-show_frames", "-show_library_versions",
+            "-read_intervals", packets}));
+    facts.hasOrientationMessage = movie || frame.matrix;
+    if (frame.matrix && frame.isObeyed)
+        facts.video.decoded = frame.matrix;
 }
 
 RunEnd runStill(const Job& job, const InputFile& input, const OutputFile& output)
@@ -160,7 +187,9 @@ RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& outpu
         if (const auto end = copyWithFlag(input.descriptor(), output.descriptor(), job.rotation))
             return *end;
     }
-    const MediaFacts facts = askFfprobe(job.input, input);
+    MediaFacts facts = askFfprobe(job.input, input);
+    if (job.kind == Job::Kind::FixFlag)
+        readOrientationMessage(facts, job.input, input);
     const RunEnd end = convert(job, facts, input, output);
     if (end != RunEnd::Succeeded)
         return end;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Input: any bytes as a movie. creator accepts it as complete only if valid boxes fill the file, and writes
-// only the matrices of track headers.
+// only the matrices of track headers. The same bytes as a sample: an orientation message in front of it is
+// found.
 #include "tests/fuzz/MemoryFile.h"
 #include "tests/fuzz/Verify.h"
+#include "tools/OrientationMessage.h"
 #include "tools/TrackMatrix.h"
 
 #include <algorithm>
@@ -169,6 +171,24 @@ void checkFlag(const MemoryFile& file, const std::string& before, std::size_t tu
         "the shown picture has the new orientation");
 }
 
+/// Searches any bytes for an orientation message, as a movie and as a sample. One in front of them is found.
+void checkMessages(const MemoryFile& file, const std::string& bytes)
+{
+    file.write(bytes);
+    if (const auto movie = readMovie(file.descriptor()))
+        hasOrientationMessage(file.descriptor(), *movie);
+    const std::string payload("\x2F\x03\x08\x00\x09\x80", 6);
+    for (const bool isHevc : {false, true}) {
+        const std::string unit = (isHevc ? "\x4E\x01" : "\x06") + payload;
+        for (std::size_t lengthSize = 1; lengthSize <= 4; ++lengthSize) {
+            const NalFormat format = {isHevc, lengthSize};
+            holdsOrientationMessage(bytes, format);
+            const std::string length = std::string(lengthSize - 1, '\0') + static_cast<char>(unit.size());
+            verify(holdsOrientationMessage(length + unit + bytes, format), "a message in front is found");
+        }
+    }
+}
+
 } // namespace
 
 } // namespace tarnwell::test
@@ -186,5 +206,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t turns = choices.below(4);
     checkMatrix(file, before, turns);
     checkFlag(file, before, turns);
+    checkMessages(file, before);
     return 0;
 }

@@ -165,6 +165,26 @@ TEST(AttemptsTest, aCopyThatFailsIsFollowedByThePlainOne)
     EXPECT_NE(attempts[1].notice, "");
 }
 
+TEST(AttemptsTest, everyCopyLosesOrientationMessages)
+{
+    struct Row {
+        const char* codec;
+        const char* filter;
+    };
+    for (const Row& row : {Row{"h264", "h264_metadata=display_orientation=remove"},
+             Row{"hevc", "filter_units=remove_types=39-40"}}) {
+        MediaFacts facts = factsOf({stream(0, Kind::Video, row.codec), sound(1, "opus")});
+        facts.hasOrientationMessage = true;
+        const auto attempts = attemptsFor(jobOf(Job::Kind::FixFlag), facts, target);
+        ASSERT_EQ(attempts.size(), 3U);
+        for (const Attempt& attempt : attempts)
+            EXPECT_TRUE(holds(attempt, {"-bsf:v", row.filter})) << row.codec;
+        facts.hasOrientationMessage = false;
+        for (const Attempt& attempt : attemptsFor(jobOf(Job::Kind::FixFlag), facts, target))
+            EXPECT_FALSE(holds(attempt, {"-bsf:v"})) << row.codec;
+    }
+}
+
 TEST(AttemptsTest, anUnknownInputIsCopiedPlainly)
 {
     const auto attempts = copies({});

@@ -83,6 +83,8 @@ private:
     void refuseFile(const std::string& messageText, const std::string& informativeText);
     void presentSavePanel();
     void saveTo(const std::string& outputPath);
+    /// If the file at the path is not the one that was opened, shows the alert that says so.
+    bool refusesChangedInput(const std::string& inputPath);
     ArgumentList fixFlagArguments(const std::string& inputPath, const std::string& outputPath);
     ArgumentList transcodeArguments(const std::string& inputPath, const std::string& outputPath);
     /// Blocks its thread, one per run, until the encoder has exited.

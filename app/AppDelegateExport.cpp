@@ -28,8 +28,12 @@ void AppDelegate::chooseExportMode(const std::string& inputPath, const std::stri
         startCreatorRun(outputPath, transcodeArguments(inputPath, outputPath));
         return;
     }
-    modeAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets),
-        [this, inputPath, outputPath](int response) { exportModeChosen(response, inputPath, outputPath); });
+    modeAlert().beginSheetModal(
+        required(m_outlets.window), required(m_outlets.sheets), [this, inputPath, outputPath](int response) {
+            // The alert can be open for any time.
+            if (response < Alert::firstButtonResponse || !refusesChangedInput(inputPath))
+                exportModeChosen(response, inputPath, outputPath);
+        });
 }
 
 void AppDelegate::exportModeChosen(int response, const std::string& inputPath, const std::string& outputPath)

@@ -38,10 +38,16 @@ void AppDelegate::saveTo(const std::string& outputPath)
         return;
     if (isCanonicallyEquivalent(*inputPath, outputPath))
         sameFileAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
-    else if (m_inputWhenOpened != FileFingerprint(*inputPath))
-        changedInputAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
-    else
+    else if (!refusesChangedInput(*inputPath))
         chooseExportMode(*inputPath, outputPath);
+}
+
+bool AppDelegate::refusesChangedInput(const std::string& inputPath)
+{
+    if (m_inputWhenOpened == FileFingerprint(inputPath))
+        return false;
+    changedInputAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+    return true;
 }
 
 } // namespace tarnwell

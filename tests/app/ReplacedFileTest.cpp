@@ -121,6 +121,19 @@ TEST_F(ReplacedFileTest, aFileThatIsRemovedOrWrittenIsNotSaved)
     expectRefusal();
 }
 
+TEST_F(ReplacedFileTest, anotherVideoThatReplacesItWhileTheModeIsChosenIsNotSaved)
+{
+    openAndTurn({});
+    saveByPanel(output());
+    AlertDialog* alert = shownAlert();
+    makeSampleVideo(folder() + "other.mp4", {.size = {400, 200}});
+    replaceBy(folder() + "other.mp4");
+    answer(alert, "Fix Flag");
+    ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
+    EXPECT_EQ(answeredAlert(), failure());
+    EXPECT_FALSE(exists(output()));
+}
+
 TEST_F(ReplacedFileTest, aTextNothingOrAFolderInItsPlaceEndsInTheAlertAndStaysAsItIs)
 {
     const std::function<void()> changes[]

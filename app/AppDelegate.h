@@ -7,6 +7,7 @@
 #include "orientation/OrientationState.h"
 #include "platform/FileFingerprint.h"
 #include "platform/FileURL.h"
+#include "platform/HeldPlace.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Synchronized.h"
 #include "platform/ToolContext.h"
@@ -95,6 +96,8 @@ private:
     void finishCreatorRun(const std::string& outputPath);
     void showProgressSheet();
     void hideProgressSheet();
+    /// The path of the output in the folder that was at the output's path when the run started.
+    std::string placeOf(const FileProbe& outputProbe) const;
     bool isUnchangedByRun(const FileProbe& outputProbe) const;
 
     // The application's state. The documentation refers to these fields by name, so they have no prefix.
@@ -115,6 +118,7 @@ private:
     NotificationCenter::Observation m_dropObservation;
     StillFrameExtractor m_stillFrames;
     std::optional<FileFingerprint> m_inputWhenOpened; // absent before the first analysis
+    std::optional<HeldPlace> m_outputPlace; // absent unless an export runs
     std::optional<FileFingerprint> m_outputBeforeRun; // absent before the first export
     std::unique_ptr<InputBlocker> m_blockerBeforeSheet; // from an export's start until its sheet is shown
 };

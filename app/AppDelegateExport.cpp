@@ -66,7 +66,8 @@ ArgumentList AppDelegate::transcodeArguments(const std::string& inputPath, const
 void AppDelegate::startCreatorRun(const std::string& outputPath, const ArgumentList& arguments)
 {
     isProcessCancelledByUser = false;
-    m_outputBeforeRun.emplace(outputPath);
+    m_outputPlace.emplace(outputPath);
+    m_outputBeforeRun.emplace(m_outputPlace->path());
     m_blockerBeforeSheet = std::make_unique<InputBlocker>();
     asyncUserInitiated(
         [self = shared_from_this(), outputPath, arguments] { self->runCreator(outputPath, arguments); });
@@ -112,6 +113,7 @@ void AppDelegate::finishCreatorRun(const std::string& outputPath)
 {
     hideProgressSheet();
     showResultAlert(std::make_shared<const FileProbe>(outputPath, m_tools));
+    m_outputPlace.reset(); // an open folder prevents that its file system is unmounted
 }
 
 void AppDelegate::showProgressSheet()
@@ -138,9 +140,15 @@ void AppDelegate::closeBTNInsideProgressWindowClicked()
     isProcessCancelledByUser = true;
 }
 
+std::string AppDelegate::placeOf(const FileProbe& outputProbe) const
+{
+    const std::string& path = required(outputProbe.fileFullPath);
+    return m_outputPlace && m_outputPlace->originalPath() == path ? m_outputPlace->path() : path;
+}
+
 bool AppDelegate::isUnchangedByRun(const FileProbe& outputProbe) const
 {
-    return outputProbe.fileFullPath && m_outputBeforeRun == FileFingerprint(*outputProbe.fileFullPath);
+    return outputProbe.fileFullPath && m_outputBeforeRun == FileFingerprint(placeOf(outputProbe));
 }
 
 void AppDelegate::showResultAlert(const std::shared_ptr<const FileProbe>& outputProbe)
@@ -149,9 +157,9 @@ void AppDelegate::showResultAlert(const std::shared_ptr<const FileProbe>& output
     const bool isUnchanged = isUnchangedByRun(*outputProbe);
     if (required(isProcessCancelledByUser)) {
         std::error_code ignored;
-        const std::string& path = required(outputProbe->fileFullPath);
+        const std::string place = placeOf(*outputProbe);
         if (!isUnchanged)
-            std::filesystem::remove_all(path, ignored);
+            std::filesystem::remove_all(place, ignored);
         return;
     }
     if (isUnchanged || !outputProbe->isValidMediaFile) {

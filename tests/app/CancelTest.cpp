@@ -83,6 +83,24 @@ TEST_F(CancelTest, keepsAnOlderFileThatWasRenamedAndBack)
     EXPECT_EQ(contentsOf(output()), "an older video");
 }
 
+TEST_F(CancelTest, removesNothingFromAnotherFolderThatTakesThePathOfTheOutputsFolder)
+{
+    fs::create_directory(folder() + "videos");
+    fs::create_directory(folder() + "private");
+    writeFile(folder() + "private/out.mp4", "kept");
+    installScript("echo partial >videos/out.mp4\nmv videos moved\nln -s private videos\n"
+                  "touch running\nexec sleep 1000000\n");
+    saveByPanel(folder() + "videos/out.mp4");
+    cancelWhenRunning();
+    EXPECT_EQ(contentsOf(folder() + "private/out.mp4"), "kept");
+    EXPECT_FALSE(exists(folder() + "moved/out.mp4"));
+    // An open descriptor of the folder would keep its file system mounted.
+    for (const auto& descriptor : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code ignored;
+        EXPECT_NE(fs::read_symlink(descriptor, ignored), folder() + "moved");
+    }
+}
+
 /// With a real video, which plain ffmpeg transcodes.
 class PlainFfmpegTest : public CancelTest
 {

@@ -5,8 +5,10 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
+#include <iterator>
 #include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
@@ -59,11 +61,10 @@ bool areSameBytesAt(int left, int right, off_t offset)
     return leftSize < 0 || rightSize < 0 || leftBytes == rightBytes;
 }
 
-/// Whether the file system keeps the number of each file.
 bool hasFixedNumbers(int folder)
 {
     struct statfs status = {};
-    return ::fstatfs(folder, &status) == 0 && status.f_type != FUSE_SUPER_MAGIC;
+    return ::fstatfs(folder, &status) == 0 && givesFixedNumbers(static_cast<std::uint32_t>(status.f_type));
 }
 
 bool areSameEnds(int left, int right, off_t size)
@@ -146,6 +147,14 @@ void OutputPlace::sync() const
         return;
     ::fsync(readable);
     ::close(readable);
+}
+
+bool givesFixedNumbers(std::uint32_t fileSystem)
+{
+    constexpr std::uint32_t sharedFolders = 0x786F4256; // of VirtualBox; not in the kernel's headers
+    constexpr std::uint32_t others[]
+        = {FUSE_SUPER_MAGIC, V9FS_MAGIC, CIFS_SUPER_MAGIC, SMB2_SUPER_MAGIC, sharedFolders};
+    return std::find(std::begin(others), std::end(others), fileSystem) == std::end(others);
 }
 
 bool renameToFreeName(int folder, const std::string& from, const std::string& to)

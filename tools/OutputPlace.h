@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 /// The place of an output file: a folder and a name in it. The folder is opened once and every operation uses
@@ -28,8 +29,8 @@ public:
     bool hasFile() const;
 
     /// Whether the file here is the open regular file `file`. Their numbers can differ if the file is seen
-    /// through two mounts or a FUSE file system; then equal size, modification time, and first and last bytes
-    /// count. A copy with all of these is taken for the file itself.
+    /// through two mounts or on a file system without fixed numbers; then equal size, modification time, and
+    /// first and last bytes count. A copy with all of these is taken for the file itself.
     bool holds(int file) const;
 
     /// Renames the file here to "NAME (WORD).EXTENSION", or "NAME (WORD 2).EXTENSION" and so on where that
@@ -46,6 +47,11 @@ private:
     std::string m_name;
     int m_folder = -1;
 };
+
+/// Whether a file system of this type (statfs) gives a file one number, under whatever name it is opened.
+/// FUSE file systems, and clients of servers that know no numbers or ignore the case of names, can give it
+/// two.
+bool givesFixedNumbers(std::uint32_t fileSystem);
 
 /// Renames a file in the folder; fails with EEXIST if the new name exists.
 bool renameToFreeName(int folder, const std::string& from, const std::string& to);

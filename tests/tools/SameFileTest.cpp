@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <fcntl.h>
 #include <filesystem>
 #include <string>
@@ -84,6 +85,14 @@ TEST_F(SameFileTest, aCopyOnTheSameDeviceIsAnotherFile)
     const int file = ::open(copy.c_str(), O_RDONLY | O_CLOEXEC);
     EXPECT_FALSE(OutputPlace(path()).holds(file));
     ::close(file);
+}
+
+TEST(FixedNumbersTest, existOnDisksButNotOnFuseAndOnServersOfWindows)
+{
+    for (const std::uint32_t disk : {0xEF53U, 0x58465342U, 0x9123683EU, 0x01021994U, 0x6969U}) // NFS is last
+        EXPECT_TRUE(givesFixedNumbers(disk)) << std::hex << disk;
+    for (const std::uint32_t other : {0x65735546U, 0x01021997U, 0x786F4256U, 0xFF534D42U, 0xFE534D42U})
+        EXPECT_FALSE(givesFixedNumbers(other)) << std::hex << other;
 }
 
 TEST_F(SameFileTest, aLinkIsNotTheFileThatItLeadsTo)

@@ -61,10 +61,10 @@ void readOrientationMessage(MediaFacts& facts, const std::string& path, const In
     const auto movie = readMovie(input.descriptor());
     if (movie && !hasOrientationMessage(input.descriptor(), *movie))
         return;
-    const std::string packets = "%+#30"; // some of the first ones decode to no frame
+    // Messages are in front of key frames. The packets before the first one decode to no frame.
     const auto frame = frameOrientationOf(reportOf(path, input,
-        {"-select_streams", std::to_string(facts.mainVideo->index), "-show_frames", "-show_library_versions",
-            "-read_intervals", packets}));
+        {"-select_streams", std::to_string(facts.mainVideo->index), "-skip_frame", "nokey", "-show_frames",
+            "-show_library_versions", "-read_intervals", "%+#100"}));
     facts.hasOrientationMessage = movie || frame.matrix;
     if (frame.matrix && frame.isObeyed)
         facts.video.decoded = frame.matrix;

@@ -90,11 +90,11 @@ bool BoxReader::mayReadOn()
     return true;
 }
 
-/// The box whose header is at `begin`. Empty where it does not end by `end`.
+/// The box whose header is at `begin`. Empty if it does not end by `end`.
 std::optional<Box> BoxReader::boxAt(FileOffset begin, FileOffset end) const
 {
     const auto room = static_cast<std::uint64_t>(end - begin);
-    const std::string header = bytesAt(begin, longHeader); // a short one is enough for most boxes
+    const std::string header = bytesAt(begin, longHeader); // most boxes have a short header
     if (header.size() < shortHeader)
         return std::nullopt;
     Box box;

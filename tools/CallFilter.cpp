@@ -19,23 +19,21 @@ struct Release {
 
 struct Call {
     const char* name;
-    int number = __NR_SCMP_ERROR; // of a call so new that the library may not know its name: the same on
-                                  // every machine
+    int number = __NR_SCMP_ERROR; // for calls that libseccomp may not know; the same on all architectures
 };
 
 constexpr Call refused[] = {
-    // The network, and sockets to other programs.
+    // Network and local sockets.
     {"socket"}, {"socketpair"}, {"socketcall"}, {"connect"}, {"bind"}, {"listen"}, {"accept"}, {"accept4"},
-    // New processes; threads are looked at below.
+    // New processes. refuseProcesses allows threads.
     {"fork"}, {"vfork"}, {"execveat"},
-    // Other processes. A signal to oneself is looked at below.
+    // Access to other processes. refuseProcesses allows signals to the process itself.
     {"ptrace"}, {"process_vm_readv"}, {"process_vm_writev"}, {"process_madvise", 440},
     {"process_mrelease", 448}, {"pidfd_open", 434}, {"pidfd_getfd", 438}, {"pidfd_send_signal", 424},
     {"kcmp"}, {"kill"}, {"tkill"}, {"setpriority"}, {"sched_setaffinity"}, {"sched_setscheduler"},
     {"sched_setparam"}, {"sched_setattr"}, {"ioprio_set"}, {"rt_sigqueueinfo"}, {"rt_tgsigqueueinfo"},
     {"migrate_pages"}, {"move_pages"},
-    // Other users and rights. A change of them also clears the signal at the parent's end, with which a tool
-    // dies when the program that started it does.
+    // Users and privileges. A change of user also clears the parent-death signal.
     {"setuid"}, {"setuid32"}, {"setgid"}, {"setgid32"}, {"setreuid"}, {"setreuid32"}, {"setregid"},
     {"setregid32"}, {"setresuid"}, {"setresuid32"}, {"setresgid"}, {"setresgid32"}, {"setfsuid"},
     {"setfsuid32"}, {"setfsgid"}, {"setfsgid32"}, {"setgroups"}, {"setgroups32"}, {"capset"},
@@ -44,9 +42,9 @@ constexpr Call refused[] = {
     {"fsopen", 430}, {"fsconfig", 431}, {"fsmount", 432}, {"fspick", 433}, {"mount_setattr", 442},
     {"open_tree_attr", 467}, {"unshare"}, {"setns"}, {"quotactl"}, {"quotactl_fd", 443}, {"swapon"},
     {"swapoff"}, {"statmount", 457}, {"listmount", 458},
-    // Files by something else than a path.
+    // Access to files by other means than a path.
     {"name_to_handle_at"}, {"open_by_handle_at"}, {"fanotify_init"},
-    // What stands at a path, where the kernel's rules for files are silent or too old.
+    // Changes of names and attributes of files that Landlock does not cover, or not in its first versions.
     {"truncate"}, {"truncate64"}, {"link"}, {"linkat"}, {"symlink"}, {"symlinkat"}, {"rename"}, {"renameat"},
     {"renameat2"}, {"unlink"}, {"unlinkat"}, {"rmdir"}, {"mkdir"}, {"mkdirat"}, {"mknod"}, {"mknodat"},
     {"chmod"}, {"fchmod"}, {"fchmodat"}, {"fchmodat2", 452}, {"chown"}, {"chown32"}, {"fchown"}, {"fchown32"},
@@ -55,20 +53,20 @@ constexpr Call refused[] = {
     {"utime"}, {"utimes"}, {"futimesat"}, {"utimensat"}, {"utimensat_time64"}, {"getxattr"}, {"lgetxattr"},
     {"fgetxattr"}, {"getxattrat", 464}, {"listxattr"}, {"llistxattr"}, {"flistxattr"}, {"listxattrat", 465},
     {"inotify_init"}, {"inotify_init1"}, {"inotify_add_watch"},
-    // Devices, terminals, and what file systems know of a file besides its bytes.
+    // Devices, terminals and file system attributes.
     {"ioctl"},
-    // Keys, and memory and queues shared with other programs.
+    // Keys, shared memory and message queues.
     {"add_key"}, {"request_key"}, {"keyctl"}, {"shmget"}, {"shmat"}, {"shmctl"}, {"semget"}, {"semop"},
     {"semctl"}, {"msgget"}, {"msgsnd"}, {"msgrcv"}, {"msgctl"}, {"ipc"}, {"mq_open"}, {"mq_unlink"},
     {"memfd_create"},
-    // The kernel's insides.
+    // Kernel internals.
     {"bpf"}, {"userfaultfd"}, {"perf_event_open"}, {"io_uring_setup", 425}, {"io_uring_enter", 426},
     {"io_uring_register", 427}, {"init_module"}, {"finit_module"}, {"delete_module"}, {"kexec_load"},
     {"kexec_file_load"}, {"reboot"}, {"acct"}, {"syslog"}, {"iopl"}, {"ioperm"}, {"modify_ldt"},
     {"personality"}, {"settimeofday"}, {"clock_settime"}, {"clock_settime64"}, {"adjtimex"},
     {"clock_adjtime"}, {"clock_adjtime64"}, {"sethostname"}, {"setdomainname"}, {"vhangup"}};
 
-// Their arguments lie in memory, where the filter cannot look; everybody has an older call to fall back on.
+// Their arguments are in memory, which the filter cannot read. Programs fall back on the older calls.
 constexpr Call unknown[] = {{"clone3", 435}, {"openat2", 437}};
 
 class CallFilter
@@ -96,10 +94,10 @@ public:
     {
         if (!m_filter)
             return false;
-        // Kernels before 5.16 would slow down every filtered program by what some processors guess wrongly.
+        // Kernels before 5.16 otherwise enable a slow mitigation (SSBD) for every filtered program.
         ::seccomp_attr_set(m_filter.get(), SCMP_FLTATR_CTL_SSB, 1);
         ::seccomp_attr_set(
-            m_filter.get(), SCMP_FLTATR_CTL_OPTIMIZE, 2); // search, not one comparison after another
+            m_filter.get(), SCMP_FLTATR_CTL_OPTIMIZE, 2); // binary search instead of linear comparison
         return ::seccomp_load(m_filter.get()) == 0;
     }
 
@@ -113,7 +111,7 @@ private:
     std::unique_ptr<void, Release> m_filter;
 };
 
-// The kernel looks at no more of such an argument.
+// The kernel ignores the upper 32 bits of an int argument.
 constexpr scmp_datum_t wholeInteger = 0xFFFFFFFF;
 
 scmp_arg_cmp hasBits(unsigned int argument, scmp_datum_t mask, scmp_datum_t bits)
@@ -126,7 +124,7 @@ scmp_arg_cmp isOther(unsigned int argument, scmp_datum_t value)
     return {argument, SCMP_CMP_NE, value, 0};
 }
 
-/// Threads belong to a decoder; processes do not.
+/// Decoders need threads, but no processes.
 void refuseProcesses(CallFilter& filter)
 {
 #ifdef __s390__
@@ -140,22 +138,21 @@ void refuseProcesses(CallFilter& filter)
         filter.refuseWhere({"clone"}, hasBits(flags, space, space));
     filter.refuseWhere({"tgkill"}, isOther(0, static_cast<scmp_datum_t>(::getpid())));
     filter.refuseWhere({"prlimit64"}, isOther(0, 0));
-    // The end of the tool that started it must stay its own.
+    // The child must not disable its parent-death signal.
     filter.refuseWhere({"prctl"}, hasBits(0, wholeInteger, PR_SET_PDEATHSIG));
 }
 
-/// Opening without the right to write can empty a file; the first versions of the kernel's rules for files do
-/// not see it.
+/// O_TRUNC without write access empties a file. Landlock before version 3 does not refuse it.
 void refuseEmptying(CallFilter& filter)
 {
     constexpr scmp_datum_t mask = 3 | O_TRUNC;
-    for (const scmp_datum_t mode : {O_RDONLY, 3}) { // the latter neither reads nor writes
+    for (const scmp_datum_t mode : {O_RDONLY, 3}) { // access mode 3 permits neither reading nor writing
         filter.refuseWhere({"open"}, hasBits(1, mask, mode | O_TRUNC));
         filter.refuseWhere({"openat"}, hasBits(2, mask, mode | O_TRUNC));
     }
 }
 
-/// A file can be told to send signals to any process when something happens to it.
+/// fcntl can make a file send signals to any process.
 void refuseSignalsByFiles(CallFilter& filter)
 {
     for (const char* call : {"fcntl", "fcntl64"}) {
@@ -164,7 +161,7 @@ void refuseSignalsByFiles(CallFilter& filter)
     }
 }
 
-/// Memory that is shared, or that grows like a stack, does not count against the limit.
+/// RLIMIT_DATA does not count shared and growing mappings.
 void refuseUncountedMemory(CallFilter& filter)
 {
     constexpr scmp_datum_t shared = MAP_SHARED | MAP_ANONYMOUS;

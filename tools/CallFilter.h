@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// From now on the kernel refuses this process, and what it becomes, every call by which a program reaches
-/// others or changes what it has not opened: sockets, new processes, other processes, mounts, namespaces,
-/// keys, shared memory, the attributes of files, the kernel's own insides. Threads and its own files stay.
-/// False where the kernel cannot.
+/// Makes the kernel refuse, for this process and the program that it executes, all system calls that access
+/// other processes or change files that it has not opened: sockets, new processes, other processes, mounts,
+/// namespaces, keys, shared memory, attributes of files, kernel internals. Irreversible. Threads and its own
+/// files are allowed. False if the kernel has no seccomp.
 bool refuseCalls();

@@ -12,7 +12,7 @@ namespace
 int cancelSignals = -1;
 bool cancelSeen = false;
 
-/// Whether the caller has set the signal to be ignored, as nohup does.
+/// Whether the caller has set the signal to be ignored, for example with nohup.
 bool isIgnored(int signal)
 {
     struct sigaction action = {};

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// From now on SIGTERM, SIGINT and SIGHUP cancel the work instead of ending the process. A SIGINT or SIGHUP
-/// that the caller has set to be ignored stays ignored. Call it first.
+/// Makes SIGTERM, SIGINT and SIGHUP cancel the job instead of ending the process. A SIGINT or SIGHUP that the
+/// caller ignores remains ignored. Call it before anything else.
 void handleCancelSignals();
 
 /// Whether such a signal has arrived.
 bool isCancelled();
 
-/// Is readable when such a signal has arrived and isCancelled has not been called since.
+/// A descriptor that is readable if such a signal has arrived since the last call of isCancelled.
 int cancelDescriptor();

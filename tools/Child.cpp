@@ -21,7 +21,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Older headers do not define them. The numbers are the same on all architectures.
+// Missing in older headers. The numbers are the same on all architectures.
 #ifndef SYS_close_range
 #define SYS_close_range 436
 #endif
@@ -36,12 +36,12 @@ namespace
 constexpr int cannotRun = 127;
 constexpr int signalBase = 128;
 
-// The whole environment of a tool, so that no variable of the user's changes its language or its libraries.
+// The whole environment of a tool: variables of the user must not change its language or libraries.
 char path[] = "PATH=/usr/bin:/bin";
 char locale[] = "LC_ALL=C.UTF-8";
 char* const toolEnvironment[] = {path, locale, nullptr};
 
-// How long a tool may run on after its output has ended.
+// How long a tool may run after the end of its output.
 constexpr int longestEnd = 1000; // milliseconds
 
 void reportThatItCannotRun(const std::string& program)
@@ -51,7 +51,8 @@ void reportThatItCannotRun(const std::string& program)
         + ". Please install the package ffmpeg.\n");
 }
 
-/// Makes `stream`, a standard descriptor, a copy of `descriptor`, which is not one; -1 is the null device.
+/// Duplicates `descriptor`, which is not a standard descriptor, to the standard descriptor `stream`. -1 means
+/// the null device.
 void redirect(int descriptor, int stream)
 {
     const int source = descriptor >= 0 ? descriptor : ::open("/dev/null", O_RDWR | O_CLOEXEC);
@@ -63,7 +64,7 @@ void closeOnExec(int descriptor)
     ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
-/// Descriptors that this process has inherited must not reach the tool.
+/// The tool must not inherit descriptors that this process has inherited.
 void closeOthersOnExec()
 {
     constexpr unsigned int onExec = 4; // CLOSE_RANGE_CLOEXEC
@@ -91,10 +92,10 @@ void resetSignals()
 [[noreturn]] void execTool(const ChildPlan& plan, char* const arguments[], pid_t parent)
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (::getppid() != parent) // the parent ended before the call above
+    if (::getppid() != parent) // the parent ended before the call of prctl
         ::_exit(cannotRun);
     resetSignals();
-    ::setsid(); // signals of the terminal go to the parent only
+    ::setsid(); // the terminal sends signals to the parent only
     const int ownError = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     redirect(-1, STDIN_FILENO);
     redirect(plan.standardOutput, STDOUT_FILENO);
@@ -102,7 +103,7 @@ void resetSignals()
     closeOthersOnExec();
     if (plan.output >= 0)
         ::fcntl(plan.output, F_SETFD, 0);
-    // Stands for the very file that is open, whatever is at its path by now.
+    // Refers to the open file, even if another file replaces it at its path.
     const std::string input = plan.input >= 0 ? "/proc/self/fd/" + std::to_string(plan.input) : "";
     confine({plan.program, input, plan.output, plan.isProbe});
     ::execve(plan.program.c_str(), arguments, toolEnvironment);
@@ -111,7 +112,7 @@ void resetSignals()
     ::_exit(cannotRun);
 }
 
-/// Kills the child, after a second in which it may end by itself unless `isStopped`.
+/// Kills the child. Unless `isStopped`, waits one second for its exit first.
 void endChild(pid_t child, bool isStopped)
 {
     const int end = openExitDescriptor(child);
@@ -149,7 +150,7 @@ pid_t startChild(const ChildPlan& plan)
 
 void openStandardDescriptors()
 {
-    // open takes the lowest free number: the loop ends once 0, 1 and 2 are all in use.
+    // open returns the lowest free number: the loop ends when 0, 1 and 2 are in use.
     int descriptor = ::open("/dev/null", O_RDWR);
     while (descriptor >= 0 && descriptor <= STDERR_FILENO)
         descriptor = ::open("/dev/null", O_RDWR);

@@ -6,51 +6,51 @@
 #include <sys/types.h>
 #include <vector>
 
-/// What a child process runs, its standard streams, and the only files of the user's that it can access. The
-/// descriptor -1 stands for the null device, which standard input always is.
+/// The program, standard streams and accessible files of a child process. The descriptor -1 means the null
+/// device, which is always standard input.
 struct ChildPlan {
     std::string program;
     std::vector<std::string> arguments;
     int standardOutput = -1;
     int standardError = -1;
-    int input = -1; // the file that it may read: it opens it by the path in its arguments, whereas the
-                    // descriptor is not inherited. What another program puts at the path is not accessible.
-    int output = -1; // the file that it may write; the child inherits the descriptor under the same number
-    bool isProbe = false; // it has the resource limits of a report, see Reach
-    bool forwardsErrors = false; // whole lines of its standard error go to that of this process
+    int input = -1; // the file that it may read; it opens the file by the path in its arguments and does not
+                    // inherit the descriptor. Another file that replaces it at its path is not accessible.
+    int output = -1; // the file that it may write; it inherits the descriptor under the same number
+    bool isProbe = false; // applies the resource limits of a report, see Reach
+    bool forwardsErrors = false; // writes whole lines of its standard error to that of this process
 };
 
-/// Starts the child, confined. It is killed when this process ends in any way. Returns -1 where no process
-/// could be created. Where the program cannot be run, the child writes the reason to this process's standard
-/// error and exits with 127.
+/// Starts the child, confined. The kernel kills it when this process ends for any reason. Returns -1 if no
+/// process could be created. If the program cannot be executed, the child writes the reason to this process's
+/// standard error and exits with 127.
 pid_t startChild(const ChildPlan& plan);
 
-/// Whether the child has ended. waitForChild must still be called.
+/// Whether the child has ended. The caller must still call waitForChild.
 bool hasEnded(pid_t child);
 
-/// A descriptor that becomes readable when the child ends; the caller closes it. -1 where the kernel has none
-/// (before 5.3): then call hasEnded every exitCheckInterval.
+/// A descriptor that becomes readable when the child ends; the caller closes it. -1 if the kernel does not
+/// support it (before 5.3): then call hasEnded every exitCheckInterval.
 int openExitDescriptor(pid_t child);
 constexpr int exitCheckInterval = 5; // milliseconds
 
 /// Waits until the child ends. Returns its exit status, or 128 plus the number of the signal that killed it.
 int waitForChild(pid_t child);
 
-// A report takes a few seconds from a slow network. What blocks without processor time, such as a pipe that
-// has replaced the file on a kernel without file rules, ends then.
+// A report over a slow network takes a few seconds. The limit is for a child that blocks without processor
+// time, for example on a pipe that has replaced the file on a kernel without file rules.
 constexpr std::chrono::minutes longestReport(2);
 
-/// Runs the child and returns what it writes to its standard output, to the end of that. `status` is set as
-/// waitForChild returns it, but never to 0 where the output could not be read to its end. The child is killed
-/// where it runs for more than a second after that, writes more than mostOutput, has not ended its output
-/// when the time is over, or when `stopDescriptor` becomes readable.
+/// Runs the child and returns its standard output. Sets `status` to the result of waitForChild, but never to
+/// 0 if the output could not be read to its end. Kills the child if it runs for more than a second after the
+/// end of its output, writes more than mostOutput, exceeds the time limit, or if `stopDescriptor` becomes
+/// readable.
 std::string outputOfChild(
     ChildPlan plan, int& status, int stopDescriptor = -1, std::chrono::milliseconds longest = longestReport);
 constexpr std::size_t mostOutput = std::size_t(128) << 20U;
 
-/// Opens closed standard descriptors on the null device, so that no other file is opened under their numbers.
+/// Opens closed standard descriptors on the null device, so that no other file gets their numbers.
 void openStandardDescriptors();
 
-/// The path of ffmpeg or ffprobe: in the folder of this program where it exists there, else in the folder
-/// that the build sets (TARNWELL_FFMPEG_FOLDER).
+/// The path of ffmpeg or ffprobe: in the folder of this program if it exists there, else in the folder that
+/// the build sets (TARNWELL_FFMPEG_FOLDER).
 std::string pathOfTool(const std::string& name);

@@ -13,15 +13,15 @@
 namespace
 {
 
-// In seconds of processor time. A report on the longest film takes few of them, one on zeros that pretend to
-// be raw video would take a minute for every 4 GB.
+// Seconds of processor time. A report on the longest film takes a few. ffprobe takes about a minute per 4 GB
+// for zeros that are named like raw video.
 constexpr rlim_t probeTime = 30;
 
-// Usual for a program's first thread. A stack does not count as memory that is written and mapped.
+// The usual size for the main thread. RLIMIT_DATA does not count a stack.
 constexpr rlim_t largestStack = rlim_t(8) << 20; // bytes
 
-/// A real report fits the machine's memory by far. What encodes the largest pictures on many processors may
-/// need more than there is, and swap; what needs several times as much is up to no good.
+/// A report needs much less than the machine's memory. Encoding the largest pictures on many processors can
+/// exceed it and use swap.
 rlim_t mostMemory(bool isProbe)
 {
     constexpr rlim_t gigabyte = rlim_t(1) << 30;
@@ -33,7 +33,7 @@ rlim_t mostMemory(bool isProbe)
     return isProbe ? std::max(8 * gigabyte, memory) : std::max(32 * gigabyte, 4 * memory);
 }
 
-/// A limit that is lower already stays.
+/// Never raises a limit.
 bool limit(__rlimit_resource resource, rlim_t most)
 {
     rlimit now = {};
@@ -43,8 +43,8 @@ bool limit(__rlimit_resource resource, rlim_t most)
     return ::setrlimit(resource, &lowered) == 0;
 }
 
-/// What is written and mapped counts, not what is only reserved: every thread reserves a lot that it never
-/// uses.
+/// RLIMIT_DATA counts writable mappings only. A limit of the address space would count the memory that every
+/// thread reserves and does not use.
 bool setLimits(bool isProbe)
 {
     const bool hasNoCore = limit(RLIMIT_CORE, 0);
@@ -61,7 +61,7 @@ Confinement confine(const Reach& reach)
     confinement.noNewPrivileges = ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0;
     confinement.fileRules = restrictFiles(reach.program, reach.readable, reach.writable);
     confinement.callFilter = refuseCalls();
-    confinement.limits = setLimits(reach.isProbe); // last, since they hold for this process's own work too
+    confinement.limits = setLimits(reach.isProbe); // last, because the limits also apply to the steps above
     return confinement;
 }
 

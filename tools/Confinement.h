@@ -3,25 +3,25 @@
 
 #include <string>
 
-/// What a tool may reach besides the system's libraries.
+/// What a tool can access besides the system's libraries.
 struct Reach {
-    std::string program; // the one it is
-    std::string readable; // the one file that it reads; empty for none
-    int writable = -1; // the one file that it writes, open; -1 for none
-    bool isProbe = false; // limits of memory and processor time for a report instead of an encoding
+    std::string program; // path of the tool itself
+    std::string readable; // path of the file that it can read; empty for none
+    int writable = -1; // descriptor of the file that it can write; -1 for none
+    bool isProbe = false; // memory and time limits of a report instead of an encoding
 };
 
-/// How much of it the kernel was able to promise.
+/// The rules that the kernel enforces.
 struct Confinement {
     bool noNewPrivileges = false;
     bool limits = false;
-    int fileRules = 0; // the version of the kernel's Landlock; 0 for none
+    int fileRules = 0; // version of Landlock; 0 if unavailable
     bool callFilter = false;
 };
 
-/// Removes the rights that a tool for untrusted files does not need from this process and the program that it
-/// executes. For a child between fork and exec. Irreversible. Older kernels enforce less.
+/// Drops the rights that a tool for untrusted files does not need, for this process and the program that it
+/// executes. Called in a child between fork and exec. Irreversible. Older kernels enforce fewer rules.
 Confinement confine(const Reach& reach);
 
-/// Describes what confine enforces on this machine, one line per rule. Tries it in a child process.
+/// Describes what confine enforces on this machine, one line per rule. Applies it in a child process.
 std::string describeConfinement();

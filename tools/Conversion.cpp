@@ -13,7 +13,7 @@
 namespace
 {
 
-/// Whether the output's file system is full, so that another attempt cannot succeed either.
+/// Whether the output's file system is full: no other attempt can succeed then.
 bool isDiskFull(int file)
 {
     constexpr unsigned long long least = 1 << 20;
@@ -22,7 +22,7 @@ bool isDiskFull(int file)
         && static_cast<unsigned long long>(status.f_bavail) * status.f_frsize < least;
 }
 
-/// An ffmpeg that could not write the end of its output may succeed all the same.
+/// ffmpeg can exit with 0 although it could not write the end of its output.
 RunEnd runAttempt(const Attempt& attempt, const InputFile& input, const OutputFile& output)
 {
     output.empty();

@@ -8,7 +8,7 @@
 class InputFile;
 class OutputFile;
 
-/// Makes the new video of a fix flag or a transcode with ffmpeg, except for the flag itself: makes the
-/// attempts for the input one after the other until one gives a complete movie, and completes its metadata.
-/// Prints to standard error what the result lacks. `input` is open.
+/// Makes the new video of a fix flag or transcode with ffmpeg. Runs the attempts for the input one after the
+/// other until one produces a complete movie, then completes the metadata. Does not write the flag itself.
+/// Prints to standard error which streams the result lacks. `input` must be open.
 RunEnd convert(const Job& job, const MediaFacts& facts, const InputFile& input, const OutputFile& output);

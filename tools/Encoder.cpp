@@ -77,8 +77,8 @@ public:
         writeComplaints(m_errorReader.rest());
     }
 
-    /// Writes the last status line again where none was written for a while: some versions of ffmpeg write a
-    /// little less often than twice a second.
+    /// Repeats the last status line if none was written for a while: some ffmpeg versions write slightly less
+    /// than two per second.
     void repeatReport()
     {
         if (!m_lastReport.empty() && left(longestSilence) == 0)
@@ -92,7 +92,7 @@ public:
     bool hasNamedReadError() const { return m_hasNamedReadError; }
 
 private:
-    /// An ffmpeg that has closed its streams may still work; a cancel must reach it, too.
+    /// ffmpeg can continue after it has closed its streams; a cancel must still reach it.
     bool isListening() const { return m_progress.isOpen() || m_errors.isOpen(); }
 
     void report(const std::string& lines)

@@ -8,13 +8,14 @@
 
 class InputFile;
 
-/// How a run of ffmpeg ended. InputFailed: the input could not be read to its end or was changed, so that no
-/// other run can succeed either.
+/// The outcome of a run of ffmpeg. InputFailed: the input could not be read to its end or has changed, so
+/// that no other run can succeed.
 enum class RunEnd { Succeeded, Failed, Cancelled, InputFailed };
 
-/// Runs ffmpeg to its end. It may read the input, by the path in its arguments, and write to the descriptor
-/// `output`. Its progress, as status lines, and its error messages go to this process's standard
-/// error. A cancel is forwarded as SIGTERM; an ffmpeg that has not ended 0.4 seconds later is killed.
+/// Runs ffmpeg to its end. ffmpeg can read the input, by the path in its arguments, and write to the
+/// descriptor `output`. Its progress, as status lines, and its error messages are written to this process's
+/// standard error. A cancel is forwarded as SIGTERM; an ffmpeg that has not exited 0.4 seconds later is
+/// killed.
 ///
 /// An input that is changed meanwhile is a failure, and so is a read error: ffmpeg takes one for the end of
 /// the file, prints a message and succeeds. After a run with any message the whole input is read once more: a

@@ -44,7 +44,7 @@ public:
     }
 
 private:
-    /// The next data at or behind the offset. File systems that know no holes have data everywhere.
+    /// The offset of the next data at or after `offset`. On file systems without holes this is `offset`.
     off_t dataAfter(off_t offset) const
     {
         const off_t data = ::lseek(m_source, offset, SEEK_DATA);
@@ -87,8 +87,8 @@ private:
                 = ::copy_file_range(m_source, &from, m_target, &to, static_cast<std::size_t>(size), 0);
             if (count > 0)
                 return count;
-            // Kernels and file systems refuse it for many reasons, and some return 0 in place of an error. A
-            // failure of the disk occurs in the calls below, too.
+            // Kernels and file systems refuse this call for many reasons, and some return 0 instead of an
+            // error. If the disk fails, the calls below fail, too.
             m_isCopiedByKernel = false;
         }
         return copyThroughBuffer(offset, static_cast<std::size_t>(size));

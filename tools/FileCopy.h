@@ -6,11 +6,11 @@
 
 enum class CopyEnd { Copied, Failed, Cancelled };
 
-/// Called with the number of bytes copied so far, at most 1 MiB of data after the last call; false cancels.
+/// Called with the number of bytes copied so far, after at most 1 MiB of data; false cancels.
 using CopyProgress = std::function<bool(off_t)>;
 
-/// Copies the first `size` bytes of a file into an empty one. The file system shares the blocks of both where
-/// it can (Btrfs, XFS); else the kernel copies them; else this process. Holes stay holes. What has been
-/// copied is written back to the disk meanwhile. After a failure, for which errno gives the reason, or a
-/// cancel the target holds a part. A source that ends earlier is a failure (EIO).
+/// Copies the first `size` bytes of a file into an empty one. The file system shares the blocks if it can
+/// (Btrfs, XFS); otherwise the kernel copies them, otherwise this process. Holes remain holes. Copied data is
+/// written back to the disk during the copy. After a failure, with the reason in errno, or a cancel the
+/// target is incomplete. A source that is shorter than `size` is a failure (EIO).
 CopyEnd copyFile(int source, int target, off_t size, const CopyProgress& progress);

@@ -12,8 +12,8 @@
 namespace
 {
 
-// The kernel's own header is missing where the system's headers are older than the kernel may be. These
-// numbers are the same on nearly every machine.
+// linux/landlock.h can be missing or older than the running kernel. These numbers are the same on nearly all
+// architectures.
 #ifdef SYS_landlock_create_ruleset
 constexpr long createRulesetCall = SYS_landlock_create_ruleset;
 constexpr long addRuleCall = SYS_landlock_add_rule;
@@ -34,7 +34,7 @@ constexpr Rights readFile = 1U << 2U;
 constexpr Rights readFolder = 1U << 3U;
 constexpr Rights truncateFile = 1U << 14U;
 
-/// All file rights that this version of Landlock (1, 2, …) knows.
+/// All file access rights of this version of Landlock (1, 2, …).
 Rights allFileRights(int version)
 {
     constexpr unsigned int countOfVersion[newestFileRules + 1] = {0, 13, 14, 15, 15, 16, 16};
@@ -43,8 +43,8 @@ Rights allFileRights(int version)
 
 struct Ruleset {
     Rights files = 0;
-    Rights network = 0; // binding and connecting
-    Rights scopes = 0; // sockets without a path, and signals
+    Rights network = 0; // bind and connect over TCP
+    Rights scopes = 0; // abstract sockets and signals
 };
 
 struct [[gnu::packed]] PathRule {
@@ -81,7 +81,7 @@ public:
     Rules(const Rules&) = delete;
     Rules& operator=(const Rules&) = delete;
 
-    /// A path that leads nowhere needs no rule.
+    /// Ignores a path that does not exist.
     void allow(const std::string& path, Rights rights) const
     {
         const int place = ::open(path.c_str(), O_PATH | O_CLOEXEC);
@@ -91,7 +91,7 @@ public:
         ::close(place);
     }
 
-    /// A rule for a folder would hold for all that is in it.
+    /// Ignores folders: a rule for a folder would cover all files in it.
     void allowFile(const std::string& path, Rights rights) const
     {
         const int place = ::open(path.c_str(), O_PATH | O_CLOEXEC);
@@ -120,15 +120,15 @@ private:
     int m_descriptor = -1;
 };
 
-// Where libraries are, whichever way a system sorts them, with the loader that starts programs.
+// Folders of libraries and the program loader on common distributions.
 const char* const libraryFolders[] = {"/lib", "/lib32", "/lib64", "/usr/lib", "/usr/lib32", "/usr/lib64",
     "/usr/local/lib", "/nix/store", "/gnu/store"};
 
-// What the loader and the libraries of codecs look at to find each other and to know the processors.
+// Files that the loader and codec libraries read to find libraries and to count processors.
 const char* const descriptions[] = {"/etc/ld.so.cache", "/etc/ld.so.preload", "/etc/gcrypt", "/dev/null",
     "/dev/random", "/dev/urandom", "/proc/filesystems", "/proc/cpuinfo", "/proc/meminfo", "/proc/stat",
     "/proc/sys/crypto", "/sys/devices/system",
-    // Of the process itself; the folder also holds the machine's connections and mounts.
+    // Single files, because the folder also lists the machine's connections and mounts.
     "/proc/self/auxv", "/proc/self/cmdline", "/proc/self/maps", "/proc/self/status"};
 
 std::string folderOf(const std::string& path)
@@ -144,8 +144,7 @@ std::string withoutLinks(const std::string& path)
     return result;
 }
 
-/// An FFmpeg that does not come with the system has its libraries beside it or where its folder's neighbour
-/// is.
+/// The libraries of an FFmpeg outside the system are in its own folder or in the neighbouring lib folder.
 void allowProgram(const Rules& rules, const std::string& program, bool isOwn)
 {
     constexpr Rights library = execute | readFile | readFolder;

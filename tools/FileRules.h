@@ -3,12 +3,12 @@
 
 #include <string>
 
-constexpr int newestFileRules = 6; // the newest version of Landlock that asks anything new of its callers
+constexpr int newestFileRules = 6; // the newest version of Landlock whose features are used
 
-/// Leaves this process, for good, only these files: what the system gives every program (its libraries, and
-/// what they ask of the machine's description), the program to be run, one file to read and one open file to
-/// write; an empty path and -1 stand for none. No network and no signals to others either, where the kernel
-/// can do that. The version of Landlock, from 1 to `newest`, that holds the rules; 0 where the kernel has
-/// none or it is switched off.
+/// Restricts this process, irreversibly, to these files: the system files that every program needs (libraries
+/// and the files that they read), the program to execute, one file to read and one open file to write; an
+/// empty path and -1 mean none. Also refuses the network and signals to other processes if the kernel
+/// supports it. Returns the enforced version of Landlock, 1 to `newest`, or 0 if it is unavailable or
+/// switched off.
 int restrictFiles(
     const std::string& program, const std::string& readable, int writable, int newest = newestFileRules);

@@ -12,7 +12,7 @@ namespace
 
 constexpr std::size_t pieceSize = std::size_t(1) << 20U;
 
-/// Ignores the change time (ctime): a rename, a new link or other permissions change no data.
+/// Ignores the change time (ctime): a rename, a new link or other permissions do not change the data.
 bool hasSameData(const struct stat& left, const struct stat& right)
 {
     return left.st_size == right.st_size && left.st_mtim.tv_sec == right.st_mtim.tv_sec
@@ -25,7 +25,7 @@ InputFile::InputFile(const std::string& path)
     : m_descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC))
 {
     if (m_descriptor < 0 || ::fstat(m_descriptor, &m_atOpening) != 0) {
-        m_isOtherKind = errno == ENXIO; // a socket
+        m_isOtherKind = errno == ENXIO; // ENXIO: a socket
         m_error = std::strerror(errno);
     } else if (!S_ISREG(m_atOpening.st_mode)) {
         m_isOtherKind = true;

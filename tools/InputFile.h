@@ -5,8 +5,8 @@
 #include <string>
 #include <sys/stat.h>
 
-/// The file that is read, opened once and never for writing. Nothing but a regular file is accepted: reading
-/// a named pipe or a device could block without an end.
+/// The input file, opened once and read-only. Only regular files are accepted: reading a named pipe or a
+/// device could block forever.
 class InputFile
 {
 public:
@@ -18,20 +18,20 @@ public:
     bool isOpen() const { return m_descriptor >= 0; }
     int descriptor() const { return m_descriptor; }
 
-    /// Whether something other than a regular file is at the path.
+    /// Whether there is something other than a regular file at the path.
     bool isOtherKind() const { return m_isOtherKind; }
 
-    /// Why it is not open, in words; empty where it is.
+    /// The reason why it could not be opened; empty if it is open.
     const std::string& error() const { return m_error; }
 
-    /// Whether size and modification time are those at the time of opening. Another file at its path is no
-    /// change: ffmpeg and ffprobe can open this one only.
+    /// Whether size and modification time have not changed since the file was opened. Another file at its
+    /// path is not a change: ffmpeg and ffprobe can open only this one.
     bool isUnchanged() const;
 
     enum class ReadEnd { Whole, Failed, Stopped };
 
-    /// Reads the file to its end and drops the data. What the kernel has in memory is not read from the disk
-    /// again. `mayContinue` is called after at most 1 MiB each; false stops. errno is set after a failure.
+    /// Reads the file to its end and discards the data. Pages in the kernel's cache are not read from the
+    /// disk again. Calls `mayContinue` after at most 1 MiB each; false stops. Sets errno on a failure.
     ReadEnd readToEnd(const std::function<bool()>& mayContinue) const;
 
 private:

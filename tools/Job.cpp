@@ -12,8 +12,8 @@ using Arguments = std::vector<std::string>;
 // The H.264 encoder refuses odd sizes in yuv420p: the last column or line is cropped.
 const std::string evenSize = "crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0";
 
-// Makes pixels square ("sar" is their width divided by their height) by stretching the picture, or where a
-// side would exceed this limit by shrinking the other one. Square and unknown pixels pass unchanged.
+// Makes pixels square by stretching the picture, or by shrinking the other side if a side would exceed this
+// limit. "sar" is the width of a pixel divided by its height. Square and unknown pixels do not change.
 const std::string longestStretchedSide = "8192";
 const std::string squarePixels = "scale=w='round(if(gt(sar,1)*lte(iw*sar," + longestStretchedSide
     + "),iw*sar,if(lt(sar,1)*gt(ih/sar," + longestStretchedSide
@@ -22,7 +22,7 @@ const std::string squarePixels = "scale=w='round(if(gt(sar,1)*lte(iw*sar," + lon
 
 const std::string rotatePrefix = "rotate=";
 
-/// Whether the list equals the pattern, in which "*" stands for any one argument.
+/// Whether the list equals the pattern. "*" matches any one argument.
 bool matches(const Arguments& arguments, const Arguments& pattern)
 {
     if (arguments.size() != pattern.size())
@@ -91,7 +91,7 @@ void append(Arguments& list, const Arguments& more)
     list.insert(list.end(), more.begin(), more.end());
 }
 
-// Without the name of the protocol ffmpeg takes a path such as "http://x" for another protocol.
+// Without the protocol ffmpeg would treat a path such as "http://x" as an address.
 std::string asFile(const std::string& path)
 {
     return "file:" + path;
@@ -126,7 +126,7 @@ std::vector<std::string> ffmpegArguments(const Job& job, const Target& target)
         append(list, {"-ss", job.position});
     append(list, {"-i", asFile(job.input)});
     if (!job.mayBeCover)
-        append(list, {"-map", "0:V:0"}); // the first video stream that is no cover
+        append(list, {"-map", "0:V:0"}); // the first video stream that is not a cover
     append(list, {"-frames:v", "1", "-update", "1", "-vf", squarePixels});
     appendTarget(list, target);
     return list;

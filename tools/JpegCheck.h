@@ -8,7 +8,7 @@
 /// also uses.
 bool isPlainJpeg(std::string_view bytes);
 
-/// The same for all bytes of an open file. False where they cannot be read or are more than 512 MiB.
+/// The same for all bytes of an open file. False if they cannot be read or are more than 512 MiB.
 bool isPlainJpeg(int file);
 
 /// The largest picture that FFmpeg decodes, and so the largest still.

@@ -13,11 +13,10 @@ namespace
 
 using Boxes = std::vector<Box>;
 
-// More than the sample tables of a day of video. Rewriting takes three times as much memory.
+// More than the sample tables of a day of video. Rewriting needs three times this amount of memory.
 constexpr FileOffset largestMovie = FileOffset(1) << 28U;
 
-/// Writes the times into the content of a header. A time of 0 is unknown, and one that does not fit is not
-/// written.
+/// Writes the times into the content of a header. Skips a time that is 0 (unknown) or does not fit.
 void setTimes(std::string& content, const MovieTimes& times)
 {
     if (content.empty() || times.created == 0)
@@ -38,13 +37,13 @@ void setLanguage(std::string& content, const std::optional<std::string>& languag
         content.replace(offset, language->size(), *language);
 }
 
-/// ffmpeg gives the brand of Dolby Vision to an encoding of such a video too, which is none any more. Another
-/// compatible brand that every file has takes its place. False where it cannot be written.
+/// ffmpeg also writes the brand of Dolby Vision into a transcode, which is no Dolby Vision video. Replaces it
+/// with "isom", which may then be listed twice. False if it cannot be written.
 bool removeDolbyBrand(int file)
 {
     constexpr std::string_view dolby = "dby1";
     constexpr std::string_view common = "isom";
-    constexpr std::size_t compatibleOffset = 8; // behind the major brand and its version
+    constexpr std::size_t compatibleOffset = 8; // after the major brand and its version
     constexpr std::size_t mostBytes = 1024;
     BoxReader reader(file);
     const Boxes boxes = reader.leadingBoxesOfFile();
@@ -60,7 +59,7 @@ bool removeDolbyBrand(int file)
     return true;
 }
 
-/// Makes a new description of a movie out of its old one and of what it takes over.
+/// Builds a new movie description from the old one and the metadata of the source.
 class MovieRewriter
 {
 public:
@@ -120,7 +119,7 @@ private:
         return userData.empty() ? content : content + boxBytes("udta", userData);
     }
 
-    /// What ffmpeg wrote and the source's own user data does not replace: chapters always.
+    /// The parts of ffmpeg's user data that the source's user data does not replace: always chapters.
     std::string keptUserData(const Box& userData)
     {
         const auto parts = m_reader.boxesIn(userData).value_or(Boxes());

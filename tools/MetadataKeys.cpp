@@ -10,7 +10,7 @@
 namespace
 {
 
-// What ffmpeg writes into MP4 itself, and what is true of the old file only.
+// Tags that ffmpeg writes into MP4 itself, and tags that describe the old file only.
 constexpr std::array<std::string_view, 27> otherTags = {"title", "artist", "album_artist", "composer",
     "album", "date", "encoder", "comment", "genre", "copyright", "grouping", "lyrics", "description",
     "synopsis", "show", "episode_id", "network", "keywords", "track", "disc", "creation_time", "duration",
@@ -20,7 +20,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 3> appleName
     = {{{"make", "com.apple.quicktime.make"}, {"model", "com.apple.quicktime.model"},
         {"location", "com.apple.quicktime.location.ISO6709"}}};
 
-constexpr std::size_t longestValue = 65536; // a longer one is no text for people
+constexpr std::size_t longestValue = 65536; // bytes; a longer value is binary data
 
 std::string lowerCase(std::string text)
 {
@@ -53,7 +53,7 @@ std::string handlerBox()
     return boxBytes("hdlr", std::string(8, '\0') + "mdta" + std::string(13, '\0'));
 }
 
-/// The value of the key with that number, counted from 1, as UTF-8.
+/// A value in UTF-8 for the key with that number, counted from 1.
 std::string valueBox(std::uint64_t number, const std::string& value)
 {
     constexpr std::uint64_t utf8 = 1;
@@ -79,6 +79,6 @@ std::string keysBox(const std::vector<std::pair<std::string, std::string>>& tags
         return {};
     const std::string versionAndFlags(4, '\0');
     const std::string list = boxBytes("keys", versionAndFlags + bigEndianBytes(count, 4) + keys);
-    // Without version and flags, as cameras write it in MP4 too.
+    // No version and flags: cameras omit them in MP4, too.
     return boxBytes("meta", handlerBox() + list + boxBytes("ilst", values));
 }

@@ -13,7 +13,7 @@ namespace
 constexpr mode_t ownerOnly = 0600;
 constexpr mode_t allPermissions = 0777;
 
-/// The permissions of the group are limited to those of everyone.
+/// Limits the permissions of the group to those of everyone.
 mode_t limitedForAnotherGroup(mode_t mode)
 {
     const mode_t others = mode & 07U;

@@ -7,14 +7,14 @@
 #include <string>
 #include <sys/types.h>
 
-/// A file that appears at its path whole or not at all. Until it is moved there it has no name or, on file
-/// systems without unnamed files, a hidden name in the same folder (HiddenFiles.h). A file that exists at the
-/// path stays untouched until then.
+/// An output file that appears at its path complete or not at all. Until it is moved there it has no name or,
+/// on file systems without unnamed files, a hidden name in the same folder (HiddenFiles.h). Until then an
+/// older file at the path does not change.
 ///
-/// A file is replaced in the same steps on every file system, and nothing is deleted before the last one:
-/// the older file is put aside as "NAME (previous).EXTENSION" (moveToPath), the new file is moved to the
-/// path (moveToPath), and the older file is deleted (deleteOlder). A process that is killed in between leaves
-/// the older file under that name.
+/// A file is replaced in the same steps on every file system, and nothing is deleted before the last one: the
+/// older file is renamed to "NAME (previous).EXTENSION" (moveToPath), the new file is moved to the path
+/// (moveToPath), and the older file is deleted (deleteOlder). If the process is killed between these steps,
+/// the older file has that name.
 class OutputFile
 {
 public:
@@ -36,24 +36,24 @@ public:
     /// A path under which a child process that inherits the descriptor can write the file.
     std::string writablePath() const;
 
-    /// Deletes the content.
+    /// Truncates the file.
     void empty() const;
     bool isEmpty() const;
 
     /// Sets the permissions and waits until the data is on the disk. False on an error.
     bool sync() const;
 
-    /// Puts aside a file at the path and moves this one there. False on an error, for which errno gives the
-    /// reason; an older file then is at the path or put aside.
+    /// Renames an older file at the path and moves this one there. False on an error, with the reason in
+    /// errno; an older file is then at the path or has its new name.
     bool moveToPath();
 
-    /// Deletes the file after moveToPath. An older file stays put aside.
+    /// Deletes the file after moveToPath. A renamed older file does not change.
     void undoMove();
 
-    /// Whether moveToPath has put aside an older file.
+    /// Whether moveToPath has renamed an older file.
     bool hasOlder() const { return !m_older.empty(); }
 
-    /// Deletes the older file. False on an error; it then stays put aside.
+    /// Deletes the older file. False on an error; it then keeps its new name.
     bool deleteOlder();
 
 private:

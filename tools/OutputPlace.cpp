@@ -18,7 +18,7 @@ namespace
 {
 
 constexpr int mostNames = 1000;
-constexpr std::size_t endSize = std::size_t(64) << 10; // of the bytes at each end that are compared
+constexpr std::size_t endSize = std::size_t(64) << 10; // bytes at each end that are compared
 
 std::string folderOf(const std::string& path)
 {
@@ -28,7 +28,7 @@ std::string folderOf(const std::string& path)
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-/// The text without the bytes from `size` on and without a part of a UTF-8 character at its end.
+/// The first `size` bytes of the text, without an incomplete UTF-8 character at the end.
 std::string shortened(const std::string& text, std::size_t size)
 {
     const auto isInsideCharacter
@@ -38,7 +38,7 @@ std::string shortened(const std::string& text, std::size_t size)
     return text.substr(0, size);
 }
 
-/// As many bytes of the stem as leave room for `end` in a path that other programs can open.
+/// The longest beginning of the stem with which the path, including `end`, can be opened by other programs.
 std::string stemBefore(const std::string& end, const std::string& stem, const std::string& folderPath)
 {
     const std::size_t others = folderPath.size() + 1 + end.size();
@@ -163,7 +163,8 @@ bool renameToFreeName(int folder, const std::string& from, const std::string& to
         return true;
     if (errno != EINVAL && errno != ENOSYS)
         return false;
-    // The file system has no such rename. A link fails where the name exists; some file systems have none.
+    // The file system does not support such a rename. link fails if the name exists; some file systems do not
+    // support links.
     if (::linkat(folder, from.c_str(), folder, to.c_str(), 0) == 0) {
         if (::unlinkat(folder, from.c_str(), 0) == 0)
             return true;

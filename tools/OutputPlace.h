@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string>
 
-/// The place of an output file: a folder and a name in it. The folder is opened once and every operation uses
-/// its descriptor, so that they all reach the same folder even if it is renamed and another folder or a link
-/// takes its path.
+/// The path of an output file: a folder and a name in it. The folder is opened once and every operation uses
+/// its descriptor, so that all of them use the same folder even if it is renamed and another folder or a link
+/// replaces it at its path.
 class OutputPlace
 {
 public:
@@ -17,15 +17,15 @@ public:
 
     bool isOpen() const { return m_folder >= 0; }
 
-    /// Opened with O_PATH: only for the calls whose names end in "at", and for fstat.
+    /// A descriptor opened with O_PATH: for the calls whose names end in "at" and for fstat only.
     int folder() const { return m_folder; }
 
     const std::string& name() const { return m_name; }
 
-    /// The path of another name in the folder, as the folder was spelled.
+    /// The path of another name in the folder, with the caller's spelling of the folder.
     std::string pathOf(const std::string& name) const;
 
-    /// Whether a file or a symbolic link, which is not followed, exists here. A folder does not count.
+    /// Whether a file or a symbolic link, which is not followed, has this name. False for a folder.
     bool hasFile() const;
 
     /// Whether the file here is the open regular file `file`. Their numbers can differ if the file is seen
@@ -33,12 +33,12 @@ public:
     /// first and last bytes count. A copy with all of these is taken for the file itself.
     bool holds(int file) const;
 
-    /// Renames the file here to "NAME (WORD).EXTENSION", or "NAME (WORD 2).EXTENSION" and so on where that
-    /// exists. Shortens NAME to the longest name that the file system accepts. Returns the new name; empty
-    /// if there is no file or it could not be renamed. Never replaces another file.
+    /// Renames the file to "NAME (WORD).EXTENSION", or to "NAME (WORD 2).EXTENSION" and so on if that exists.
+    /// Shortens NAME to the length that the file system accepts. Returns the new name; empty if there is no
+    /// file or it could not be renamed. Never replaces another file.
     std::string putAside(const std::string& word) const;
 
-    /// Waits until the names in the folder are on the disk. Errors are ignored: some file systems cannot do
+    /// Waits until the names in the folder are on the disk. Ignores errors: some file systems do not support
     /// it.
     void sync() const;
 

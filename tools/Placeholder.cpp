@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr int largestSide = 65500; // of decoders; the format itself allows 65535
+constexpr int largestSide = 65500; // limit of decoders; the format allows 65535
 constexpr int blockSide = 8;
 constexpr std::size_t tableSize = 64;
 
@@ -28,8 +28,8 @@ void appendSegment(std::string& bytes, char marker, const std::string& content)
     bytes += content;
 }
 
-// A Huffman table with one code, a single 0 bit, for the symbol 0: no difference to the last block's mean
-// (DC), end of block (AC).
+// A Huffman table with one code, a single 0 bit, for the symbol 0: no difference from the mean of the last
+// block (DC), end of block (AC).
 std::string codeTable(char kind)
 {
     std::string table(1, kind);
@@ -47,9 +47,10 @@ std::string frameHeader(int width, int height)
     return frame + std::string("\x01\x01\x11\x00", 4);
 }
 
-constexpr int longestStretchedSide = 8192; // as in the stills that ffmpeg makes, see Job.cpp
+constexpr int longestStretchedSide = 8192; // as for the stills of ffmpeg, see Job.cpp
 
-/// The length of a side whose pixels are `aspect` times as long as those of the other side.
+/// The length of a side after its pixels become square. `aspect` is the length of a pixel along this side
+/// divided by its length along the other side. 0 if the result exceeds longestStretchedSide.
 int stretched(int side, double aspect)
 {
     const double length = std::round(side * aspect);
@@ -73,7 +74,7 @@ std::string placeholderPicture(int width, int height)
     appendSegment(picture, '\xC4', codeTable('\x00'));
     appendSegment(picture, '\xC4', codeTable('\x10'));
     appendSegment(picture, '\xDA', std::string("\x01\x01\x00\x00\x3F\x00", 6));
-    // Two 0 bits a block; the last byte is padded with ones.
+    // Two 0 bits per block; the last byte is padded with ones.
     const auto across = static_cast<std::uint64_t>((width + blockSide - 1) / blockSide);
     const auto down = static_cast<std::uint64_t>((height + blockSide - 1) / blockSide);
     const std::uint64_t bits = 2 * across * down;

@@ -9,5 +9,5 @@
 /// picture of more than mostStillPixels is scaled down.
 std::string placeholderPicture(int width, int height);
 
-/// The one for a video that cannot be decoded: in the size in which the video would be shown.
+/// The picture for a video that cannot be decoded, in the size in which players would show the video.
 std::string placeholderOf(const VideoFacts& video);

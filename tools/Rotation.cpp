@@ -12,12 +12,12 @@ namespace
 
 constexpr double one = 65536; // 16.16 fixed point
 constexpr std::size_t numbersInMatrix = 9;
-constexpr double tolerance = 0.001; // what rounding leaves of a right angle
+constexpr double tolerance = 0.001; // tolerates rounding errors of right angles
 constexpr double halfTurn = 180;
 constexpr int fullTurn = 360;
 
 /// Reads rows such as "00000001:       -65536           0           0". The number before the colon is the
-/// row's and no part of the matrix.
+/// row number.
 std::vector<std::int64_t> numbersOf(std::string_view text)
 {
     std::vector<std::int64_t> numbers;
@@ -41,7 +41,7 @@ bool isNear(double left, double right)
     return std::abs(left - right) < tolerance;
 }
 
-/// The four of the nine numbers that decoders use.
+/// The four numbers that decoders use.
 std::optional<DisplayMatrix> rawMatrix(std::string_view text)
 {
     const std::vector<std::int64_t> m = numbersOf(text);

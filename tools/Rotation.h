@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// How the display matrix of a container turns, mirrors and scales a picture: the coded point (x, y), y
-/// downwards, is shown at (a x + c y, b x + d y).
+/// The turn, mirror and scale of a container's display matrix: the coded point (x, y), y downwards, is shown
+/// at (a x + c y, b x + d y).
 struct DisplayMatrix {
     double a = 1;
     double b = 0;
@@ -14,28 +14,28 @@ struct DisplayMatrix {
     double d = 1;
 };
 
-/// Whether the matrix turns and mirrors the picture and does nothing else.
+/// Whether the matrix only turns and mirrors.
 bool keepsShapeAndSize(const DisplayMatrix& matrix);
 
-/// The turn and the mirror of a matrix that scales as well, as decoders apply it. Empty for a matrix that
-/// skews the picture or makes it vanish.
+/// The turn and mirror of a matrix that may scale, as decoders apply them. Empty for a matrix that skews the
+/// picture or reduces it to nothing.
 std::optional<DisplayMatrix> withoutScale(const DisplayMatrix& matrix);
 
-/// Reads the nine numbers as ffprobe prints them, in numbered rows of fixed-point numbers. Empty for other
+/// Parses the nine numbers in the format of ffprobe, numbered rows of fixed-point numbers. Empty for other
 /// text and for a matrix that scales or skews the picture.
 std::optional<DisplayMatrix> parseDisplayMatrix(std::string_view text);
 
-/// Reads the same text as withoutScale has it.
+/// Parses the same format and removes the scale, see withoutScale.
 std::optional<DisplayMatrix> parseDecodedMatrix(std::string_view text);
 
-/// A turn counterclockwise.
+/// A counterclockwise turn.
 DisplayMatrix turnedLeft(double degrees);
 
-/// First `first`, then `second`.
+/// The matrix that applies `first`, then `second`.
 DisplayMatrix combined(const DisplayMatrix& first, const DisplayMatrix& second);
 
 /// Whether the picture is shown mirrored.
 bool isMirrored(const DisplayMatrix& matrix);
 
-/// The clockwise turn in whole degrees, 0 to 359, as decoders compute it, for a mirrored matrix too.
+/// The clockwise turn in whole degrees, 0 to 359, as decoders compute it, also for a mirrored matrix.
 int rotationTag(const DisplayMatrix& matrix);

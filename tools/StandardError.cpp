@@ -9,7 +9,7 @@
 namespace
 {
 
-bool isRead = true; // until a line had to be dropped
+bool isRead = true; // false after a dropped line
 
 bool waitUntilWritable(int stopDescriptor)
 {

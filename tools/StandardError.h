@@ -3,7 +3,7 @@
 
 #include <string>
 
-/// Writes lines to standard error, each with one write. A line that a full pipe does not take within a second
-/// is dropped, and so are the next ones, at once, until the pipe is read again. The wait also ends when
-/// `stopDescriptor` becomes readable.
+/// Writes lines to standard error, each with one write. A line that a full pipe does not accept within a
+/// second is dropped. The next lines are then dropped without a wait until the pipe has room again. The wait
+/// also ends when `stopDescriptor` becomes readable.
 void writeErrorLines(const std::string& lines, int stopDescriptor = -1);

@@ -15,7 +15,7 @@ const std::string timeKey = "out_time_us=";
 const std::string blockEnd = "progress=";
 const std::string statusMark = "time=";
 
-// A flood without an end of line must not fill the memory, and a line with its end fits one write to a pipe.
+// Limits the memory for text without an end of line. A line with its end fits one atomic write to a pipe.
 constexpr std::size_t longestLine = 4095;
 
 constexpr std::int64_t microsecondsPerHundredth = 10000;
@@ -26,8 +26,8 @@ bool startsWith(const std::string& text, const std::string& beginning)
     return text.compare(0, beginning.size(), beginning) == 0;
 }
 
-/// Takes the whole lines out of `rest`, without their ends; what is longer than a line can be counts as
-/// several.
+/// Removes the complete lines from `rest` and returns them without their ends. Splits text that exceeds the
+/// longest line.
 std::vector<std::string> takeLines(std::string& rest)
 {
     std::vector<std::string> lines;
@@ -108,7 +108,7 @@ std::string withoutStatusMarks(std::string text)
         text.begin(), text.end(), [](char byte) { return byte < ' ' || byte > '~'; }, '?');
     for (auto mark = text.find(statusMark); mark != std::string::npos; mark = text.find(statusMark))
         text[mark + statusMark.size() - 1] = ':';
-    // The window takes the first time stamp of what it reads at once, even one before "time=".
+    // The window parses the first time stamp in each chunk that it reads, even one before "time=".
     for (std::size_t place = 0; place < text.size(); ++place) {
         if (isTimeStampAt(text, place))
             text[place + 2] = '.';

@@ -5,37 +5,36 @@
 #include <optional>
 #include <string>
 
-/// Turns what ffmpeg says of its progress, keys and values line by line in pieces of any size, into status
-/// lines.
+/// Converts ffmpeg's progress report, lines of keys and values in chunks of any size, into status lines.
 class ProgressReader
 {
 public:
-    /// The status lines that the piece completes, each with its end of line; empty where it completes none.
+    /// The status lines that the chunk completes, each with its end of line; empty if there is none.
     std::string read(const std::string& piece);
 
 private:
     std::string takeLine(const std::string& line);
 
     std::string m_rest;
-    std::optional<std::int64_t> m_microseconds; // of media written, since the last line
+    std::optional<std::int64_t>
+        m_microseconds; // duration of the written media; empty if no value has arrived since the last line
 };
 
 /// "time=HH:MM:SS.hh", rounded down.
 std::string statusLine(std::int64_t microseconds);
 
-/// The text as one line that no reader can take for a status line: "time=" and time stamps are changed, and
-/// bytes that are not printable ASCII become "?". Any text that comes from outside, such as a path, is
-/// printed in this form.
+/// The text as one line that is not recognised as a status line: "time=" and time stamps are changed, and
+/// bytes that are not printable ASCII become "?". All external text, such as a path, is printed in this form.
 std::string withoutStatusMarks(std::string text);
 
-/// Passes on the messages of ffmpeg as whole lines, see withoutStatusMarks.
+/// Splits ffmpeg's messages into whole lines and applies withoutStatusMarks.
 class ComplaintReader
 {
 public:
-    /// The lines that the piece completes, each with its end of line; empty where it completes none.
+    /// The lines that the chunk completes, each with its end of line; empty if there is none.
     std::string read(const std::string& piece);
 
-    /// At the end of the messages: the last line where it has no end of its own, with one; else empty.
+    /// Called at the end of the messages: the last line with an added end of line if it has none; else empty.
     std::string rest();
 
 private:

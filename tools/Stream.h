@@ -3,7 +3,7 @@
 
 #include <string>
 
-/// A pipe from a child process, which inherits the writing end. Both ends are close-on-exec.
+/// A pipe from a child process, which inherits the write end. Both ends are close-on-exec.
 class Stream
 {
 public:
@@ -13,17 +13,17 @@ public:
     Stream& operator=(const Stream&) = delete;
 
     int writing() const { return m_writing; }
-    /// Call it when the child has been started: else the pipe never ends.
+    /// Closes the write end. Must be called after the child has started; otherwise the pipe never ends.
     void closeWriting();
 
-    /// -1 where no pipe could be created and after the end.
+    /// -1 if no pipe could be created, and after the end.
     int reading() const { return m_reading; }
     bool isOpen() const { return m_reading >= 0; }
 
     /// Waits for data and returns it, at most 64 KiB. Empty at the end, which closes the stream.
     std::string read();
 
-    /// Whether data or the end can be read without a wait.
+    /// Whether a read returns data or the end without blocking.
     bool hasMore() const;
 
     /// Whether the stream was read to its end without an error.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The encoder tool: makes a still, a copy with another rotation flag, or a new encoding. A file of the MP4
-// family gets its flag in a copy of its bytes; the rest is made by ffmpeg. The output appears whole or not at
+// The encoder tool: makes a still, a copy with another rotation flag, or a transcode. Copies a file of the
+// MP4 family byte by byte for a flag; runs ffmpeg for everything else. The output appears complete or not at
 // all, and the input is never opened for writing.
 #include "tools/Child.h"
 #include "tools/Confinement.h"
@@ -30,7 +30,7 @@ namespace
 constexpr int success = 0;
 constexpr int failure = 1;
 constexpr int wrongArguments = 2;
-constexpr int cancelled = 255; // as ffmpeg exits then
+constexpr int cancelled = 255; // ffmpeg's exit status after a cancel
 
 /// ffprobe's JSON report with these options on the input.
 std::string reportOf(const std::string& path, const InputFile& input, const std::vector<std::string>& options)
@@ -91,8 +91,8 @@ bool complain(const char* text)
     return false;
 }
 
-/// If the file at the output's path is the input, renames it and continues with its new path. False if that
-/// failed.
+/// Renames the file at the output's path if it is the input, and continues with its new path. False if the
+/// rename failed.
 bool saveOriginal(Job& job, const InputFile& input, const OutputFile& output)
 {
     if (!input.isOpen() || !output.place().holds(input.descriptor()))
@@ -104,8 +104,8 @@ bool saveOriginal(Job& job, const InputFile& input, const OutputFile& output)
     return true;
 }
 
-/// Puts aside a file at the output's path: after a failure or a cancel nothing is there that could be taken
-/// for the result. Returns the exit status.
+/// Renames an older file at the output's path, so that it is not mistaken for the result after a failure or a
+/// cancel. Returns the exit status.
 int endWithoutOutput(const InputFile& input, const OutputPlace& place, RunEnd end)
 {
     const bool isOriginal = input.isOpen() && place.holds(input.descriptor());
@@ -114,9 +114,9 @@ int endWithoutOutput(const InputFile& input, const OutputPlace& place, RunEnd en
     return end == RunEnd::Cancelled ? cancelled : failure;
 }
 
-/// Deletes the file that the finished one replaces. False after a cancel that arrives meanwhile. The caller
-/// that has cancelled deletes what is at the path; where the older file is gone, the new one is put aside
-/// first, so that one of them is left.
+/// Deletes the file that the new one replaces. False after a cancel during the deletion. The caller that has
+/// cancelled deletes the file at the path; therefore the new file is renamed first if the older one is
+/// already deleted.
 bool deleteOlder(OutputFile& output)
 {
     const bool isDeleted = output.deleteOlder();
@@ -147,15 +147,15 @@ bool finish(OutputFile& output)
     return !output.hasOlder() || deleteOlder(output);
 }
 
-/// The application decodes the still outside of ffmpeg's confinement, so an ffmpeg that a hostile file has
-/// taken over must not choose another format, or one that stops the application.
+/// The application decodes the still outside the confinement of ffmpeg: a compromised ffmpeg must not be able
+/// to choose another format or a JPEG picture that stops the application.
 bool isPicture(RunEnd end, const OutputFile& output)
 {
-    // A still needs one frame only, so that it may come from a file that is still being written.
+    // A still needs only one frame, so that it can come from a file that is still being written.
     return (end == RunEnd::Succeeded || end == RunEnd::InputFailed) && isPlainJpeg(output.descriptor());
 }
 
-/// The frame at the given position, else the first one that decodes, else a cover. False where there is none.
+/// The frame at the given position, else the first frame that decodes, else a cover. False if there is none.
 bool decodeStill(Job job, const InputFile& input, const OutputFile& output)
 {
     if (isPicture(runStill(job, input, output), output))
@@ -167,7 +167,7 @@ bool decodeStill(Job job, const InputFile& input, const OutputFile& output)
     return isPicture(runStill(job, input, output), output);
 }
 
-/// A frame of the video, else a grey picture of the size in which it is shown.
+/// A frame of the video, else a grey picture in the size in which players show the video.
 int makeStill(Job job, const InputFile& input, OutputFile& output)
 {
     if (!saveOriginal(job, input, output))
@@ -227,8 +227,8 @@ int main(int argc, char* argv[])
     openStandardDescriptors();
     handleCancelSignals();
     std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN); // a file that gets too large is a failed write
-    std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, ffmpeg could not be waited for
+    std::signal(SIGXFSZ, SIG_IGN); // exceeding the file size limit becomes a failed write
+    std::signal(SIGCHLD, SIG_DFL); // waitpid fails if the caller ignores SIGCHLD
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments == std::vector<std::string>{"--confinement"}) {
         std::fputs(describeConfinement().c_str(), stdout);

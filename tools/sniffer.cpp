@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The probe tool: prints ffprobe's report on one file, with the rotation that a decoder will really apply.
+// The probe tool: prints ffprobe's report on one file, with the rotation that decoders apply.
 #include "tools/Child.h"
 #include "tools/InputFile.h"
 #include "tools/Report.h"
@@ -18,7 +18,7 @@ namespace
 constexpr int noFile = 1;
 constexpr int notWritten = 1;
 
-/// False where it could not all be written.
+/// False if the text could not be written completely.
 bool writeAll(const std::string& text)
 {
     for (std::size_t done = 0; done < text.size();) {
@@ -36,13 +36,13 @@ int main(int argc, char* argv[])
 {
     openStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, ffprobe could not be waited for
+    std::signal(SIGCHLD, SIG_DFL); // waitpid fails if the caller ignores SIGCHLD
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const std::string path = arguments.empty() ? "" : arguments.back();
     const InputFile input(path);
     if (input.isOtherKind()) {
         writeErrorLines("tarnwell: " + withoutStatusMarks(path) + ": " + input.error() + "\n");
-        // As ffprobe reports on what it cannot read.
+        // The format of ffprobe's report on an unreadable file.
         writeAll("{\n    \"error\": {\n        \"code\": -22,\n        \"string\": \"Invalid argument\"\n    "
                  "}\n}\n");
         return noFile;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which streams creator keeps, and how, in the runs of ffmpeg that it tries one after the other.
+// The streams that creator keeps, and how, in its successive runs of ffmpeg.
 #include "tools/Attempts.h"
 
 #include <gtest/gtest.h>
@@ -38,7 +38,7 @@ MediaStream sound(int index, const std::string& codec, int channels = 2, const s
     return result;
 }
 
-/// The facts of a file with these streams, of which the first video stream is the main one.
+/// The facts of a file with these streams. The first video stream is the main one.
 MediaFacts factsOf(const std::vector<MediaStream>& streams)
 {
     MediaFacts facts;
@@ -68,7 +68,7 @@ std::vector<Attempt> encodings(const std::vector<MediaStream>& streams)
     return attemptsFor(jobOf(Job::Kind::Transcode), factsOf(streams), target);
 }
 
-/// The indexes of the input's streams that are mapped, in their order.
+/// The indexes of the mapped input streams, in their order.
 std::vector<std::string> mapped(const Attempt& attempt)
 {
     std::vector<std::string> indexes;
@@ -240,7 +240,7 @@ TEST(AttemptsTest, anEncodingKeepsTheSoundThatFfmpegWouldChoose)
 TEST(AttemptsTest, anEncodingNamesWhatItLeavesOut)
 {
     const auto attempts = encodings({video, sound(1, "aac"), sound(2, "aac"),
-        stream(3, Kind::Other, "bin_data", "text")}); // titles of chapters, which ffmpeg writes anew
+        stream(3, Kind::Other, "bin_data", "text")}); // titles of chapters, which ffmpeg writes again
     EXPECT_EQ(attempts[0].notice, "tarnwell: stream 2, in aac, is left out\n");
 }
 

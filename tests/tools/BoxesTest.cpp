@@ -16,7 +16,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// The boxes at the top level, each as "type begin content end"; "invalid" where they do not fill the file.
+/// The boxes at the top level, each as "type begin content end"; "invalid" if they do not fill the file.
 std::string boxesOf(const std::string& bytes)
 {
     const MemoryFile file(bytes);

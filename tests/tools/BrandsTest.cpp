@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The brands of a new movie that do not describe an encoding.
+// Removal of the brand of Dolby Vision from a transcode.
 #include "tests/tools/MemoryFile.h"
 #include "tests/tools/MovieBytes.h"
 #include "tools/MetadataBoxes.h"
@@ -19,7 +19,7 @@ std::string movieWith(const std::string& brands)
     return box("ftyp", brands) + box("mdat", "dby1") + movieBox(track("vide"));
 }
 
-/// The movie with these brands after it took over the metadata of a source without any.
+/// A movie with these brands after addMetadata with a source that is not a movie.
 std::string completed(const std::string& brands, bool isCopy)
 {
     const MemoryFile movie(movieWith(brands));

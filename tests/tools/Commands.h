@@ -9,17 +9,17 @@ namespace tarnwell::test
 
 using Words = std::vector<std::string>;
 
-// The argument lists with which the application starts the tools.
+// The application's argument lists for the tools.
 
 Words probeCommand(const std::string& path);
 Words stillCommand(const std::string& position, const std::string& input, const std::string& output);
 Words fixFlagCommand(
     const std::string& input, const std::string& output, const std::string& tag = "rotate=90");
-/// Without filters if `filters` is empty.
+/// Adds no filters if `filters` is empty.
 Words transcodeCommand(
     const std::string& input, const std::string& output, const std::string& filters = "transpose=2");
 
-/// One list after the other.
+/// The words of `first`, then those of `second`.
 Words joined(Words first, const Words& second);
 
 } // namespace tarnwell::test

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What an ffmpeg can do that runs the code of a hostile file: first by itself, then under the tools.
+// The system calls of a hostile ffmpeg: first without confinement, then under the tools.
 #include "tests/support/Files.h"
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/Listener.h"
@@ -40,7 +40,7 @@ protected:
     void SetUp() override
     {
         CreatorTest::SetUp();
-        ::prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY, 0, 0, 0); // where only a parent may trace
+        ::prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY, 0, 0, 0); // for systems on which only a parent may trace
     }
 
     std::string victim() const { return m_home.path() + "diary"; }
@@ -53,7 +53,7 @@ protected:
         return outcome(attack, tools.sniffer(), {"-v", "quiet", input()});
     }
 
-    /// The attack succeeds by itself and fails under both tools.
+    /// Expects the attack to succeed without confinement and to fail under both tools.
     void expectPrevented(const Attack& attack, const std::string& error)
     {
         SCOPED_TRACE(attack.name);
@@ -91,7 +91,7 @@ protected:
         process.wait();
         const auto said = process.said(attack.name + ": ");
         EXPECT_FALSE(said.empty()) << process.errorText();
-        for (const std::string& line : said) // creator runs an ffmpeg that fails more than once
+        for (const std::string& line : said) // creator runs a failing ffmpeg more than once
             EXPECT_EQ(line, said.front());
         return said.empty() ? "" : said.front();
     }
@@ -184,7 +184,7 @@ TEST_F(ConfinementTest, otherProcessesCannotBeReached)
     expectPrevented({"outlive", {}, {}}, notPermitted);
     expectPrevented({"arm", {}, {}}, notPermitted);
     expectPrevented({"slow", {}, {}}, notPermitted);
-    expectPrevented({"users", {}, {}}, notPermitted); // a change of users would allow to outlive creator
+    expectPrevented({"users", {}, {}}, notPermitted); // a change of user clears the parent-death signal
 }
 
 TEST_F(ConfinementTest, noProcessesCanBeStarted)
@@ -198,7 +198,7 @@ TEST_F(ConfinementTest, memoryIsLimited)
     expectPrevented({"map", {}, "2000"}, "Cannot allocate memory");
     expectPrevented({"share", {}, "2"}, notPermitted);
     expectPrevented({"grow", {}, {}}, notPermitted);
-    expectPrevented({"read", {}, "/dev/zero"}, denied); // a shared mapping of it takes memory
+    expectPrevented({"read", {}, "/dev/zero"}, denied); // a shared mapping of it allocates memory
     for (const auto& outcome : {underCreator({"stack", {}, {}}), underSniffer({"stack", {}, {}})})
         EXPECT_EQ(outcome, notPermitted);
 }

@@ -44,7 +44,7 @@ TrackBytes trackOfVersion(int version)
     return bytes;
 }
 
-/// A movie whose last bytes are a track header, the last box of the last track, without `missing` bytes.
+/// A movie that ends with the track header of its last track, without the last `missing` bytes.
 std::string movieEndingInTrackHeader(std::size_t missing)
 {
     const std::string media = box("mdia", box("hdlr", bigEndian(0, 8) + "vide" + bigEndian(0, 12)));

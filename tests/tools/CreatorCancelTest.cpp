@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Signals for creator at any time of its run.
+// Signals to creator at any time of its run.
 #include "tests/support/Files.h"
 #include "tests/tools/CreatorTest.h"
 
@@ -32,7 +32,7 @@ std::set<std::string> pipesOf(const std::string& process)
     return pipes;
 }
 
-/// The name of the program that its only child is; empty without a child.
+/// The program name of its only child; empty if it has no child.
 std::string childOf(pid_t process)
 {
     const std::string task = "/proc/" + std::to_string(process) + "/task/" + std::to_string(process);
@@ -54,7 +54,7 @@ bool hasOwnPipes(pid_t process)
 class CreatorCancelTest : public CreatorTest
 {
 protected:
-    /// Starts the job and sends the signal when ffmpeg has written "ready"; the exit status.
+    /// Starts the job, sends the signal after ffmpeg has written "ready", and returns the exit status.
     int cancelWhenReady(const Words& job, int signal = SIGTERM)
     {
         m_creator = std::make_unique<ToolProcess>(tools.creator(), job);
@@ -63,7 +63,7 @@ protected:
         return m_creator->wait();
     }
 
-    /// The ffmpeg whose script has `say-pid` is killed.
+    /// Expects the ffmpeg whose script has `say-pid` to have ended.
     void expectNoFfmpeg() const { waitUntilGone(std::stoi(m_creator->said("pid ").at(0))); }
 
     std::unique_ptr<ToolProcess> m_creator;
@@ -138,7 +138,7 @@ TEST_F(CreatorCancelTest, anFfprobeThatHangsDoesNotDelayIt)
 class LateCancelTest : public CreatorTest, public testing::WithParamInterface<const char*>
 {
 protected:
-    /// Cancels during that write to the disk.
+    /// Cancels during the fsync of the test's parameter and returns the exit status.
     int cancelLate(const Words& arguments)
     {
         return runWithPause(
@@ -158,7 +158,7 @@ TEST_P(LateCancelTest, leavesNothingButTheOlderFile)
     }
 }
 
-// The first write is that of the data, the second one that of the folder, after the move to the output's
+// The first fsync is that of the file, the second one that of the folder, after the move to the output's
 // path.
 INSTANTIATE_TEST_SUITE_P(Writes, LateCancelTest,
     testing::Values("TARNWELL_FSYNC_WAITS_FOR", "TARNWELL_FOLDER_FSYNC_WAITS_FOR"),
@@ -170,7 +170,7 @@ TEST_F(CreatorCancelTest, aSignalBeforeItsHandlersIsKept)
     tools.setFfmpeg("hang\n");
     for (int round = 0; round < rounds; ++round) {
         writeFile(output(), "older");
-        // A caller may block the signal, in order to cancel at any time after the start.
+        // A caller may block the signal, so that it can cancel at any time after the start.
         ToolProcess creator(tools.creator(), transcode(), {.blocked = SIGTERM});
         creator.signal(SIGTERM);
         EXPECT_EQ(creator.wait(), cancelled);
@@ -201,7 +201,7 @@ TEST_F(CreatorCancelTest, aCallerMayIgnoreTheEndOfChildren)
 TEST_F(CreatorCancelTest, noMomentLeavesAnythingBehind)
 {
     constexpr int rounds = 200;
-    constexpr int longest = 12000; // microseconds; creator and the fake have ended by then
+    constexpr int longest = 12000; // microseconds; creator and the fake have ended after this time
     std::mt19937 random(7);
     std::uniform_int_distribution<int> moment(0, longest);
     setGoodFfmpeg("print out_time_us=1000\\nprogress=continue\\n\nwrite-output half\nsleep 2\n");

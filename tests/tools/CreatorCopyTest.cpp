@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The rotation flag of a file of the MP4 family: a copy of its bytes, made without ffmpeg.
+// A fix flag for a file of the MP4 family: a copy of its bytes, made without ffmpeg.
 #include "tests/support/Files.h"
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MovieBytes.h"
@@ -26,7 +26,7 @@ namespace
 
 const std::string data = box("mdat", std::string(1000, 'd'));
 
-/// Where the display matrices of the tracks begin.
+/// The offsets of the tracks' display matrices.
 std::vector<std::size_t> matrixPlaces(const std::string& bytes)
 {
     std::vector<std::size_t> places;
@@ -35,7 +35,7 @@ std::vector<std::size_t> matrixPlaces(const std::string& bytes)
     return places;
 }
 
-/// The bytes with all matrices emptied.
+/// The bytes with all display matrices set to zero.
 std::string withoutMatrices(std::string bytes)
 {
     for (const auto place : matrixPlaces(bytes))
@@ -46,7 +46,7 @@ std::string withoutMatrices(std::string bytes)
 struct Layout {
     const char* name;
     std::string bytes;
-    std::vector<bool> isTurned; // each track, in order
+    std::vector<bool> isTurned; // one element per track
 };
 
 std::vector<Layout> layouts()
@@ -113,7 +113,7 @@ protected:
         return CreatorTest::runWithPause("TARNWELL_COPY_WAITS_FOR", fixFlag(), action);
     }
 
-    /// The file at the path is the input but for matrices.
+    /// Expects the file at the path to equal the input except for display matrices.
     void expectCopyAt(const std::string& path) const
     {
         EXPECT_TRUE(withoutMatrices(contentsOf(path)) == withoutMatrices(contentsOf(input())));
@@ -209,7 +209,8 @@ TEST_F(CreatorCopyTest, noMomentOfASignalHarmsAnything)
     for (int round = 0; round < rounds; ++round) {
         SCOPED_TRACE(round);
         writeFile(output(), "older");
-        ToolProcess creator(tools.creator(), fixFlag(), {.blocked = SIGTERM}); // as the application starts it
+        ToolProcess creator(
+            tools.creator(), fixFlag(), {.blocked = SIGTERM}); // the application starts it like this
         std::this_thread::sleep_for(std::chrono::microseconds(moment(random)));
         creator.signal(round % 2 == 0 ? SIGTERM : SIGKILL);
         const int status = creator.wait();
@@ -220,7 +221,7 @@ TEST_F(CreatorCopyTest, noMomentOfASignalHarmsAnything)
         else
             EXPECT_TRUE(withoutMatrices(now) == expected || (status != 0 && now == "older")) << status;
         for (const auto& name : otherNames())
-            std::filesystem::remove(tools.at(name)); // also the hidden file of a creator that was killed
+            std::filesystem::remove(tools.at(name)); // including the hidden file of a killed creator
     }
     EXPECT_GT(ended, 0);
 }

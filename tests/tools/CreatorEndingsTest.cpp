@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is at the output's path after each ending of ffmpeg other than a cancel.
+// The file at the output's path after each ending of ffmpeg other than a cancel.
 #include "tests/support/Files.h"
 #include "tests/support/Rows.h"
 #include "tests/tools/CreatorTest.h"
@@ -37,8 +37,8 @@ TEST_F(CreatorEndingsTest, aFixFlagIsInTheHeaderOfTheTrack)
 
 struct FailureRow {
     const char* name;
-    std::string written; // empty: nothing
-    const char* end; // further commands of ffmpeg
+    std::string written; // empty for no file
+    const char* end; // additional commands of ffmpeg
 };
 
 class FailureEndingsTest : public CreatorEndingsTest, public testing::WithParamInterface<FailureRow>
@@ -137,7 +137,7 @@ TEST_F(CreatorEndingsTest, aFolderThatCannotHoldTheOutputIsReported)
     setGoodFfmpeg();
     EXPECT_EQ(run(transcode(input(), tools.at("nowhere/out.mp4"))), 1);
     expectError("No such file or directory");
-    EXPECT_EQ(run(transcode(input(), "/sys/out.mp4")), 1); // refused to the superuser, too
+    EXPECT_EQ(run(transcode(input(), "/sys/out.mp4")), 1); // refused even to root
     expectError("the output cannot be written");
     EXPECT_EQ(otherNames(), Words());
 }

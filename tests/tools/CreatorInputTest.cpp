@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// An output path that leads to the input. That the input keeps its bytes is what each test looks at in its
-// end.
+// Output paths that lead to the input. Each test ends with a check that the bytes of the input have not
+// changed.
 #include "tests/support/Files.h"
 #include "tests/tools/CreatorTest.h"
 
@@ -16,7 +16,7 @@ namespace tarnwell::test
 class CreatorInputTest : public CreatorTest
 {
 protected:
-    /// An ffmpeg that works, then one that fails after it has written, then one that is cancelled.
+    /// An ffmpeg that succeeds, one that fails after it has written, and one that is cancelled.
     Words scripts()
     {
         const std::string whole = writing(movie());
@@ -44,7 +44,7 @@ TEST_F(CreatorInputTest, aHardLinkToItIsReplaced)
         const int status = run(transcode());
         EXPECT_EQ(exists(output()), status == 0);
     }
-    EXPECT_EQ(std::filesystem::hard_link_count(input()), 4U); // all three are put aside
+    EXPECT_EQ(std::filesystem::hard_link_count(input()), 4U); // all three are renamed
     EXPECT_TRUE(exists(tools.at("Rotated (original).mp4")));
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The runs of ffmpeg that follow one that failed.
+// The runs of ffmpeg after a failed one.
 #include "tests/support/Files.h"
 #include "tests/support/Rows.h"
 #include "tests/tools/CreatorTest.h"
@@ -34,7 +34,7 @@ protected:
         tools.setFfprobe("print-file " + tools.addData("streams.json", reportWith(sounds)) + "\n");
     }
 
-    /// The exit status of a job whose ffmpeg runs the commands in `before` first.
+    /// Runs a job whose ffmpeg first runs the commands in `before`; returns the exit status.
     int runWith(const Words& job, const std::string& before)
     {
         setGoodFfmpeg("say-arguments\n" + before);
@@ -54,7 +54,7 @@ struct RetryRow {
     const char* before; // commands of ffmpeg
     int status;
     int runs;
-    const char* omission; // what creator reports as left out
+    const char* omission; // the message of creator about omitted streams
 };
 
 class RetryTableTest : public CreatorRetryTest, public testing::WithParamInterface<RetryRow>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A still is always a picture.
+// A still job always produces a picture.
 #include "tests/support/Files.h"
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MatrixText.h"
@@ -20,7 +20,7 @@ class CreatorStillTest : public CreatorTest
 protected:
     std::string picture() const { return tools.at("still.jpg"); }
 
-    /// The picture that a run leaves.
+    /// The still after a run with this script.
     std::string pictureAfter(const std::string& ffmpegScript)
     {
         tools.setFfmpeg(ffmpegScript);
@@ -39,7 +39,7 @@ protected:
         tools.setFfprobe("print-file " + tools.addData("report.json", report.dump()) + "\n");
     }
 
-    const std::string frame = placeholderPicture(33, 22); // stands for a decoded frame
+    const std::string frame = placeholderPicture(33, 22); // represents a decoded frame
 };
 
 TEST_F(CreatorStillTest, ffmpegIsRunOnceForThatPosition)

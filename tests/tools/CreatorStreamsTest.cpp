@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// creator's standard streams, and what ffmpeg inherits from it.
+// The standard streams of creator, and the environment and descriptors that ffmpeg inherits.
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/support/Rows.h"
@@ -35,7 +35,7 @@ bool isStatusLine(const std::string& line)
 class CreatorStreamsTest : public CreatorTest
 {
 protected:
-    /// What creator writes to standard error, one element per write, if ffmpeg runs these commands.
+    /// The writes of creator to standard error, one element each, if ffmpeg runs these commands.
     Words writesFor(const std::string& commands)
     {
         setGoodFfmpeg(commands);
@@ -43,7 +43,7 @@ protected:
         return lastRun().errors();
     }
 
-    /// creator makes its output although its standard streams have that state.
+    /// Expects creator to make its output with standard streams in that state.
     void expectSuccessWith(const ToolSetup& setup)
     {
         std::filesystem::remove(output());
@@ -137,7 +137,7 @@ TEST_F(CreatorStreamsTest, aListenerThatDoesNotReadDoesNotStopIt)
 {
     std::string talk;
     for (int line = 0; line < 300; ++line)
-        talk += "error " + std::string(3000, 'x') + "\\n\n"; // far more than a pipe holds
+        talk += "error " + std::string(3000, 'x') + "\\n\n"; // more than the capacity of a pipe
     setGoodFfmpeg(talk);
     expectSuccessWith({.errors = ToolSetup::ErrorStream::NotListened});
     setGoodFfmpeg(talk + "hang\n");

@@ -16,7 +16,8 @@
 namespace tarnwell::test
 {
 
-/// Runs creator with a fake for ffmpeg. After each test the input has its old content and time.
+/// Runs creator with a fake ffmpeg. After each test, checks that the content and time of the input have not
+/// changed.
 class CreatorTest : public testing::Test
 {
 protected:
@@ -27,10 +28,10 @@ protected:
 
     std::string input() const { return tools.at("clip.mp4"); }
     std::string output() const { return tools.at("Rotated.mp4"); }
-    /// Where an older file at the output's path is renamed to.
+    /// The new path of an older file at the output's path.
     std::string previousPath() const { return tools.at("Rotated (previous).mp4"); }
 
-    /// Another content for the input.
+    /// Replaces the content of the input.
     void setInput(const std::string& bytes);
 
     Words still() const { return still("1.5", output()); }
@@ -46,29 +47,29 @@ protected:
         return transcodeCommand(from, to, "hflip");
     }
 
-    /// An ffmpeg that writes a whole movie or picture, after the commands in `before`.
+    /// Sets an ffmpeg that runs the commands in `before` and then writes a complete movie or picture.
     void setGoodFfmpeg(const std::string& before = {});
-    /// The movie that it writes.
+    /// The movie that this ffmpeg writes.
     static std::string movie();
-    /// The command with which a fake writes the bytes to its output.
+    /// The fake tool's command that writes the bytes to its output.
     std::string writing(const std::string& bytes);
 
-    /// Runs creator to its end; its exit status. The process can be looked at afterwards.
+    /// Runs creator to its end and returns its exit status. `lastRun` returns the ended process.
     int run(const Words& arguments, const ToolSetup& setup = {});
     const ToolProcess& lastRun() const { return *m_process; }
-    /// The same, and calls `action` while creator waits in a system call; see tests/faults/failingCalls.cpp
-    /// for the names of the variables.
+    /// Like run, but calls `action` while creator waits in a system call. `variable` names the call, see
+    /// tests/faults/failingCalls.cpp.
     int runWithPause(const std::string& variable, const Words& arguments,
         const std::function<void(const ToolProcess&)>& action);
-    /// The last run has written the text to standard error.
+    /// Expects the text in the standard error of the last run.
     void expectError(const std::string& text) const;
 
-    /// The names in the folder of videos, without the input's.
+    /// The names in the folder of videos, except that of the input.
     Words otherNames() const;
-    /// Nothing is left but the file that was at the output's path, whose content was "older". Deletes it.
+    /// Expects the older file, with the content "older", to be the only file besides the input. Deletes it.
     void expectOnlyOlderFile() const;
 
-    /// Where the input is expected after the test, if creator renames it.
+    /// Sets the path of the input after the test, for tests in which creator renames it.
     void expectInputAt(const std::string& path) { m_inputAfterwards = path; }
     std::string originalPath() const { return tools.at("clip (original).mp4"); }
 

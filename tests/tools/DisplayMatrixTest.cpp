@@ -153,7 +153,7 @@ TEST(TurnTest, quarterTurnsToTheLeftCountTheOtherWayRound)
 
 TEST(TurnTest, aQuarterTurnToTheLeftBringsTheRightSideUp)
 {
-    // Point (1, 0), the right side, is shown at (a, b): above the origin, where y is negative.
+    // Point (1, 0), the right side, is shown at (a, b): above the origin, because y points downwards.
     expectNear(turnedLeft(90), {0, -1, 1, 0});
 }
 
@@ -165,7 +165,7 @@ TEST(TurnTest, aTurnAfterAnyOrientationTurnsWhatIsShown)
             SCOPED_TRACE(std::string(row.name) + ", then quarter turns: " + std::to_string(quarters));
             const DisplayMatrix& shown = row.matrix;
             const DisplayMatrix turn = turns[quarters];
-            // Where (1, 0) and (0, 1) go, one step after the other.
+            // The images of (1, 0) and (0, 1) after both steps.
             const DisplayMatrix expected = {
                 shown.a * turn.a + shown.b * turn.c,
                 shown.a * turn.b + shown.b * turn.d,

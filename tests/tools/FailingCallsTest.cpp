@@ -25,9 +25,8 @@ constexpr int mostTimes = 200;
 class FailingCallsTest : public CreatorTest, public testing::WithParamInterface<std::string>
 {
 protected:
-    /// Runs the tool again and again, and makes another occurrence of the call fail each time, until it no
-    /// longer makes so many. Calls `check` with the exit status of each run; returns the number of failed
-    /// calls.
+    /// Runs the tool repeatedly, with another occurrence of the call failing each time, until the tool makes
+    /// fewer such calls. Calls `check` with the exit status of each run. Returns the number of failed calls.
     int failEachCall(
         const std::string& program, const Words& arguments, const std::function<void(int status)>& check)
     {
@@ -53,7 +52,7 @@ protected:
         return mostTimes;
     }
 
-    /// The output is whole or missing, and an older file is never lost.
+    /// Expects a complete output or none, and an older file that still exists.
     void expectGoodEnding(int status, std::size_t otherSize = 0)
     {
         const std::string now = contentsOf(output());

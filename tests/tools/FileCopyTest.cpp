@@ -22,7 +22,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// A file on the disk that has no name any more.
+/// An unnamed file on the disk.
 class DiskFile
 {
 public:

@@ -33,7 +33,7 @@ class HiddenFilesTest : public testing::Test
 protected:
     std::string at(const std::string& name) const { return m_folder.path() + name; }
 
-    /// As a killed process leaves it.
+    /// Creates a hidden file like that of a killed process and returns its name.
     std::string leaveFile(Hours age)
     {
         std::string name;

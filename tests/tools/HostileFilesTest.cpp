@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Files with the name of a video that refer to other files or addresses: first with ffprobe and ffmpeg alone,
-// then under the tools.
+// Files with a video's name that refer to other files or addresses: first with ffprobe and ffmpeg alone, then
+// under the tools.
 #include "tests/support/Files.h"
 #include "tests/tools/Listener.h"
 #include "tests/tools/RealTools.h"
@@ -29,7 +29,7 @@ protected:
         return "#EXTM3U\n#EXT-X-TARGETDURATION:2\n#EXTINF:1,\n" + part + "\n#EXT-X-ENDLIST\n";
     }
 
-    /// Whether the report describes the picture of the other file.
+    /// Whether the report contains data of the other file's picture.
     static bool describesSecret(const std::string& program, const Words& options, const std::string& file)
     {
         ToolProcess process(program,
@@ -46,7 +46,7 @@ TEST_F(HostileFilesTest, aReportDescribesNoOtherFile)
 {
     EXPECT_TRUE(describesSecret(realFfprobe, {}, at("script.mp4")));
     EXPECT_FALSE(describesSecret(builtSniffer, {}, at("script.mp4")));
-    // Newer versions need the format of a playlist.
+    // Newer versions accept a playlist with this name only if the format is given.
     EXPECT_TRUE(describesSecret(realFfprobe, {"-f", "hls"}, at("playlist.mp4")));
     EXPECT_FALSE(describesSecret(builtSniffer, {"-f", "hls"}, at("playlist.mp4")));
     EXPECT_TRUE(describesSecret(builtSniffer, {}, at("secret.mp4")));
@@ -54,7 +54,7 @@ TEST_F(HostileFilesTest, aReportDescribesNoOtherFile)
 
 TEST_F(HostileFilesTest, aStillShowsNothingOfAnotherFile)
 {
-    // The frame that creator falls back on; ffmpeg cannot seek in such a script.
+    // The arguments of creator's second attempt; ffmpeg cannot seek in such a script.
     const Words first = {"-i", at("script.mp4"), "-frames:v", "1", "-y", at("still.jpg")};
     EXPECT_EQ(runTool(realFfmpeg, joined({"-v", "quiet"}, first)), 0);
     const std::string shown = contentsOf(at("still.jpg"));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An input that is changed or cannot be read while ffmpeg, here a fake that succeeds all the same, works.
+// Inputs that change or cannot be read during the run of ffmpeg. The fake ffmpeg succeeds nevertheless.
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
@@ -30,7 +30,7 @@ protected:
         return {"-i", video(), "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=90", "-y", output()};
     }
 
-    /// Runs creator, with the action while ffmpeg works. The exit status.
+    /// Runs creator, calls the action during the run of ffmpeg, and returns the exit status.
     int statusWith(const std::vector<std::string>& arguments, const std::function<void()>& action)
     {
         const std::string done = tools.at("done");
@@ -58,7 +58,8 @@ protected:
         }
     }
 
-    /// creator with an ffmpeg that prints the message and then succeeds, and a call that fails.
+    /// Runs creator with an ffmpeg that prints the message and succeeds, and with a failing call; returns the
+    /// exit status.
     int statusAfterMessage(const std::string& message, const std::string& call)
     {
         setGoodFfmpeg(message.empty() ? "" : "error " + message + "\\n\n");

@@ -19,7 +19,7 @@ class InputFileTest : public testing::Test
 protected:
     std::string at(const std::string& name) const { return m_folder.path() + name; }
 
-    /// The file with a modification time in the past, so that every later write has another one.
+    /// Creates the file with a modification time in the past, so that every later write changes the time.
     std::string madeFile(const std::string& name, const std::string& bytes) const
     {
         writeFile(at(name), bytes);

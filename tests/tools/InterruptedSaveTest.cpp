@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Cancels and kills creator at each of the calls with which it finishes a file, and makes each of them fail.
+// Cancels and kills creator at each call that finishes a file, and makes each of these calls fail.
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
@@ -22,7 +22,7 @@ constexpr int mostTimes = 50;
 const std::string previous = "Rotated (previous).mp4";
 const std::string finished = "Rotated (finished).mp4";
 
-/// What the file system of the output lacks.
+/// A file system that lacks some operations.
 struct FileSystem {
     const char* name;
     std::vector<RefusedCall> refused;
@@ -66,8 +66,8 @@ protected:
         setGoodFfmpeg();
     }
 
-    /// Starts a save, sends the signal while the call waits for the given time, and waits for the end. False
-    /// if creator ended without so many calls; `m_status` is its exit status in either case.
+    /// Starts a save, sends the signal during occurrence `time` of the call, and waits for the end. False if
+    /// creator makes fewer such calls. Sets `m_status` to the exit status.
     bool interrupt(int time, int signal)
     {
         const std::string goOn = tools.addData("go on", "");
@@ -101,7 +101,7 @@ protected:
             std::filesystem::remove(tools.at(name));
     }
 
-    /// Runs `check` after an interruption at the first call, at the second, and so on.
+    /// Calls `check` after an interruption at the first occurrence of the call, at the second, and so on.
     template <typename Check>
     void interruptEachCall(int signal, const std::string& older, Check check)
     {
@@ -154,7 +154,7 @@ TEST_P(InterruptedSaveTest, aKillLeavesTheOlderFileUnderItsNameOrPutAside)
     interruptEachCall(SIGKILL, "older", [this] {
         const std::string now = contentsOf(output());
         const std::string aside = contentsOf(tools.at(previous));
-        // The older file is deleted by the last call, which a killed process has not made.
+        // The last call deletes the older file; a killed process has not made this call.
         const bool hasOlder = now == "older" || aside == "older";
         EXPECT_TRUE(m_status == 0 ? now == movie() : hasOlder) << m_status;
         EXPECT_TRUE(now.empty() || now == "older" || now == movie());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The three argument lists that creator accepts, and the arguments for ffmpeg made of them.
+// The three argument lists that creator accepts, and ffmpeg's arguments for them.
 #include "tools/Job.h"
 
 #include "tests/support/Rows.h"

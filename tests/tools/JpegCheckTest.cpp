@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What creator accepts as a still, against the decoder that the application uses.
+// Compares the check of stills with the application's decoder.
 #include "tools/JpegCheck.h"
 
 #include "tests/tools/MemoryFile.h"
@@ -23,7 +23,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// A picture with some detail in that format.
+/// A picture with some detail, encoded in that format.
 std::string encoded(const char* format, QImage::Format pixels = QImage::Format_RGB32)
 {
     QImage picture(67, 45, pixels);
@@ -39,14 +39,14 @@ std::string encoded(const char* format, QImage::Format pixels = QImage::Format_R
 
 bool isDecoded(const std::string& bytes)
 {
-    QImageReader::setAllocationLimit(1024); // MiB, as in the application
+    QImageReader::setAllocationLimit(1024); // MiB; the limit of the application
     QByteArray data(bytes.data(), static_cast<qsizetype>(bytes.size()));
     QBuffer buffer(&data);
     QImageReader reader(&buffer, "jpeg");
     return !reader.read().isNull();
 }
 
-/// Overwrites, removes or repeats a few bytes, in most cases before the scan's data.
+/// Overwrites, removes or repeats a few bytes, in most cases before the scan data.
 std::string damaged(std::string bytes, std::mt19937& random)
 {
     const auto upTo

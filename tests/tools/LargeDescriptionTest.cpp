@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Descriptions of movies that are larger than memory should be. The files are sparse.
+// Movie descriptions that are too large for the memory. The files are sparse.
 #include "tests/support/Files.h"
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MemoryFile.h"
@@ -22,15 +22,15 @@ namespace
 
 constexpr std::uint64_t gibibyte = std::uint64_t(1) << 30U;
 constexpr std::uint64_t hugeSize = 3 * gibibyte;
-constexpr long mostMemory = 256L * 1024; // KiB; several times what a small file takes
+constexpr long mostMemory = 256L * 1024; // KiB; several times the memory for a small file
 
-/// A box of eight bytes that begins a content of `size` zeros, which are not there.
+/// The header of a box with `size` zeros as its content. The caller adds the zeros as a hole.
 std::string boxOfZeros(const std::string& type, std::uint64_t size)
 {
     return bigEndian(1, 4) + type + bigEndian(size + 16, 8);
 }
 
-/// A description with a box of zeros, which are not there, as its last part.
+/// A movie whose description ends with a box of zeros. The caller adds the zeros as a hole.
 std::string hugeMovie(const std::string& type, std::uint64_t size)
 {
     const std::string parts = movieHeader() + track("vide") + boxOfZeros(type, size);
@@ -43,7 +43,7 @@ void writeWithZeros(int file, const std::string& bytes, std::uint64_t zeros)
     ASSERT_EQ(::ftruncate(file, static_cast<off_t>(bytes.size() + zeros)), 0);
 }
 
-/// The peak of resident memory of all ended child processes, in KiB.
+/// The highest peak of resident memory of all ended child processes, in KiB.
 long peakOfChildren()
 {
     rusage usage = {};
@@ -56,7 +56,7 @@ long peakOfChildren()
 class LargeDescriptionTest : public CreatorTest
 {
 protected:
-    /// A file of this brand whose description has a part of 3 GiB.
+    /// Creates a file of this brand with a description of 3 GiB. Returns the arguments of a fix flag for it.
     std::vector<std::string> flagOfHugeFile(const std::string& brand, const std::string& part)
     {
         m_begin = fileType(brand) + box("mdat", std::string(1000, 'd')) + hugeMovie(part, hugeSize);
@@ -69,7 +69,7 @@ protected:
         return arguments;
     }
 
-    std::string m_begin; // of the huge file, before its zeros
+    std::string m_begin; // the huge file before its zeros
 };
 
 TEST_F(LargeDescriptionTest, isCopiedWithoutTakingMemory)

@@ -6,7 +6,7 @@
 namespace tarnwell::test
 {
 
-/// A server on the loopback interface that hangs up on everybody.
+/// A server on the loopback interface that closes every connection at once.
 class Listener
 {
 public:
@@ -20,7 +20,7 @@ public:
     /// Whether there was a connection since the last call of this function.
     bool wasCalled() const;
 
-    /// Waits for a call. False where none comes.
+    /// Waits for a connection. False after 30 seconds without one.
     bool isCalled() const;
 
 private:

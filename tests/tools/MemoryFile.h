@@ -7,7 +7,7 @@
 namespace tarnwell::test
 {
 
-/// A file in memory, without a name, that is open for reading and writing.
+/// An unnamed file in memory that is open for reading and writing.
 class MemoryFile
 {
 public:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the tools print on standard error besides status lines.
+// Messages of the tools on standard error other than status lines.
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
@@ -13,7 +13,7 @@ namespace tarnwell::test
 class MessagesTest : public CreatorTest
 {
 protected:
-    /// creator with a call that fails once, see tests/faults/failingCalls.cpp.
+    /// Runs creator with a call that fails once, see tests/faults/failingCalls.cpp.
     static ToolSetup failing(const std::string& call)
     {
         ToolSetup setup;
@@ -47,7 +47,7 @@ TEST_F(MessagesTest, aMoveThatFailsIsReported)
     }
 }
 
-/// The window takes a line with "time=" for a status line and stops if it has no time stamp.
+/// The window treats a line with "time=" as a status line and stops if it has no time stamp.
 TEST_F(MessagesTest, aPathIsNeverTakenForAStatusLine)
 {
     const std::string folder = tools.at("time=9:99 01:02:03.04/");

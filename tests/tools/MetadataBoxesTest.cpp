@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the description of a new movie takes over from the file it was made from.
+// The metadata that a new movie keeps from its source.
 #include "tools/MetadataBoxes.h"
 
 #include "tests/tools/MemoryFile.h"
@@ -35,7 +35,7 @@ struct Dates {
     }
 };
 
-/// The content of "mvhd" and "tkhd", but for their ends.
+/// The content of "mvhd" or "tkhd" without its last fields.
 std::string header(const std::string& type, const Dates& dates, std::uint32_t id = 0)
 {
     const int timeSize = dates.version == 1 ? 8 : 4;
@@ -95,7 +95,7 @@ Result added(const std::string& movie, const std::string& source, MetadataSource
     return {result, movieFile.contents()};
 }
 
-/// The movie after it took over from a file with these boxes in its description.
+/// The movie after addMetadata with a source whose description has these boxes.
 std::string after(const std::string& parts, const std::string& sourceParts, bool isCopy = true)
 {
     MetadataSource how;
@@ -109,7 +109,7 @@ std::string after(const std::string& parts, const std::string& sourceParts, bool
 
 TEST(MetadataBoxesTest, datesAreTakenOverInEveryVersionOfAHeader)
 {
-    const std::uint64_t late = std::uint64_t(1) << 32U; // more than version 0 holds
+    const std::uint64_t late = std::uint64_t(1) << 32U; // exceeds the 32 bits of version 0
     struct Row {
         const char* name;
         Dates source;

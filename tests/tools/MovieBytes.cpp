@@ -6,7 +6,7 @@ namespace tarnwell::test
 
 std::string bigEndian(std::uint64_t number, int bytes)
 {
-    constexpr int bytesOfNumber = sizeof number; // and zeros before them
+    constexpr int bytesOfNumber = sizeof number; // zero-extended
     std::string text;
     for (int place = bytes - 1; place >= 0; --place)
         text += place < bytesOfNumber ? static_cast<char>(number >> (8 * place) & 0xFFU) : '\0';

@@ -30,7 +30,7 @@ bool isComplete(const std::string& bytes)
 
 const std::string data = box("mdat", std::string(1000, 'd'));
 
-/// A file whose tracks are these.
+/// A file with these tracks.
 std::string fileOf(const std::string& tracks)
 {
     return fileType() + movieBox(tracks) + data;
@@ -82,13 +82,13 @@ const std::string header = trackHeader({});
 const std::string handler = box("hdlr", bigEndian(0, 8) + "soun" + bigEndian(0, 12));
 const std::string media = box("mdia", handler);
 
-/// A file with a video track and another one with this content.
+/// A file with a video track and another track with this content.
 std::string fileWith(const std::string& trackContent)
 {
     return fileOf(video + box("trak", trackContent));
 }
 
-/// A file whose description has these parts.
+/// A file with these boxes in its description.
 std::string described(const std::string& parts)
 {
     return fileType() + box("moov", parts) + data;

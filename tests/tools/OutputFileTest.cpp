@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A file that appears whole or not at all.
+// Output files that appear complete or not at all.
 #include "tools/OutputFile.h"
 
 #include "platform/TemporaryDirectory.h"
@@ -26,7 +26,7 @@ using Names = std::vector<std::string>;
 
 void write(const OutputFile& file, const std::string& text)
 {
-    // As a child does it, by the path that it is given.
+    // A child process opens the file by this path.
     const int descriptor = ::open(file.writablePath().c_str(), O_WRONLY | O_TRUNC);
     ASSERT_GE(descriptor, 0);
     EXPECT_EQ(::write(descriptor, text.data(), text.size()), static_cast<ssize_t>(text.size()));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Folders that change during a save, and names that a file system does not accept.
+// Folders that are replaced during a save, and names that a file system does not accept.
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/tools/CreatorTest.h"
@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 const std::string library = "LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so";
 
-/// File systems with unnamed files and without.
+/// File systems with and without unnamed files.
 const std::vector<std::vector<RefusedCall>> fileSystems = {{}, {RefusedCall::OpenNameless}};
 
 } // namespace
@@ -30,7 +30,7 @@ const std::vector<std::vector<RefusedCall>> fileSystems = {{}, {RefusedCall::Ope
 class SwappedFolderTest : public CreatorTest
 {
 protected:
-    /// Another folder, a link to it, or nothing takes the path of the output's folder while ffmpeg works.
+    /// The replacement of the output's folder at its path during the run of ffmpeg.
     enum class Successor { Folder, Link, Nothing };
 
     void saveDuringSwap(Successor successor, const std::vector<RefusedCall>& refused, int ffmpegStatus)
@@ -58,7 +58,8 @@ protected:
         EXPECT_EQ(creator.wait(), ffmpegStatus);
     }
 
-    /// Expects that the other folder is unchanged, and deletes all.
+    /// Expects the file to be the only one in the moved folder and the other folder to be unchanged. Deletes
+    /// both.
     void expectOnlyIn(const std::string& name, const std::string& contents)
     {
         const std::string other = fs::is_directory(tools.at("other")) ? "other" : "folder";
@@ -94,7 +95,7 @@ TEST_F(SwappedFolderTest, theOlderFileIsPutAsideInTheFolderThatWasChosen)
 class LongNameTest : public CreatorTest
 {
 protected:
-    /// Cancels nothing, fails nothing: saves over an older file. The exit status.
+    /// Saves over an older file and returns the exit status.
     int saveOver(const std::string& path, const std::vector<std::string>& variables = {})
     {
         setGoodFfmpeg();
@@ -105,7 +106,7 @@ protected:
         return creator.wait();
     }
 
-    /// Fails with an older file at the path; the names in its folder without that of the input.
+    /// Runs a failing save over an older file. Returns the names in its folder, except that of the input.
     Names namesAfterFailure(const std::string& path, const std::vector<std::string>& variables = {})
     {
         tools.setFfmpeg("exit 1\n");

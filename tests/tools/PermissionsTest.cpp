@@ -47,7 +47,7 @@ bool save(const std::string& path, mode_t mode)
 class PermissionsTest : public CreatorTest
 {
 protected:
-    /// On file systems with unnamed files and without.
+    /// Saves on file systems with and without unnamed files.
     void expectSaved(const std::string& path, mode_t mode, mode_t expected)
     {
         const mode_t before = exists(path) ? permissionsOf(path) : 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The grey picture, read by another program's decoder.
+// The grey picture, read with another decoder.
 #include "tools/Placeholder.h"
 
 #include <QBuffer>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The new names of older files, and when two paths mean one directory entry.
+// The new names of older files, and the comparison of directory entries.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 #include "tests/tools/RefusedCall.h"
@@ -21,7 +21,7 @@ namespace
 
 using Names = std::vector<std::string>;
 
-/// The new path; empty where nothing was renamed.
+/// Returns the new path; empty if no file was renamed.
 std::string putAside(const std::string& path, const std::string& word)
 {
     const OutputPlace place(path);
@@ -190,7 +190,7 @@ TEST_F(EntryTest, aLinkMeansItsTarget)
     std::filesystem::create_symlink("../c.mp4", at("sub/c.mp4"));
     for (const char* link : {"c.mp4", "sub/c.mp4"}) {
         EXPECT_TRUE(isEntryOf(at("a.mp4"), at(link))) << link;
-        EXPECT_FALSE(isEntryOf(at(link), at("a.mp4"))) << link; // what stands there is only the link
+        EXPECT_FALSE(isEntryOf(at(link), at("a.mp4"))) << link; // the entry is a link, not the file
     }
 }
 

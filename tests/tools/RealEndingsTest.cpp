@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How real exports end on full disks, in folders that cannot be written, and when they are cancelled or
-// killed at any moment. TARNWELL_ROUNDS sets how many moments are tried.
+// Real exports on full disks, in folders without write permission, and with cancels and kills at random
+// moments. TARNWELL_ROUNDS sets the number of moments.
 #include "tests/support/Files.h"
 #include "tests/tools/RealTools.h"
 #include "tests/tools/SmallDisk.h"
@@ -54,7 +54,7 @@ protected:
     Words fixFlag() const { return fixFlagCommand(input(), output()); }
     Words still() const { return stillCommand("1.5", input(), output()); }
 
-    /// How long the export takes without a signal.
+    /// The duration of the export without a signal.
     std::chrono::microseconds usualTime() const
     {
         const auto begin = Clock::now();
@@ -63,7 +63,7 @@ protected:
         return std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin);
     }
 
-    /// Sends the signal at a random moment of each round; how many rounds ended in which way.
+    /// Sends the signal at a random moment of each round. Returns the number of rounds per exit status.
     std::map<int, int> endingsWith(int signal)
     {
         std::mt19937 random(static_cast<unsigned int>(signal));

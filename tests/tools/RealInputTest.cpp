@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the installed FFmpeg makes of inputs that are changed or end early.
+// Inputs that are changed, cut or replaced, with the installed FFmpeg.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
@@ -47,7 +47,7 @@ protected:
             "rotate=0", "-y", at("out.mp4")};
     }
 
-    /// The status of ffprobe for a file that a named pipe replaces after it was opened.
+    /// The exit status of ffprobe for a file that a named pipe replaces after it was opened.
     int statusForSwappedFile(std::chrono::milliseconds longest) const
     {
         const std::string path = at("swapped.mp4");
@@ -94,7 +94,7 @@ TEST_F(RealInputTest, aFileThatWasCutBeforeIsSavedAsFarAsItDecodes)
     EXPECT_GT(std::stod(probe.output()), 1);
 }
 
-/// The H.264 encoder takes even sizes only, so that nothing is left of a side of one pixel.
+/// The H.264 encoder accepts even sizes only; cropping a side of one pixel leaves none.
 TEST_F(RealInputTest, aPictureOfOnePixelInASideCannotBeEncoded)
 {
     for (const std::string size : {"1:64", "64:1"}) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What creator makes of unusual pixels and sound with the installed ffmpeg.
+// Videos with unusual pixels and sound, processed by creator with the installed ffmpeg.
 #include "tests/support/Files.h"
 #include "tests/tools/RealTools.h"
 
@@ -13,7 +13,7 @@ namespace tarnwell::test
 class RealStreamsTest : public RealTools
 {
 protected:
-    /// One second of H.264 video, with these options of ffmpeg.
+    /// Makes one second of H.264 video with these options of ffmpeg.
     void makeClip(const std::string& path, const std::string& size, const Words& options) const
     {
         makeVideo(path, "testsrc=size=" + size + ":rate=10:duration=1", joined(options, h264()));
@@ -30,7 +30,7 @@ protected:
 
     static nlohmann::json streamsOf(const std::string& path) { return report(path, realFfprobe)["streams"]; }
 
-    /// A hash of the first sound stream in that codec; "copy" for its packets.
+    /// A hash of the first sound stream in that codec; "copy" hashes its packets.
     static std::string soundHash(const std::string& path, const std::string& codec = "copy")
     {
         ToolProcess process(realFfmpeg,
@@ -76,7 +76,7 @@ TEST_F(RealStreamsTest, aacSoundIsCopiedIntoAnEncoding)
         ASSERT_EQ(transcode(at(name), at("out.mp4")), 0) << name;
         EXPECT_EQ(soundHash(at("out.mp4")), soundHash(at(name))) << name;
     }
-    makeClip(at("clip.ts"), "64x48", options); // whose packets have a header each
+    makeClip(at("clip.ts"), "64x48", options); // AAC with a header in each packet
     ASSERT_EQ(transcode(at("clip.ts"), at("out.mp4")), 0);
     EXPECT_EQ(streamsOf(at("out.mp4"))[1]["codec_name"], "aac");
     EXPECT_EQ(soundHash(at("out.mp4")), soundHash(at("clip.mp4")));
@@ -86,7 +86,7 @@ TEST_F(RealStreamsTest, soundOfAnyLayoutIsEncoded)
 {
     struct Row {
         const char* channels;
-        const char* layout; // empty: ffmpeg knows the number of channels only
+        const char* layout; // empty: only the number of channels is known
         int expected;
     };
     writeFile(at("sound.raw"), std::string(96000, 's'));

@@ -21,16 +21,16 @@ inline const std::string realFfprobe = "/usr/bin/ffprobe";
 inline const std::string builtCreator = TARNWELL_BUILD_FOLDER "/libexec/tarnwell/creator";
 inline const std::string builtSniffer = TARNWELL_BUILD_FOLDER "/libexec/tarnwell/sniffer";
 
-/// Both tools with the installed ffprobe and ffmpeg, and a folder for videos.
+/// Runs both tools with the installed ffprobe and ffmpeg, with a folder for videos.
 class RealTools : public testing::Test
 {
 protected:
     const std::string& folder() const { return m_folder.path(); }
     std::string at(const std::string& name) const { return folder() + name; }
 
-    /// Makes a video from one of ffmpeg's own picture sources, such as "testsrc".
+    /// Makes a video from one of ffmpeg's test sources, such as "testsrc".
     void makeVideo(const std::string& path, const std::string& source, const Words& options) const;
-    /// The options of a quick H.264 encoding.
+    /// Options for a fast H.264 encoding.
     static Words h264() { return {"-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p"}; }
 
     static int creator(const Words& command) { return runTool(builtCreator, command); }
@@ -39,7 +39,7 @@ protected:
     QImage still(const std::string& path, const std::string& position = "0.5") const;
     static QImage imageAt(const std::string& path);
 
-    /// The report of one of the two probes.
+    /// The report of sniffer or ffprobe.
     static nlohmann::json report(const std::string& path, const std::string& program = builtSniffer);
 
 private:

@@ -31,7 +31,7 @@ char colourAt(const QImage& picture, int x, int y)
     return colour.blue() > bright ? 'B' : '?';
 }
 
-/// The colours of the four quarters, row by row, and which way the picture lies.
+/// The colours of the four quarters, row by row, and whether the picture is wide or tall.
 std::string looks(const QImage& picture)
 {
     const int x = picture.width() / 4;
@@ -46,7 +46,7 @@ std::string looks(const QImage& picture)
     return text + (picture.width() > picture.height() ? " wide" : " tall");
 }
 
-/// What a quarter turn to the left makes of such looks.
+/// The result of looks after a quarter turn to the left.
 std::string turnedLeft(const std::string& looks)
 {
     const std::string corners = {looks[1], looks[3], looks[0], looks[2]};
@@ -68,7 +68,7 @@ protected:
     std::string clip() const { return at("clip.mp4"); }
     std::string out() const { return at("out.mp4"); }
 
-    /// Makes the clip: red and green above blue and yellow, two seconds, with a tone.
+    /// Makes a clip of two seconds with sound: red and green above blue and yellow.
     void makeClip(const Words& options = {}) const
     {
         const auto quarter = [](const char* place, const char* colour) {
@@ -90,7 +90,7 @@ protected:
 
     std::string preview(const std::string& path) const { return looks(still(path, "1.0")); }
 
-    /// What players show.
+    /// The looks of the video as players show it.
     std::string shown(const std::string& path) const
     {
         const Words words = {"-v", "error", "-nostdin", "-ss", "1.0", "-i", "file:" + path, "-frames:v", "1",

@@ -22,8 +22,8 @@ namespace
 
 struct Rule {
     std::uint32_t number; // of the call
-    std::uint32_t argument; // which one is looked at, counted from 0
-    int comparison; // BPF_JSET: any of these bits; BPF_JEQ: this value; BPF_JGE: at least this
+    std::uint32_t argument; // index of the compared argument, from 0
+    int comparison; // BPF_JSET: any of these bits; BPF_JEQ: equal; BPF_JGE: at least
     std::uint32_t value;
     std::uint32_t error;
 };
@@ -69,7 +69,7 @@ bool refuse(const Rule& rule)
         {code(BPF_RET | BPF_K), 0, 0, SECCOMP_RET_ALLOW},
     };
     const sock_fprog program = {static_cast<unsigned short>(steps.size()), steps.data()};
-    // By the call that is refused last.
+    // Used by the call that is refused last.
     return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0
         && ::syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, 0, &program) == 0;
 }

@@ -6,28 +6,26 @@
 namespace tarnwell::test
 {
 
-/// A system call that some file systems and kernels refuse which others offer.
+/// A system call that not every file system or kernel supports.
 enum class RefusedCall {
-    OpenNameless, // a file without a name
-    MakeFiles, // as on a disk that has no room for one more
-    RenameToFreeName, // a rename that leaves what stands there
-    Link, // a second name
-    RemoveNames, // renames and deletions, as in a folder to which only can be added
+    OpenNameless, // unnamed files (O_TMPFILE)
+    MakeFiles, // new files, as on a full disk
+    RenameToFreeName, // a rename that does not replace an existing file
+    Link, // hard links
+    RemoveNames, // renames and deletions, as in an append-only folder
     CopyFileRange, // a copy by the kernel
     ExclusiveLock, // as NFS refuses it for a file that is open for reading
     FileRules, // Landlock
-    CallFilters // seccomp; it must be the last one to be refused
+    CallFilters // seccomp; must be refused last
 };
 
-/// From now on the system refuses that call to this process and its children. False where it cannot be made
-/// to.
+/// Makes the call fail in this process and its children from now on. False if that is not possible.
 bool refuse(RefusedCall call);
 
-/// Runs the action in a process of its own; whether it returned true there.
+/// Runs the action in a child process and returns its result.
 bool holdsInChild(const std::function<bool()>& action);
 
-/// Runs the action in a process of its own in which the system refuses that call; whether it returned true
-/// there.
+/// Runs the action in a child process in which the call fails, and returns its result.
 bool holdsWithout(RefusedCall call, const std::function<bool()>& action);
 
 } // namespace tarnwell::test

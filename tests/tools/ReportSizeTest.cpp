@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The limit on what sniffer prints of a file with very much metadata.
+// The size limit of sniffer's report for a file with a large amount of metadata.
 #include "tools/ReportSize.h"
 
 #include "tools/Report.h"
@@ -80,7 +80,7 @@ TEST(ReportSizeTest, theTagsOfAStreamThatAreReadAreKept)
     const Json tags = limited(report)["streams"][0]["tags"];
     EXPECT_EQ(tags["language"], "deu");
     EXPECT_EQ(tags["rotate"], "90");
-    EXPECT_EQ(tags.size(), 1001U); // with "rotate", which is added
+    EXPECT_EQ(tags.size(), 1001U); // including the added "rotate"
 }
 
 TEST(ReportSizeTest, manyChaptersAreRemoved)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The probe's report before and after its rotation tags are set, and what creator reads from it.
+// The report before and after the rotation tags are set, and the facts that creator reads from it.
 #include "tools/Report.h"
 
 #include "tests/support/Rows.h"
@@ -45,7 +45,7 @@ Json after(const Json& json)
     return Json::parse(withTrueRotation(json.dump()));
 }
 
-/// The stream with another value of one member; without the member if the value is null.
+/// The stream with another value for one member, or without the member if the value is null.
 Json with(Json stream, const char* member, const Json& value)
 {
     if (value.is_null())
@@ -87,7 +87,7 @@ const Json none;
 struct StreamRow {
     const char* name;
     Json stream;
-    const char* member; // the only one that changes
+    const char* member; // the changed member
     Json expected; // null: the stream has no such member
 };
 

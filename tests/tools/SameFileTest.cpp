@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Recognizes a file that is seen through another mount, where device and number differ.
+// Recognises a file on another mount, where device and inode number differ.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 #include "tests/tools/MemoryFile.h"
@@ -36,8 +36,8 @@ protected:
 
     std::string path() const { return m_folder.path() + "out.mp4"; }
 
-    /// A file on another device (in memory) with these bytes and the modification time of the file at the
-    /// path, and this many nanoseconds more.
+    /// Compares with a file on another device (in memory) with these bytes and the modification time of the
+    /// file at the path plus `nanoseconds`.
     bool isSameAs(const std::string& content, long nanoseconds = 0) const
     {
         struct stat status = {};

@@ -14,7 +14,7 @@ namespace tarnwell::test
 namespace
 {
 
-// The superuser needs no more than a view of his own; for others it takes a world of their own.
+// Root needs a mount namespace only; other users need a user namespace, too.
 bool hasOwnMounts()
 {
     static const bool hasThem = [] {

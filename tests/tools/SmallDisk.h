@@ -6,8 +6,7 @@
 namespace tarnwell::test
 {
 
-/// A file system in memory with little room, at a folder of the test's, that only this process and its
-/// children see.
+/// A small file system in memory, mounted at a folder of the test. Only this process and its children see it.
 class SmallDisk
 {
 public:
@@ -17,14 +16,14 @@ public:
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
 
-    /// False where this user may not mount anything, not even for himself.
+    /// False if this user cannot mount it, even in a user namespace.
     bool isThere() const { return m_isThere; }
 
-    /// Waits until all its room is free: the kernel keeps what a confined program has written for a moment
-    /// longer than the program lives. False where it stays taken.
+    /// Waits until the disk is empty: the kernel keeps a file of a killed program for a moment after its
+    /// exit. False if it does not become empty.
     bool becomesFree() const;
 
-    /// From now on nothing on it can be changed.
+    /// Remounts it read-only.
     bool makeReadOnly() const;
 
 private:

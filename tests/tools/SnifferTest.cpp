@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The probe tool, with fakes for ffprobe.
+// The probe tool with a fake ffprobe.
 #include "tests/support/Files.h"
 #include "tests/tools/Commands.h"
 #include "tests/tools/MatrixText.h"
@@ -23,7 +23,7 @@ class SnifferTest : public testing::Test
 protected:
     Words command(const std::string& name = "clip.mp4") const { return probeCommand(tools.at(name)); }
 
-    /// Runs sniffer to its end, with this script for ffprobe; its exit status.
+    /// Runs sniffer to its end with this script for ffprobe and returns its exit status.
     int run(const std::string& script, const ToolSetup& setup = {}, const std::string& name = "clip.mp4")
     {
         tools.setFfprobe(script);
@@ -34,7 +34,7 @@ protected:
     std::string errors() const { return m_sniffer->errorText(); }
     const ToolProcess& sniffer() const { return *m_sniffer; }
 
-    /// What sniffer prints for a report of ffprobe.
+    /// The output of sniffer for a report of ffprobe.
     std::string outputFor(const std::string& report)
     {
         EXPECT_EQ(run("print-file " + tools.addData("report.json", report) + "\n"), 0);

@@ -212,7 +212,7 @@ TEST(ComplaintReaderTest, onlyPrintableCharactersComeThrough)
 
 TEST(ComplaintReaderTest, aFloodBecomesLinesThatAreWrittenInOnePiece)
 {
-    constexpr std::size_t pipeBuffer = 4096; // the system never mixes what is not longer with another's
+    constexpr std::size_t pipeBuffer = 4096; // the largest size of an atomic write to a pipe
     ComplaintReader reader;
     std::size_t passed = 0;
     std::size_t longest = 0;

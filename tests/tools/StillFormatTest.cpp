@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An ffmpeg that a hostile file has taken over writes something else than a JPEG picture as the still.
+// A compromised ffmpeg that writes something other than a JPEG picture as the still.
 #include "tests/support/Files.h"
 #include "tests/tools/CreatorTest.h"
 #include "tools/Placeholder.h"
@@ -27,8 +27,8 @@ protected:
         return contentsOf(picture());
     }
 
-    const std::string frame = placeholderPicture(33, 22); // stands for a decoded frame
-    const std::string placeholder = placeholderPicture(64, 48); // of the size in ffprobe's report
+    const std::string frame = placeholderPicture(33, 22); // represents a decoded frame
+    const std::string placeholder = placeholderPicture(64, 48); // has the size in ffprobe's report
 };
 
 TEST_F(StillFormatTest, everythingElseThanAWholeJpegPictureBecomesThePlaceholder)

@@ -14,7 +14,7 @@ namespace
 
 const std::string buildFolder = TARNWELL_BUILD_FOLDER;
 
-// A link is not enough: a program finds what is beside the file itself.
+// Copies instead of linking: a program resolves links to itself and would look in the wrong folder.
 void copyProgram(const std::string& from, const std::string& to)
 {
     std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing);

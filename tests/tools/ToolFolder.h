@@ -9,8 +9,8 @@
 namespace tarnwell::test
 {
 
-/// Copies of the built sniffer and creator, in a folder of their own, beside which they find fakes for
-/// ffprobe and ffmpeg; and another folder for videos.
+/// A folder with copies of the built sniffer and creator and with fakes for ffprobe and ffmpeg, and another
+/// folder for videos.
 class ToolFolder
 {
 public:
@@ -19,33 +19,33 @@ public:
     std::string creator() const { return m_tools.path() + "creator"; }
     std::string sniffer() const { return m_tools.path() + "sniffer"; }
 
-    /// What the fake does from its next run on; see tests/support/FakeTools.h. Until then there is
-    /// none, and that of the system is used.
+    /// Sets the fake's script for its next runs; see tests/support/FakeTools.h. Until then the system's tool
+    /// is used.
     void setFfmpeg(const std::string& script) { setTool("ffmpeg", script); }
     void setFfprobe(const std::string& script) { setTool("ffprobe", script); }
 
-    /// The same for tests/fakes/hostileTool.cpp. It may be run as it is, too.
+    /// The same for tests/fakes/hostileTool.cpp, which a test can also run directly.
     void setHostileFfmpeg(const std::string& script) { setTool("ffmpeg", script, "hostileTool"); }
     void setHostileFfprobe(const std::string& script) { setTool("ffprobe", script, "hostileTool"); }
     std::string ffmpeg() const { return m_tools.path() + "ffmpeg"; }
 
-    /// Makes it a file that may be run and is no program.
+    /// Replaces it with an executable file that is not a program.
     void breakFfmpeg() { breakTool("ffmpeg"); }
     void breakFfprobe() { breakTool("ffprobe"); }
 
-    /// Makes a file beside the tools, where a fake may read it; its path.
+    /// Creates a file in the tools' folder, where a fake can read it, and returns its path.
     std::string addData(const std::string& name, const std::string& contents);
 
     /// A path in the folder of videos.
     std::string at(const std::string& name) const { return m_videos.path() + name; }
-    /// The folder of videos, with a "/" at its end.
+    /// The folder of videos, with a trailing "/".
     const std::string& videos() const { return m_videos.path(); }
 
 private:
     void setTool(const std::string& name, const std::string& script, const std::string& program = "fakeTool");
     void breakTool(const std::string& name);
 
-    std::map<std::string, std::string> m_programs; // which one each fake is a copy of
+    std::map<std::string, std::string> m_programs; // name of a fake and the program that it is a copy of
     TemporaryDirectory m_tools;
     TemporaryDirectory m_videos;
 };

@@ -28,7 +28,7 @@ namespace
 constexpr int signalBase = 128;
 constexpr int cannotBeRun = 127;
 
-// Each write is one message.
+// A socket pair that preserves the boundaries of writes.
 std::pair<int, int> messageSockets()
 {
     int ends[2] = {-1, -1};
@@ -53,7 +53,7 @@ std::string fromHexadecimal(const std::string& digits)
     return bytes;
 }
 
-/// While it lives, the signal is blocked here and in what is started. 0 stands for none.
+/// Blocks the signal, for this thread and the processes that it starts, during its lifetime. 0 means none.
 class SignalBlock
 {
 public:
@@ -124,7 +124,7 @@ void ToolProcess::become(const std::vector<std::string>& words, const ToolSetup&
         std::signal(setup.ignored, SIG_IGN);
     const rlimit limit = {setup.largestFile, setup.largestFile};
     ::setrlimit(RLIMIT_FSIZE, &limit);
-    ::dup2(::open("/dev/zero", O_RDONLY | O_CLOEXEC), STDIN_FILENO); // as little ended as a terminal
+    ::dup2(::open("/dev/zero", O_RDONLY | O_CLOEXEC), STDIN_FILENO); // has no end of file, like a terminal
     ::dup2(m_outputFile, STDOUT_FILENO);
     if (errors >= 0)
         ::dup2(errors, STDERR_FILENO);

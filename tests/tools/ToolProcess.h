@@ -14,7 +14,7 @@
 namespace tarnwell::test
 {
 
-/// The surroundings of a tool at its start.
+/// The state in which a tool is started.
 struct ToolSetup {
     enum class ErrorStream {
         Heard,
@@ -32,7 +32,7 @@ struct ToolSetup {
     std::vector<RefusedCall> refused = {}; // system calls that fail
 };
 
-/// A tool as a child process. Each write to its standard error is kept apart.
+/// A tool as a child process. Records each write to its standard error separately.
 class ToolProcess
 {
 public:
@@ -46,23 +46,23 @@ public:
     pid_t processId() const { return m_process; }
     void signal(int number) const;
 
-    /// Waits for the end of the tool; returns its exit status, or 128 plus the number of the signal. -1 after
-    /// the longest wait, which fails the test.
+    /// Waits for the end of the tool. Returns its exit status, or 128 plus the number of the signal. Returns
+    /// -1 and fails the test after the longest wait.
     int wait();
 
-    /// What the tool has written to standard output.
+    /// The standard output of the tool so far.
     std::string output() const;
 
-    /// What the tool has written to standard error, one element for each write.
+    /// The standard error of the tool, one element per write.
     const std::vector<std::string>& errors() const { return m_errors; }
     std::string errorText() const;
 
-    /// Waits for a line with that beginning; returns its rest. Fails the test if the tool ends before.
+    /// Waits for a line with that beginning and returns its rest. Fails the test if the tool ends first.
     std::string waitForError(const std::string& beginning);
 
-    /// The lines of the fake tool with that beginning, each without it; see FakeTools.h.
+    /// The rest of each line of the fake tool with that beginning; see FakeTools.h.
     std::vector<std::string> said(const std::string& beginning) const;
-    /// The same for lines in hexadecimal digits.
+    /// The same for lines in hexadecimal digits, decoded.
     std::vector<std::string> saidInHex(const std::string& beginning) const;
 
 private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The display matrices of a rotation flag, and where they are written.
+// The display matrices of a fix flag and their offsets.
 #include "tools/TrackMatrix.h"
 
 #include "tests/support/Rows.h"
@@ -49,7 +49,7 @@ std::string fileOf(const std::string& tracks)
     return fileType() + movieBox(tracks) + data;
 }
 
-/// The file with the flag; empty where it needs a new one.
+/// The file with the flag; empty if ffmpeg must write a new file.
 std::string flagged(const std::string& bytes, double rotation)
 {
     const MemoryFile file(bytes);
@@ -190,7 +190,7 @@ INSTANTIATE_TEST_SUITE_P(Tracks, FlagMatrixTest,
             {unturned, matrixNine(0, 1, 1, 0), turnedLeftOnce}},
         FlagRow{"coversAreKept", track("vide") + coverTrack(), 90, {turnedLeftOnce, unturned}},
         FlagRow{"aCoverAloneNeedsANewFile", coverTrack(), 90, {}},
-        // It has no tag.
+        // sniffer reports no tag for it.
         FlagRow{"aMatrixThatZoomsKeepsItsScale", videoWith(matrixNine(0, 2, -2, 0)), 90,
             {matrixNine(2, 0, 0, 2)}},
         FlagRow{"anEmptyMatrixIsNoTurn", videoWith(Nine(9, 0)), 90, {turnedLeftOnce}},

@@ -63,7 +63,7 @@ Picture parsePixmap(const std::string& bytes)
     text >> kind >> picture.width >> picture.height >> brightest;
     if (!text || kind != "P6" || picture.width <= 0 || picture.height <= 0 || brightest != 255)
         return {};
-    // One white space character stands between the numbers and the pixels.
+    // One white space character separates the numbers and the pixels.
     const auto begin = static_cast<std::size_t>(text.tellg()) + 1;
     const auto size = static_cast<std::size_t>(channels * picture.width * picture.height);
     if (bytes.size() != begin + size)

@@ -29,7 +29,7 @@ constexpr int signalBase = 128;
 constexpr std::int32_t one = 65536;
 constexpr std::int32_t perspectiveOne = 1073741824;
 
-// Within a track header of version 0. Version 1 has three longer times before the matrix.
+// in a track header of version 0; version 1 has three 64-bit fields before the matrix
 constexpr std::size_t matrixOffset = 40;
 constexpr std::size_t longerTimes = 12;
 constexpr std::size_t handlerKindOffset = 8;
@@ -67,7 +67,7 @@ pid_t start(const Command& command, int output, int complaints)
     return error == 0 ? child : -1;
 }
 
-/// Reads one piece into `text`; at the end the descriptor becomes -1, which poll passes over.
+/// Appends one chunk to `text`. At the end sets the descriptor to -1, which poll ignores.
 void readPiece(pollfd& stream, std::string& text)
 {
     std::array<char, 65536> piece{};
@@ -79,7 +79,7 @@ void readPiece(pollfd& stream, std::string& text)
 }
 
 struct Box {
-    std::size_t content = 0; // 0 for a box that is not there
+    std::size_t content = 0; // 0 for a missing box
     std::size_t end = 0;
 };
 
@@ -91,8 +91,7 @@ std::uint32_t bigEndian(const std::string& bytes, std::size_t place)
     return number;
 }
 
-/// All boxes of that type between the two places. The movies here are small: each box says its size in four
-/// bytes.
+/// All boxes of that type between the two offsets. Each box must have a 32-bit size.
 std::vector<Box> boxes(const std::string& movie, const Box& parent, const std::string& type)
 {
     std::vector<Box> found;
@@ -190,7 +189,7 @@ Picture decodedFrame(const std::string& path, const std::string& seconds, Rotati
     Command command = {ffmpeg, "-v", "error", "-nostdin"};
     if (rotation == Rotation::Ignored)
         command.emplace_back("-noautorotate");
-    // Even seeking to 0 makes some versions pass over the only frame of a still.
+    // Some versions skip the only frame of a still even if they seek to 0.
     if (!seconds.empty())
         command.insert(command.end(), {"-ss", seconds});
     const Command rest = {"-i", path, "-frames:v", "1", "-f", "image2pipe", "-c:v", "ppm", "-"};
@@ -244,7 +243,9 @@ MatrixNumbers reportedMatrix(const std::string& path)
     std::string text = textMember(probe.output, "displaymatrix");
     if (text.empty())
         return numbersOf({}, 0, 0);
-    // Three rows, each with its number and a colon before it; the report writes their ends as "\n".
+    // Three numbered rows; the report escapes their line ends as "\
+    //
+    // ".
     for (auto end = text.find("\\n"); end != std::string::npos; end = text.find("\\n"))
         text.replace(end, 2, " ");
     std::istringstream words(text);

@@ -14,30 +14,30 @@ namespace tarnwell::test
 
 using Command = std::vector<std::string>;
 
-/// The end of a program: its exit status, or 128 and the signal's number, and all that it printed.
+/// The exit status of a program, or 128 plus the number of the signal, and its whole output.
 struct Outcome {
     int status = 0;
     std::string output;
     std::string complaints;
 };
 
-/// Runs a program, given with its path, to its end; it reads nothing.
+/// Runs a program, named by its path, to its end. Its standard input is empty.
 Outcome run(const Command& command);
 
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 
-/// The names of everything in the folder, hidden or not.
+/// All names in the folder, including hidden ones.
 std::set<std::string> namesIn(const std::string& folder);
 
-/// The first line in which the installed ffmpeg says what it is.
+/// The first line of the installed ffmpeg's version text.
 std::string ffmpegVersion();
 
 bool hasEncoder(const std::string& name);
 
 enum class Rotation { Applied, Ignored };
 
-/// The frame of a video at so many seconds, or the first one of a video or picture where these are empty, as
+/// The frame of a video at `seconds`, or the first frame of a video or picture if `seconds` is empty, as
 /// ffmpeg shows it.
 Picture decodedFrame(
     const std::string& path, const std::string& seconds, Rotation rotation = Rotation::Applied);
@@ -48,24 +48,23 @@ struct Recipe {
     std::string encoder;
 };
 
-/// Two seconds of four different corners on a gradient that grows brighter, with sound.
+/// A movie of two seconds with sound: four different corners on a gradient that becomes brighter.
 void makeMovie(const std::string& path, const Recipe& recipe);
 
-/// Nine numbers as a track header holds them: two columns in 16.16 fixed point and one in 2.30.
+/// The nine numbers of a matrix in a track header: two columns in 16.16 fixed point and one in 2.30.
 using MatrixNumbers = std::array<std::int32_t, 9>;
 
-/// The matrix with the shift that brings a picture of the coded size back to the origin.
+/// The matrix with the shift that moves a picture of the coded size back to the origin.
 MatrixNumbers numbersOf(const Matrix& matrix, int width, int height);
 
-/// The movie's bytes with the nine numbers in the header of its video track; empty where there is no such
-/// track.
+/// The movie with the nine numbers in the header of its video track; empty if there is no such track.
 std::string withMatrix(std::string movie, const MatrixNumbers& numbers);
 
-/// The nine numbers that ffprobe gives for the video; those of the unchanged picture where it gives none,
-/// since it does not mention these. All 0 where it gives anything else.
+/// The nine numbers that ffprobe reports for the video. ffprobe omits the identity, which is returned if
+/// there are no numbers. All 0 for an invalid report.
 MatrixNumbers reportedMatrix(const std::string& path);
 
-/// What stands behind `"member": "` in a report, up to the closing quotation mark; empty where there is none.
+/// The text between `"member": "` and the closing quotation mark in a report; empty if there is none.
 std::string textMember(const std::string& report, const std::string& member);
 
 } // namespace tarnwell::test

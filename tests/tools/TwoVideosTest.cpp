@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Files with two video tracks of different size, colour and turn: the still, the report, the flag and the
-// encoding mean the same one.
+// transcode use the same track.
 #include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
@@ -38,7 +38,7 @@ struct TwoVideosRow {
     const char* name;
     Track first;
     Track second;
-    const char* extension; // MP4 is copied byte by byte; ffmpeg makes the copy of a MOV file
+    const char* extension; // MP4 is copied byte by byte; ffmpeg copies the streams of a MOV file
 };
 
 void PrintTo(const TwoVideosRow& row, std::ostream* stream)

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Compares the preview with both kinds of saved video, for every rotation and mirror that a container carries
-// and each of the 16 changes, with any version of FFmpeg.
-//   truthTable TOOLS_FOLDER WORK_FOLDER
+// Compares the preview with both kinds of saved video for every rotation and mirror of a container and each
+// of the 16 changes, with any version of FFmpeg. Usage: truthTable TOOLS_FOLDER WORK_FOLDER
 #include "tests/tools/TruthPictures.h"
 #include "tests/tools/TruthTools.h"
 
@@ -21,12 +20,12 @@ namespace tarnwell::test
 namespace
 {
 
-constexpr double agreement = 4; // grey levels: what two lossy encodings may differ by
-constexpr double distinction = 10; // what another orientation differs by at least
+constexpr double agreement = 4; // grey levels; the largest difference of two lossy encodings
+constexpr double distinction = 10; // grey levels; the smallest difference of another orientation
 constexpr int fullTurn = 360;
 constexpr int unusable = 2;
 const std::string beyondTheEnd = "999.5";
-const std::string beginning; // no position at all
+const std::string beginning; // no position
 
 struct Shape {
     std::string name;
@@ -36,9 +35,9 @@ struct Shape {
 struct Flag {
     std::string name;
     Matrix matrix;
-    int tag = 0; // clockwise degrees, as decoders reckon them; none where the matrix scales
-    double scale = 1; // of the picture; kept in a copy, and ignored by decoders
-    std::int32_t last = 1073741824; // the ninth number, which no decoder looks at
+    int tag = 0; // degrees clockwise, as decoders compute them; no tag if the matrix scales
+    double scale = 1; // of the picture; kept by a byte copy, ignored by decoders
+    std::int32_t last = 1073741824; // the ninth number, which decoders ignore
 };
 
 const std::vector<Flag> flags = {
@@ -56,7 +55,7 @@ const std::vector<Flag> flags = {
     {"top and bottom exchanged, twice as large", {1, 0, 0, -1}, 0, 2},
 };
 
-/// One of the 16 changes, and how it is asked for.
+/// One of the 16 changes and its argument lists.
 struct Change {
     int quarterTurns = 0;
     bool vertical = false;
@@ -78,7 +77,7 @@ struct Change {
         return chain;
     }
 
-    /// Of a change that a rotation flag can say; both mirrors together are half a turn.
+    /// The quarter turns of a change that a rotation flag can express; both mirrors together are half a turn.
     int turnsOfFlag() const { return (quarterTurns + (vertical ? 2 : 0)) % 4; }
 };
 
@@ -102,11 +101,12 @@ Picture previewOf(const Picture& still, const Change& change)
     return mirrored(preview, change.vertical, change.horizontal);
 }
 
-/// Counts the cells, names those that disagree, and sums up each group.
+/// Counts the comparisons, prints those that disagree, and prints a sum for each group.
 class Tally
 {
 public:
-    /// In a group whose mirror this FFmpeg itself does not show, pictures may differ; they are counted apart.
+    /// In a group whose mirror this FFmpeg ignores, pictures may differ; such differences are counted
+    /// separately.
     void beginGroup(const std::string& name, bool isMirrorLost)
     {
         m_group = name;
@@ -124,7 +124,7 @@ public:
     void add(const std::string& cell, bool agrees, std::string instead)
     {
         ++(agrees ? m_agreeing : m_disagreeing);
-        std::replace(instead.begin(), instead.end(), '\n', '|'); // one line a cell
+        std::replace(instead.begin(), instead.end(), '\n', '|'); // one line per cell
         if (!agrees)
             std::cout << "  disagrees: " << m_group << ": " << cell << ": " << instead << std::endl;
     }
@@ -169,7 +169,7 @@ private:
     int m_cellsBefore = 0;
 };
 
-/// One input, and everything that the two tools make of it.
+/// One input and all outputs of the two tools for it.
 class Group
 {
 public:
@@ -242,18 +242,18 @@ private:
             shownBy(flag.matrix, decodedFrame(m_input, m_middle, Rotation::Ignored)));
         m_tally.addPictures("the still from beyond the end", still(beyondTheEnd),
             shownBy(flag.matrix, decodedFrame(m_input, beginning, Rotation::Ignored)));
-        // Else nothing here could disagree.
+        // The orientations of the still must differ; otherwise the comparison could not fail.
         double nearest = distinction;
         for (const Change& change : allChanges()) {
             if (change.vertical || change.quarterTurns + change.horizontal == 0)
-                continue; // twins of the others, and the still itself
+                continue; // equal to another change, or no change
             nearest = std::min(nearest, meanDifference(previewOf(m_still, change), m_still));
         }
         m_tally.add("the previews can be told apart", nearest >= distinction,
             "two differ by " + std::to_string(nearest) + " grey levels");
     }
 
-    /// What creator makes, as any player shows it.
+    /// The output of creator as players show it.
     Picture made(const std::string& cell, const Command& arguments)
     {
         Command command = {m_creator};
@@ -265,7 +265,7 @@ private:
         return decodedFrame(m_output, m_middle);
     }
 
-    /// Whether there are whole lines "time=HH:MM:SS.hh", at least one, and no others.
+    /// Whether the text consists of one or more complete lines "time=HH:MM:SS.hh".
     static bool isStatus(const std::string& text)
     {
         const std::string form = "time=00:00:00.00\n";
@@ -285,7 +285,7 @@ private:
             arguments.insert(arguments.end(), {"-vf", change.filters()});
         arguments.insert(arguments.end(), {"-metadata:s:v", "rotate=0", "-y", m_output});
         const std::string cell = "transcoded, " + change.name();
-        // Encoders of this kind take even sides only.
+        // The encoder accepts even sides only.
         m_tally.addPictures(cell, made(cell, arguments), previewOf(m_still, change), 1);
         std::filesystem::remove(m_output);
     }
@@ -301,7 +301,7 @@ private:
             previewOf(m_still, change));
         const MatrixNumbers is = reportedMatrix(m_output);
         MatrixNumbers expected = m_numbers(combined(flag.matrix, quarterTurnsLeft(change.turnsOfFlag())));
-        for (std::size_t place = 0; place < 8; ++place) // all but the perspective's unit
+        for (std::size_t place = 0; place < 8; ++place) // all but the ninth number
             expected[place] = static_cast<std::int32_t>(expected[place] * flag.scale);
         m_tally.add(cell + ": the matrix", is == expected, textOf(is));
         std::filesystem::remove(m_output);
@@ -330,7 +330,7 @@ private:
     std::string m_input;
     std::string m_output;
     std::string m_stillPath;
-    std::function<MatrixNumbers(const Matrix&)> m_numbers; // for the coded size
+    std::function<MatrixNumbers(const Matrix&)> m_numbers; // in the coded size
     std::string m_middle;
     int m_tag = 0;
     Picture m_still;
@@ -349,7 +349,7 @@ std::string movieOf(const Shape& shape, const std::string& folder)
     return movie;
 }
 
-/// Whether the installed FFmpeg shows the picture of a mirrored input as if it were not.
+/// Whether the installed FFmpeg ignores the mirror of an input when it decodes.
 bool ignoresMirrors(const Shape& shape, const std::string& folder)
 {
     const std::string path = folder + "/mirrored.mp4";

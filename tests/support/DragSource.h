@@ -11,30 +11,30 @@
 namespace tarnwell::test
 {
 
-/// Another program whose window things can be dragged from, in the upper left corner of the screen and above
-/// all other windows. To be used on the thread that made it; on the main thread, the events go on.
+/// A separate process with a window that drags start from, in the upper left corner of the screen and above
+/// all other windows. May be used only on the thread that constructed it. On the main thread its functions
+/// process events.
 class DragSource
 {
 public:
-    /// Where the window is on the screen.
+    /// The position of the window on the screen.
     static constexpr QRect place{0, 0, 120, 100};
 
-    /// The window is shown when this returns. A drag from it carries `uriList`.
+    /// Returns when the window is shown. A drag from it carries `uriList`.
     explicit DragSource(const std::string& uriList);
     ~DragSource();
     DragSource(const DragSource&) = delete;
     DragSource& operator=(const DragSource&) = delete;
 
-    /// Begins a drag and moves it to that place of the screen; the button stays pressed.
+    /// Starts a drag and moves it to the screen position; the button remains pressed.
     void dragTo(QPoint screenPosition);
-    /// Moves the drag on.
+    /// Continues the drag.
     void moveTo(QPoint screenPosition);
-    /// Waits until the target has said that it would take a copy.
+    /// Waits until the target accepts a copy.
     void waitUntilAccepted();
-    /// Releases the button; whether the target had agreed to a copy. If so, the drop arrives at the target
-    /// later.
+    /// Releases the button. Returns whether the target had accepted a copy; if so, the drop reaches it later.
     bool drop();
-    /// Kills the other program in the middle of its drag.
+    /// Kills the process during its drag.
     void die();
 
 private:

@@ -26,7 +26,7 @@ private:
     int m_count = 0;
 };
 
-/// During its lifetime, receives the URLs that would be opened with the desktop's default applications.
+/// Intercepts, during its lifetime, the URLs for the desktop's default applications.
 class UrlCatcher : public QObject
 {
     Q_OBJECT

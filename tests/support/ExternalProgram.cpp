@@ -58,7 +58,7 @@ int ExternalProgram::waitForExit()
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
-/// The window manager names a window the active one before the X server gives it the keys.
+/// The window manager can mark a window as active before the X server assigns the keyboard focus.
 bool ExternalProgram::isActive(const std::string& title) const
 {
     const auto isNamedSo = [&](const QStringList& command) {
@@ -86,7 +86,7 @@ void ExternalProgram::text(const std::string& text)
 
 void ExternalProgram::keysUntilWindow(const std::string& keysToPress, const std::string& title, CallSite site)
 {
-    // Keys that arrive before the window is there may open it twice.
+    // A shortcut that is pressed twice before its window is shown can open it twice.
     constexpr std::chrono::seconds interval(2);
     QDeadlineTimer nextPress(0);
     const auto pressUntilActive = [&] {
@@ -113,7 +113,7 @@ bool ExternalProgram::isShown(const std::string& title) const
 void ExternalProgram::chooseInPanel(const std::string& title, const std::string& path, CallSite site)
 {
     waitForWindow(title, site);
-    // Long enough for a slow program: text that is entered after the panel is closed goes to another window.
+    // Sufficient for a slow program: text that is entered after the panel is closed goes to another window.
     constexpr std::chrono::seconds interval(5);
     QDeadlineTimer nextAttempt(0);
     const auto isClosed = [&] {

@@ -12,14 +12,14 @@
 namespace tarnwell::test
 {
 
-/// The built program as a process of its own, operated by keys of the X server. A wait that reaches its limit
-/// ends the test with a failure.
+/// The built program as a separate process, operated by the X server's keyboard events. A wait that exceeds
+/// its limit fails and ends the test.
 class ExternalProgram
 {
 public:
     /// Starts the program of the build tree. It inherits standard input and the environment.
     ExternalProgram();
-    /// Starts a copy of the program. The tools are in the same folder.
+    /// Starts a copy of the program. The copy's folder must contain the tools.
     explicit ExternalProgram(const std::string& path);
     /// Kills the program if it still runs.
     ~ExternalProgram();
@@ -28,20 +28,21 @@ public:
 
     qint64 processId() const { return m_process.processId(); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
-    /// Waits for the end. Returns the exit status, or -1 after an end by a signal.
+    /// Waits for the exit. Returns the exit status, or -1 after a signal.
     int waitForExit();
 
-    /// Waits until a window whose title contains `title` has the keyboard.
+    /// Waits until a window with `title` in its title has the keyboard focus.
     void waitForWindow(const std::string& title, CallSite site = {});
-    /// Presses keys into the window that has the keyboard, as in "ctrl+o".
+    /// Sends key presses such as "ctrl+o" to the window with the keyboard focus.
     void keys(const std::string& keys);
     void text(const std::string& text);
 
-    /// Presses the keys every two seconds until the window has the keyboard: a busy program ignores keys.
+    /// Presses the keys every two seconds until the window has the keyboard focus: a busy program ignores
+    /// keys.
     void keysUntilWindow(const std::string& keys, const std::string& title, CallSite site = {});
 
     /// Waits for the file panel with that title, enters the path, and waits until the panel is closed. Enters
-    /// the path again while the panel stays open: its list of completions can consume the Return key.
+    /// the path again if the panel remains open, because its list of completions can consume the Return key.
     void chooseInPanel(const std::string& title, const std::string& path, CallSite site = {});
 
     /// Waits until standard output contains the text. Returns the whole output so far.

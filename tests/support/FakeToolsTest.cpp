@@ -22,7 +22,7 @@ FakeToolsTest::FakeToolsTest()
     painter.end();
     const QString path = textOfPath(folder() + "still.jpg");
     EXPECT_TRUE(m_still.save(path));
-    m_still = QImage(path); // JPEG changes colours
+    m_still = QImage(path); // reads the file back, because JPEG changes colours
     m_tools.setSniffer(sniffing(reportOf({})));
     m_tools.setCreator(stillScript());
 }

@@ -18,13 +18,12 @@ namespace tarnwell::test
 
 inline constexpr QSize stillSize = {48, 32};
 
-/// The object names of the six controls that need an open video.
+/// The object names of the six controls that are enabled only with an open video.
 inline constexpr const char* editingControls[] = {"saveToolBarBTN", "rotateLeftBTN", "rotateRightBTN",
     "resetBTN", "flipVerticallyBTN", "flipHorizontallyBTN"};
 
-/// The real window with fake tools. At first sniffer reports an H.264 video of 8 seconds, and creator
-/// copies a still picture to its output. Sniffer writes its arguments into the file "probed" of the test's
-/// folder.
+/// The real window with fake tools. By default sniffer reports an H.264 video of 8 seconds and writes its
+/// arguments into the file "probed" of the test's folder, and creator copies a still to its output.
 class FakeToolsTest : public WindowTest
 {
 protected:
@@ -34,19 +33,19 @@ protected:
 
     FakeTools& tools() { return m_tools; }
 
-    /// The still that creator delivers; its corners differ.
+    /// The still of creator; its corners have different colours.
     const QImage& still() const { return m_still; }
 
-    /// A sniffer script that reports `report`.
+    /// A script for sniffer that prints `report`.
     std::string sniffing(const std::string& report);
 
-    /// A creator script that delivers the still.
+    /// A script for creator that copies the still to its output.
     std::string stillScript() const;
 
-    /// Opens the file clip.mp4 of the test's folder, which it makes, and waits until it is shown.
+    /// Creates clip.mp4 in the test's folder, opens it and waits until it is shown.
     void openVideo();
 
-    /// How many different colours a picture has, counted up to a few.
+    /// The number of different colours in a picture; counting stops after a few.
     static int coloursIn(const QImage& picture);
 
 private:

@@ -18,8 +18,8 @@ std::string contentsOf(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream contents;
-    contents << file.rdbuf(); // a file that vanishes meanwhile, such as a process's, ends early instead of
-                              // throwing
+    contents << file.rdbuf(); // if the file disappears during the read, such as one in /proc, this ends early
+                              // and does not throw
     return contents.str();
 }
 

@@ -9,22 +9,22 @@
 namespace tarnwell::test
 {
 
-/// The bytes of the file; empty where there is none.
+/// The bytes of the file; empty if it does not exist.
 std::string contentsOf(const std::string& path);
 
-/// Makes or replaces the file.
+/// Creates or replaces the file.
 void writeFile(const std::string& path, const std::string& contents);
 
 bool exists(const std::string& path);
 
-/// Blocks until there is a file at the path; fails after the longest wait. For threads other than the main
-/// one, which must process events.
+/// Blocks until the file exists; fails after the longest wait. Not for the main thread, which must process
+/// events.
 testing::AssertionResult waitForFile(const std::string& path);
 
 /// The names in the folder, sorted.
 std::vector<std::string> namesIn(const std::string& folder);
 
-/// The arguments that a fake tool wrote down with its command `record`.
+/// The arguments that the fake tool's command `record` has written.
 std::vector<std::string> recordedArguments(const std::string& path);
 
 } // namespace tarnwell::test

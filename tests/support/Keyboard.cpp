@@ -35,7 +35,7 @@ xcb_connection_t* connection()
     return server->connection();
 }
 
-/// The window that the X server sends keys to.
+/// The window with the X server's keyboard focus.
 WId keyboardOwner()
 {
     const auto reply
@@ -43,8 +43,8 @@ WId keyboardOwner()
     return reply ? reply->focus : 0;
 }
 
-/// The window that the window manager calls active. It differs from the keyboard's owner while the window
-/// manager has not yet handled a window that came or went, and may then move the keyboard again.
+/// The active window of the window manager. It differs from the keyboard owner until the window manager has
+/// handled a window that was shown or closed; it may then move the keyboard focus again.
 WId activeWindow()
 {
     const std::string_view name = "_NET_ACTIVE_WINDOW";
@@ -76,16 +76,16 @@ bool hasProgramKeyboard()
     });
 }
 
-/// A popup takes the keys for itself while the X server sends them to the window behind it.
+/// A popup grabs the keyboard; the X server's focus remains with the window behind it.
 bool isKeyboardReady()
 {
     return QApplication::activePopupWidget() != nullptr ? hasProgramKeyboard()
                                                         : hasKeyboard(QGuiApplication::focusWindow());
 }
 
-/// Qt 6.4 may forget the focus window for good, some 100 ms after the end of a sheet that was shown for 10
-/// ms, while the X server and the window manager leave the keyboard with the window. Moving the keyboard away
-/// and back makes the X server send the events again that Qt relies on.
+/// Qt 6.4 can permanently lose its focus window about 100 ms after the end of a sheet that was shown for 10
+/// ms, although the keyboard focus of the X server does not move. Moving the keyboard focus away and back
+/// makes the X server send the focus events again.
 void restoreForgottenKeyboard()
 {
     if (QGuiApplication::focusWindow() != nullptr || !hasProgramKeyboard())
@@ -96,7 +96,8 @@ void restoreForgottenKeyboard()
     xcb_flush(connection());
 }
 
-/// Requests the keyboard at once and, as a busy window manager may lose a request, every second.
+/// Requests the keyboard focus at once and then every second, because a busy window manager can drop a
+/// request.
 void waitWithRequests(const std::string& awaited, const std::function<void()>& request,
     const std::function<bool()>& condition, CallSite site)
 {

@@ -8,14 +8,15 @@ class QWidget;
 namespace tarnwell::test
 {
 
-/// Whether the X server sends keys to the window, the window manager calls it active, and Qt knows that. Qt
-/// alone calls a sheet active as soon as its parent is. Main thread.
+/// Whether the X server sends keys to the window, the window is active for the window manager, and Qt has
+/// processed both. Qt alone regards a sheet as active as soon as its parent is. Main thread.
 bool hasKeyboard(const QWidget& widget);
 
-/// Activates the widget's window and waits until it has the keyboard; ends the test where it does not get it.
+/// Activates the widget's window and waits until it has the keyboard focus; ends the test after the longest
+/// wait.
 void waitForKeyboard(QWidget& widget, CallSite site = {});
 
-/// Waits until any window or popup of the program receives keys; ends the test where none does.
+/// Waits until a window or popup of the program receives keys; ends the test after the longest wait.
 void waitForAnyKeyboard(CallSite site = {});
 
 } // namespace tarnwell::test

@@ -27,14 +27,14 @@ namespace tarnwell::test
 namespace
 {
 
-/// What has reached the program's windows so far. Keys count when they are pressed and buttons when they are
-/// released: a key's window may be gone before the key is up again.
+/// The input that the program's windows have received so far. Keys count when pressed and buttons when
+/// released: a key's window can be closed before the key is released.
 struct Arrivals {
     int keys = 0;
     int buttons = 0;
 };
 
-/// Counts the X server's events before Qt sees them, so that input which Qt drops counts too.
+/// Counts the X server's events before Qt processes them, so that events that Qt drops count, too.
 class ArrivalCounter : public QAbstractNativeEventFilter
 {
 public:
@@ -50,7 +50,7 @@ public:
         return m_arrivals;
     }
 
-    /// For a thread other than the main one. False where the time is up.
+    /// Not for the main thread. False after the longest wait.
     bool waitFor(const Arrivals& expected)
     {
         std::unique_lock lock(m_mutex);
@@ -78,7 +78,7 @@ public:
     }
 
 private:
-    // The X protocol's numbers.
+    // Event codes of the X protocol.
     static constexpr int keyPress = 2;
     static constexpr int buttonRelease = 5;
     static constexpr int extensionEvent = 35;
@@ -110,7 +110,7 @@ bool isMainThread()
     return QThread::currentThread() == QCoreApplication::instance()->thread();
 }
 
-/// Other threads cannot know what Qt does; their input is sent as it is.
+/// Other threads cannot read Qt's state; their input is sent without a check.
 void waitUntilKeysArrive()
 {
     if (isMainThread())
@@ -241,7 +241,7 @@ void realText(const std::string& text)
 
 void realDrag(QPoint from, QPoint to)
 {
-    // A drag begins with a few small moves.
+    // Small moves start the drag.
     const QPoint step = (to - from) / 4;
     send(moveCommand(from) + QStringList{QStringLiteral("mousedown"), QStringLiteral("1")}
             + moveCommand(from + step) + moveCommand(from + 2 * step) + moveCommand(to),

@@ -21,7 +21,7 @@ namespace
 
 const std::string ffmpeg = "/usr/bin/ffmpeg";
 
-constexpr std::chrono::minutes longestRun(5); // an encoder on a busy machine
+constexpr std::chrono::minutes longestRun(5); // for an encoder on a busy machine
 
 std::string drawBox(const std::string& place, const std::string& colour)
 {

@@ -25,7 +25,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// The exit status of ffmpeg.
+/// Returns the exit status of ffmpeg.
 int grab(const std::string& input, const std::vector<std::string>& options, const std::string& picture)
 {
     std::vector<std::string> arguments = {"-v", "error", "-nostdin", "-f", "x11grab", "-draw_mouse", "0"};
@@ -45,7 +45,7 @@ std::string runningTest()
     if (test == nullptr)
         return "set-up";
     std::string name = std::string(test->test_suite_name()) + "." + test->name();
-    std::replace(name.begin(), name.end(), '/', '-'); // in the names of parameterised tests
+    std::replace(name.begin(), name.end(), '/', '-'); // from the names of parameterised tests
     return name;
 }
 
@@ -74,7 +74,7 @@ std::string savePictureOfScreen()
 
 void paintEveryWindow()
 {
-    QCoreApplication::processEvents(); // the layout of what was changed last
+    QCoreApplication::processEvents(); // applies pending layouts
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         if (!widget->isVisible())
             continue;

@@ -12,13 +12,13 @@
 namespace tarnwell::test
 {
 
-/// More than a wait of the statement takes before it fails.
+/// Longer than the waits of the statement before they fail.
 inline constexpr std::chrono::seconds longestDeathTest(150);
 
 } // namespace tarnwell::test
 
-/// The statement ends the program at once with SIGABRT. What it writes until then, on standard output and
-/// standard error together, matches the expression. For suites whose name ends in DeathTest.
+/// Expects the statement to end the program at once with SIGABRT, and its standard output and standard error
+/// together to match the expression. For suites whose name ends in DeathTest.
 #define EXPECT_STOP_AFTER(statement, expression)                                                             \
     EXPECT_EXIT(                                                                                             \
         {                                                                                                    \
@@ -29,5 +29,5 @@ inline constexpr std::chrono::seconds longestDeathTest(150);
         },                                                                                                   \
         testing::KilledBySignal(SIGABRT), expression)
 
-/// The same, and it writes nothing.
+/// The same, and expects no output.
 #define EXPECT_SILENT_STOP(statement) EXPECT_STOP_AFTER(statement, "^$")

@@ -12,7 +12,7 @@ namespace tarnwell::test
 namespace
 {
 
-// A signal handler cannot use a std::string that another thread may be changing.
+// A signal handler cannot safely read a std::string that another thread may change.
 std::array<char, 512> lastLine;
 std::size_t lastLineSize = 0;
 
@@ -20,7 +20,7 @@ extern "C" void endProcess(int signal)
 {
     [[maybe_unused]] const auto written = ::write(STDERR_FILENO, lastLine.data(), lastLineSize);
     std::signal(signal, SIG_DFL);
-    std::raise(signal); // takes effect when this handler returns
+    std::raise(signal); // delivered when this handler returns
 }
 
 } // namespace

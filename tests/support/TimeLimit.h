@@ -7,11 +7,11 @@
 namespace tarnwell::test
 {
 
-/// The limit of every wait for the program under test, which takes that long only when it is broken.
+/// The limit of every wait for the program under test. Only a defect makes a wait reach it.
 inline constexpr std::chrono::seconds longestWait(60);
 
-/// Starts this process's only time limit anew. When the time is up, the process writes `message` to standard
-/// error and ends by SIGALRM, even if all of its threads wait.
+/// Restarts the time limit of this process. When the time is over, the process writes `message` to standard
+/// error and ends by SIGALRM, even if all of its threads are blocked.
 void startTimeLimit(std::chrono::seconds limit, const std::string& message);
 
 void stopTimeLimit();

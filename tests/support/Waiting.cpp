@@ -23,7 +23,7 @@ void failTest(const std::string& message, CallSite site)
 {
     const auto report = [&] { GTEST_FAIL_AT(site.file, site.line) << message; };
     report();
-    // Where no listener turns a fatal failure into an exception, as in the process of a death test.
+    // Needed if no listener converts a fatal failure into an exception, as in the process of a death test.
     throw testing::AssertionException(testing::TestPartResult(
         testing::TestPartResult::kFatalFailure, site.file, site.line, message.c_str()));
 }

@@ -39,7 +39,7 @@ Dialog* shownDialog()
     return nullptr;
 }
 
-/// The buttons of a new box have no size before its first layout, and a click would miss them.
+/// The buttons of a new dialog have no size before its first layout; a click would miss them.
 template <typename Dialog>
 bool isLaidOut(const Dialog& dialog)
 {
@@ -48,7 +48,7 @@ bool isLaidOut(const Dialog& dialog)
         buttons.begin(), buttons.end(), [](const auto* button) { return button->size().isEmpty(); });
 }
 
-/// Waits until a dialog of that type is on the screen and has the keyboard.
+/// Waits until a dialog of that type is shown and has the keyboard focus.
 template <typename Dialog>
 Dialog* waitForDialog(const char* awaited, CallSite site)
 {
@@ -197,7 +197,8 @@ bool WindowTest::drop(const QMimeData& data)
         return false;
     QDropEvent drop(centre, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&view, &drop);
-    QCoreApplication::sendPostedEvents(&view); // the view answers first and starts the analysis from an event
+    QCoreApplication::sendPostedEvents(
+        &view); // the view accepts the drop first and starts the analysis from an event
     return drop.isAccepted();
 }
 
@@ -218,7 +219,7 @@ void WindowTest::choose(PathPanel* panel, const std::string& path, CallSite site
     QLineEdit* field = panel->nameField();
     if (field == nullptr)
         failTest("the panel has no name field", site);
-    field->setCompleter(nullptr); // its popup would take the Return
+    field->setCompleter(nullptr); // its popup would consume the Return key
     field->setText(textOfPath(path));
     const QPointer<QFileDialog> chosen(panel);
     QTest::keyClick(field, Qt::Key_Return);

@@ -24,7 +24,7 @@ class QMimeData;
 namespace tarnwell::test
 {
 
-/// While it lives, the temporary folder of this process is one of its own.
+/// Sets a separate temporary folder for this process during its lifetime.
 class OwnTemporaryFolder
 {
 public:
@@ -33,7 +33,7 @@ public:
     OwnTemporaryFolder(const OwnTemporaryFolder&) = delete;
     OwnTemporaryFolder& operator=(const OwnTemporaryFolder&) = delete;
 
-    /// Without a closing slash.
+    /// Without a trailing slash.
     std::string path() const { return m_folder.path().substr(0, m_folder.path().size() - 1); }
 
 private:
@@ -41,24 +41,23 @@ private:
     QByteArray m_earlier;
 };
 
-/// Whether no other window covers the middle of this one.
+/// Whether no other window covers the centre of this one.
 bool isOnTop(const QWidget& window);
 
-/// The real window of the program with tools that the test chooses, operated as by a user: by names, keys and
-/// clicks. A function that does not find an element, or reaches the limit of a wait, ends the test with a
-/// failure.
+/// The real window of the program with tools that the test chooses, operated by object names, keys and
+/// clicks. A function that does not find an element, or exceeds the limit of a wait, fails and ends the test.
 class WindowTest : public testing::Test
 {
 protected:
-    /// Shows the window and waits until it has the keyboard; with the real tools of the build tree by
+    /// Shows the window and waits until it has the keyboard focus. Uses the real tools of the build tree by
     /// default.
     void start();
     void start(const ToolContext& tools);
 
-    /// The test's own folder, ending in "/".
+    /// The test's folder, with a trailing "/".
     const std::string& folder() const { return m_folder.path(); }
 
-    /// The temporary folder that the program uses in this test, without a closing slash.
+    /// The temporary folder that the program uses in this test, without a trailing slash.
     std::string ownTemporaryFolder() const { return m_temporary.path(); }
 
     Application& application() { return *m_application; }
@@ -78,35 +77,36 @@ protected:
     QAction& action(const char* objectName);
     QImage shownPicture();
 
-    /// Types a shortcut into the topmost sheet, or the window where there is none, once it has the keyboard.
+    /// Types a shortcut into the topmost sheet, or into the window if there is none, after it has received
+    /// the keyboard focus.
     void type(const QKeySequence& keys, CallSite site = {});
 
-    /// Clicks the toolbar's button for the action.
+    /// Clicks the action's button in the toolbar.
     void clickToolBar(const char* actionName, CallSite site = {});
 
-    /// Waits for an alert that has the keyboard. Never null.
+    /// Waits for an alert with the keyboard focus. Never null.
     AlertDialog* shownAlert(CallSite site = {});
     /// Whether an alert, or a question of a file panel, is on the screen now.
     bool isAlertShown();
     /// Clicks the button with that text and waits until the alert is closed.
     void answer(AlertDialog* alert, const char* buttonText, CallSite site = {});
-    /// The same for the question of a save panel about replacing the file, for which it waits.
+    /// The same for a save panel's question about replacing the file. Waits for the question first.
     void answerReplaceQuestion(const char* buttonText, CallSite site = {});
 
     bool isProgressShown();
 
-    /// Drops the file on the picture area and returns when it has been analysed. Whether the drop was
+    /// Drops the file on the picture area and returns after its analysis. Returns whether the drop was
     /// accepted.
     bool drop(const std::string& path);
     bool drop(const QMimeData& data);
 
-    /// Opens by the menu's shortcut and the panel.
+    /// Opens the file with the menu's shortcut and the panel.
     void openByPanel(const std::string& path, CallSite site = {});
-    /// Saves by the menu's shortcut and the panel; returns when the panel is closed or asks a question.
+    /// Saves with the menu's shortcut and the panel; returns when the panel is closed or asks a question.
     void saveByPanel(const std::string& path, CallSite site = {});
-    /// Waits for a file panel that has the keyboard. Never null.
+    /// Waits for a file panel with the keyboard focus. Never null.
     PathPanel* shownPanel(CallSite site = {});
-    /// Puts the path into the panel's name field, presses Return and waits until the panel is closed or asks
+    /// Enters the path in the panel's name field, presses Return and waits until the panel is closed or asks
     /// a question.
     void choose(PathPanel* panel, const std::string& path, CallSite site = {});
 
@@ -116,7 +116,7 @@ private:
     std::unique_ptr<Application> m_application;
 };
 
-/// The real tools of the build tree, as the program itself finds them.
+/// The real tools of the build tree, found with the program's own rules.
 ToolContext realTools();
 
 } // namespace tarnwell::test

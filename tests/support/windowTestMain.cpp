@@ -16,7 +16,7 @@ namespace
 
 constexpr std::chrono::seconds longestTest(300);
 
-/// Names the test that does not end; ctest, which ends it later, names only the program.
+/// Prints the name of a test that exceeds the time limit; ctest prints only that of the program.
 class TimeLimitListener : public testing::EmptyTestEventListener
 {
     void OnTestStart(const testing::TestInfo& test) override
@@ -29,7 +29,8 @@ class TimeLimitListener : public testing::EmptyTestEventListener
     void OnTestEnd(const testing::TestInfo& /*test*/) override { tarnwell::test::stopTimeLimit(); }
 };
 
-/// A fatal failure in a helper function ends the test, and not only the function. Must be the last listener.
+/// Throws after a fatal failure, so that a failure in a helper function ends the test and not only the
+/// function. Must be the last listener.
 class FatalFailureListener : public testing::EmptyTestEventListener
 {
     void OnTestPartResult(const testing::TestPartResult& result) override
@@ -43,12 +44,12 @@ class FatalFailureListener : public testing::EmptyTestEventListener
 
 int main(int argc, char* argv[])
 {
-    // A death test waits until no process holds its pipe any more: no child may inherit it.
+    // A death test waits until no process has its pipe open: child processes must not inherit it.
     ::close_range(STDERR_FILENO + 1, UINT_MAX, CLOSE_RANGE_CLOEXEC);
     tarnwell::prepareStandardStreams();
     const QApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
-    // Death tests start this program anew: a window system's connection does not survive a fork.
+    // Death tests restart this program, because the connection to the X server does not survive a fork.
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     auto& listeners = testing::UnitTest::GetInstance()->listeners();
     listeners.Append(std::make_unique<TimeLimitListener>().release());

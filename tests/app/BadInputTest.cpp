@@ -102,7 +102,7 @@ TEST_F(BadInputTest, aFloodOfStatusLinesLosesNoTime)
     std::string script;
     for (int line = 0; line < 2000; ++line)
         script += "error frame=1 time=00:00:04.00 bitrate=1\\r\n";
-    // A chunk of its own: a chunk of the flood can begin in the middle of a line.
+    // A separate chunk: a chunk of the flood can begin in the middle of a line.
     script += "wait-until-read\nerror time=00:00:02.00\\r\n";
     tools().setCreator(script + stillScript());
     testing::internal::CaptureStdout();

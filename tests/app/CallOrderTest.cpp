@@ -210,7 +210,7 @@ TEST_F(CallOrderTest, aSigtermRightAfterTheLaunchKeepsAnOlderFile)
         const std::string saved = folder() + "saved" + std::to_string(round) + "/";
         std::filesystem::create_directory(saved);
         writeFile(saved + "out.mp4", olderVideo);
-        tools().setSniffer("print-file " + saved + "out.mp4\n"); // no report where the file is missing
+        tools().setSniffer("print-file " + saved + "out.mp4\n"); // no report for a missing file
         afterLaunch = [launches = 0](Process& process) mutable {
             if (++launches == 1) // the second one is the probe of the output
                 process.terminate();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What assistive tools say of the picture.
+// The description of the picture for assistive tools.
 #include "app/PictureDescription.h"
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"

@@ -51,7 +51,7 @@ std::optional<FileNameList> listOf(const QByteArray& uriList)
     return fileNameList(ForeignList(uriList));
 }
 
-/// What the only line of a list stands for.
+/// The path in a list with one line.
 Path pathOf(const QByteArray& uri)
 {
     const auto names = listOf(uri);

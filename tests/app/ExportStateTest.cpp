@@ -140,7 +140,7 @@ TEST_F(ExportStateTest, anyOtherAnswerToTheModeAlertPrintsALineAndNothingElse)
         testing::internal::CaptureStdout();
         delegate().exportModeChosen(response, folder() + "clip.mp4", output());
         EXPECT_EQ(testing::internal::GetCapturedStdout(), "Something is Wrong!\n");
-        EXPECT_FALSE(InputBlocker::isActive()); // an export takes the input at once
+        EXPECT_FALSE(InputBlocker::isActive()); // an export blocks the input at once
     }
 }
 

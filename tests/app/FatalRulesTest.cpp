@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where something required is missing the program ends at once, by a signal, and says nothing about it.
+// If a required object is missing, the program ends at once by a signal and prints nothing about it.
 #include "app/AppDelegate.h"
 #include "app/DragAndDropFileInNSImageView.h"
 #include "desktop/Alert.h"
@@ -18,7 +18,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// What is printed of an export before its encoder is started.
+/// The output of an export before its encoder is started.
 const char* const plannedExport
     = "^positionState : 1, vFlipSte : true, hFlipState : false\n\\[\"-i\", [^\n]*\\]\n$";
 
@@ -37,7 +37,8 @@ protected:
     /// Saves and processes events until the program stops.
     void saveAndWait(const std::string& creatorScript)
     {
-        tools().setCreator(stillScript() + creatorScript); // an output gives no line about it
+        tools().setCreator(
+            stillScript() + creatorScript); // an output file prevents the message about a missing one
         saveWithoutMode();
     }
 
@@ -48,7 +49,7 @@ protected:
         runUntilStop();
     }
 
-    /// One that is there, and so gives a description without a word.
+    /// An existing file: its description prints no message.
     std::string anyFile() const { return folder() + "still.jpg"; }
 
     /// Runs the encoder without any plan.

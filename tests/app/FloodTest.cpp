@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Tools that never stop talking. What an encoder says is forgotten at once, so that the memory of the program
-// stays flat; a report is kept until it is understood, in a few times its size. Peaks are printed, and the
-// longest time for which the window did nothing.
+// Tools with unlimited output. The program discards the output of an encoder at once, so that its memory does
+// not grow. It keeps a report until it is parsed, in a few times its size. Prints the peaks of memory and the
+// longest time for which the window was blocked.
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 
@@ -21,7 +21,7 @@ namespace
 constexpr long megabyte = 1024; // kB, in which the system counts
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr long mostGrowth = 450 * megabyte; // sanitizers keep what is freed, and books on the rest
+constexpr long mostGrowth = 450 * megabyte; // sanitizers keep freed memory and add their own
 constexpr long mostGrowthOfAReport = 4096 * megabyte;
 #else
 constexpr long mostGrowth = 50 * megabyte;

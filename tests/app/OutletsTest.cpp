@@ -53,7 +53,7 @@ protected:
         return *m_delegate;
     }
 
-    /// The same for what must stop the program before a sheet is shown, or it will not be silent.
+    /// The same for a fatal rule that applies before a sheet is shown. Prints a message for each shown sheet.
     AppDelegate& startWithoutSheet(const Disconnect& disconnect)
     {
         AppDelegate& lacking = startWithout(disconnect);
@@ -62,7 +62,7 @@ protected:
         return lacking;
     }
 
-    /// Runs what the controller submits to the main thread, until the condition holds.
+    /// Runs the work that the controller submits to the main thread until the condition holds.
     void drainUntil(const std::string& awaited, const std::function<bool()>& condition)
     {
         waitFor(awaited, [&] {

@@ -115,7 +115,7 @@ protected:
     /// The folder that the settings name as the last one.
     std::string earlier() const { return m_folder.path() + "earlier/"; }
 
-    /// Opens, turns and saves a video by names without a folder, and quits. Returns what was printed.
+    /// Opens, turns and saves a video by names without a folder, and quits. Returns the output.
     std::string doTheWholeJob() const
     {
         const WorkingDirectory directory(working());

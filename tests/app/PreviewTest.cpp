@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the window shows is what a transcoded file shows: on real video, through the real window, in every
-// state.
+// The preview equals a frame of the transcoded file: with real video, in the real window, for every state.
 #include "orientation/OrientationState.h"
 #include "tests/support/Samples.h"
 #include "tests/support/WindowTest.h"

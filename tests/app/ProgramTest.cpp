@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The built program as a process: how it starts, comes back and ends.
+// The built program as a process: its start, its reopening and its end.
 #include "tests/support/ExternalProgram.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"
@@ -18,7 +18,7 @@ protected:
     const std::string& folder() const { return m_folder.path(); }
     std::string output() const { return folder() + "out.mp4"; }
 
-    /// Opens a video that takes a while to encode and saves it; returns when the encoder is at work.
+    /// Opens a video with a long encoding and saves it; returns when the encoder runs.
     void startExport(ExternalProgram& program)
     {
         makeSampleVideo(folder() + "clip.mp4", {.size = {1280, 720}, .seconds = 12, .codec = "mpeg4"});

@@ -186,7 +186,7 @@ TEST_F(ResultTest, launchingStartsThePlayerOfThatNameWithTheOutput)
         EXPECT_TRUE(defaultApplication.urls().isEmpty());
         std::quick_exit(HasFailure() ? EXIT_FAILURE : EXIT_SUCCESS);
     };
-    // In a process of its own, because GIO reads the folders of applications once per process.
+    // In a separate process, because GIO reads the folders of applications once per process.
     EXPECT_EXIT(launch(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
 

@@ -40,7 +40,7 @@ protected:
     /// The names that each extraction found in the folder of its output, each followed by a blank.
     std::vector<std::string> listings() const { return linesOf(folder() + "listings"); }
 
-    /// Destroys the application. A new one, which has no folder yet, takes its place.
+    /// Replaces the application with a new one, which has no folder yet.
     void quit() { start(); }
 
     std::string stillFolder() const

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the window accepts as a still frame and as the picture "poster".
+// The formats that the window accepts for a still frame and for the picture "poster".
 #include "app/PictureFile.h"
 #include "desktop/PathText.h"
 #include "tests/support/FakeToolsTest.h"

@@ -21,7 +21,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// False where the file system or the user cannot set the flag.
+/// False if the file system or the user cannot set the flag.
 bool setImmutable(const std::string& path, bool isImmutable)
 {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);

@@ -29,7 +29,7 @@ BusService::~BusService()
     QDBusConnection::disconnectFromBus(m_connectionName);
     m_thread.quit();
     EXPECT_TRUE(m_thread.wait(QDeadlineTimer(longestWait))) << "the bus thread did not end";
-    m_object.calls(); // the thread sanitizer sees the lock, and not what Qt waits with
+    m_object.calls(); // the thread sanitizer sees this lock, but not the synchronisation inside Qt
 }
 
 QDBusMessage BusService::refusal(const QDBusMessage& call)

@@ -14,12 +14,12 @@
 namespace tarnwell::test
 {
 
-/// A program on the session bus that owns a name and answers calls: on a connection and a thread of its own,
-/// as another process would. It keeps the name for as long as it lives.
+/// A program on the session bus that owns a name and answers calls, on a separate connection and thread, like
+/// another process. Owns the name during its lifetime.
 class BusService
 {
 public:
-    /// Makes the answer to a call; an invalid message: none ever comes.
+    /// Returns the answer to a call; an invalid message for no answer.
     using Answer = std::function<QDBusMessage(const QDBusMessage& call)>;
 
     /// Answers calls to the object of that path, and calls to others with the bus's usual error.

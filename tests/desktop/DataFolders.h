@@ -25,7 +25,7 @@ public:
         return variables;
     }
 
-    /// For this process, where it has not used GIO yet: GIO reads the variables once.
+    /// For this process, before its first use of GIO: GIO reads the variables once.
     void setEnvironment() const
     {
         qputenv("XDG_DATA_HOME", QByteArray::fromStdString(userFolder()));

@@ -57,7 +57,7 @@ private:
     int m_value = 0;
 };
 
-/// A window that counts its paintings, takes drops and holds a field to type in.
+/// A window that counts its paint events, accepts drops and has a text field.
 class BusyWindow : public ParentWindow
 {
 public:

@@ -20,8 +20,7 @@ class ImageViewOfAKind : public ImageView
     Q_OBJECT
 };
 
-/// Works at every scale of the screen: sizes of pictures and of what is painted are in the screen's own
-/// pixels.
+/// Independent of the screen's scale: sizes of pictures and painted areas are in device pixels.
 class ImageViewTest : public testing::Test
 {
 protected:
@@ -42,10 +41,10 @@ protected:
         return picture;
     }
 
-    /// What the view paints, in the screen's pixels.
+    /// The painted view, in device pixels.
     QImage painted() { return m_view.grab().toImage(); }
 
-    /// Where the plain picture is painted; every pixel of the rectangle has its colour.
+    /// The rectangle of the painted plain picture; every pixel in it has its colour.
     QRect placeOfPicture()
     {
         const QImage all = painted();

@@ -144,7 +144,8 @@ TEST_F(InputBlockerTest, otherKindsOfInputAreDroppedAndNotAccepted)
     Receiver receiver;
     for (QEvent* input : std::initializer_list<QEvent*>{&enter, &move, &drop, &menu, &wheel}) {
         SCOPED_TRACE(input->type());
-        EXPECT_TRUE(receiver.receives(enter)); // a move or a drop comes only to where a drag has entered
+        EXPECT_TRUE(
+            receiver.receives(enter)); // only a widget that a drag has entered receives moves and drops
         EXPECT_TRUE(receiver.receives(*input));
         EXPECT_TRUE(receiver.receives(enter));
         const InputBlocker blocker;

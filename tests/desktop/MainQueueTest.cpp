@@ -103,7 +103,7 @@ TEST(MainQueueTest, nothingRunsOnceItHasGone)
     mainQueue.reset();
     queue->async([&] { isDone = true; });
     std::thread([&] { queue->async([&] { isDone = true; }); }).join();
-    // A later queue's work comes after all that was there before.
+    // The work of a later queue follows all earlier work.
     const MainQueue later;
     bool isLaterDone = false;
     later.queue()->async([&] { isLaterDone = true; });

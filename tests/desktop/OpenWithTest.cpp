@@ -23,7 +23,7 @@ const std::string playerName = "Name=QuickTime Player\n";
 
 } // namespace
 
-/// Opens a file with "QuickTime Player" in a process of its own, among the applications that a test adds.
+/// Opens a file with "QuickTime Player" in a separate process, with the applications that a test adds.
 class OpenWithTest : public testing::Test
 {
 protected:
@@ -86,7 +86,7 @@ private:
 
 struct Entry {
     const char* file; // below the folder of applications; "system/" for that of the system
-    std::string text; // "PROGRAM" stands for the path of a program that records its arguments
+    std::string text; // "PROGRAM" is replaced by the path of a program that records its arguments
 };
 
 struct Desktop {

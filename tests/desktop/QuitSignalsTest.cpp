@@ -14,7 +14,7 @@ namespace tarnwell::test
 namespace
 {
 
-/// Runs until the first signal is handled, in a process of its own.
+/// Runs until the first signal is handled. Called in a child process.
 [[noreturn]] void quitBy(int signal)
 {
     const QuitSignals signals([] { std::quick_exit(7); });

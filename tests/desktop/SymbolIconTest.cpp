@@ -34,7 +34,7 @@ protected:
         return icon.pixmap(QSize(64, 64), 1, mode).toImage();
     }
 
-    /// The one colour of all pixels that are fully covered; invalid where there are several or none.
+    /// The colour of all fully opaque pixels; invalid if there are several or none.
     static QColor colour(const QImage& picture)
     {
         QColor found;

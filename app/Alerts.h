@@ -14,7 +14,7 @@ namespace tarnwell
 /// With an OK button; the texts are UTF-8.
 Alert refusalAlert(const std::string& messageText, const std::string& informativeText);
 
-/// Asks for the mode of an export: the first button stands for fix-flag, the second for transcode.
+/// Asks for the mode of an export: the first button selects fix-flag, the second transcode.
 Alert modeAlert();
 
 /// For an output path that equals the input path.

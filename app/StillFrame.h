@@ -14,12 +14,12 @@ namespace tarnwell
 class FileProbe;
 
 /// Extracts still frames with the tool `creator`. Every extraction writes the same file, which is deleted
-/// after it has been read. The file stands in a private folder that is created at the first extraction and
+/// after it has been read. The file is in a private folder that is created at the first extraction and
 /// replaced when its disk is full. Main thread.
 class StillFrameExtractor
 {
 public:
-    /// Returns a frame from the middle of the video, decoded by a run of `creator` of its own, or the picture
+    /// Returns a frame from the middle of the video, decoded by a separate run of `creator`, or the picture
     /// "poster" if the bundle has no such tool. Waits for the tool with `tools.wait`. Stops the program if
     /// the tool leaves no readable picture.
     QImage extract(const FileProbe& probe, const ToolContext& tools);

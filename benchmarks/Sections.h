@@ -29,7 +29,7 @@ inline constexpr const char* pictureSizes[] = {"360p", "720p", "1080p", "4K", "8
 void measureOpening(const BenchContext& context);
 void measureClicks(const BenchContext& context);
 void measureExports(const BenchContext& context);
-/// Does not measure, and reports the reason, where the environment has SHARED_BLOCKS_MISSING.
+/// If the environment has SHARED_BLOCKS_MISSING, reports this reason and does not measure.
 void measureSharing(const BenchContext& context);
 void measureMemory(const BenchContext& context);
 void measureMainThread(const BenchContext& context);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Measures the time of a fix flag on a file system that shares blocks between files, where it must not depend
+// Measures the time of a fix flag on a file system that shares blocks between files. There it must not depend
 // on the size of the file. benchmarks/with-shared-blocks mounts such a file system.
 #include "benchmarks/BenchWindow.h"
 #include "benchmarks/Sections.h"

@@ -9,8 +9,9 @@ class QWidget;
 namespace tarnwell
 {
 
-/// What a desktop passes to a program that the user starts. With it the desktop lets a window come to the
-/// front; without it the window may only ask for attention. A text is empty where the desktop passed nothing.
+/// The startup data that a desktop passes to a program that the user starts. With it the desktop allows a
+/// window to come to the front; without it the window can only request attention. A text is empty if the
+/// desktop passed nothing.
 struct ActivationToken {
     QString token = {}; // of Wayland, and of later X11 desktops
     QString startupId = {}; // of X11; may end with the time of the user's action
@@ -28,7 +29,7 @@ struct ActivationToken {
 };
 
 /// Asks the desktop to bring the window, or the sheet that blocks it, to the front with the keyboard focus.
-/// Does nothing where the token is empty.
+/// Does nothing if the token is empty.
 void activate(QWidget& window, const ActivationToken& token);
 
 } // namespace tarnwell

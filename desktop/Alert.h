@@ -13,7 +13,7 @@ namespace tarnwell
 class SheetQueue;
 
 /// The content of an alert: a message text, an informative text and buttons. Return presses the first button;
-/// Escape and a request to close the window press the button "OK", where there is one.
+/// Escape and a request to close the window press the button "OK", if there is one.
 class Alert
 {
 public:

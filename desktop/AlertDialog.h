@@ -14,8 +14,8 @@ namespace tarnwell
 {
 
 /// The sheet that shows an alert: the icon of its style, the bold message, the informative text as plain
-/// text, and the buttons from left to right in the order in which they were added, whatever order the
-/// desktop's style prefers. The dialog's result is the response of the pressed button.
+/// text, and the buttons from left to right in the order in which they were added, independent of the
+/// desktop's style. The dialog's result is the response of the pressed button.
 class AlertDialog : public Sheet
 {
     Q_OBJECT

@@ -27,8 +27,8 @@ bool isNamed(GAppInfo* application, const std::string& name)
     return untranslated && name == untranslated.get();
 }
 
-/// Null where no application has the name. Hidden entries, and entries whose program is not installed, are no
-/// applications.
+/// Null if no application has the name. Hidden entries, and entries whose program is not installed, are
+/// ignored.
 ObjectPointer<GAppInfo> applicationNamed(const std::string& name)
 {
     ObjectPointer<GAppInfo> found;

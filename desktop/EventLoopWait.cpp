@@ -15,7 +15,7 @@ namespace tarnwell
 namespace
 {
 
-/// Not joinable where the system cannot start a thread.
+/// Not joinable if the system cannot start a thread.
 std::thread startThread(std::function<void()> work)
 {
     try {

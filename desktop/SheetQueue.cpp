@@ -81,7 +81,7 @@ void SheetQueue::waitUntilPainted(QDialog* sheet)
         return;
     const InputBlocker blocker;
     const QDeadlineTimer deadline(longestWaitForScreen);
-    QTimer wakeUp; // ends WaitForMoreEvents where no event arrives
+    QTimer wakeUp; // ends WaitForMoreEvents if no event arrives
     wakeUp.start(exposureCheckInterval);
     while (!isOnScreen(*sheet) && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

@@ -33,7 +33,7 @@ QUrl folderOf(const FileURL& file)
     return urlOf(FileURL(path.substr(0, path.rfind('/') + 1)));
 }
 
-/// Sends a call on the session bus. Runs `otherwise` where the call fails or there is no bus.
+/// Sends a call on the session bus. Runs `otherwise` if the call fails or there is no bus.
 void callOr(const QDBusMessage& call, const std::function<void()>& otherwise)
 {
     const QDBusConnection bus = QDBusConnection::sessionBus();

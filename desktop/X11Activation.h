@@ -15,7 +15,7 @@ namespace tarnwell
 // leaves the first one's window behind other windows on X11 desktops that prevent focus stealing.
 
 /// The X server time of the user's action in milliseconds: the number after the last "_TIME" of a startup id.
-/// Absent where the id has none, or 0, which means the current time.
+/// Absent if the id has none, or 0, which means the current time.
 std::optional<std::uint32_t> userTimeOf(const QString& startupId);
 
 /// Asks the window manager to activate the window (_NET_ACTIVE_WINDOW) with the time of the startup id, and

@@ -152,7 +152,7 @@ void flushLines()
     lineQueue().flush();
 }
 
-// Returns false where the system refuses a thread; the line is dropped, the next one tries again.
+// Returns false if the system cannot start a thread; the line is dropped, the next one tries again.
 bool LineQueue::startThread()
 {
     if (m_isThreadRunning)

@@ -9,8 +9,8 @@
 namespace tarnwell
 {
 
-/// A first-in, first-out queue of work for the main thread. Any thread submits. The pieces run one at a time:
-/// a piece that runs an event loop of its own is finished before the next one begins.
+/// A first-in, first-out queue of work for the main thread. Any thread submits. Work runs one piece at a
+/// time: a piece that runs a nested event loop is finished before the next one begins.
 class DispatchQueue
 {
 public:

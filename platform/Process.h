@@ -25,15 +25,15 @@ class Pipe;
 ///
 /// The exit status is not stored: the application judges a tool by the file or the report that it leaves.
 ///
-/// The child starts with an empty signal mask and the default action for SIGTERM, whatever the calling thread
-/// blocks or ignores, so terminate ends every program that does not handle SIGTERM. Other ignored signals
-/// stay ignored; SIGPIPE among them lets an encoder survive the application that reads its output.
+/// The child starts with an empty signal mask and the default action for SIGTERM, independent of the calling
+/// thread. terminate therefore ends every program that does not handle SIGTERM. Other ignored signals remain
+/// ignored: with SIGPIPE ignored an encoder continues after the application that reads its output has ended.
 class Process
 {
 public:
     /// A child in the application's session receives the terminal's signals (Ctrl+C) together with the
-    /// application. A child in a session of its own receives none, and the terminal never stops it when it
-    /// reads the terminal: it has no controlling terminal.
+    /// application. A child in its own session has no controlling terminal: it receives none of these signals
+    /// and is not stopped when it reads the terminal.
     enum class Session { Shared, Own };
 
     /// Absolute path of the program, raw bytes.

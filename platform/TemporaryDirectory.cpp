@@ -42,7 +42,7 @@ std::vector<std::string> candidateFolders()
     return folders;
 }
 
-/// What fits into a folder, in ascending order.
+/// The amount of data that fits into a folder, in ascending order.
 enum class Room { None, SmallFile, Enough };
 
 /// Closes the file.

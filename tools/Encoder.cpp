@@ -29,7 +29,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds graceAfterCancel(400);
 constexpr std::chrono::milliseconds longestSilence(450);
 
-/// Whether one of the messages names an error of a device or of a file server.
+/// Whether a message names an error of a device or a file server.
 bool namesReadError(const std::string& messages)
 {
     constexpr std::array readErrors = {EIO, ENXIO, ENODEV, ENOTCONN, ETIMEDOUT, ESTALE, EREMOTEIO};
@@ -37,7 +37,7 @@ bool namesReadError(const std::string& messages)
         [&messages](int error) { return messages.find(std::strerror(error)) != std::string::npos; });
 }
 
-/// Reads ffmpeg's two streams until both have ended and it has exited. Forwards a cancel to it.
+/// Reads ffmpeg's two streams until both have ended and ffmpeg has exited. Forwards a cancel to it.
 class Listener
 {
 public:
@@ -88,7 +88,7 @@ public:
     /// Whether ffmpeg has written an error message.
     bool hasComplained() const { return m_hasComplained; }
 
-    /// Whether ffmpeg has written that it could not read or write a file.
+    /// Whether a message of ffmpeg names a read or write error.
     bool hasNamedReadError() const { return m_hasNamedReadError; }
 
 private:
@@ -144,12 +144,12 @@ private:
     ComplaintReader m_errorReader;
     bool m_hasComplained = false;
     bool m_hasNamedReadError = false;
-    std::string m_lastReport; // the last status line
+    std::string m_lastReport;
     Clock::time_point m_reportedAt;
     std::optional<Clock::time_point> m_killAt;
 };
 
-/// Succeeded if the input can be read to its end and is unchanged.
+/// Succeeded if the input can be read to its end and has not changed.
 RunEnd checkInput(const InputFile& input, Listener& listener)
 {
     if (listener.hasComplained()) {
@@ -216,8 +216,8 @@ RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& inp
     const Run first = runOnce(arguments, input, output);
     if (!first.hasNamedReadError)
         return first.end;
-    // The input can be read now. Either the error was temporary and this output ends where it occurred, or
-    // ffmpeg names it for data that is broken, and does so again.
+    // The input can be read now. If the error was temporary, this output ends at its position. If ffmpeg
+    // reports damaged data with the same text, the second run reports it again.
     writeErrorLines("tarnwell: ffmpeg runs again after a read error\n", cancelDescriptor());
     return runOnce(arguments, input, output).end;
 }

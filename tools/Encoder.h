@@ -17,8 +17,8 @@ enum class RunEnd { Succeeded, Failed, Cancelled, InputFailed };
 /// standard error. A cancel is forwarded as SIGTERM; an ffmpeg that has not exited 0.4 seconds later is
 /// killed.
 ///
-/// An input that is changed meanwhile is a failure, and so is a read error: ffmpeg takes one for the end of
-/// the file, prints a message and succeeds. After a run with any message the whole input is read once more: a
-/// file that is broken in itself is no failure, one that cannot be read is. If the input can be read but the
-/// message named a read error, which can be temporary, ffmpeg runs a second time.
+/// The run fails if the input changes or has a read error. ffmpeg treats a read error as the end of the file,
+/// prints a message and succeeds; therefore the whole input is read again after a run with any message. If
+/// that succeeds but the message named a read error, which can be temporary, ffmpeg runs a second time.
+/// Damaged content is not a read error.
 RunEnd runFfmpeg(const std::vector<std::string>& arguments, const InputFile& input, int output);

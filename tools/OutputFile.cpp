@@ -76,8 +76,8 @@ bool OutputFile::hasGroup(gid_t group) const
     return ::fstat(m_descriptor, &status) == 0 && status.st_gid == group;
 }
 
-/// Errors are ignored: file systems without permissions refuse the calls, and the file is then left with
-/// those for its owner only, or with those of the mount.
+/// Ignores errors: file systems without permissions refuse the calls. The file then keeps the permissions for
+/// its owner only, or those of the mount.
 void OutputFile::setPermissions() const
 {
     struct stat older = {};

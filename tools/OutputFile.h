@@ -18,12 +18,12 @@
 class OutputFile
 {
 public:
-    /// A new file has at most the permissions `mode`, without those of the umask; its owner can always read
-    /// and write it. Where it gets another group than `group`, that has no more permissions than everyone. A
-    /// file that replaces another one has the permissions of that and, if possible, its group.
+    /// A new file has at most the permissions `mode`, minus the umask; its owner can always read and write
+    /// it. If its group is not `group`, the permissions of the group are limited to those of everyone. A file
+    /// that replaces another one gets its permissions and, if possible, its group.
     explicit OutputFile(
         const std::string& path, mode_t mode = 0666, std::optional<gid_t> group = std::nullopt);
-    /// Deletes a file that has not been moved to its path.
+    /// Deletes the file if it has not been moved to its path.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -63,9 +63,8 @@ private:
 
     OutputPlace m_place;
     mode_t m_mode;
-    std::optional<gid_t> m_group; // absent where m_mode is for any group
-    std::string m_hidden; // the hidden name; empty where the file has none
-    std::string
-        m_older; // the name of the older file that moveToPath has put aside; empty where there is none
+    std::optional<gid_t> m_group; // absent if m_mode is valid for any group
+    std::string m_hidden; // the hidden name; empty if the file has none
+    std::string m_older; // the new name of the older file; empty if there is none
     int m_descriptor = -1;
 };

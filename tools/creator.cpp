@@ -210,7 +210,7 @@ int makeVideoFile(Job job, const InputFile& input, OutputFile& output)
     return endWithoutOutput(input, output.place(), isCancelled() ? RunEnd::Cancelled : end);
 }
 
-/// A new file is readable for nobody who cannot read the input.
+/// Users who cannot read the input cannot read a new file.
 OutputFile outputFor(const Job& job, const InputFile& input)
 {
     constexpr mode_t readableAndWritable = 0666;

@@ -243,9 +243,7 @@ MatrixNumbers reportedMatrix(const std::string& path)
     std::string text = textMember(probe.output, "displaymatrix");
     if (text.empty())
         return numbersOf({}, 0, 0);
-    // Three numbered rows; the report escapes their line ends as "\
-    //
-    // ".
+    // Three numbered rows; the report escapes the ends of lines.
     for (auto end = text.find("\\n"); end != std::string::npos; end = text.find("\\n"))
         text.replace(end, 2, " ");
     std::istringstream words(text);

@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <iterator>
-#include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -151,9 +150,13 @@ void OutputPlace::sync() const
 
 bool givesFixedNumbers(std::uint32_t fileSystem)
 {
-    constexpr std::uint32_t sharedFolders = 0x786F4256; // of VirtualBox; not in the kernel's headers
-    constexpr std::uint32_t others[]
-        = {FUSE_SUPER_MAGIC, V9FS_MAGIC, CIFS_SUPER_MAGIC, SMB2_SUPER_MAGIC, sharedFolders};
+    // Magic numbers of statfs(2). The kernel headers of older systems lack some of them.
+    constexpr std::uint32_t fuse = 0x65735546;
+    constexpr std::uint32_t v9fs = 0x01021997;
+    constexpr std::uint32_t cifs = 0xFF534D42;
+    constexpr std::uint32_t smb2 = 0xFE534D42;
+    constexpr std::uint32_t virtualBox = 0x786F4256;
+    constexpr std::uint32_t others[] = {fuse, v9fs, cifs, smb2, virtualBox};
     return std::find(std::begin(others), std::end(others), fileSystem) == std::end(others);
 }
 

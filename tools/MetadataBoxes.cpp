@@ -119,7 +119,7 @@ private:
         return userData.empty() ? content : content + boxBytes("udta", userData);
     }
 
-    /// The parts of ffmpeg's user data that the source's user data does not replace: always chapters.
+    /// The boxes in ffmpeg's user data that the source's user data does not replace: always chapters.
     std::string keptUserData(const Box& userData)
     {
         const auto parts = m_reader.boxesIn(userData).value_or(Boxes());

@@ -64,12 +64,6 @@ void OutputFile::empty() const
     ::lseek(m_descriptor, 0, SEEK_SET);
 }
 
-bool OutputFile::isEmpty() const
-{
-    struct stat status = {};
-    return ::fstat(m_descriptor, &status) != 0 || status.st_size == 0;
-}
-
 bool OutputFile::hasGroup(gid_t group) const
 {
     struct stat status = {};

@@ -38,7 +38,6 @@ public:
 
     /// Truncates the file.
     void empty() const;
-    bool isEmpty() const;
 
     /// Sets the permissions and waits until the data is on the disk. False on an error.
     bool sync() const;

@@ -48,6 +48,8 @@ QImage StillFrameExtractor::runCreator(
     Process creator;
     creator.setExecutable(creatorPath);
     creator.setArguments(posterFrameArguments(probe.duration, required(probe.fileFullPath), stillPath));
+    // Ctrl+C in a terminal ends the application. If creator ended first, its missing picture would be fatal.
+    creator.setSession(Process::Session::Own);
     creator.launch(); // the error is ignored: the missing picture is detected below
     QImage picture;
     wait([&] {

@@ -20,6 +20,7 @@ const char* const oddNames[] = {
     "it's \"quoted\"",
     "100%d percent %20",
     "10:30:00 colons",
+    "time=9:99", // like a status line of creator, with a time that stops the program
     "-dash",
     "M\xC3\xBCnchen \xE6\x97\xA5\xE6\x9C\xAC \xF0\x9F\x8E\xAC",
     "back\\slash $HOME `id` ; & | *?[x]{a,b}",

@@ -3,13 +3,10 @@
 // random duration. TARNWELL_ROUNDS sets the number of program starts for each of the three; two cover both
 // ways to quit.
 #include "tests/support/ExternalProgram.h"
-#include "tests/support/FakeTools.h"
 #include "tests/support/Files.h"
-#include "tests/support/Folders.h"
+#include "tests/support/ProgramCopy.h"
 #include "tests/support/Reports.h"
-#include "tests/support/WindowTest.h"
 
-#include <QImage>
 #include <QThread>
 
 #include <gtest/gtest.h>
@@ -42,19 +39,10 @@ int rounds()
 class QuitRaceTest : public testing::Test
 {
 protected:
-    QuitRaceTest()
-    {
-        std::filesystem::copy_file(TARNWELL_BUILD_FOLDER "/bin/tarnwell", program());
-        QImage still(48, 32, QImage::Format_RGB32);
-        still.fill(Qt::red);
-        still.save(QString::fromStdString(folder() + "still.jpg"));
-        writeFile(video(), videoBytes);
-    }
-
-    std::string folder() const { return m_tools.folder(); }
-    std::string program() const { return folder() + "tarnwell"; }
-    std::string video() const { return folder() + "clip.mp4"; }
-    std::string output() const { return folder() + "out.mp4"; }
+    std::string folder() const { return m_copy.folder(); }
+    std::string program() const { return m_copy.program(); }
+    std::string video() const { return m_copy.video(); }
+    std::string output() const { return m_copy.output(); }
 
     int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(m_random); }
     std::string pause() { return "sleep " + std::to_string(upTo(longestTool)) + "\n"; }
@@ -65,14 +53,14 @@ protected:
     /// Tools that sleep for random times. The codec of the input leaves no choice of the mode.
     void setTools()
     {
-        m_tools.setSniffer("with " + output() + " touch " + probing() + "\n" + pause() + "print "
+        m_copy.tools().setSniffer("with " + output() + " touch " + probing() + "\n" + pause() + "print "
             + reportOf({.codec = "mpeg4"}));
-        std::string script = "with -frames:v " + pause() + "with -frames:v copy " + folder()
-            + "still.jpg\nwith -frames:v exit 0\n";
+        std::string script = "with -frames:v " + pause() + "with -frames:v copy " + m_copy.still()
+            + "\nwith -frames:v exit 0\n";
         // Mostly longer than the wait in quit(): the test is about an encoder that still runs then.
         for (int line = 0; line < 8; ++line)
             script += pause() + "error time=00:00:0" + std::to_string(line) + ".00 \\n\n";
-        m_tools.setCreator(script + "copy " + folder() + "still.jpg\n");
+        m_copy.tools().setCreator(script + "copy " + m_copy.still() + "\n");
     }
 
     void open(ExternalProgram& running)
@@ -106,8 +94,8 @@ protected:
     {
         EXPECT_EQ(contentsOf(video()), videoBytes);
         EXPECT_TRUE(waitUntil([this] { return processesWithArgument(video()).empty(); }));
-        for (const auto& name : namesIn(m_temporary.path()))
-            EXPECT_EQ(folder(), m_temporary.path() + "/" + name + "/") << "a temporary file is left";
+        for (const auto& name : namesIn(m_copy.temporary()))
+            EXPECT_EQ(folder(), m_copy.temporary() + "/" + name + "/") << "a temporary file is left";
         for (const auto& name : namesIn(folder()))
             EXPECT_FALSE(name.ends_with(".part")) << name;
     }
@@ -137,13 +125,12 @@ protected:
         }
     }
 
-    std::string still() const { return contentsOf(folder() + "still.jpg"); }
+    std::string still() const { return contentsOf(m_copy.still()); }
 
     static std::vector<std::string> bothWays() { return {quitByMenu, quitByClosing}; }
 
 private:
-    OwnTemporaryFolder m_temporary;
-    FakeTools m_tools;
+    ProgramCopy m_copy{videoBytes};
     std::mt19937 m_random;
 };
 

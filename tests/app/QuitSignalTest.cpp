@@ -2,13 +2,10 @@
 // The built program ends by SIGTERM, SIGINT or SIGHUP, or by a fatal rule, and leaves no temporary folder
 // behind.
 #include "tests/support/ExternalProgram.h"
-#include "tests/support/FakeTools.h"
 #include "tests/support/Files.h"
-#include "tests/support/Folders.h"
+#include "tests/support/ProgramCopy.h"
 #include "tests/support/Reports.h"
-#include "tests/support/WindowTest.h"
-
-#include <QImage>
+#include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -18,35 +15,38 @@
 namespace tarnwell::test
 {
 
+namespace
+{
+
+const std::string panel = "Save Video";
+
+} // namespace
+
 class QuitSignalTest : public testing::Test
 {
 protected:
     QuitSignalTest()
     {
-        std::filesystem::copy_file(TARNWELL_BUILD_FOLDER "/bin/tarnwell", program());
-        QImage still(48, 32, QImage::Format_RGB32);
-        still.fill(Qt::red);
-        still.save(QString::fromStdString(folder() + "still.jpg"));
-        writeFile(folder() + "clip.mp4", "bytes");
-        m_tools.setSniffer("print " + reportOf({.codec = "mpeg4"}));
-        m_tools.setCreator(stillScript());
+        tools().setSniffer("print " + reportOf({.codec = "mpeg4"}));
+        tools().setCreator(stillScript());
     }
 
-    std::string folder() const { return m_tools.folder(); }
-    std::string program() const { return folder() + "tarnwell"; }
-    std::string output() const { return folder() + "out.mp4"; }
+    std::string folder() const { return m_copy.folder(); }
+    std::string program() const { return m_copy.program(); }
+    std::string still() const { return m_copy.still(); }
+    std::string output() const { return m_copy.output(); }
     std::string stillScript() const
     {
-        return "record-output " + folder() + "stills\ncopy " + folder() + "still.jpg\n";
+        return "record-output " + folder() + "stills\ncopy " + m_copy.still() + "\n";
     }
 
-    FakeTools& tools() { return m_tools; }
+    FakeTools& tools() { return m_copy.tools(); }
 
     void open(ExternalProgram& running)
     {
         running.waitForWindow("Tarnwell");
         running.keysUntilWindow("ctrl+o", "Open Video");
-        running.text(folder() + "clip.mp4");
+        running.text(m_copy.video());
         running.keys("Return");
         ASSERT_TRUE(waitUntil([this] { return exists(folder() + "stills"); }));
     }
@@ -65,8 +65,7 @@ protected:
     }
 
 private:
-    OwnTemporaryFolder m_temporary;
-    FakeTools m_tools;
+    ProgramCopy m_copy;
 };
 
 TEST_F(QuitSignalTest, theStillsFolderIsRemoved)
@@ -76,7 +75,7 @@ TEST_F(QuitSignalTest, theStillsFolderIsRemoved)
         std::filesystem::remove(folder() + "stills");
         ExternalProgram running(program());
         open(running);
-        running.keysUntilWindow("ctrl+s", "Save Video"); // the analysis is over
+        running.keysUntilWindow("ctrl+s", panel); // the analysis is over
         ASSERT_TRUE(exists(stillFolder()));
         expectEnd(running, signal);
         EXPECT_FALSE(exists(stillFolder()));
@@ -92,6 +91,34 @@ TEST_F(QuitSignalTest, anAnalysisIsNotWaitedFor)
     expectEnd(running, SIGTERM);
     EXPECT_FALSE(exists(stillFolder()));
     ::kill(static_cast<pid_t>(std::stol(contentsOf(folder() + "creator"))), SIGKILL);
+}
+
+TEST_F(QuitSignalTest, ctrlCInATerminalEndsTheProgramAndNotItsCreator)
+{
+    tools().setCreator("record-pid " + folder() + "creator\nrecord-output " + folder() + "stills\nhang\n");
+    ExternalProgram running(program(), ExternalProgram::Group::Own);
+    open(running);
+    ASSERT_TRUE(exists(stillFolder()));
+    ::kill(static_cast<pid_t>(-running.processId()), SIGINT);
+    EXPECT_EQ(running.waitForExit(), 0);
+    EXPECT_FALSE(exists(stillFolder()));
+    const auto creator = static_cast<pid_t>(std::stol(contentsOf(folder() + "creator")));
+    EXPECT_EQ(::kill(creator, SIGKILL), 0) << "creator has ended";
+}
+
+TEST_F(QuitSignalTest, aSignalEndsTheProgramWhileTheReplacementIsAskedFor)
+{
+    writeFile(output(), "older");
+    ExternalProgram running(program());
+    open(running);
+    running.keysUntilWindow("ctrl+s", panel);
+    running.keys("ctrl+a");
+    running.text(output());
+    running.keys("Return");
+    running.waitForWindows(panel, 2); // the panel and its question
+    expectEnd(running, SIGTERM);
+    EXPECT_FALSE(exists(stillFolder()));
+    EXPECT_EQ(contentsOf(output()), "older");
 }
 
 TEST_F(QuitSignalTest, theStillsFolderIsRemovedBeforeAMissingStillStopsTheProgram)
@@ -110,7 +137,7 @@ TEST_F(QuitSignalTest, anEncoderFinishesItsVideo)
     tools().setCreator(script + stillScript());
     ExternalProgram running(program());
     open(running);
-    running.keysUntilWindow("ctrl+s", "Save Video");
+    running.keysUntilWindow("ctrl+s", panel);
     running.keys("ctrl+a");
     running.text(output());
     running.keys("Return");
@@ -120,7 +147,7 @@ TEST_F(QuitSignalTest, anEncoderFinishesItsVideo)
     EXPECT_FALSE(processesWithArgument(output()).empty());
     writeFile(folder() + "go", "");
     EXPECT_TRUE(waitUntil([this] { return processesWithArgument(output()).empty(); }));
-    EXPECT_EQ(contentsOf(output()), contentsOf(folder() + "still.jpg"));
+    EXPECT_EQ(contentsOf(output()), contentsOf(still()));
 }
 
 } // namespace tarnwell::test

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <unistd.h>
 
 namespace tarnwell::test
 {
@@ -35,8 +36,10 @@ ExternalProgram::ExternalProgram()
 {
 }
 
-ExternalProgram::ExternalProgram(const std::string& path)
+ExternalProgram::ExternalProgram(const std::string& path, Group group)
 {
+    if (group == Group::Own)
+        m_process.setChildProcessModifier([] { ::setpgid(0, 0); });
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(QString::fromStdString(path), QStringList());
     constexpr std::chrono::milliseconds limit = longestWait;
@@ -101,13 +104,20 @@ void ExternalProgram::keysUntilWindow(const std::string& keysToPress, const std:
     waitFor("the keyboard of “" + title + "” after " + keysToPress, pressUntilActive, site);
 }
 
-bool ExternalProgram::isShown(const std::string& title) const
+int ExternalProgram::shownWindows(const std::string& title) const
 {
     const QString program = QString::fromStdString(xdotool);
     const QString pattern = QString::fromStdString("^" + title + "$");
-    return !outputOf(program,
-        {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), pattern})
-                .empty();
+    const std::string windows = outputOf(program,
+        {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), pattern});
+    return static_cast<int>(std::count(windows.begin(), windows.end(), '\n'));
+}
+
+void ExternalProgram::waitForWindows(const std::string& title, int count, CallSite site)
+{
+    waitFor(
+        std::to_string(count) + " windows “" + title + "”", [&] { return shownWindows(title) == count; },
+        site);
 }
 
 void ExternalProgram::chooseInPanel(const std::string& title, const std::string& path, CallSite site)
@@ -117,7 +127,7 @@ void ExternalProgram::chooseInPanel(const std::string& title, const std::string&
     constexpr std::chrono::seconds interval(5);
     QDeadlineTimer nextAttempt(0);
     const auto isClosed = [&] {
-        if (!isShown(title))
+        if (shownWindows(title) == 0)
             return true;
         if (nextAttempt.hasExpired() && isActive(title)) {
             keys("ctrl+a");

@@ -19,8 +19,13 @@ class ExternalProgram
 public:
     /// Starts the program of the build tree. It inherits standard input and the environment.
     ExternalProgram();
+    enum class Group {
+        Shared,
+        Own, // like a program that an interactive shell starts
+    };
+
     /// Starts a copy of the program. The copy's folder must contain the tools.
-    explicit ExternalProgram(const std::string& path);
+    explicit ExternalProgram(const std::string& path, Group group = Group::Shared);
     /// Kills the program if it still runs.
     ~ExternalProgram();
     ExternalProgram(const ExternalProgram&) = delete;
@@ -33,6 +38,8 @@ public:
 
     /// Waits until a window with `title` in its title has the keyboard focus.
     void waitForWindow(const std::string& title, CallSite site = {});
+    /// Waits until that many windows with exactly this title are visible.
+    void waitForWindows(const std::string& title, int count, CallSite site = {});
     /// Sends key presses such as "ctrl+o" to the window with the keyboard focus.
     void keys(const std::string& keys);
     void text(const std::string& text);
@@ -50,7 +57,7 @@ public:
 
 private:
     bool isActive(const std::string& title) const;
-    bool isShown(const std::string& title) const;
+    int shownWindows(const std::string& title) const;
 
     QProcess m_process;
     QByteArray m_output;

@@ -42,13 +42,13 @@ std::string nameWith(const std::string& random)
 }
 
 /// `file` is open for reading. NFS refuses an exclusive lock of such a file; a shared one also fails while
-/// another process has the exclusive lock.
+/// another process has the exclusive lock. Some FUSE file systems have no locks (ENOSYS).
 bool isStale(int file)
 {
     struct stat status = {};
     return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid()
         && status.st_nlink == 1 && std::time(nullptr) - status.st_mtime > minimumAge
-        && ::flock(file, LOCK_SH | LOCK_NB) == 0;
+        && (::flock(file, LOCK_SH | LOCK_NB) == 0 || errno == ENOSYS);
 }
 
 } // namespace

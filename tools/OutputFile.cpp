@@ -3,6 +3,8 @@
 
 #include "tools/HiddenFiles.h"
 
+#include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -96,27 +98,38 @@ bool OutputFile::sync() const
     return ::fsync(m_descriptor) == 0;
 }
 
+bool OutputFile::putOlderAside()
+{
+    if (!m_place.hasFile())
+        return true;
+    m_older = m_place.putAside("previous");
+    m_replacesOlder = m_older.empty() && errno == ENOTSUP && !m_hidden.empty();
+    return hasOlder() || m_replacesOlder;
+}
+
 bool OutputFile::moveToPath()
 {
-    if (m_place.hasFile()) {
-        m_older = m_place.putAside("previous");
-        if (m_older.empty())
-            return false;
-    }
     if (!setName())
         return false;
-    m_place.sync();
+    // If an older file was replaced, either file can be at the path after a power failure, and a cancel
+    // would come too late during this wait.
+    if (!m_replacesOlder)
+        m_place.sync();
     return true;
 }
 
-/// Fails if a file exists at the path.
+/// Fails if a file exists at the path, unless it is to be replaced.
 bool OutputFile::setName()
 {
-    const std::string& name = m_place.name();
+    const int folder = m_place.folder();
+    const char* name = m_place.name().c_str();
     if (m_hidden.empty())
-        return ::linkat(AT_FDCWD, writablePath().c_str(), m_place.folder(), name.c_str(), AT_SYMLINK_FOLLOW)
-            == 0;
-    if (!renameToFreeName(m_place.folder(), m_hidden, name))
+        return ::linkat(AT_FDCWD, writablePath().c_str(), folder, name, AT_SYMLINK_FOLLOW) == 0;
+    if (!m_replacesOlder && renameToFreeName(folder, m_hidden, name)) {
+        m_hidden.clear();
+        return true;
+    }
+    if ((!m_replacesOlder && errno != ENOTSUP) || ::renameat(folder, m_hidden.c_str(), folder, name) != 0)
         return false;
     m_hidden.clear();
     return true;

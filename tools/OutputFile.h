@@ -12,9 +12,10 @@
 /// older file at the path does not change.
 ///
 /// A file is replaced in the same steps on every file system, and nothing is deleted before the last one: the
-/// older file is renamed to "NAME (previous).EXTENSION" (moveToPath), the new file is moved to the path
+/// older file is renamed to "NAME (previous).EXTENSION" (putOlderAside), the new file is moved to the path
 /// (moveToPath), and the older file is deleted (deleteOlder). If the process is killed between these steps,
-/// the older file has that name.
+/// the older file has that name. The exception is a folder of the document portal (see DocumentPortal.h):
+/// there the older file keeps its name until moveToPath replaces it.
 class OutputFile
 {
 public:
@@ -42,15 +43,22 @@ public:
     /// Sets the permissions and waits until the data is on the disk. False on an error.
     bool sync() const;
 
-    /// Renames an older file at the path and moves this one there. False on an error, with the reason in
-    /// errno; an older file is then at the path or has its new name.
+    /// Renames an older file at the path, unless its folder accepts no other name. False on an error, with
+    /// the reason in errno; the older file is then at the path.
+    bool putOlderAside();
+
+    /// Moves the file to the path. False on an error, with the reason in errno. An older file that was not
+    /// put aside is replaced in one step and cannot be restored.
     bool moveToPath();
 
     /// Deletes the file after moveToPath. A renamed older file does not change.
     void undoMove();
 
-    /// Whether moveToPath has renamed an older file.
+    /// Whether putOlderAside has renamed an older file.
     bool hasOlder() const { return !m_older.empty(); }
+
+    /// Whether moveToPath replaces an older file that could not be put aside.
+    bool replacesOlder() const { return m_replacesOlder; }
 
     /// Deletes the older file. False on an error; it then keeps its new name.
     bool deleteOlder();
@@ -65,5 +73,6 @@ private:
     std::optional<gid_t> m_group; // absent if m_mode is valid for any group
     std::string m_hidden; // the hidden name; empty if the file has none
     std::string m_older; // the new name of the older file; empty if there is none
+    bool m_replacesOlder = false;
     int m_descriptor = -1;
 };

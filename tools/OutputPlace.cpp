@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/OutputPlace.h"
 
+#include "tools/DocumentPortal.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -66,6 +68,29 @@ bool hasFixedNumbers(int folder)
     return ::fstatfs(folder, &status) == 0 && givesFixedNumbers(static_cast<std::uint32_t>(status.f_type));
 }
 
+bool hasName(int folder, const std::string& name)
+{
+    struct stat status = {};
+    return ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+/// Removes the first of two names of a file; on an error, with the reason in errno, the second one.
+bool removeFirstName(int folder, const std::string& from, const std::string& to)
+{
+    if (::unlinkat(folder, from.c_str(), 0) == 0)
+        return true;
+    const int error = errno;
+    ::unlinkat(folder, to.c_str(), 0);
+    errno = error;
+    return false;
+}
+
+bool failWith(int error)
+{
+    errno = error;
+    return false;
+}
+
 bool areSameEnds(int left, int right, off_t size)
 {
     const off_t lastBytes = std::max<off_t>(size - static_cast<off_t>(endSize), 0);
@@ -117,8 +142,10 @@ bool OutputPlace::holds(int file) const
 
 std::string OutputPlace::putAside(const std::string& word) const
 {
-    if (!hasFile())
+    if (!hasFile()) {
+        errno = ENOENT;
         return {};
+    }
     const auto dot = m_name.rfind('.');
     std::string stem = m_name.substr(0, dot == 0 ? std::string::npos : dot);
     const std::string extension = m_name.substr(stem.size());
@@ -162,26 +189,29 @@ bool givesFixedNumbers(std::uint32_t fileSystem)
 
 bool renameToFreeName(int folder, const std::string& from, const std::string& to)
 {
-    if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0)
-        return true;
+    constexpr int attempts = 2; // another process can delete the name between two calls
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0)
+            return true;
+        if (errno != EEXIST)
+            break;
+        if (hasName(folder, to))
+            return failWith(EEXIST);
+        errno = EEXIST;
+    }
+    if (errno == EEXIST) // for a name that does not exist: the behaviour of the document portal
+        return failWith(ENOTSUP);
     if (errno != EINVAL && errno != ENOSYS)
         return false;
     // The file system does not support such a rename. link fails if the name exists; some file systems do not
     // support links.
-    if (::linkat(folder, from.c_str(), folder, to.c_str(), 0) == 0) {
-        if (::unlinkat(folder, from.c_str(), 0) == 0)
-            return true;
-        const int error = errno;
-        ::unlinkat(folder, to.c_str(), 0);
-        errno = error;
-        return false;
-    }
+    if (::linkat(folder, from.c_str(), folder, to.c_str(), 0) == 0)
+        return removeFirstName(folder, from, to);
     if (errno == EEXIST || errno == ENAMETOOLONG)
         return false;
-    struct stat taken = {};
-    if (::fstatat(folder, to.c_str(), &taken, AT_SYMLINK_NOFOLLOW) == 0) {
-        errno = EEXIST;
-        return false;
-    }
+    if (hasName(folder, to))
+        return failWith(EEXIST);
+    if (isDocumentPortal(folder))
+        return failWith(ENOTSUP);
     return ::renameat(folder, from.c_str(), folder, to.c_str()) == 0;
 }

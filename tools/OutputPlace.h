@@ -35,7 +35,8 @@ public:
 
     /// Renames the file to "NAME (WORD).EXTENSION", or to "NAME (WORD 2).EXTENSION" and so on if that exists.
     /// Shortens NAME to the length that the file system accepts. Returns the new name; empty if there is no
-    /// file or it could not be renamed. Never replaces another file.
+    /// file or it could not be renamed, with the reason in errno as in renameToFreeName. Never replaces
+    /// another file.
     std::string putAside(const std::string& word) const;
 
     /// Waits until the names in the folder are on the disk. Ignores errors: some file systems do not support
@@ -53,5 +54,6 @@ private:
 /// two.
 bool givesFixedNumbers(std::uint32_t fileSystem);
 
-/// Renames a file in the folder; fails with EEXIST if the new name exists.
+/// Renames a file in the folder. Fails with EEXIST if the new name exists, and with ENOTSUP if the folder
+/// shows only one name to other programs (see DocumentPortal.h).
 bool renameToFreeName(int folder, const std::string& from, const std::string& to);

@@ -131,15 +131,21 @@ bool deleteOlder(OutputFile& output)
     return false;
 }
 
-/// Moves the finished file to its path. False on an error and after a cancel.
+/// Moves the finished file to its path. False on an error, and after a cancel that was in time.
 bool finish(OutputFile& output)
 {
     if (!output.sync())
         return complain("tarnwell: the output could not be written to the disk");
     if (isCancelled())
         return false;
+    if (!output.putOlderAside())
+        return complain("tarnwell: the older file at the output's path could not be renamed");
+    if (isCancelled())
+        return false;
     if (!output.moveToPath())
         return complain("tarnwell: the output could not be moved to its path");
+    if (output.replacesOlder())
+        return true; // too late for a cancel: the older file cannot be restored
     if (isCancelled()) {
         output.undoMove();
         return false;

@@ -59,7 +59,8 @@ mode_t modeOf(const std::string& path)
 
 bool finish(OutputFile& file)
 {
-    return file.sync() && file.moveToPath() && (!file.hasOlder() || file.deleteOlder());
+    return file.sync() && file.putOlderAside() && file.moveToPath()
+        && (!file.hasOlder() || file.deleteOlder());
 }
 
 off_t sizeOf(const OutputFile& file)
@@ -157,7 +158,7 @@ TEST_F(OutputFileTest, anOlderFileIsPutAsideUntilItIsDeleted)
     OutputFile file(at("out.mp4"));
     write(file, "newer");
     EXPECT_FALSE(file.hasOlder());
-    EXPECT_TRUE(file.sync() && file.moveToPath());
+    EXPECT_TRUE(file.sync() && file.putOlderAside() && file.moveToPath());
     EXPECT_TRUE(file.hasOlder());
     EXPECT_EQ(contentsOf(at("out.mp4")), "newer");
     EXPECT_EQ(contentsOf(at("out (previous).mp4")), "older");
@@ -171,7 +172,7 @@ TEST_F(OutputFileTest, anUndoneMoveLeavesTheOlderFilePutAside)
     {
         OutputFile file(at("out.mp4"));
         write(file, "newer");
-        EXPECT_TRUE(file.sync() && file.moveToPath());
+        EXPECT_TRUE(file.sync() && file.putOlderAside() && file.moveToPath());
         file.undoMove();
     }
     EXPECT_EQ(namesIn(folder()), Names({"out (previous).mp4"}));

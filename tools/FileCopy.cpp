@@ -117,9 +117,40 @@ private:
     std::vector<char> m_buffer;
 };
 
+/// False on an error, with the reason in errno.
+bool writeWhole(int file, const char* bytes, std::size_t size)
+{
+    while (size > 0) {
+        const ssize_t written = ::write(file, bytes, size);
+        if (written == 0)
+            errno = EIO;
+        if (written == 0 || (written < 0 && errno != EINTR))
+            return false;
+        const std::size_t done = written > 0 ? static_cast<std::size_t>(written) : 0;
+        bytes += done;
+        size -= done;
+    }
+    return true;
+}
+
 } // namespace
 
 CopyEnd copyFile(int source, int target, off_t size, const CopyProgress& progress)
 {
     return FileCopier(source, target, size, progress).run();
+}
+
+CopyEnd copyFileInOrder(int source, int target, const CopyProgress& progress)
+{
+    std::vector<char> buffer(static_cast<std::size_t>(pieceSize));
+    for (off_t offset = 0;;) {
+        const ssize_t count = ::pread(source, buffer.data(), buffer.size(), offset);
+        if (count == 0)
+            return CopyEnd::Copied;
+        if (count < 0 || !writeWhole(target, buffer.data(), static_cast<std::size_t>(count)))
+            return CopyEnd::Failed;
+        offset += count;
+        if (!progress(offset))
+            return CopyEnd::Cancelled;
+    }
 }

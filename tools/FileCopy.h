@@ -14,3 +14,6 @@ using CopyProgress = std::function<bool(off_t)>;
 /// written back to the disk during the copy. After a failure, with the reason in errno, or a cancel the
 /// target is incomplete. A source that is shorter than `size` is a failure (EIO).
 CopyEnd copyFile(int source, int target, off_t size, const CopyProgress& progress);
+
+/// Copies a whole file to an empty one with calls of write only, for file systems that accept nothing else.
+CopyEnd copyFileInOrder(int source, int target, const CopyProgress& progress);

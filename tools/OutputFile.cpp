@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/OutputFile.h"
 
+#include "tools/FileCopy.h"
 #include "tools/HiddenFiles.h"
+#include "tools/TemporaryFile.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -29,6 +31,29 @@ mode_t umaskOfProcess()
     return mask;
 }
 
+bool hasGroup(int file, gid_t group)
+{
+    struct stat status = {};
+    return ::fstat(file, &status) == 0 && status.st_gid == group;
+}
+
+/// Whether the empty file can be read and changed after it has been written to. It is empty afterwards if it
+/// can. An error of the disk, such as a full one, does not mean that it cannot.
+bool isRewritable(int file)
+{
+    char byte = 'a';
+    if (::pwrite(file, &byte, 1, 0) == 1 && ::pread(file, &byte, 1, 0) == 1
+        && ::pwrite(file, &byte, 1, 0) == 1 && ::ftruncate(file, 0) == 0)
+        return true;
+    return errno == ENOSPC || errno == EDQUOT || errno == EIO;
+}
+
+/// File systems that keep nothing in the memory of this machine can refuse fsync.
+bool syncData(int file)
+{
+    return ::fsync(file) == 0 || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP;
+}
+
 } // namespace
 
 OutputFile::OutputFile(const std::string& path, mode_t mode, std::optional<gid_t> group)
@@ -43,8 +68,13 @@ OutputFile::OutputFile(const std::string& path, mode_t mode, std::optional<gid_t
         return;
     removeStaleHiddenFiles(m_place.folder());
     m_descriptor = createHiddenFile(m_place.folder(), m_hidden);
-    if (!isOpen())
+    if (!isOpen()) {
         m_hidden.clear();
+    } else if (!isRewritable(m_descriptor)) {
+        ::close(m_descriptor);
+        m_descriptor = createTemporaryFile();
+        m_isTemporary = true;
+    }
 }
 
 OutputFile::~OutputFile()
@@ -66,15 +96,9 @@ void OutputFile::empty() const
     ::lseek(m_descriptor, 0, SEEK_SET);
 }
 
-bool OutputFile::hasGroup(gid_t group) const
-{
-    struct stat status = {};
-    return ::fstat(m_descriptor, &status) == 0 && status.st_gid == group;
-}
-
 /// Ignores errors: file systems without permissions refuse the calls. The file then keeps the permissions for
 /// its owner only, or those of the mount.
-void OutputFile::setPermissions() const
+void OutputFile::setPermissions(int file) const
 {
     struct stat older = {};
     const bool replaces
@@ -85,17 +109,37 @@ void OutputFile::setPermissions() const
     if (replaces) {
         mode = older.st_mode & allPermissions;
         group = older.st_gid;
-        [[maybe_unused]] const int result = ::fchown(m_descriptor, static_cast<uid_t>(-1), older.st_gid);
+        [[maybe_unused]] const int result = ::fchown(file, static_cast<uid_t>(-1), older.st_gid);
     }
-    if (group && !hasGroup(*group))
+    if (group && !hasGroup(file, *group))
         mode = limitedForAnotherGroup(mode);
-    [[maybe_unused]] const int result = ::fchmod(m_descriptor, mode);
+    [[maybe_unused]] const int result = ::fchmod(file, mode);
 }
 
-bool OutputFile::sync() const
+bool OutputFile::sync(const std::function<bool()>& mayContinue) const
 {
-    setPermissions();
-    return ::fsync(m_descriptor) == 0;
+    if (m_isTemporary)
+        return copyToHiddenFile(mayContinue);
+    setPermissions(m_descriptor);
+    return syncData(m_descriptor);
+}
+
+bool OutputFile::copyToHiddenFile(const std::function<bool()>& mayContinue) const
+{
+    const int file
+        = ::openat(m_place.folder(), m_hidden.c_str(), O_WRONLY | O_TRUNC | O_NOFOLLOW | O_CLOEXEC);
+    if (file < 0)
+        return false;
+    const CopyEnd end = copyFileInOrder(m_descriptor, file, [&](off_t /*copied*/) { return mayContinue(); });
+    if (end == CopyEnd::Copied)
+        setPermissions(file);
+    const bool isSynced = end == CopyEnd::Copied && syncData(file);
+    const int error = end == CopyEnd::Cancelled ? ECANCELED : errno;
+    // Such file systems can report write errors at the end only.
+    const bool isClosed = ::close(file) == 0;
+    if (!isSynced)
+        errno = error;
+    return isSynced && isClosed;
 }
 
 bool OutputFile::putOlderAside()
@@ -135,9 +179,20 @@ bool OutputFile::setName()
     return true;
 }
 
+bool OutputFile::isAtPath() const
+{
+    if (!m_isTemporary)
+        return m_place.holds(m_descriptor);
+    struct stat here = {};
+    struct stat own = {};
+    return ::fstatat(m_place.folder(), m_place.name().c_str(), &here, AT_SYMLINK_NOFOLLOW) == 0
+        && ::fstat(m_descriptor, &own) == 0 && here.st_size == own.st_size;
+}
+
 void OutputFile::undoMove()
 {
-    ::unlinkat(m_place.folder(), m_place.name().c_str(), 0);
+    if (isAtPath())
+        ::unlinkat(m_place.folder(), m_place.name().c_str(), 0);
 }
 
 bool OutputFile::deleteOlder()

@@ -3,13 +3,15 @@
 
 #include "tools/OutputPlace.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <sys/types.h>
 
 /// An output file that appears at its path complete or not at all. Until it is moved there it has no name or,
 /// on file systems without unnamed files, a hidden name in the same folder (HiddenFiles.h). Until then an
-/// older file at the path does not change.
+/// older file at the path does not change. If the file system does not support that written bytes are read
+/// or changed, as GVfs mounts of file servers, the file is temporary (TemporaryFile.h) until sync copies it.
 ///
 /// A file is replaced in the same steps on every file system, and nothing is deleted before the last one: the
 /// older file is renamed to "NAME (previous).EXTENSION" (putOlderAside), the new file is moved to the path
@@ -40,8 +42,10 @@ public:
     /// Truncates the file.
     void empty() const;
 
-    /// Sets the permissions and waits until the data is on the disk. False on an error.
-    bool sync() const;
+    /// Copies a temporary file to the folder, sets the permissions and waits until the data is on the disk.
+    /// False on an error, with the reason in errno. `mayContinue` is called after at most 1 MiB of a copy;
+    /// false stops it (ECANCELED).
+    bool sync(const std::function<bool()>& mayContinue = [] { return true; }) const;
 
     /// Renames an older file at the path, unless its folder accepts no other name. False on an error, with
     /// the reason in errno; the older file is then at the path.
@@ -51,7 +55,8 @@ public:
     /// put aside is replaced in one step and cannot be restored.
     bool moveToPath();
 
-    /// Deletes the file after moveToPath. A renamed older file does not change.
+    /// Deletes the file after moveToPath, unless another file has replaced it. A renamed older file does not
+    /// change.
     void undoMove();
 
     /// Whether putOlderAside has renamed an older file.
@@ -64,9 +69,10 @@ public:
     bool deleteOlder();
 
 private:
-    bool hasGroup(gid_t group) const;
-    void setPermissions() const;
+    bool copyToHiddenFile(const std::function<bool()>& mayContinue) const;
+    void setPermissions(int file) const;
     bool setName();
+    bool isAtPath() const;
 
     OutputPlace m_place;
     mode_t m_mode;
@@ -75,4 +81,5 @@ private:
     std::string m_older; // the new name of the older file; empty if there is none
     bool m_replacesOlder = false;
     int m_descriptor = -1;
+    bool m_isTemporary = false; // the hidden file is empty until sync
 };

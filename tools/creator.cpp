@@ -134,7 +134,7 @@ bool deleteOlder(OutputFile& output)
 /// Moves the finished file to its path. False on an error, and after a cancel that was in time.
 bool finish(OutputFile& output)
 {
-    if (!output.sync())
+    if (!output.sync([] { return !isCancelled(); }))
         return complain("tarnwell: the output could not be written to the disk");
     if (isCancelled())
         return false;

@@ -13,6 +13,7 @@
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -172,6 +173,49 @@ TEST(FileCopyTest, holesStayHoles)
     ASSERT_EQ(::pread(target.descriptor(), copied.data(), copied.size(), 3'000'000'000),
         static_cast<ssize_t>(copied.size()));
     EXPECT_TRUE(copied == data);
+}
+
+TEST(FileCopyTest, aCopyInOrderNeedsOneWritableEnd)
+{
+    const std::string data = movieOf(3 << 20);
+    const DiskFile source;
+    source.writeAt(0, data);
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0); // a pipe accepts calls of write only
+    std::string copied;
+    std::thread reader([&copied, end = ends[0]] {
+        std::vector<char> piece(1 << 16);
+        for (ssize_t count = 1; count > 0;) {
+            count = ::read(end, piece.data(), piece.size());
+            copied.append(piece.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+        }
+    });
+    off_t last = 0;
+    EXPECT_EQ(copyFileInOrder(source.descriptor(), ends[1],
+                  [&last](off_t size) {
+                      last = size;
+                      return true;
+                  }),
+        CopyEnd::Copied);
+    ::close(ends[1]);
+    reader.join();
+    ::close(ends[0]);
+    EXPECT_TRUE(copied == data);
+    EXPECT_EQ(last, static_cast<off_t>(data.size()));
+}
+
+TEST(FileCopyTest, aCopyInOrderCanBeCancelledAndFails)
+{
+    const DiskFile source;
+    const DiskFile target;
+    source.writeAt(0, movieOf(3 << 20));
+    EXPECT_EQ(copyFileInOrder(source.descriptor(), target.descriptor(), [](off_t) { return false; }),
+        CopyEnd::Cancelled);
+    EXPECT_EQ(target.status().st_size, 1 << 20);
+    const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+    EXPECT_EQ(copyFileInOrder(source.descriptor(), full, [](off_t) { return true; }), CopyEnd::Failed);
+    EXPECT_EQ(errno, ENOSPC);
+    ::close(full);
 }
 
 } // namespace tarnwell::test

@@ -188,6 +188,17 @@ TEST_F(OutputFileTest, anUndoneMoveLeavesNothingWithoutAnOlderFile)
     EXPECT_EQ(namesIn(folder()), Names());
 }
 
+TEST_F(OutputFileTest, anUndoneMoveKeepsAFileThatHasReplacedThisOne)
+{
+    OutputFile file(at("out.mp4"));
+    write(file, "newer");
+    EXPECT_TRUE(finish(file));
+    writeFile(at("another"), "newer");
+    std::filesystem::rename(at("another"), at("out.mp4"));
+    file.undoMove();
+    EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
+}
+
 TEST_F(OutputFileTest, aLinkIsReplacedAndNotWrittenThrough)
 {
     writeFile(at("original.mp4"), "original");

@@ -71,7 +71,8 @@ std::optional<std::uint64_t> reportedFileSize(const std::string& path)
 
 std::string twoDigits(std::int64_t number)
 {
-    return (number < 10 ? "0" : "") + std::to_string(number);
+    std::string digits = number < 10 ? "0" : "";
+    return digits += std::to_string(number);
 }
 
 std::string hundredthsOf(double seconds)

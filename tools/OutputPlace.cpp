@@ -151,8 +151,9 @@ std::string OutputPlace::putAside(const std::string& word) const
     const std::string extension = m_name.substr(stem.size());
     for (int number = 1; number < mostNames;) {
         std::string end = " (" + word;
-        end += (number == 1 ? "" : " " + std::to_string(number)) + ")";
-        end += extension;
+        if (number > 1)
+            end += ' ' + std::to_string(number);
+        end += ')' + extension;
         stem = stemBefore(end, stem, m_folderPath);
         if (renameToFreeName(m_folder, m_name, stem + end))
             return stem + end;

@@ -85,6 +85,7 @@ void Interface::setUpSheets()
     m_progressWindow.setEscapeButton(m_progress->progressCancel);
     m_progressWindow.setDescribingLabel(m_progress->progressTitle);
     m_help->setupUi(&m_helpWindow);
+    m_help->helpVersion->setText(QStringLiteral("Version " TARNWELL_VERSION));
     m_helpWindow.setEscapeButton(m_help->helpOK);
     // A window that is blocked by its sheet gets no shortcuts; Quit must work during an export.
     m_sheets.addActionOfEverySheet(m_main->quitMenuBTN);

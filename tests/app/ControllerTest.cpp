@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QDialog>
+#include <QLabel>
 #include <QPushButton>
 
 namespace tarnwell::test
@@ -94,6 +95,15 @@ TEST_F(ControllerTest, okAndEscapeEndTheHelpSheetAndChangeNothing)
     }
     type(QKeySequence(QStringLiteral("Ctrl+R")));
     EXPECT_EQ(shownPicture().size(), stillSize);
+}
+
+TEST_F(ControllerTest, theHelpSheetShowsTheVersion)
+{
+    start();
+    type(QKeySequence(QStringLiteral("F1")));
+    const auto& version = find<QLabel>("helpVersion");
+    ASSERT_TRUE(waitUntil([&version] { return version.isVisible(); }));
+    EXPECT_EQ(version.text(), QStringLiteral("Version " TARNWELL_VERSION));
 }
 
 TEST_F(ControllerTest, reopeningShowsAMinimisedOrHiddenWindowWithTheKeyboard)

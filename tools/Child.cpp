@@ -188,7 +188,7 @@ std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor, std::
     if (!output.isOpen() || !errors.isOpen())
         return {};
     plan.standardOutput = output.writing();
-    plan.standardError = plan.forwardsErrors ? errors.writing() : -1;
+    plan.standardError = plan.onErrors ? errors.writing() : -1;
     const pid_t child = startChild(plan);
     output.closeWriting();
     errors.closeWriting();
@@ -196,6 +196,10 @@ std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor, std::
         return {};
     const auto end = std::chrono::steady_clock::now() + longest;
     ComplaintReader reader;
+    const auto report = [&plan](const std::string& lines) {
+        if (!lines.empty())
+            plan.onErrors(lines);
+    };
     std::string text;
     bool isStopped = false;
     while (output.isOpen() && !isStopped) {
@@ -207,13 +211,13 @@ std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor, std::
         if (waiting[0].revents != 0)
             text += output.read();
         if (waiting[1].revents != 0)
-            writeErrorLines(reader.read(errors.read()), stopDescriptor);
+            report(reader.read(errors.read()));
     }
     endChild(child, isStopped);
     const int exit = waitForChild(child);
     while (errors.hasMore())
-        writeErrorLines(reader.read(errors.read()), stopDescriptor);
-    writeErrorLines(reader.rest(), stopDescriptor);
+        report(reader.read(errors.read()));
+    report(reader.rest());
     status = exit == 0 && !output.isWhole() ? cannotRun : exit;
     return text;
 }

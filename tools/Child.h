@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -17,7 +18,8 @@ struct ChildPlan {
                     // inherit the descriptor. Another file that replaces it at its path is not accessible.
     int output = -1; // the file that it may write; it inherits the descriptor under the same number
     bool isProbe = false; // applies the resource limits of a report, see Reach
-    bool forwardsErrors = false; // writes whole lines of its standard error to that of this process
+    std::function<void(const std::string& lines)>
+        onErrors; // outputOfChild calls it with whole lines of its standard error; may be empty
 };
 
 /// Starts the child, confined. The kernel kills it when this process ends for any reason. Returns -1 if no

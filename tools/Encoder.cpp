@@ -29,14 +29,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds graceAfterCancel(400);
 constexpr std::chrono::milliseconds longestSilence(450);
 
-/// Whether a message names an error of a device or a file server.
-bool namesReadError(const std::string& messages)
-{
-    constexpr std::array readErrors = {EIO, ENXIO, ENODEV, ENOTCONN, ETIMEDOUT, ESTALE, EREMOTEIO};
-    return std::any_of(readErrors.begin(), readErrors.end(),
-        [&messages](int error) { return messages.find(std::strerror(error)) != std::string::npos; });
-}
-
 /// Reads ffmpeg's two streams until both have ended and ffmpeg has exited. Forwards a cancel to it.
 class Listener
 {

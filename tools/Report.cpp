@@ -275,10 +275,15 @@ FrameOrientation frameOrientationOf(const std::string& report)
         if (orientation.matrix)
             break;
     }
-    constexpr int firstFilterVersion = 8; // of FFmpeg 5.0
+    using Version = std::pair<int, int>; // of libavfilter
+    constexpr Version ofFfmpeg50 = {8, 0};
+    constexpr Version ofFfmpeg61 = {9, 12};
     for (const Json& library : listIn(json, "library_versions")) {
-        if (library.is_object() && isText(library, "name", "libavfilter"))
-            orientation.isObeyed = integerOf(library, "major") >= firstFilterVersion;
+        if (!library.is_object() || !isText(library, "name", "libavfilter"))
+            continue;
+        const Version version = {integerOf(library, "major"), integerOf(library, "minor")};
+        orientation.isObeyed = version >= ofFfmpeg50;
+        orientation.mayBeOfContainer = version >= ofFfmpeg61;
     }
     return orientation;
 }

@@ -54,10 +54,10 @@ struct MediaFacts {
 MediaFacts mediaFactsOf(const std::string& report);
 
 /// The display matrix of the first frame that has one, in a JSON report of frames and library versions,
-/// without its scale. It is that of an orientation message in the stream; from FFmpeg 6.1 on a frame without
-/// a message has the matrix of the container. Empty where no frame has one.
+/// without its scale. It is that of an orientation message in the stream.
 struct FrameOrientation {
-    std::optional<DisplayMatrix> matrix;
-    bool isObeyed = true; // by ffmpeg when it decodes; versions before 5.0 obey the container only
+    std::optional<DisplayMatrix> matrix; // empty if no frame has one
+    bool isObeyed = true; // ffmpeg decodes with it; versions before 5.0 use the matrix of the container
+    bool mayBeOfContainer = false; // from FFmpeg 6.1 on frames without a message have its matrix
 };
 FrameOrientation frameOrientationOf(const std::string& report);

@@ -93,6 +93,12 @@ DisplayMatrix combined(const DisplayMatrix& first, const DisplayMatrix& second)
         first.c * second.a + first.d * second.c, first.c * second.b + first.d * second.d};
 }
 
+bool areNearlyEqual(const DisplayMatrix& left, const DisplayMatrix& right)
+{
+    return isNear(left.a, right.a) && isNear(left.b, right.b) && isNear(left.c, right.c)
+        && isNear(left.d, right.d);
+}
+
 bool isMirrored(const DisplayMatrix& matrix)
 {
     return matrix.a * matrix.d - matrix.b * matrix.c < 0;

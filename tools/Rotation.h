@@ -34,6 +34,9 @@ DisplayMatrix turnedLeft(double degrees);
 /// The matrix that applies `first`, then `second`.
 DisplayMatrix combined(const DisplayMatrix& first, const DisplayMatrix& second);
 
+/// Whether the numbers are equal except for rounding errors.
+bool areNearlyEqual(const DisplayMatrix& left, const DisplayMatrix& right);
+
 /// Whether the picture is shown mirrored.
 bool isMirrored(const DisplayMatrix& matrix);
 

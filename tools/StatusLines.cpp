@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -114,6 +116,13 @@ std::string withoutStatusMarks(std::string text)
             text[place + 2] = '.';
     }
     return text;
+}
+
+bool namesReadError(const std::string& messages)
+{
+    constexpr std::array readErrors = {EIO, ENXIO, ENODEV, ENOTCONN, ETIMEDOUT, ESTALE, EREMOTEIO};
+    return std::any_of(readErrors.begin(), readErrors.end(),
+        [&messages](int error) { return messages.find(std::strerror(error)) != std::string::npos; });
 }
 
 std::string ComplaintReader::read(const std::string& piece)

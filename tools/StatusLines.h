@@ -27,6 +27,10 @@ std::string statusLine(std::int64_t microseconds);
 /// bytes that are not printable ASCII become "?". All external text, such as a path, is printed in this form.
 std::string withoutStatusMarks(std::string text);
 
+/// Whether a message of ffmpeg or ffprobe names an error of a device or a file server. They treat such an
+/// error as the end of the file. They print the same text for some damaged files.
+bool namesReadError(const std::string& messages);
+
 /// Splits ffmpeg's messages into whole lines and applies withoutStatusMarks.
 class ComplaintReader
 {

@@ -8,9 +8,9 @@
 #include "tools/Encoder.h"
 #include "tools/FlagCopy.h"
 #include "tools/InputFile.h"
+#include "tools/InputReport.h"
 #include "tools/Job.h"
 #include "tools/JpegCheck.h"
-#include "tools/OrientationMessage.h"
 #include "tools/OutputFile.h"
 #include "tools/Placeholder.h"
 #include "tools/Report.h"
@@ -31,44 +31,6 @@ constexpr int success = 0;
 constexpr int failure = 1;
 constexpr int wrongArguments = 2;
 constexpr int cancelled = 255; // ffmpeg's exit status after a cancel
-
-/// ffprobe's JSON report with these options on the input.
-std::string reportOf(const std::string& path, const InputFile& input, const std::vector<std::string>& options)
-{
-    ChildPlan ffprobe;
-    ffprobe.program = pathOfTool("ffprobe");
-    ffprobe.arguments = {"-v", "quiet", "-print_format", "json"};
-    ffprobe.arguments.insert(ffprobe.arguments.end(), options.begin(), options.end());
-    ffprobe.arguments.push_back("file:" + path);
-    ffprobe.input = input.descriptor();
-    ffprobe.isProbe = true;
-    int status = 0;
-    return outputOfChild(ffprobe, status, cancelDescriptor());
-}
-
-MediaFacts askFfprobe(const std::string& path, const InputFile& input)
-{
-    return mediaFactsOf(reportOf(path, input, {"-show_format", "-show_streams"}));
-}
-
-/// Sets the orientation to the one that ffmpeg shows where the stream holds an orientation message. MP4 and
-/// QuickTime files are searched for one; only where there is one, and for other files, ffprobe decodes
-/// frames.
-void readOrientationMessage(MediaFacts& facts, const std::string& path, const InputFile& input)
-{
-    if (!facts.mainVideo || (facts.mainVideo->codec != "h264" && facts.mainVideo->codec != "hevc"))
-        return;
-    const auto movie = readMovie(input.descriptor());
-    if (movie && !hasOrientationMessage(input.descriptor(), *movie))
-        return;
-    // Messages are in front of key frames. The packets before the first one decode to no frame.
-    const auto frame = frameOrientationOf(reportOf(path, input,
-        {"-select_streams", std::to_string(facts.mainVideo->index), "-skip_frame", "nokey", "-show_frames",
-            "-show_library_versions", "-read_intervals", "%+#100"}));
-    facts.hasOrientationMessage = movie || frame.matrix;
-    if (frame.matrix && frame.isObeyed)
-        facts.video.decoded = frame.matrix;
-}
 
 RunEnd runStill(const Job& job, const InputFile& input, const OutputFile& output)
 {
@@ -139,7 +101,7 @@ bool finish(OutputFile& output)
     if (isCancelled())
         return false;
     if (!output.putOlderAside())
-        return complain("tarnwell: the older file at the output's path could not be renamed");
+        return complain("tarnwell: the output could not be moved to its path");
     if (isCancelled())
         return false;
     if (!output.moveToPath())
@@ -180,7 +142,8 @@ int makeStill(Job job, const InputFile& input, OutputFile& output)
         return failure;
     bool isMade = input.isOpen() && decodeStill(job, input, output);
     if (!isMade && !isCancelled())
-        isMade = writePlaceholder(input.isOpen() ? askFfprobe(job.input, input).video : VideoFacts(), output);
+        isMade = writePlaceholder(
+            input.isOpen() ? readMediaFacts(job.input, input).video : VideoFacts(), output);
     if (isCancelled())
         return cancelled;
     return isMade && finish(output) ? success : failure;
@@ -193,7 +156,7 @@ RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& outpu
         if (const auto end = copyWithFlag(input.descriptor(), output.descriptor(), job.rotation))
             return *end;
     }
-    MediaFacts facts = askFfprobe(job.input, input);
+    MediaFacts facts = readMediaFacts(job.input, input);
     if (job.kind == Job::Kind::FixFlag)
         readOrientationMessage(facts, job.input, input);
     const RunEnd end = convert(job, facts, input, output);

@@ -50,7 +50,7 @@ int main(int argc, char* argv[])
     ChildPlan ffprobe;
     ffprobe.program = pathOfTool("ffprobe");
     ffprobe.arguments = arguments;
-    ffprobe.forwardsErrors = true;
+    ffprobe.onErrors = [](const std::string& lines) { writeErrorLines(lines); };
     ffprobe.input = input.descriptor(); // -1: ffprobe reports why the file cannot be opened
     ffprobe.isProbe = true;
     int status = 0;

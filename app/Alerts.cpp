@@ -47,6 +47,12 @@ Alert changedInputAlert()
         "The video has changed since it was opened. Please open it again.");
 }
 
+Alert failedDropAlert()
+{
+    return refusalAlert("Seems like something went wrong!",
+        "The desktop did not pass on the dropped file. Please drop it again or open it with File ▸ Open.");
+}
+
 Alert failureAlert()
 {
     return refusalAlert("Seems like something went wrong!", "Contact : " + supportAddress());

@@ -24,6 +24,9 @@ Alert sameFileAlert();
 /// a file that a save has turned would be turned twice.
 Alert changedInputAlert();
 
+/// For a drop whose files the desktop did not pass on.
+Alert failedDropAlert();
+
 /// For an export that left no valid video.
 Alert failureAlert();
 

@@ -50,6 +50,7 @@ public:
     void openMenuBTNClicked();
     void openToolBarBTNClicked();
     void fileAddedByDragAndDrop(const Notification& notification);
+    void dropFailed();
     void analyzeFile(const FileURL& url);
     QImage extractPosterFrame(const FileProbe& probe);
     /// For the end of the program: an export's threads can keep the controller and its folder alive.

@@ -40,6 +40,11 @@ void AppDelegate::fileAddedByDragAndDrop(const Notification& notification)
     analyzeFile(required(std::any_cast<FileURL>(&entry->second)));
 }
 
+void AppDelegate::dropFailed()
+{
+    failedDropAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+}
+
 void AppDelegate::analyzeFile(const FileURL& url)
 {
     showAnalysisProgress();

@@ -5,11 +5,23 @@
 #include "desktop/Panels.h"
 #include "desktop/PathText.h"
 #include "platform/FatalError.h"
+#include "platform/Sandbox.h"
 #include "probe/FileProbe.h"
 #include "util/Unicode.h"
 
 namespace tarnwell
 {
+
+namespace
+{
+
+/// In the sandbox the paths of one file differ, and saving to the input would replace it.
+bool isOtherGrantOf(const std::string& inputPath, const std::string& outputPath)
+{
+    return Sandbox::isInside() && Sandbox::areGrantsOfOneFile(inputPath, outputPath);
+}
+
+} // namespace
 
 void AppDelegate::saveMenuBTNClicked()
 {
@@ -36,7 +48,7 @@ void AppDelegate::saveTo(const std::string& outputPath)
     const auto& inputPath = required(probe).fileFullPath;
     if (!inputPath)
         return;
-    if (isCanonicallyEquivalent(*inputPath, outputPath))
+    if (isCanonicallyEquivalent(*inputPath, outputPath) || isOtherGrantOf(*inputPath, outputPath))
         sameFileAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
     else if (!refusesChangedInput(*inputPath))
         chooseExportMode(*inputPath, outputPath);

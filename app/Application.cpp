@@ -4,6 +4,9 @@
 #include "app/AppDelegate.h"
 #include "desktop/InputBlocker.h"
 #include "desktop/Panels.h"
+#include "platform/FatalError.h"
+#include "platform/FileAttributes.h"
+#include "platform/FileURL.h"
 
 #include <QApplication>
 
@@ -33,6 +36,16 @@ void Application::reopen()
 {
     const QMainWindow& window = m_interface.window();
     m_delegate->applicationShouldHandleReopen(window.isVisible() && !window.isMinimized());
+}
+
+void Application::open(const std::string& path)
+{
+    const auto analyze = [this, path] {
+        const bool isBusy = InputBlocker::isActive() || required(m_interface.outlets().sheets).isBusy();
+        if (!isBusy && isExistingFile(path))
+            m_delegate->analyzeFile(FileURL(path));
+    };
+    QMetaObject::invokeMethod(m_delegate.get(), analyze, Qt::QueuedConnection);
 }
 
 void Application::quit()

@@ -6,6 +6,7 @@
 #include "platform/ToolContext.h"
 
 #include <memory>
+#include <string>
 
 namespace tarnwell
 {
@@ -25,6 +26,11 @@ public:
 
     /// Brings the window forward. Called when the user starts the program again.
     void reopen();
+
+    /// Analyses the file (absolute path, raw bytes) as if it were dropped on the window, after control
+    /// returns to the event loop. Does nothing if a sheet is shown or a tool runs then, or if the path has no
+    /// file.
+    void open(const std::string& path);
 
     /// Ends the program as the menu item does. While a tool analyses a file, ends it at once: the analysis,
     /// unlike an export, is of no use to anyone then.

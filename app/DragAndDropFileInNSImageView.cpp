@@ -21,9 +21,8 @@ namespace tarnwell
 namespace
 {
 
-std::optional<std::string> draggedFile(const QMimeData& drag)
+std::optional<std::string> firstOf(const std::optional<FileNameList>& names)
 {
-    const auto names = fileNameList(drag);
     return names ? firstFile(*names) : std::nullopt;
 }
 
@@ -42,13 +41,18 @@ DragAndDropFileInNSImageView::DragAndDropFileInNSImageView(const QRect& /*frame*
 
 Qt::DropAction DragAndDropFileInNSImageView::draggingEntered(const QMimeData& drag) const
 {
-    const auto file = draggedFile(drag);
+    if (isFileTransfer(drag)) // its files are not known before the drop
+        return Qt::CopyAction;
+    const auto file = firstOf(fileNameList(drag));
     return file && isExistingFile(*file) ? Qt::CopyAction : Qt::IgnoreAction;
 }
 
 bool DragAndDropFileInNSImageView::performDragOperation(const QMimeData& drag)
 {
-    const auto file = draggedFile(drag);
+    const auto names = isFileTransfer(drag) ? retrieveFileNameList(drag) : fileNameList(drag);
+    if (!names && isFileTransfer(drag))
+        Q_EMIT transferFailed();
+    const auto file = firstOf(names);
     if (!file)
         return false;
     m_filePath = *file;
@@ -66,7 +70,7 @@ void DragAndDropFileInNSImageView::dragEnterEvent(QDragEnterEvent* event)
 void DragAndDropFileInNSImageView::dropEvent(QDropEvent* event)
 {
     event->setDropAction(Qt::CopyAction);
-    event->setAccepted(draggedFile(*event->mimeData()).has_value());
+    event->setAccepted(isFileTransfer(*event->mimeData()) || firstOf(fileNameList(*event->mimeData())));
     if (!event->isAccepted())
         return;
     // The drag's source program blocks until this event is answered, so the file is handled after it. Until

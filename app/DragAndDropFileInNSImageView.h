@@ -31,12 +31,17 @@ public:
     /// The path of the last dropped file, raw bytes, accepted or not; absent before the first drop.
     const std::optional<std::string>& filePath() const { return m_filePath; }
 
-    /// Qt::CopyAction if the first dragged file exists and is no folder, otherwise Qt::IgnoreAction.
+    /// Qt::CopyAction if the first dragged file exists and is no folder, or if the files are known only after
+    /// the drop; otherwise Qt::IgnoreAction.
     Qt::DropAction draggingEntered(const QMimeData& drag) const;
 
     /// Stores the path of the first file and posts the notification; returns after all observers have handled
     /// it. False if the drag has no file.
     bool performDragOperation(const QMimeData& drag);
+
+Q_SIGNALS:
+    /// The portal did not pass on the dropped files.
+    void transferFailed();
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "app/DroppedFiles.h"
 
+#include "desktop/FileTransfer.h"
+#include "desktop/FileUri.h"
 #include "platform/FatalError.h"
+#include "platform/FileAttributes.h"
+#include "platform/Sandbox.h"
 
 #include <QByteArray>
 #include <QMimeData>
@@ -13,34 +17,29 @@ namespace
 {
 
 constexpr const char* uriListType = "text/uri-list";
-constexpr const char* fileScheme = "file:";
-constexpr const char* authorityMark = "//";
-
-bool isThisMachine(const QByteArray& host)
+QString transferType(const QMimeData& data)
 {
-    return host.isEmpty() || host == "localhost" || host == QSysInfo::machineHostName().toUtf8();
-}
-
-/// The percent-decoded bytes of a file URI's path. A file name need not be valid UTF-8.
-std::optional<std::string> localPath(QByteArray uri)
-{
-    if (!uri.toLower().startsWith(fileScheme))
-        return std::nullopt;
-    uri.remove(0, static_cast<qsizetype>(qstrlen(fileScheme)));
-    if (uri.startsWith(authorityMark)) {
-        const auto pathStart = uri.indexOf('/', static_cast<qsizetype>(qstrlen(authorityMark)));
-        if (pathStart < 0 || !isThisMachine(uri.mid(2, pathStart - 2)))
-            return std::nullopt;
-        uri.remove(0, pathStart);
-    }
-    const QByteArray path = QByteArray::fromPercentEncoding(uri);
-    // System calls end a path at its first NUL byte and would open another file.
-    if (!path.startsWith('/') || path.contains('\0'))
-        return std::nullopt;
-    return path.toStdString();
+    const bool isListUsed = !Sandbox::isInside() && data.hasFormat(QString::fromLatin1(uriListType));
+    return isListUsed ? QString() : fileTransferType(data);
 }
 
 } // namespace
+
+bool isFileTransfer(const QMimeData& data)
+{
+    return !transferType(data).isEmpty();
+}
+
+std::optional<FileNameList> retrieveFileNameList(const QMimeData& data)
+{
+    const auto paths = retrieveFiles(data.data(transferType(data)));
+    if (!paths || paths->empty())
+        return std::nullopt;
+    FileNameList names;
+    for (const std::string& path : *paths)
+        names.push_back(isExistingFile(path) ? std::optional(path) : std::nullopt);
+    return names;
+}
 
 std::optional<FileNameList> fileNameList(const QMimeData& data)
 {
@@ -55,7 +54,7 @@ std::optional<FileNameList> fileNameList(const QMimeData& data)
 
 std::unique_ptr<QMimeData> copyOfFileNames(const QMimeData& data)
 {
-    const QString type = QString::fromLatin1(uriListType);
+    const QString type = isFileTransfer(data) ? transferType(data) : QString::fromLatin1(uriListType);
     auto copy = std::make_unique<QMimeData>();
     copy->setData(type, data.data(type));
     return copy;

@@ -2,6 +2,7 @@
 #include "app/Interface.h"
 
 #include "app/AppDelegate.h"
+#include "app/DragAndDropFileInNSImageView.h"
 #include "desktop/FocusRingStyle.h"
 #include "desktop/InputBlocker.h"
 #include "desktop/SymbolIcon.h"
@@ -135,6 +136,8 @@ void Interface::connectActions(AppDelegate& delegate)
     connectAction(m_main->flipHorizontallyBTN, &AppDelegate::hFlip);
     connectAction(m_main->helpMenuBTN, &AppDelegate::helpBTNClicked);
     connectAction(m_main->helpBTN, &AppDelegate::helpBTNClicked);
+    QObject::connect(m_main->posterFrameIMGV, &DragAndDropFileInNSImageView::transferFailed, &delegate,
+        &AppDelegate::dropFailed);
     // Assistive programs can press a hidden button.
     QObject::connect(m_progress->progressCancel, &QPushButton::clicked, &delegate, [this, &delegate] {
         if (m_progress->progressCancel->isVisible())

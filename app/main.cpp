@@ -22,11 +22,13 @@ int main(int argc, char* argv[])
     QApplication::setApplicationDisplayName(QStringLiteral("Tarnwell"));
 
     std::unique_ptr<Application> application;
-    SingleInstance instance([&application](const ActivationToken& token) {
+    SingleInstance instance([&application](const ActivationToken& token, const auto& file) {
         if (!application)
             return;
         application->reopen();
         activate(application->interface().window(), token);
+        if (file)
+            application->open(*file);
     });
     if (instance.claim(ownToken) == SingleInstance::Role::Later)
         return 0;

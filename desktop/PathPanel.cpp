@@ -2,6 +2,7 @@
 #include "desktop/PathPanel.h"
 
 #include "desktop/PathText.h"
+#include "platform/Sandbox.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -122,6 +123,10 @@ SavePanel::SavePanel(QWidget* window, const QString& name)
     setFileMode(AnyFile);
     setWindowTitle(tr("Save Video"));
     setNameFilter(tr("MPEG-4 video (*.mp4)"));
+    if (Sandbox::isInside()) {
+        selectFile(withOutputExtension(name));
+        return; // with a default suffix, selectedFiles() would hide that the chosen name lacks the extension
+    }
     setDefaultSuffix(outputExtension());
     selectFile(name);
 }
@@ -142,8 +147,21 @@ void SavePanel::acceptNativeChoice()
     const QString output = files.isEmpty() ? QString() : withOutputExtension(files.first());
     if (files.isEmpty() || output == files.first())
         QFileDialog::accept();
+    else if (Sandbox::isInside())
+        askForNameWithExtension(output);
     else
         acceptTyped(output);
+}
+
+// The portal grants the chosen name only. A file under the name with the extension would be hidden.
+void SavePanel::askForNameWithExtension(const QString& output)
+{
+    hide();
+    setWindowTitle(tr("Save Video: the name must end with “.%1”").arg(outputExtension()));
+    selectFile(QFileInfo(output).fileName());
+    // The native dialog that reports the choice is still in use.
+    QMetaObject::invokeMethod(
+        this, [this] { show(); }, Qt::QueuedConnection);
 }
 
 void SavePanel::acceptTyped(const QString& path)

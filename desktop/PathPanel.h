@@ -48,7 +48,8 @@ protected:
 };
 
 /// Asks for the path of an MP4 file to write. Adds the extension to a name without it, and asks before an
-/// existing file is replaced.
+/// existing file is replaced. In the sandbox it proposes the name with the extension, and asks again if the
+/// chosen name lacks it.
 class SavePanel : public PathPanel
 {
 public:
@@ -59,6 +60,7 @@ protected:
 
 private:
     void acceptNativeChoice();
+    void askForNameWithExtension(const QString& output);
     void acceptTyped(const QString& path);
     void askBeforeReplacing(const QString& path);
     void showFolder(const QString& path);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/SingleInstance.h"
 
+#include "desktop/FileUri.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QVariantMap>
@@ -56,12 +58,13 @@ SingleInstance::Role SingleInstance::claim(const ActivationToken& token)
 
 void SingleInstance::Activate(const QVariantMap& platformData)
 {
-    m_reopen(ActivationToken::fromPlatformData(platformData));
+    m_reopen(ActivationToken::fromPlatformData(platformData), std::nullopt);
 }
 
-void SingleInstance::Open(const QStringList& /*uris*/, const QVariantMap& platformData)
+void SingleInstance::Open(const QStringList& uris, const QVariantMap& platformData)
 {
-    m_reopen(ActivationToken::fromPlatformData(platformData));
+    m_reopen(ActivationToken::fromPlatformData(platformData),
+        uris.isEmpty() ? std::nullopt : localPath(uris.first().toUtf8()));
 }
 
 void SingleInstance::ActivateAction(

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/ImageView.h"
 
+#include "desktop/PaletteColour.h"
 #include "desktop/SymbolIcon.h"
 
 #include <QAccessibleWidget>
 #include <QEvent>
 #include <QFontMetrics>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPalette>
 #include <QPen>
@@ -13,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tarnwell
 {
@@ -23,6 +26,7 @@ namespace
 constexpr QSize preferredSize{640, 400};
 constexpr QSize smallestPictureArea{160, 120};
 constexpr int pictureMargin = 16;
+constexpr int largestEnlargement = 4; // of the picture's size in pixels, to logical pixels
 constexpr int frameMargin = 24;
 constexpr qreal frameCornerRadius = 12;
 constexpr qreal frameLineWidth = 2;
@@ -38,16 +42,6 @@ constexpr qreal titleFontScale = 1.35;
 constexpr qreal surroundStrength = 0.05;
 constexpr qreal frameStrength = 0.32;
 constexpr qreal symbolStrength = 0.45;
-constexpr qreal hintStrength = 0.72;
-
-QColor mixed(const QPalette& palette, qreal textShare)
-{
-    const QColor under = palette.color(QPalette::Window);
-    const QColor over = palette.color(QPalette::WindowText);
-    const auto blend = [textShare](int from, int to) { return from + qRound((to - from) * textShare); };
-    return QColor(
-        blend(under.red(), over.red()), blend(under.green(), over.green()), blend(under.blue(), over.blue()));
-}
 
 /// A view of the same pixels, without a copy, that skips lines: it keeps at least two for each line of the
 /// target height. Scaling a large picture from all of its lines is slower and looks the same.
@@ -92,12 +86,16 @@ ImageView::ImageView(QWidget* parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setMouseTracking(true);
     setFocusPolicy(Qt::TabFocus);
+    setCursor(Qt::PointingHandCursor); // a click on the empty view is a command
 }
 
 void ImageView::setImage(const QImage& image)
 {
     m_image = image;
     m_scaled = QPixmap();
+    const auto shape = m_image.isNull() ? Qt::PointingHandCursor : Qt::ArrowCursor;
+    if (cursor().shape() != shape)
+        setCursor(shape);
     describe();
     update();
 }
@@ -159,13 +157,30 @@ bool ImageView::event(QEvent* event)
     case QEvent::DragLeave:
     case QEvent::Drop:
     case QEvent::MouseMove: // the drag has ended, and not every drag source reports that
+        setHighlighted(false);
+        break;
     case QEvent::WindowBlocked:
+        m_isPressed = false;
         setHighlighted(false);
         break;
     default:
         break;
     }
     return isTaken;
+}
+
+void ImageView::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton)
+        m_isPressed = m_image.isNull();
+}
+
+void ImageView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton || !std::exchange(m_isPressed, false))
+        return;
+    if (m_image.isNull() && rect().contains(event->position().toPoint()))
+        Q_EMIT emptyViewClicked();
 }
 
 void ImageView::setHighlighted(bool highlighted)
@@ -179,7 +194,7 @@ void ImageView::setHighlighted(bool highlighted)
 void ImageView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), mixed(palette(), surroundStrength));
+    painter.fillRect(rect(), mixedWithWindow(palette(), surroundStrength));
     if (m_image.isNull())
         paintEmptyState(painter);
     else
@@ -218,11 +233,11 @@ QFont ImageView::titleFont() const
 QSize ImageView::fittedDeviceSize(QSizeF available) const
 {
     const QSize room = (available * devicePixelRatioF()).toSize();
-    const QSize own = m_image.size();
-    if (own.width() <= room.width() && own.height() <= room.height())
-        return own;
+    const QSize largest = (QSizeF(m_image.size()) * largestEnlargement * devicePixelRatioF()).toSize();
+    if (largest.width() <= room.width() && largest.height() <= room.height())
+        return largest;
     // The short side of a very long picture must not become 0.
-    return own.scaled(room, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    return m_image.size().scaled(room, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
 }
 
 void ImageView::refreshScaled(QSize deviceSize)
@@ -253,7 +268,7 @@ void ImageView::paintEmptyState(QPainter& painter) const
     const QRect frame = contentsRect().adjusted(frameMargin, frameMargin, -frameMargin, -frameMargin);
     if (frame.isEmpty())
         return;
-    QPen pen(mixed(palette(), frameStrength), frameLineWidth, Qt::DashLine);
+    QPen pen(mixedWithWindow(palette(), frameStrength), frameLineWidth, Qt::DashLine);
     pen.setCapStyle(Qt::FlatCap);
     painter.setPen(pen);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -276,7 +291,7 @@ void ImageView::paintInvitation(QPainter& painter, const QRect& frame) const
     m_emptySymbol.paint(&painter, symbol);
     painter.setOpacity(1);
     drawCentred(painter, title, large, palette().color(QPalette::WindowText), m_emptyTitle);
-    drawCentred(painter, hint, font(), mixed(palette(), hintStrength), m_emptyHint);
+    drawCentred(painter, hint, font(), mixedWithWindow(palette(), secondaryTextShare), m_emptyHint);
 }
 
 } // namespace tarnwell

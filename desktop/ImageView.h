@@ -10,9 +10,9 @@
 namespace tarnwell
 {
 
-/// Shows one picture, centred and not enlarged, or an invitation while there is none. The accessible
-/// description is the invitation, or the name and state that were set for the picture. The Tab key reaches
-/// the view, so that screen readers read it.
+/// Shows one picture, centred, or an invitation while there is none. A small picture is enlarged, but to at
+/// most four logical pixels for a pixel. The accessible description is the invitation, or the name and state
+/// that were set for the picture. The Tab key reaches the view, so that screen readers read it.
 class ImageView : public QWidget
 {
     Q_OBJECT
@@ -44,8 +44,14 @@ public:
     /// Whether the view is highlighted as the target of the current drag.
     bool isHighlighted() const { return m_isHighlighted; }
 
+Q_SIGNALS:
+    /// The left mouse button was pressed and released on the view, which shows no picture.
+    void emptyViewClicked();
+
 protected:
     bool event(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -67,6 +73,7 @@ private:
     QString m_emptyHint;
     QIcon m_emptySymbol;
     bool m_isHighlighted = false;
+    bool m_isPressed = false; // the left button, while the view was empty
 };
 
 } // namespace tarnwell

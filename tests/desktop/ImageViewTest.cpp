@@ -6,6 +6,7 @@
 #include <QAccessible>
 #include <QImage>
 #include <QSet>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -92,11 +93,11 @@ TEST_F(ImageViewTest, isPaintedAtTheScreensScale)
     EXPECT_EQ(painted().width(), qRound(400 * expected));
 }
 
-TEST_F(ImageViewTest, aSmallPictureIsShownInItsOwnSizeAndCentred)
+TEST_F(ImageViewTest, aSmallPictureIsEnlargedFourTimesAndCentred)
 {
     m_view.setImage(plainPicture(40, 30));
     const QRect place = placeOfPicture();
-    EXPECT_EQ(place.size(), QSize(40, 30));
+    EXPECT_EQ(place.size(), (QSizeF(160, 120) * scale()).toSize());
     expectCentred(place);
 }
 
@@ -112,9 +113,27 @@ TEST_F(ImageViewTest, theCornersOfASmallPictureAreItsOwn)
     EXPECT_EQ(painted().pixelColor(place.bottomRight()), QColor(Qt::blue));
 }
 
-TEST_F(ImageViewTest, aLargePictureFitsAndKeepsItsShape)
+TEST_F(ImageViewTest, aPictureIsEnlargedSmoothly)
 {
-    for (const QSize size : {QSize(2000, 1000), QSize(1000, 2000), QSize(3000, 3000)}) {
+    QImage picture(40, 30, QImage::Format_RGB32);
+    for (int x = 0; x < picture.width(); ++x) {
+        for (int y = 0; y < picture.height(); ++y)
+            picture.setPixel(x, y, x < 20 ? qRgb(0, 0, 0) : qRgb(255, 255, 255));
+    }
+    m_view.setImage(picture);
+    const QImage all = painted();
+    QSet<int> greys; // between black and white
+    for (int x = all.width() / 4; x < all.width() * 3 / 4; ++x) {
+        const int grey = qGray(all.pixel(x, all.height() / 2));
+        if (grey > 0 && grey < 255)
+            greys.insert(grey);
+    }
+    EXPECT_GE(greys.size(), 2);
+}
+
+TEST_F(ImageViewTest, aPictureFitsAndKeepsItsShape)
+{
+    for (const QSize size : {QSize(2000, 1000), QSize(1000, 2000), QSize(3000, 3000), QSize(200, 100)}) {
         SCOPED_TRACE(testing::Message() << size.width() << " x " << size.height());
         m_view.setImage(plainPicture(size.width(), size.height()));
         const QRect place = placeOfPicture();
@@ -151,11 +170,11 @@ TEST_F(ImageViewTest, aLargePictureKeepsItsColoursAndItsLastLines)
     }
 }
 
-TEST_F(ImageViewTest, onePixelIsOnePixel)
+TEST_F(ImageViewTest, onePixelIsFourPixelsWide)
 {
     m_view.setImage(plainPicture(1, 1));
     const QRect place = placeOfPicture();
-    EXPECT_EQ(place.size(), QSize(1, 1));
+    EXPECT_EQ(place.size(), (QSizeF(4, 4) * scale()).toSize());
     expectCentred(place);
 }
 
@@ -279,6 +298,36 @@ TEST_F(ImageViewTest, aKindOfImageViewIsAPictureToo)
 TEST_F(ImageViewTest, takesTheKeyboardByTabAlone)
 {
     EXPECT_EQ(m_view.focusPolicy(), Qt::TabFocus);
+}
+
+TEST_F(ImageViewTest, reportsAClickWhileItIsEmpty)
+{
+    QSignalSpy clicks(&m_view, &ImageView::emptyViewClicked);
+    QTest::mouseClick(&m_view, Qt::LeftButton);
+    EXPECT_EQ(clicks.count(), 1);
+    EXPECT_EQ(m_view.cursor().shape(), Qt::PointingHandCursor);
+    m_view.setImage(plainPicture(40, 30));
+    QTest::mouseClick(&m_view, Qt::LeftButton);
+    EXPECT_EQ(clicks.count(), 1);
+    EXPECT_EQ(m_view.cursor().shape(), Qt::ArrowCursor);
+}
+
+TEST_F(ImageViewTest, aPressAndAReleaseThatAreNoClickAreNotReported)
+{
+    QSignalSpy clicks(&m_view, &ImageView::emptyViewClicked);
+    QTest::mouseClick(&m_view, Qt::RightButton);
+    QTest::mouseRelease(&m_view, Qt::LeftButton); // the button was pressed elsewhere
+    QTest::mousePress(&m_view, Qt::LeftButton);
+    QTest::mouseRelease(&m_view, Qt::LeftButton, {}, QPoint(-20, 20));
+    QTest::mousePress(&m_view, Qt::LeftButton);
+    m_view.setImage(plainPicture(40, 30));
+    QTest::mouseRelease(&m_view, Qt::LeftButton);
+    m_view.setImage(QImage());
+    QTest::mousePress(&m_view, Qt::LeftButton);
+    QEvent blocked(QEvent::WindowBlocked);
+    QCoreApplication::sendEvent(&m_view, &blocked);
+    QTest::mouseRelease(&m_view, Qt::LeftButton);
+    EXPECT_EQ(clicks.count(), 0);
 }
 
 TEST_F(ImageViewTest, itsHintsLeaveRoomForTheInvitation)

@@ -1,24 +1,37 @@
 // SPDX-License-Identifier: MIT
 #include "app/Alerts.h"
 
+#include "app/SheetTitles.h"
 #include "app/SupportAddress.h"
 #include "desktop/PathText.h"
 
 namespace tarnwell
 {
 
-Alert refusalAlert(const std::string& messageText, const std::string& informativeText)
+namespace
+{
+
+Alert warning(const QString& title, const std::string& messageText, const std::string& informativeText)
 {
     Alert alert;
+    alert.setTitle(title);
     alert.setMessageText(textOf(messageText));
     alert.setInformativeText(textOf(informativeText));
     alert.addButton(QStringLiteral("OK"));
     return alert;
 }
 
+} // namespace
+
+Alert refusalAlert(const std::string& messageText, const std::string& informativeText)
+{
+    return warning(openTitle(), messageText, informativeText);
+}
+
 Alert modeAlert()
 {
     Alert alert;
+    alert.setTitle(saveTitle());
     alert.setMessageText(QStringLiteral("Fix Flag mode Available!"));
     alert.setInformativeText(QStringLiteral(
         "\nFix Flag (Quick): Only the orientation flag (rotation tag) in the metadata of the video "
@@ -35,6 +48,7 @@ Alert modeAlert()
 Alert sameFileAlert()
 {
     Alert alert;
+    alert.setTitle(saveTitle());
     alert.setStyle(Alert::Style::Informational);
     alert.setMessageText(QStringLiteral("Input file name is same as the output file name!"));
     alert.setInformativeText(QStringLiteral("Please specify a different file to save."));
@@ -43,7 +57,7 @@ Alert sameFileAlert()
 
 Alert changedInputAlert()
 {
-    return refusalAlert("Seems like something went wrong!",
+    return warning(saveTitle(), "Seems like something went wrong!",
         "The video has changed since it was opened. Please open it again.");
 }
 
@@ -55,12 +69,13 @@ Alert failedDropAlert()
 
 Alert failureAlert()
 {
-    return refusalAlert("Seems like something went wrong!", "Contact : " + supportAddress());
+    return warning(saveTitle(), "Seems like something went wrong!", "Contact : " + supportAddress());
 }
 
 Alert successAlert(const OrientationState& state)
 {
     Alert alert;
+    alert.setTitle(saveTitle());
     alert.setMessageText(textOf("Video " + orientationLabel(state) + " Successfully!"));
     alert.addButton(QStringLiteral("OK"));
     alert.addButton(QStringLiteral("Show in Finder"));

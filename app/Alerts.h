@@ -11,7 +11,7 @@ namespace tarnwell
 
 // The controller's alerts. Their texts are fixed.
 
-/// With an OK button; the texts are UTF-8.
+/// For a file that cannot be opened. The texts are UTF-8.
 Alert refusalAlert(const std::string& messageText, const std::string& informativeText);
 
 /// Asks for the mode of an export: the first button selects fix-flag, the second transcode.

@@ -51,7 +51,8 @@ AlertDialog::AlertDialog(QWidget& window, const Alert& alert)
     , m_alert(alert)
 {
     QAccessible::installFactory(createAccessibleAlert); // Qt ignores a second installation
-    setWindowTitle(window.windowTitle());
+    setWindowFlag(Qt::WindowCloseButtonHint);
+    setWindowTitle(alert.title());
     setAccessibleName(alert.messageText());
     setAccessibleDescription(alert.informativeText().trimmed());
 
@@ -113,6 +114,8 @@ QBoxLayout* AlertDialog::makeButtonRow()
     row->addStretch();
     for (QPushButton* button : m_buttons)
         row->addWidget(button);
+    if (m_buttons.size() == 1)
+        setEscapeButton(m_buttons.first());
     m_buttons.first()->setDefault(true);
     m_buttons.first()->setFocus();
     return row;
@@ -126,6 +129,14 @@ void AlertDialog::addButton(const QString& text)
     if (text == okText())
         setEscapeButton(button);
     m_buttons.append(button);
+}
+
+void AlertDialog::reject()
+{
+    if (hasEscapeButton())
+        Sheet::reject();
+    else
+        done(Alert::dismissedResponse);
 }
 
 void AlertDialog::showEvent(QShowEvent* event)

@@ -15,7 +15,7 @@ namespace tarnwell
 
 /// The sheet that shows an alert: the icon of its style, the bold message, the informative text as plain
 /// text, and the buttons from left to right in the order in which they were added, independent of the
-/// desktop's style. The dialog's result is the response of the pressed button.
+/// desktop's style. The dialog's result is the response of the pressed button, or Alert::dismissedResponse.
 class AlertDialog : public Sheet
 {
     Q_OBJECT
@@ -27,6 +27,8 @@ public:
     QString informativeText() const { return m_alert.informativeText(); }
     Alert::Style alertStyle() const { return m_alert.style(); }
     const QList<QPushButton*>& buttons() const { return m_buttons; }
+
+    void reject() override;
 
 protected:
     void showEvent(QShowEvent* event) override;

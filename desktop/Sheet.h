@@ -21,6 +21,7 @@ public:
 
     /// `button` is a child of the sheet.
     void setEscapeButton(QAbstractButton* button);
+    bool hasEscapeButton() const { return !m_escapeButton.isNull(); }
 
     /// The text that the label, a child of the sheet, has when the sheet is shown becomes the accessible
     /// description of the sheet and of the label. Assistive tools do not read the text of a label that has an

@@ -13,6 +13,7 @@ namespace tarnwell
 
 AppDelegate::AppDelegate(Outlets outlets, ToolContext tools, std::shared_ptr<DispatchQueue> mainQueue)
     : m_outlets(std::move(outlets))
+    , m_texts(m_outlets)
     , m_tools(std::move(tools))
     , m_mainQueue(std::move(mainQueue))
 {

@@ -3,6 +3,7 @@
 
 #include "app/Outlets.h"
 #include "app/StillFrame.h"
+#include "app/VideoTexts.h"
 #include "export/ExportPlan.h"
 #include "orientation/OrientationState.h"
 #include "platform/FileFingerprint.h"
@@ -114,6 +115,7 @@ private:
 
     OrientationState m_orientation; // positionState, vFlipState, hFlipState
     Outlets m_outlets;
+    VideoTexts m_texts;
     ToolContext m_tools;
     std::shared_ptr<DispatchQueue> m_mainQueue;
     NotificationCenter::Observation m_dropObservation;

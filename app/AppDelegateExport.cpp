@@ -2,6 +2,7 @@
 // Export: the choice of the mode, the encoder's run in the background with its progress, and the result.
 #include "app/Alerts.h"
 #include "app/AppDelegate.h"
+#include "app/SheetTitles.h"
 #include "desktop/InputBlocker.h"
 #include "desktop/ProgressBarMode.h"
 #include "desktop/Workspace.h"
@@ -106,7 +107,9 @@ void AppDelegate::creatorOutputReceived(FileHandle& fileHandle)
 void AppDelegate::updateProgress(double percent)
 {
     printLine(percentLine(percent));
-    setProgress(required(m_outlets.progressBar), percent);
+    QProgressBar& bar = required(m_outlets.progressBar);
+    setProgress(bar, percent);
+    m_texts.setProgress(bar.value());
 }
 
 void AppDelegate::finishCreatorRun(const std::string& outputPath)
@@ -122,7 +125,9 @@ void AppDelegate::showProgressSheet()
     required(m_outlets.progressTitle).setText(QStringLiteral("Creating Video..."));
     required(m_outlets.progressCancel).show();
     required(m_outlets.progressCancel).setEnabled(false); // until globalProcess is set
+    required(m_outlets.progressWindow).setWindowTitle(saveTitle());
     beginSheet(m_outlets.progressWindow);
+    m_texts.beginProgress();
     m_blockerBeforeSheet.reset();
 }
 
@@ -130,6 +135,7 @@ void AppDelegate::hideProgressSheet()
 {
     setDeterminate(required(m_outlets.progressBar));
     required(m_outlets.progressCancel).hide();
+    m_texts.endProgress();
     endSheet(m_outlets.progressWindow);
 }
 

@@ -4,7 +4,7 @@
 #include "app/Alerts.h"
 #include "app/AppDelegate.h"
 #include "app/DragAndDropFileInNSImageView.h"
-#include "app/PictureDescription.h"
+#include "app/SheetTitles.h"
 #include "app/SupportAddress.h"
 #include "desktop/Panels.h"
 #include "desktop/ProgressBarMode.h"
@@ -67,7 +67,7 @@ void AppDelegate::acceptFile(const FileProbe& probe)
     required(m_outlets.posterFrameIMGV).setImage(extractPosterFrame(probe));
     currentImage = extractPosterFrame(probe);
     m_orientation = {};
-    describeFile(required(m_outlets.posterFrameIMGV), probe.fileFullPath.value_or(std::string()));
+    m_texts.setVideo(probe);
     setEditingControlsEnabled(true);
     hideAnalysisProgress();
 }
@@ -95,6 +95,7 @@ void AppDelegate::showAnalysisProgress()
     setIndeterminate(required(m_outlets.progressBar));
     required(m_outlets.progressCancel).hide();
     required(m_outlets.progressTitle).setText(QStringLiteral("Analyzing Video..."));
+    required(m_outlets.progressWindow).setWindowTitle(openTitle());
     beginSheet(m_outlets.progressWindow);
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Orientation: each change redraws the preview from currentImage; reset shows currentImage itself.
 #include "app/AppDelegate.h"
-#include "app/PictureDescription.h"
 #include "orientation/Picture.h"
 #include "platform/FatalError.h"
 
@@ -35,9 +34,8 @@ void AppDelegate::hFlip()
 void AppDelegate::resetBTNClicked()
 {
     m_orientation = {};
-    ImageView& view = required(m_outlets.posterFrameIMGV);
-    view.setImage(currentImage.value_or(QImage()));
-    describeOrientation(view, m_orientation);
+    required(m_outlets.posterFrameIMGV).setImage(currentImage.value_or(QImage()));
+    m_texts.setOrientation(m_orientation);
 }
 
 void AppDelegate::updatePreview()
@@ -46,7 +44,7 @@ void AppDelegate::updatePreview()
     const auto angle = static_cast<double>(angleOfPosition(m_orientation.positionState));
     view.setImage(rotateImage(required(currentImage), angle));
     view.setImage(flipImage(view.image(), m_orientation.hFlipState, m_orientation.vFlipState));
-    describeOrientation(view, m_orientation);
+    m_texts.setOrientation(m_orientation);
 }
 
 } // namespace tarnwell

@@ -54,6 +54,9 @@ void Interface::setUpWindow()
 {
     m_main->setupUi(&m_window);
     setIcons(m_window);
+    m_main->videoDetails->hide(); // until a video is open
+    QObject::connect(
+        m_main->posterFrameIMGV, &ImageView::emptyViewClicked, m_main->openToolBarBTN, &QAction::trigger);
     // Qt opens the menu bar with the Alt key alone, which some desktops do not pass on to programs.
     const auto* toMenus = new QShortcut(Qt::Key_F10, &m_window);
     QObject::connect(toMenus, &QShortcut::activated, m_main->menuBar,
@@ -98,6 +101,7 @@ Outlets Interface::outlets()
     outlets.window = &m_window;
     outlets.sheets = &m_sheets;
     outlets.posterFrameIMGV = m_main->posterFrameIMGV;
+    outlets.videoDetails = m_main->videoDetails;
     outlets.saveToolBarBTN = m_main->saveToolBarBTN;
     outlets.rotateLeftBTN = m_main->rotateLeftBTN;
     outlets.rotateRightBTN = m_main->rotateRightBTN;

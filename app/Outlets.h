@@ -21,6 +21,7 @@ struct Outlets {
     QPointer<QWidget> window;
     QPointer<SheetQueue> sheets; // the queue of the window's sheets
     QPointer<ImageView> posterFrameIMGV;
+    QPointer<QLabel> videoDetails; // the line below the picture
     QPointer<QAction> saveToolBarBTN;
     QPointer<QAction> rotateLeftBTN;
     QPointer<QAction> rotateRightBTN;

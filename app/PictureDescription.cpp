@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/PictureDescription.h"
 
-#include "desktop/ImageView.h"
 #include "desktop/PathText.h"
-#include "platform/FileURL.h"
+#include "probe/FileProbe.h"
+#include "probe/HumanReadable.h"
+#include "util/Decimal.h"
 
 #include <QStringList>
 
@@ -49,14 +50,16 @@ QString orientationInWords(const OrientationState& state)
     return words.join(QStringLiteral(", "));
 }
 
-void describeFile(ImageView& view, const std::string& path)
+QString factsInWords(const FileProbe& probe)
 {
-    view.setImageWords(textOfPath(lastPathComponent(path)), orientationInWords({}));
-}
-
-void describeOrientation(ImageView& view, const OrientationState& state)
-{
-    view.setImageWords(view.imageName(), orientationInWords(state));
+    QStringList facts;
+    if (probe.videoWidth && probe.videoHeight)
+        facts << QStringLiteral("%1 × %2").arg(*probe.videoWidth).arg(*probe.videoHeight);
+    if (probe.duration > 0 && fitsInteger(probe.duration))
+        facts << textOf(humanDuration(probe.duration));
+    if (probe.fileSizeHuman)
+        facts << textOf(*probe.fileSizeHuman);
+    return facts.join(QStringLiteral(" · "));
 }
 
 } // namespace tarnwell

@@ -5,22 +5,16 @@
 
 #include <QString>
 
-#include <string>
-
 namespace tarnwell
 {
 
-class ImageView;
+class FileProbe;
 
 /// The state in words, such as "turned right, mirrored horizontally".
 QString orientationInWords(const OrientationState& state);
 
-// The picture's accessible description: the file's name and the orientation, as in "clip.mp4, turned right".
-
-/// Sets the name of a newly opened file, given by its path (raw bytes), and the initial orientation.
-void describeFile(ImageView& view, const std::string& path);
-
-/// Sets another orientation and keeps the name.
-void describeOrientation(ImageView& view, const OrientationState& state);
+/// The display size, the duration and the size of the file, such as "1920 × 1080 · 00:01:15.50 · 12.3 MB". An
+/// unknown size of the picture and an unknown duration are left out.
+QString factsInWords(const FileProbe& probe);
 
 } // namespace tarnwell

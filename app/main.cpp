@@ -19,7 +19,6 @@ int main(int argc, char* argv[])
     const ActivationToken ownToken = ActivationToken::fromEnvironment();
     QApplication::setDesktopFileName(QStringLiteral("org.tarnwell.Tarnwell"));
     const QApplication qtApplication(argc, argv);
-    QApplication::setApplicationDisplayName(QStringLiteral("Tarnwell"));
 
     std::unique_ptr<Application> application;
     SingleInstance instance([&application](const ActivationToken& token, const auto& file) {

@@ -9,6 +9,7 @@ import AccessTestCase
 from screenReader import LONGEST_WAIT, wait_until
 
 MAX_TABS = 15
+OPENED = "clip.mp4 — Tarnwell"  # the title of the main window
 
 
 def xdotool(*arguments, check=True):
@@ -25,9 +26,9 @@ def write(text):
 
 
 def keyboard_window():
-    """The title of the window with the X input focus, without the program name that Qt appends; empty if no window has
-    it. The active window of the window manager is not used, because it lags behind the input focus."""
-    return xdotool("getwindowfocus", "getwindowname", check=False).removesuffix(" — Tarnwell")
+    """The title of the window with the X input focus; empty if no window has it. The active window of the window manager
+    is not used, because it lags behind the input focus."""
+    return xdotool("getwindowfocus", "getwindowname", check=False)
 
 
 class KeyboardJobTest(AccessTestCase.AccessTestCase):
@@ -52,7 +53,7 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
 
     def wait_for_alert(self, name, button):
         self.program.find("alert", name)
-        self.wait_for("push button", button, "Tarnwell")
+        self.wait_for("push button", button, "Save Video")
 
     def test_by_tab_and_space(self):
         self.go_to("Open")
@@ -61,7 +62,7 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
         write(self.video)
         press("Return")
         self.wait_for_picture("clip.mp4, as it was opened")
-        self.wait_for("push button", "Open", "Tarnwell")
+        self.wait_for("push button", "Open", OPENED)
         self.go_to("Rotate Right")
         press("space")
         self.wait_for_picture("clip.mp4, turned right")
@@ -81,12 +82,12 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
         press("Return")
         self.wait_for_alert("Fix Flag mode Available!", "Fix Flag")
         press("Tab")
-        self.wait_for("push button", "Transcode", "Tarnwell")
+        self.wait_for("push button", "Transcode", "Save Video")
         press("space")
         self.wait_for_alert("Video Rotated Successfully!", "OK")
         press("Return")
         self.program.wait_until_gone("alert")
-        self.wait_for("push button", "Save", "Tarnwell")
+        self.wait_for("push button", "Save", OPENED)
         self.assert_encoded_on_its_side()
 
     def test_by_menus_and_shortcuts(self):
@@ -97,7 +98,7 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
         write(self.video)
         press("Return")
         self.wait_for_picture("clip.mp4, as it was opened")
-        self.wait_for("image", "Video Preview", "Tarnwell")
+        self.wait_for("image", "Video Preview", OPENED)
         for keys, description in (("ctrl+r", "turned right"),
                                   ("ctrl+shift+v", "turned right, mirrored vertically"),
                                   ("ctrl+shift+h", "turned right, mirrored vertically and horizontally"),
@@ -105,6 +106,12 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
                                   ("ctrl+l", "turned left")):
             press(keys)
             self.wait_for_picture("clip.mp4, " + description)
+        press("alt+o")
+        wait_until(lambda: self.program.shown("menu item", "Flip Horizontally"), "the menu")
+        press("h")
+        self.wait_for_picture("clip.mp4, turned left, mirrored horizontally")
+        press("ctrl+shift+h")
+        self.wait_for_picture("clip.mp4, turned left")
         press("alt+f")
         wait_until(lambda: self.program.shown("menu item", "Quit"), "the menu")
         press("s")
@@ -118,11 +125,11 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
         press("Escape")
         self.program.wait_until_gone("alert")
         self.assert_by_flag(90)
-        self.wait_for("image", "Video Preview", "Tarnwell")
+        self.wait_for("image", "Video Preview", OPENED)
         press("F1")
-        self.wait_for("push button", "OK", "Tarnwell Help")
+        self.wait_for("push button", "OK", "Help")
         press("Escape")
-        self.wait_for("image", "Video Preview", "Tarnwell")
+        self.wait_for("image", "Video Preview", OPENED)
         press("ctrl+q")
         self.assertEqual(self.program.process.wait(LONGEST_WAIT), os.EX_OK)
 

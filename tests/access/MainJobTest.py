@@ -68,10 +68,23 @@ class MainJobTest(AccessTestCase.AccessTestCase):
             self.assertIsNotNone(button, name)
             self.assertEqual(button.description, description)
             self.assertEqual(is_enabled(button), name in ("Open", "Help"), name)
-        self.assertEqual(self.picture(), "Drop a video here, or choose File ▸ Open (Ctrl+O)")
+        self.assertEqual(self.picture(), "Drop a video here, or click to choose one (Ctrl+O)")
         menus = self.program.find("menu bar")
-        for name in ("File", "Help"):
+        for name in ("File", "Orientation", "Help"):
             self.assertIsNotNone(self.program.shown("menu item", name, menus), name)
+
+    def test_the_title_and_the_line_below_the_picture_describe_the_video(self):
+        self.assertIsNone(self.program.shown("label", "Video Details"))
+        self.open_video()
+        self.assertEqual(self.program.window.name, "clip.mp4 — Tarnwell")
+        details = self.program.find("label", "Video Details")
+        facts = details.description
+        self.assertRegex(facts, r"^640 × 480 · 00:00:02\.\d\d · \d+ KB$")
+        self.program.press("push button", "Rotate Right")
+        self.wait_for_picture("clip.mp4, turned right")
+        self.assertEqual(details.description, facts + " · turned right")
+        for _, announced in self.program.descriptions:
+            self.assertNotIn(facts, announced)  # the picture's description already announces what has changed
 
     def test_a_video_is_turned_and_saved_by_fix_flag(self):
         self.open_video()
@@ -124,11 +137,11 @@ class MainJobTest(AccessTestCase.AccessTestCase):
         self.open(path)
         name = "Seems to be an unsupported file.\nDoes the video play in a video player?"
         self.assertTrue(self.dismiss(name).startswith("Please try opening some other file or contact : "))
-        self.assertEqual(self.picture(), "Drop a video here, or choose File ▸ Open (Ctrl+O)")
+        self.assertEqual(self.picture(), "Drop a video here, or click to choose one (Ctrl+O)")
 
     def test_the_help_is_accessible(self):
         self.program.press("push button", "Help", self.program.find("tool bar"))
-        sheet = self.program.find("dialog", "Tarnwell Help")
+        sheet = self.program.find("dialog", "Help")
         self.assert_named(sheet)
         self.assertIsNotNone(self.program.shown("label", "Rotate Left and Rotate Right turn the picture by a "
                                                          "quarter turn.", sheet))

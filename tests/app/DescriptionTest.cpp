@@ -49,7 +49,7 @@ protected:
 TEST_F(DescriptionTest, isTheInvitationAtFirst)
 {
     start();
-    EXPECT_EQ(description(), "Drop a video here, or choose File ▸ Open (Ctrl+O)");
+    EXPECT_EQ(description(), "Drop a video here, or click to choose one (Ctrl+O)");
 }
 
 TEST_F(DescriptionTest, followsEveryActionOnThePicture)

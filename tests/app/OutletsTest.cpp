@@ -215,10 +215,11 @@ TEST_F(OutletsDeathTest, anAnalysisNeedsEveryPartOfTheProgressSheet)
         EXPECT_SILENT_STOP(startWithoutSheet(disconnect).analyzeFile(FileURL(folder() + "clip.mp4")));
 }
 
-TEST_F(OutletsDeathTest, anAcceptedFileNeedsThePictureAndEveryEditingControl)
+TEST_F(OutletsDeathTest, anAcceptedFileNeedsThePictureItsDetailsAndEveryEditingControl)
 {
     const std::vector<Disconnect> cases = {
         [](Outlets& outlets) { outlets.posterFrameIMGV = nullptr; },
+        [](Outlets& outlets) { outlets.videoDetails = nullptr; },
         [](Outlets& outlets) { outlets.saveToolBarBTN = nullptr; },
         [](Outlets& outlets) { outlets.rotateLeftBTN = nullptr; },
         [](Outlets& outlets) { outlets.rotateRightBTN = nullptr; },

@@ -127,7 +127,7 @@ protected:
         program.chooseInPanel("Save Video", "out.mp4");
         std::string printed = program.waitForOutput("Percent : ");
         EXPECT_TRUE(waitUntil([this] { return exists(working() + "out.mp4"); }));
-        program.keysUntilWindow("Return", "Tarnwell"); // answers the alert
+        program.keysUntilWindow("Return", "clip.mp4 — Tarnwell"); // answers the alert
         EXPECT_TRUE(waitUntil([&] {
             if (program.isRunning())
                 program.keys("ctrl+q");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Shows every state of the window in light, dark and high-contrast colours, checks that nothing is cut off,
 // and saves screenshots in the folder of the first argument; the second argument is a prefix of their names.
+#include "desktop/ElidedLabel.h"
 #include "desktop/PathText.h"
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
@@ -11,6 +12,8 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPalette>
 #include <QProgressBar>
 #include <QPushButton>
@@ -188,6 +191,33 @@ TEST_P(Gallery, picturesOfEveryShape)
     }
     action("rotateRightBTN").trigger();
     show("turned");
+}
+
+TEST_P(Gallery, theLineBelowThePictureIsReadable)
+{
+    start();
+    EXPECT_FALSE(find<QLabel>("videoDetails").isVisible());
+    openPicture({1280, 720});
+    action("rotateLeftBTN").trigger();
+    action("flipHorizontallyBTN").trigger();
+    show("details");
+    auto& details = find<ElidedLabel>("videoDetails");
+    EXPECT_TRUE(details.isVisible());
+    EXPECT_EQ(details.shownText(), details.text()) << "elided";
+    EXPECT_GE(strongestContrast(details.grab().toImage()), 4.5);
+}
+
+TEST_P(Gallery, theOrientationMenu)
+{
+    start();
+    for (const char* state : {"menu, empty window", "menu"}) {
+        type(QKeySequence(QStringLiteral("Alt+O")));
+        ASSERT_TRUE(waitUntil([this] { return find<QMenu>("orientationMenu").isVisible(); }));
+        show(state);
+        QTest::keyClick(&find<QMenu>("orientationMenu"), Qt::Key_Escape);
+        find<QMenuBar>("menuBar").setActiveAction(nullptr);
+        openPicture({1280, 720});
+    }
 }
 
 TEST_P(Gallery, thePanels)

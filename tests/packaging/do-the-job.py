@@ -77,7 +77,7 @@ def find(accept):
 
 
 def main_window():
-    return find(lambda thing: thing.get_role() == Atspi.Role.FRAME and thing.get_name() == "Tarnwell")
+    return find(lambda thing: thing.get_role() == Atspi.Role.FRAME and (thing.get_name() or "").endswith("Tarnwell"))
 
 
 def button(name, *states):

@@ -88,6 +88,14 @@ INSTANTIATE_TEST_SUITE_P(Runs, RetryTableTest,
         RetryRow{"anEncodingFailsIfEveryRunFails", false, "exit 1\n", 1, 3, ""}),
     rowName);
 
+TEST_F(CreatorRetryTest, aRunThatWritesNothingDoesNotReuseTheOutputOfTheRunBefore)
+{
+    tools.setFfmpeg("with -strict write-output-file " + tools.addData("whole movie", movie())
+        + "\nwith -strict exit 1\n");
+    EXPECT_EQ(run(fixFlag()), 1);
+    EXPECT_FALSE(exists(output()));
+}
+
 TEST_F(CreatorRetryTest, nothingFollowsACancel)
 {
     setGoodFfmpeg("say-on-termination ended\nsay-arguments\nwithout -frames:v hang\n");

@@ -6,11 +6,9 @@
 #include "tests/tools/CreatorTest.h"
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -142,7 +140,7 @@ TEST_F(CreatorStreamsTest, aListenerThatDoesNotReadDoesNotStopIt)
     expectSuccessWith({.errors = ToolSetup::ErrorStream::NotListened});
     setGoodFfmpeg(talk + "hang\n");
     ToolProcess process(tools.creator(), transcode(), {.errors = ToolSetup::ErrorStream::NotListened});
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_TRUE(waitFor([&process] { return process.isErrorPipeFull(); }));
     process.signal(SIGTERM);
     EXPECT_EQ(process.wait(), cancelled);
 }

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <sstream>
+#include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -194,6 +195,15 @@ std::string ToolProcess::errorText() const
     for (const auto& message : m_errors)
         text += message;
     return text;
+}
+
+bool ToolProcess::isErrorPipeFull() const
+{
+    constexpr int pageSize = 4096; // a page of the pipe holds one such line
+    constexpr int lineSize = 3000;
+    int unread = 0;
+    const int capacity = ::fcntl(m_unreadPipe, F_GETPIPE_SZ);
+    return ::ioctl(m_unreadPipe, FIONREAD, &unread) == 0 && unread >= capacity / pageSize * lineSize;
 }
 
 std::string ToolProcess::waitForError(const std::string& beginning)

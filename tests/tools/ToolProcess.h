@@ -60,6 +60,9 @@ public:
     /// Waits for a line with that beginning and returns its rest. Fails the test if the tool ends first.
     std::string waitForError(const std::string& beginning);
 
+    /// Whether the pipe of ErrorStream::NotListened accepts no other line of 3000 bytes.
+    bool isErrorPipeFull() const;
+
     /// The rest of each line of the fake tool with that beginning; see FakeTools.h.
     std::vector<std::string> said(const std::string& beginning) const;
     /// The same for lines in hexadecimal digits, decoded.

@@ -12,22 +12,22 @@ namespace
 using Arguments = std::vector<std::string>;
 using Kind = MediaStream::Kind;
 
-// What ffmpeg's MP4 writer takes, given "-strict experimental": in all versions from 4.3 on, and in later
-// ones.
+// Codecs that ffmpeg writes into MP4 with "-strict experimental": the common ones in all versions from 4.3
+// on, the others in later versions.
 constexpr std::array<std::string_view, 5> commonSoundCodecs = {"aac", "ac3", "eac3", "mp2", "mp3"};
 constexpr std::array<std::string_view, 6> otherSoundCodecs
     = {"alac", "dts", "flac", "opus", "truehd", "vorbis"};
 
-// FLAC and TrueHD in MP4 count as experimental, the records of Dolby Vision and of spherical video as
+// For ffmpeg FLAC and TrueHD in MP4 are experimental; the records of Dolby Vision and of spherical video are
 // unofficial, which "experimental" includes.
 const Arguments allowEverything = {"-strict", "experimental"};
 
-// Without it ffmpeg drops the creation date. With "g" the tags of the streams are still copied.
+// Without this option ffmpeg omits the creation date. With "g" it still copies the tags of streams.
 const Arguments keepTags = {"-map_metadata:g", "0:g"};
 
-constexpr int mostChannels = 8; // that the AAC and ALAC encoders take
+constexpr int mostChannels = 8; // limit of the AAC and ALAC encoders
 
-// The layouts that the AAC encoder takes and decoders know. ffmpeg converts any other one to the closest.
+// The layouts that the AAC encoder and decoders support. ffmpeg converts other ones to the closest.
 const std::string knownLayouts = "aformat=channel_layouts=mono|stereo|2.1|3.0|4.0|quad|5.0|5.1|7.1";
 // Channels of unknown positions cannot be mixed: the first two are kept.
 const std::string firstTwoChannels = "pan=stereo|c0=c0|c1=c1";
@@ -37,7 +37,7 @@ void append(Arguments& list, const Arguments& more)
     list.insert(list.end(), more.begin(), more.end());
 }
 
-/// ffmpeg reads the titles of chapters from such a stream and writes a new one.
+/// Whether ffmpeg reads the titles of chapters from the stream; it writes a new one.
 bool holdsChapterTitles(const MediaStream& stream)
 {
     return stream.codec == "bin_data" && stream.tag == "text";
@@ -61,7 +61,7 @@ Arguments mapped(const MediaStream& stream)
 
 enum class SoundCoding { Copy, Lossless, Aac };
 
-/// Which sound a copy keeps without loss.
+/// The sound that a copy keeps without loss.
 enum class Lossless { AllOfMp4, CommonCodecs };
 
 SoundCoding codingInCopy(const MediaStream& sound, Lossless kept)
@@ -79,7 +79,7 @@ SoundCoding codingInCopy(const MediaStream& sound, Lossless kept)
     return isPcm ? SoundCoding::Lossless : SoundCoding::Aac;
 }
 
-/// Options for the sound stream at that place among the output's.
+/// `place` is the index among the sound streams of the output.
 Arguments soundOptions(const MediaStream& sound, SoundCoding coding, int place)
 {
     const std::string number = std::to_string(place);
@@ -91,7 +91,7 @@ Arguments soundOptions(const MediaStream& sound, SoundCoding coding, int place)
     return {"-c:a:" + number, "aac", "-filter:a:" + number, canBeMixed ? knownLayouts : firstTwoChannels};
 }
 
-/// QuickTime plays HEVC only under these names. Dolby Vision without a compatible picture has one of its own.
+/// QuickTime plays HEVC only with these sample entries: "dvh1" for Dolby Vision without a compatible picture.
 Arguments videoTag(const MediaStream& video)
 {
     if (video.codec != "hevc")
@@ -99,8 +99,8 @@ Arguments videoTag(const MediaStream& video)
     return {"-tag:v", video.tag == "dvh1" || video.tag == "dvhe" ? "dvh1" : "hvc1"};
 }
 
-/// Removes orientation messages, which decoders obey instead of the display matrix. HEVC has no filter for
-/// one kind of messages: all SEI units go.
+/// Removes orientation messages, which decoders apply instead of the display matrix. For HEVC FFmpeg has no
+/// filter that removes one kind of message only: all SEI units are removed.
 Arguments messageFilter(const MediaFacts& facts)
 {
     if (!facts.hasOrientationMessage)
@@ -110,7 +110,7 @@ Arguments messageFilter(const MediaFacts& facts)
                                          : "h264_metadata=display_orientation=remove"};
 }
 
-/// A copy of all that MP4 holds.
+/// A copy of all streams that MP4 supports.
 Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target, Lossless kept)
 {
     Attempt attempt;
@@ -140,8 +140,8 @@ Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target, 
     return attempt;
 }
 
-/// The sound stream that ffmpeg chooses by default: one that is marked so, then the one with the most
-/// channels. Null where there is none that ffmpeg knows.
+/// The sound stream that ffmpeg selects without options: one that is marked as default, else the one with the
+/// most channels. Null if there is none with a known codec.
 const MediaStream* mainSound(const MediaFacts& facts)
 {
     const MediaStream* best = nullptr;
@@ -155,7 +155,7 @@ const MediaStream* mainSound(const MediaFacts& facts)
     return best;
 }
 
-/// An encoding of the main video stream, with one sound stream or none.
+/// `sound` is null for none.
 Attempt encoding(const Job& job, const MediaFacts& facts, const Target& target, const MediaStream* sound,
     SoundCoding coding)
 {
@@ -178,9 +178,9 @@ Attempt encoding(const Job& job, const MediaFacts& facts, const Target& target, 
     return attempt;
 }
 
-/// The main video stream and at most one sound stream, with the coding that MP4 implies for an encoding. The
-/// streams are selected here: ffmpeg itself would choose the largest picture, which need not be the one that
-/// the still shows and whose flag is changed.
+/// The main video stream and at most one sound stream, in an encoding with ffmpeg's codecs for MP4. Without
+/// the selection ffmpeg would use the video stream with the largest picture, which can differ from that of
+/// the still and the flag.
 Attempt plainAttempt(const Job& job, const MediaFacts& facts, const Target& target, const MediaStream* sound)
 {
     Attempt attempt;

@@ -18,7 +18,7 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-/// Writes status lines in proportion to the movie's duration, more often than twice a second.
+/// Writes status lines more often than twice a second. Their times are in proportion to the copied bytes.
 class CopyStatus
 {
 public:
@@ -56,7 +56,7 @@ bool isSameTime(const timespec& left, const timespec& right)
     return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }
 
-/// Ignores the change time (ctime): a rename, a new link or other rights of the input change no data.
+/// Ignores the change time (ctime): a rename, a new link or other permissions do not change the data.
 bool isUnchanged(int file, const struct stat& before)
 {
     struct stat now = {};
@@ -64,7 +64,7 @@ bool isUnchanged(int file, const struct stat& before)
         && isSameTime(now.st_mtim, before.st_mtim);
 }
 
-/// Why it is not enough to change display matrices; empty where it is.
+/// The reason why changing display matrices is not sufficient; empty if it is.
 std::string obstacleToCopy(int input, const Movie& movie)
 {
     const std::string obstacle = obstacleToPatches(movie);

@@ -5,8 +5,8 @@
 
 #include <optional>
 
-/// Copies a file of the MP4 family into the empty file `output` with another rotation flag (see
-/// patchesOfFlag), byte for byte but for the display matrices. Status lines go to standard error; a failure
-/// is described there. Empty where the flag needs a new file, made by ffmpeg, for a reason that is described
-/// there too; `output` is still empty then. A file that changes while it is copied is a failure.
+/// Copies a file of the MP4 family byte by byte into the empty file `output` and changes the display matrices
+/// for the rotation flag (see patchesOfFlag). Writes status lines, and the reason for a failure, to standard
+/// error. Empty, with a reason on standard error, if ffmpeg must make a new file; `output` is still empty. A
+/// file that changes during the copy is a failure.
 std::optional<RunEnd> copyWithFlag(int input, int output, double rotation);

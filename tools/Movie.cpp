@@ -8,7 +8,7 @@
 namespace
 {
 
-// Both kinds of headers hold their times in four bytes in version 0 and in eight in version 1.
+// Offsets in "mvhd" and "tkhd" of version 0. In version 1 times have eight bytes instead of four.
 constexpr FileOffset movieMatrixOffset = 36;
 constexpr FileOffset trackMatrixOffset = 40;
 constexpr FileOffset movieTimeScaleOffset = 12;
@@ -18,11 +18,11 @@ constexpr FileOffset threeLongerTimes = 12; // and the duration
 constexpr std::size_t matrixSize = 36;
 
 constexpr FileOffset handlerTypeOffset = 8;
-constexpr FileOffset entriesOffset = 8; // in a list with a version and a count
+constexpr FileOffset entriesOffset = 8; // behind version, flags and count
 constexpr FileOffset sampleCountOffset = 8; // in "stsz" and "stz2"
 constexpr std::size_t mostEntriesRead = 64;
 
-/// The version of a box that has one of the two layouts above.
+/// Empty for a version other than 0 and 1.
 std::optional<int> knownVersion(const BoxReader& reader, const Box& box)
 {
     const std::string version = reader.contentOf(box, 1);
@@ -79,7 +79,7 @@ public:
         return m_movie;
     }
 
-    /// Why `read` returned nothing.
+    /// The reason why `read` returned nothing.
     const std::string& problem() const { return m_problem; }
 
 private:
@@ -89,7 +89,7 @@ private:
         return std::nullopt;
     }
 
-    /// False for a type that is there twice, too late or too short.
+    /// False for a duplicate, misplaced or short file type.
     bool readFileType(const std::vector<Box>& boxes)
     {
         constexpr std::size_t brandSize = 4;
@@ -136,7 +136,7 @@ private:
         setDuration(m_reader.contentOf(header, size, offset + 4));
     }
 
-    /// "mehd" has the duration of a file whose header has none because it was written before the samples.
+    /// The duration in "mehd". The movie header of a fragmented file is written before the samples.
     void readFragmentsDuration(const Box& fragments)
     {
         const auto header = m_reader.onlyBoxIn(fragments, "mehd");
@@ -145,7 +145,7 @@ private:
             setDuration(m_reader.contentOf(*header, *version == 1 ? 8 : 4, 4));
     }
 
-    /// All bits set, of four or eight bytes, stand for an unknown duration.
+    /// `bytes` is a number of four or eight bytes; all bits are set if the duration is unknown.
     void setDuration(const std::string& bytes)
     {
         constexpr double microsecondsPerSecond = 1e6;
@@ -206,7 +206,7 @@ private:
         return track;
     }
 
-    /// The tracks that hold the titles and pictures of this one's chapters.
+    /// Records the tracks of the titles and pictures of chapters.
     void readReferences(const Box& references)
     {
         const auto chapters = m_reader.onlyBoxIn(references, "chap");
@@ -235,7 +235,7 @@ private:
             video.isCover = isOnePicture(*formats, *sizes);
     }
 
-    /// The offset in the first entry of "stco" or "co64"; 0 where there is none.
+    /// The first entry of "stco" or "co64"; 0 if there is none.
     FileOffset firstChunkIn(const std::vector<Box>& lists) const
     {
         const Box* longOffsets = onlyBox(lists, "co64");
@@ -246,7 +246,8 @@ private:
         return static_cast<FileOffset>(readBigEndian(m_reader.contentOf(*offsets, size, entriesOffset)));
     }
 
-    /// Whether one of the first entries, each a count of samples and their duration, is longer than nothing.
+    /// Whether a sample has a duration. Entries consist of a number of samples and their duration. Reads the
+    /// first 64 entries.
     bool haveDuration(const Box& durations) const
     {
         constexpr std::size_t entrySize = 8;
@@ -259,8 +260,8 @@ private:
         return false;
     }
 
-    /// A cover that a writer has stored as a track: one sample, in a format of pictures. "mp4v" is the format
-    /// of MPEG-4 video and of JPEG and PNG pictures; a video of one frame is rare, beside another none.
+    /// Whether the track is a cover: one sample in a picture format. "mp4v" is the format of MPEG-4 video and
+    /// of JPEG and PNG pictures; MPEG-4 videos of one frame are rare.
     bool isOnePicture(const Box& formats, const Box& sizes) const
     {
         const std::string format = m_reader.contentOf(formats, 4, entriesOffset + 4);

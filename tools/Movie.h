@@ -9,47 +9,46 @@
 #include <string>
 #include <vector>
 
-/// A track with the handler "vide" and where its header keeps the display matrix.
+/// A track with the handler "vide".
 struct VideoTrack {
     std::uint32_t id = 0;
-    FileOffset matrixOffset = 0; // of the nine numbers, 36 bytes, in the file
-    DisplayMatrix matrix; // as stored: with its scale, without that of the movie's header
-    double width = 0; // of the presentation, before the matrix
+    FileOffset matrixOffset = 0; // of the display matrix, 36 bytes in the track header
+    DisplayMatrix matrix; // of the track header, with its scale
+    double width = 0; // of the shown picture before the matrix is applied
     double height = 0;
-    bool hasFrameRate = false; // its samples last longer than nothing
+    bool hasFrameRate = false; // a sample has a duration, or the file is fragmented
     bool isCover = false; // a single picture in a picture format, or pictures of chapters
-    std::optional<Box> formats; // "stsd"; empty where there is none
-    FileOffset firstSample = 0; // in the file; 0 where the description has no samples, as in fragmented files
+    std::optional<Box> formats; // "stsd"; empty if missing
+    FileOffset firstSample = 0; // in the file; 0 if the description lists no samples, as in fragmented files
 };
 
-/// What the description of an MP4 or QuickTime file (its box "moov") says of the presentation.
+/// The description (box "moov") of an MP4 or QuickTime file.
 struct Movie {
-    std::string majorBrand; // four bytes; empty for a file without a type
-    bool hasMediaData = false; // a box "mdat"
-    DisplayMatrix matrix; // of the movie's header: applied after a track's own
-    std::int64_t microseconds = 0; // the duration; 0 where the description does not say
-    std::vector<VideoTrack> videos; // in the file's order
+    std::string majorBrand; // four bytes; empty for a file without a file type
+    bool hasMediaData = false; // there is a box "mdat"
+    DisplayMatrix matrix; // of the movie header; applied after that of a track
+    std::int64_t microseconds = 0; // the duration; 0 if unknown
+    std::vector<VideoTrack> videos; // in the order of the file
 };
 
-/// Reads the description. Empty unless the file is whole by its own structure: boxes fill it, one "moov"
-/// describes it, every track has a header of a known version and a handler. Samples are not looked at.
+/// Reads the description. Empty unless the structure of the file is intact: boxes fill it, there is one
+/// "moov", and every track has a handler and a header of a known version. Does not read samples.
 std::optional<Movie> readMovie(int file);
 
-/// As above. Sets `problem` to the reason for an empty result, such as "it is no MP4 file", else to "".
+/// The same. Sets `problem` to the reason for an empty result, such as "it is no MP4 file", else to "".
 std::optional<Movie> readMovie(int file, std::string& problem);
 
-/// Whether the file is such a movie with a video track. An ffmpeg that decodes no frame succeeds with a movie
-/// that has none.
+/// Whether the file is such a movie with a video track. If ffmpeg decodes no frame, it succeeds and writes a
+/// movie without one.
 bool isCompleteMovie(int file);
 
-/// The track whose orientation the user sees and sets: the first one with a frame rate, else the first one.
-/// Reports of ffprobe are read by the same rule (videoFactsOf). The movie must have a video track.
+/// The video track that the user sees: the first one with a frame rate, else the first one. videoFactsOf uses
+/// the same rule. The movie must have a video track.
 const VideoTrack& mainVideo(const Movie& movie);
 
-/// What the movie says of its main video track's orientation, as videoFactsOf reads it from a report of
-/// ffprobe; without the size in pixels.
+/// The orientation of the main video track, with the same values as in VideoFacts.
 struct Orientation {
-    int rotation = 0; // the clockwise turn as sniffer reports it; 0 where it reports none
-    std::optional<DisplayMatrix> decoded; // what decoders apply; empty for a matrix that they ignore
+    int rotation = 0; // clockwise degrees as sniffer reports them; 0 for none
+    std::optional<DisplayMatrix> decoded; // the matrix that decoders apply; empty if they ignore it
 };
 Orientation orientationOf(const Movie& movie);

@@ -16,7 +16,7 @@ unsigned int byteAt(std::string_view bytes, std::size_t place)
     return static_cast<unsigned char>(bytes[place]);
 }
 
-/// Without the byte 3 that follows two zeros in a NAL unit.
+/// Removes the byte 3 behind two zeros, which escapes a NAL unit.
 std::string withoutEscapes(std::string_view unit)
 {
     std::string bytes;
@@ -30,7 +30,7 @@ std::string withoutEscapes(std::string_view unit)
     return bytes;
 }
 
-/// Removes a number from the front: bytes of 255 and a smaller one, which add up. Empty at the end.
+/// Removes a number from the front. It is the sum of bytes of 255 and one smaller byte. Empty at the end.
 std::optional<std::uint64_t> takeNumber(std::string_view& bytes)
 {
     constexpr unsigned int continued = 0xFF;
@@ -45,8 +45,8 @@ std::optional<std::uint64_t> takeNumber(std::string_view& bytes)
     return std::nullopt;
 }
 
-/// One bit that cancels an older message, two for mirrors and 16 for the turn. Decoders ignore a message
-/// without a turn or mirror.
+/// The payload has one bit that cancels an older message, two for mirrors and 16 for the turn. Decoders
+/// ignore a message without a turn or mirror.
 bool changesOrientation(std::string_view payload)
 {
     constexpr std::size_t size = 3;
@@ -56,7 +56,7 @@ bool changesOrientation(std::string_view payload)
     return payload.size() >= size && fields != 0 && (fields & cancel) == 0;
 }
 
-/// `messages` is the content of an SEI unit, behind its header.
+/// `messages` is the content of an SEI unit without its header.
 bool haveOrientation(std::string_view messages)
 {
     while (true) {
@@ -85,8 +85,8 @@ UnitKind kindOf(unsigned int firstByte, bool isHevc)
     return isSlice ? UnitKind::Slice : UnitKind::Other;
 }
 
-/// Reads the configuration in the first sample entry of "stsd". Empty for other codecs. Bytes behind the last
-/// box of the entry, as QuickTime files have them, are ignored.
+/// Reads the configuration in the first sample entry of "stsd". Empty for other codecs. Ignores bytes behind
+/// the last box of the entry, which QuickTime files contain.
 std::optional<NalFormat> nalFormatIn(const BoxReader& reader, const Box& formats)
 {
     constexpr FileOffset extensions = 8 + 8 + 78; // behind version and count, and the fields of a video entry
@@ -101,7 +101,7 @@ std::optional<NalFormat> nalFormatIn(const BoxReader& reader, const Box& formats
         const std::string_view type = rest.substr(4, 4);
         const std::string_view content = rest.substr(boxHeader, size - boxHeader);
         const bool isHevc = type == "hvcC";
-        const std::size_t place = isHevc ? 21 : 4; // of the length's size minus one, in the last two bits
+        const std::size_t place = isHevc ? 21 : 4; // the last two bits are the size of the length minus one
         if ((isHevc || type == "avcC") && content.size() > place)
             return NalFormat{isHevc, (byteAt(content, place) & 3U) + 1};
         rest.remove_prefix(size);
@@ -109,7 +109,7 @@ std::optional<NalFormat> nalFormatIn(const BoxReader& reader, const Box& formats
     return std::nullopt;
 }
 
-/// The offset of the first sample of a run in the track fragment, if that is of the track.
+/// The offset of the first sample in the track fragment. Empty if the fragment is of another track.
 std::optional<FileOffset> firstSampleOf(
     BoxReader& reader, const Box& fragment, FileOffset movieFragment, std::uint32_t trackId)
 {
@@ -131,7 +131,7 @@ std::optional<FileOffset> firstSampleOf(
     return offset >= 0 && offset < reader.fileSize() ? std::optional(offset + distance) : std::nullopt;
 }
 
-/// The offset of the first sample in the fragments of a fragmented file; 0 where there is none.
+/// The offset of the first sample of the track in a fragmented file; 0 if there is none.
 FileOffset firstSampleInFragments(BoxReader& reader, std::uint32_t trackId)
 {
     const auto boxes = reader.boxesOfFile();

@@ -6,17 +6,17 @@
 #include <cstddef>
 #include <string_view>
 
-/// How the samples of a video track hold NAL units, as its "avcC" or "hvcC" says.
+/// The format of the NAL units in the samples of a video track, from its "avcC" or "hvcC".
 struct NalFormat {
     bool isHevc = false; // else H.264
-    std::size_t lengthSize = 4; // bytes of the length in front of each unit, 1 to 4
+    std::size_t lengthSize = 4; // size of the length in front of each unit, 1 to 4 bytes
 };
 
 /// Whether an SEI message before the first slice of the sample turns or mirrors the picture (display
-/// orientation, payload type 47). FFmpeg 5.0 and later ignores the display matrix of the track then. The
-/// sample may be cut.
+/// orientation, payload type 47). FFmpeg from 5.0 on applies it instead of the display matrix of the track.
+/// The end of the sample can be missing.
 bool holdsOrientationMessage(std::string_view sample, const NalFormat& format);
 
-/// Whether the first 64 KiB of the first sample of the main video track hold such a message. False for a
-/// video that is neither H.264 nor HEVC, and where the sample cannot be found or read.
+/// Whether the first 64 KiB of the first sample of the main video track contain such a message. False for a
+/// video that is neither H.264 nor HEVC, and if the sample cannot be found or read.
 bool hasOrientationMessage(int file, const Movie& movie);

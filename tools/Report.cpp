@@ -16,13 +16,13 @@ using Json = nlohmann::ordered_json; // keeps the report's order
 constexpr int indentation = 4;
 constexpr const char* rotateTag = "rotate";
 constexpr double integerLimit = 9223372036854775808.0; // 2^63
-constexpr double mostPixelAspect = 10000; // anything beyond that, or below its inverse, is garbage
+constexpr double mostPixelAspect = 10000; // larger values, and values below its inverse, are invalid
 
 Json parsed(const std::string& report)
 {
     constexpr bool mayThrow = false;
     if (report.find('\0') != std::string::npos)
-        return Json(Json::value_t::discarded); // the parser would take it for the end of the report
+        return Json(Json::value_t::discarded); // for the parser a zero is the end of the report
     return Json::parse(report, nullptr, mayThrow);
 }
 
@@ -73,12 +73,12 @@ bool isEndless(const Json& duration)
     double seconds = 0;
     if (duration.is_number())
         seconds = duration.get<double>();
-    if (duration.is_string()) // with a dot: the tools never change the locale "C"
+    if (duration.is_string()) // strtod expects a dot: the tools do not change the locale "C"
         seconds = std::strtod(duration.get_ref<const std::string&>().c_str(), nullptr);
     return !(seconds < integerLimit && seconds >= -integerLimit);
 }
 
-/// Removes a duration that a wrong header makes longer than 64 bits hold. Returns whether there was one.
+/// Removes a duration that does not fit 64 bits. Returns whether there was one.
 bool removeEndlessDuration(Json& stream)
 {
     const auto duration = stream.find("duration");
@@ -133,7 +133,7 @@ bool hasFrameRate(const Json& stream)
     return !isText(stream, "avg_frame_rate", "0/0");
 }
 
-/// The first video stream for which the condition holds; null where there is none.
+/// Null if the condition holds for no video stream.
 template <typename Condition>
 const Json* firstVideo(const Json& streams, Condition condition)
 {
@@ -142,14 +142,14 @@ const Json* firstVideo(const Json& streams, Condition condition)
     return found != streams.end() ? &*found : nullptr;
 }
 
-/// The stream whose "rotate" tag the application reads, chapter pictures included.
+/// The stream whose tag "rotate" the application reads; it can be that of chapter pictures.
 const Json* taggedVideoIn(const Json& streams)
 {
     const Json* first = firstVideo(streams, hasFrameRate);
     return first != nullptr ? first : firstVideo(streams, [](const Json&) { return true; });
 }
 
-/// The main video stream as VideoFacts defines it; null where there is none.
+/// See VideoFacts. Null if there is no video stream.
 const Json* mainVideoIn(const Json& streams)
 {
     const Json* film = firstVideo(
@@ -157,14 +157,14 @@ const Json* mainVideoIn(const Json& streams)
     return film != nullptr ? film : taggedVideoIn(streams);
 }
 
-/// The list of streams; null for a text that is no report.
+/// Null for text that is no report.
 const Json* streamsIn(const Json& report)
 {
     const auto streams = report.is_object() ? report.find("streams") : report.end();
     return streams != report.end() && streams->is_array() ? &*streams : nullptr;
 }
 
-/// The list of that name in a report; an empty one for a text that is no report.
+/// Empty for text that is no report.
 Json listIn(const Json& report, const char* name)
 {
     const auto list = report.is_object() ? report.find(name) : report.end();

@@ -9,19 +9,19 @@
 #include <utility>
 #include <vector>
 
-/// Returns ffprobe's JSON report with the tag "rotate" of each video stream set to the clockwise turn of its
-/// display matrix, and removed where there is no such matrix. Also removes a stream's duration that does not
-/// fit 64 bits of seconds, and what limitedReport removes. Text that is no report is returned unchanged.
+/// Returns ffprobe's JSON report. The tag "rotate" of each video stream is set to the clockwise turn of its
+/// display matrix, and removed if there is no such matrix. Durations of streams that do not fit 64 bits of
+/// seconds and what limitedReport removes are missing. Other text is returned unchanged.
 std::string withTrueRotation(const std::string& report);
 
 /// The main video stream of a JSON report: the first one that has a frame rate and is no attached picture,
 /// such as those of chapters; else the first one with a frame rate; else the first one.
 struct VideoFacts {
-    /// The tag "rotate" that withTrueRotation sets, 0 for none: that of the first stream with a frame rate,
-    /// because a requested flag is relative to it, attached picture or not.
+    /// The tag "rotate" that withTrueRotation sets, 0 for none. It is that of the first stream with a frame
+    /// rate, which can be an attached picture, because a requested flag is relative to this tag.
     int rotation = 0;
-    std::optional<DisplayMatrix> decoded; // what decoders apply
-    int width = 0; // coded pixels; 0 where unknown
+    std::optional<DisplayMatrix> decoded; // the matrix that decoders apply
+    int width = 0; // coded pixels; 0 if unknown
     int height = 0;
     double pixelAspect = 1; // width of a pixel divided by its height
 };
@@ -32,23 +32,24 @@ VideoFacts videoFactsOf(const std::string& report);
 struct MediaStream {
     enum class Kind { Video, Sound, Subtitle, Other };
 
-    int index = 0; // as in ffmpeg's option "-map 0:INDEX"
+    int index = 0; // for ffmpeg's option "-map 0:INDEX"
     Kind kind = Kind::Other;
-    std::string codec; // ffmpeg's name; empty for a codec that ffmpeg does not know
-    std::string tag; // the container's four bytes for the codec; empty for none
-    std::uint32_t trackId = 0; // in MP4 and QuickTime files; 0 where unknown
+    std::string codec; // ffmpeg's name; empty for a codec that is unknown to ffmpeg
+    std::string tag; // four bytes for the codec in the container; empty for none
+    std::uint32_t trackId = 0; // in MP4 and QuickTime files; 0 if unknown
     int channels = 0;
-    std::string channelLayout; // empty where unknown
+    std::string channelLayout; // empty if unknown
     bool isDefault = false;
 };
 
-/// What creator has to know of an input before it starts ffmpeg. Empty members where the report says nothing.
+/// The streams and tags of an input. Members are empty if the report lacks them.
 struct MediaFacts {
     VideoFacts video; // of the main video stream
     std::optional<MediaStream> mainVideo;
-    std::vector<MediaStream> streams; // in the report's order
-    std::vector<std::pair<std::string, std::string>> tags; // of the whole file, not of its streams
-    bool hasOrientationMessage = false; // the main video stream may hold one; mediaFactsOf leaves it false
+    std::vector<MediaStream> streams; // in the order of the report
+    std::vector<std::pair<std::string, std::string>> tags; // of the file, without those of streams
+    bool hasOrientationMessage
+        = false; // the main video stream can contain one; set by readOrientationMessage
 };
 
 MediaFacts mediaFactsOf(const std::string& report);

@@ -14,11 +14,11 @@ const std::string quickTimeBrand = "qt  ";
 
 std::string fixedPointBytes(double value, int fractionBits)
 {
-    // Larger numbers, of pictures wider than 32767 pixels, wrap around.
+    // Larger numbers wrap around, for example with pictures that are wider than 32767 pixels.
     return bigEndianBytes(static_cast<std::uint64_t>(std::llround(std::ldexp(value, fractionBits))), 4);
 }
 
-/// The nine numbers as a track header holds them, with the translation that moves the turned picture back to
+/// The nine numbers in the format of a track header, with the translation that moves the turned picture to
 /// the origin.
 std::string matrixBytes(const DisplayMatrix& m, double width, double height)
 {
@@ -46,22 +46,22 @@ bool isEmpty(const DisplayMatrix& m)
     return m.a == 0 && m.b == 0 && m.c == 0 && m.d == 0;
 }
 
-/// Decoders take another matrix for a sample aspect ratio too, which a turn would have to change.
+/// Decoders derive a pixel aspect ratio from any other matrix. A quarter turn would have to invert it.
 bool isTurnMirrorOrZoom(const DisplayMatrix& m)
 {
-    constexpr double tolerance = 0.01; // as decoders have it
+    constexpr double tolerance = 0.01; // the same as that of decoders
     const bool isZoom = std::abs(std::hypot(m.a, m.b) / std::hypot(m.c, m.d) - 1) <= tolerance;
     return isEmpty(m) || (isZoom && withoutScale(m));
 }
 
-/// A matrix without rounding errors, so that its inverse has none.
+/// Whether the matrix has no rounding errors, so that its inverse has none either.
 bool isQuarterTurnOrMirror(const DisplayMatrix& m)
 {
     const auto isWhole = [](double number) { return number == std::trunc(number); };
     return keepsShapeAndSize(m) && isWhole(m.a) && isWhole(m.b) && isWhole(m.c) && isWhole(m.d);
 }
 
-/// Of such a matrix.
+/// For quarter turns and mirrors only.
 DisplayMatrix inverse(const DisplayMatrix& m)
 {
     return {m.a, m.c, m.b, m.d};
@@ -92,7 +92,7 @@ std::optional<std::vector<Patch>> patchesOfFlag(const Movie& movie, double rotat
     if (!obstacleToPatches(movie).empty())
         return std::nullopt;
     const DisplayMatrix turn = turnedLeft(rotation + orientationOf(movie).rotation);
-    // The movie's matrix is applied after the track's, and the turn is meant to come last.
+    // The matrix of the movie is applied after that of the track, and the turn after both.
     const DisplayMatrix turnOfTrack = combined(combined(movie.matrix, turn), inverse(movie.matrix));
     std::vector<Patch> patches;
     for (const VideoTrack& video : movie.videos) {

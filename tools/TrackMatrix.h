@@ -7,27 +7,28 @@
 #include <string>
 #include <vector>
 
-/// Bytes that replace those of the same number at an offset in a file.
+/// Bytes that replace the same number of bytes at an offset in a file.
 struct Patch {
     FileOffset offset = 0;
     std::string bytes;
 };
 
-/// Why a rotation flag of this movie needs a new file, such as "it is a QuickTime file"; empty where it is
-/// enough to change display matrices.
+/// The reason why changing display matrices is not sufficient for a flag, such as "it is a QuickTime file";
+/// empty if it is sufficient.
 std::string obstacleToPatches(const Movie& movie);
 
-/// What a rotation flag changes in a file of the MP4 family: the display matrices of its video tracks, and
-/// nothing else. `rotation` is counterclockwise in degrees against the coded picture of the main video track,
-/// whose own turn is the one that sniffer reports; a mirror is kept. Other video tracks are turned by the
-/// same angle against their own matrix; covers stay as they are. Empty where obstacleToPatches is not.
+/// The patches that set a rotation flag: those of the display matrices of all video tracks. `rotation` is in
+/// degrees counterclockwise relative to the coded picture of the main video track. Its mirror is kept. Other
+/// video tracks are turned by the same angle relative to their own matrices; covers do not change. Empty if
+/// there is an obstacle (obstacleToPatches).
 std::optional<std::vector<Patch>> patchesOfFlag(const Movie& movie, double rotation);
 
-/// The matrix that the main video track of a new file has to have for that flag.
+/// The display matrix for the main video track of a new file with this flag.
 DisplayMatrix matrixOfFlag(const Orientation& orientation, double rotation);
 
-/// Writes the patches. False where one could not be written whole.
+/// Writes the patches. False if one could not be written completely.
 bool applyPatches(int file, const std::vector<Patch>& patches);
 
-/// Writes the matrix into the header of every video track of a movie, in place. False where there is none.
+/// Writes the matrix into the header of every video track of a movie, in place. False on an error and if the
+/// movie has no video track.
 bool writeTrackMatrix(int file, const DisplayMatrix& matrix);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace
@@ -48,6 +49,16 @@ bool InputFile::isUnchanged() const
 {
     struct stat now = {};
     return ::fstat(m_descriptor, &now) == 0 && hasSameData(now, m_atOpening);
+}
+
+bool InputFile::reopen(const std::string& path)
+{
+    InputFile other(path);
+    if (!other.isOpen() || !hasSameData(other.m_atOpening, m_atOpening))
+        return false;
+    std::swap(m_descriptor, other.m_descriptor);
+    m_atOpening = other.m_atOpening;
+    return true;
 }
 
 InputFile::ReadEnd InputFile::readToEnd(const std::function<bool()>& mayContinue) const

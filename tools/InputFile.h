@@ -28,6 +28,12 @@ public:
     /// path is not a change: ffmpeg and ffprobe can open only this one.
     bool isUnchanged() const;
 
+    /// Opens the file again by another path, for example after it was renamed. If another mount leads to this
+    /// path, the descriptor of the first mount can become invalid, and the file rules allow ffmpeg to open
+    /// the path only through the mount of the descriptor. False, and no change, if there is no file of the
+    /// same size and modification time.
+    bool reopen(const std::string& path);
+
     enum class ReadEnd { Whole, Failed, Stopped };
 
     /// Reads the file to its end and discards the data. Pages in the kernel's cache are not read from the

@@ -55,7 +55,7 @@ bool complain(const char* text)
 
 /// Renames the file at the output's path if it is the input, and continues with its new path. False if the
 /// rename failed.
-bool saveOriginal(Job& job, const InputFile& input, const OutputFile& output)
+bool saveOriginal(Job& job, InputFile& input, const OutputFile& output)
 {
     if (!input.isOpen() || !output.place().holds(input.descriptor()))
         return true;
@@ -63,6 +63,7 @@ bool saveOriginal(Job& job, const InputFile& input, const OutputFile& output)
     if (name.empty())
         return complain("tarnwell: the original at the output's path could not be renamed");
     job.input = output.place().pathOf(name);
+    input.reopen(job.input);
     return true;
 }
 
@@ -136,7 +137,7 @@ bool decodeStill(Job job, const InputFile& input, const OutputFile& output)
 }
 
 /// A frame of the video, else a grey picture in the size in which players show the video.
-int makeStill(Job job, const InputFile& input, OutputFile& output)
+int makeStill(Job job, InputFile& input, OutputFile& output)
 {
     if (!saveOriginal(job, input, output))
         return failure;
@@ -169,7 +170,7 @@ RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& outpu
     return isCancelled() ? RunEnd::Cancelled : RunEnd::Succeeded;
 }
 
-int makeVideoFile(Job job, const InputFile& input, OutputFile& output)
+int makeVideoFile(Job job, InputFile& input, OutputFile& output)
 {
     if (!saveOriginal(job, input, output))
         return failure;
@@ -208,7 +209,7 @@ int main(int argc, char* argv[])
         std::fputs("tarnwell: creator does not know these arguments\n", stderr);
         return wrongArguments;
     }
-    const InputFile input(job->input);
+    InputFile input(job->input);
     OutputFile output = outputFor(*job, input);
     if (!output.isOpen()) {
         std::perror("tarnwell: the output cannot be written");

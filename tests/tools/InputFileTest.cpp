@@ -57,6 +57,21 @@ TEST_F(InputFileTest, everyWriteIsAChange)
     EXPECT_FALSE(file.isUnchanged());
 }
 
+TEST_F(InputFileTest, isOpenedAgainByTheNewPathOfTheSameFileOnly)
+{
+    InputFile file(madeFile("clip.mp4", "a video"));
+    std::filesystem::copy(at("clip.mp4"), at("copy.mp4"));
+    EXPECT_FALSE(file.reopen(at("copy.mp4"))) << "another modification time";
+    EXPECT_FALSE(file.reopen(madeFile("other.mp4", "another video")));
+    EXPECT_FALSE(file.reopen(at("nowhere.mp4")));
+    std::filesystem::resize_file(at("clip.mp4"), 3);
+    EXPECT_FALSE(file.isUnchanged()) << "not the same file";
+    std::filesystem::remove(at("clip.mp4"));
+    std::filesystem::last_write_time(at("copy.mp4"), past);
+    EXPECT_TRUE(file.reopen(at("copy.mp4")));
+    EXPECT_TRUE(file.isUnchanged());
+}
+
 TEST_F(InputFileTest, aWholeFileIsReadInPieces)
 {
     const InputFile file(madeFile("clip.mp4", std::string((3U << 20U) + 1, 'x')));

@@ -9,7 +9,7 @@ GTK starts the transfer when the target asks for the key, KDE at the beginning o
 when the target's answer changes, and "end".
 """
 
-import pathlib
+import os
 import sys
 
 import gi
@@ -33,8 +33,10 @@ def start_transfer(paths):
 
     key, = call("StartTransfer", GLib.Variant("(a{sv})", ({},)))
     descriptors = Gio.UnixFDList()
-    opened = [pathlib.Path(path).open("rb") if pathlib.Path(path).is_file() else None for path in paths]
-    handles = [descriptors.append(each.fileno()) for each in opened if each]
+    opened = [os.open(path, os.O_PATH | os.O_CLOEXEC) for path in paths]
+    handles = [descriptors.append(each) for each in opened]
+    for each in opened:
+        os.close(each)  # the list has duplicates
     call("AddFiles", GLib.Variant("(saha{sv})", (key, handles, {})), descriptors)
     return key
 

@@ -26,16 +26,21 @@ SAME_FILE = "Input file name is same as the output file name!"
 NO_FILE = "The dropped file could not be read"
 
 
-def processes(name):
-    """The ids of the processes with that name. The PID namespace contains only those of this test."""
+def processes(name, argument=""):
+    """The ids of the processes with that name and argument. The PID namespace contains only those of this test."""
     found = []
-    for entry in pathlib.Path("/proc").glob("[0-9]*/comm"):
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
         try:
-            if entry.read_text().strip() == name:
-                found.append(int(entry.parent.name))
-        except OSError:
+            arguments = (folder / "cmdline").read_bytes().split(b"\0")
+        except OSError:  # it has ended
             continue
+        if arguments[0].split(b"/")[-1] == name.encode() and any(argument.encode() in each for each in arguments):
+            found.append(int(folder.name))
     return found
+
+
+def encoders():
+    return processes("ffmpeg", "transpose=")
 
 
 class SandboxTest(unittest.TestCase):
@@ -103,7 +108,7 @@ class SandboxTest(unittest.TestCase):
     def start_transcode_of_long_video(self):
         self.open_and_turn(self.long_input())
         self.save(self.output, "Transcode")
-        wait_until(lambda: processes("ffmpeg") and self.app.button("Cancel"), "the encoder")
+        wait_until(lambda: encoders() and self.app.button("Cancel"), "the encoder")
 
     # Saving
 
@@ -161,7 +166,7 @@ class SandboxTest(unittest.TestCase):
     def test_a_killed_encoder_keeps_the_older_file(self):
         older = self.older_file()
         self.start_transcode_of_long_video()
-        for process in processes("ffmpeg"):
+        for process in encoders():
             os.kill(process, signal.SIGKILL)
         self.app.dismiss(FAILURE)
         self.assertEqual(videos.digest(self.output), older)
@@ -227,8 +232,10 @@ class SandboxTest(unittest.TestCase):
         self.save(self.output)
         self.app.wait_for(SUCCESS)
         self.app.press("Launch Video in QuickTime")
-        wait_until(self.session.played.exists, "the player")
-        self.assertEqual(self.session.played.read_text().strip(), self.output.as_uri())
+        wait_until(lambda: self.session.played.exists() and self.session.played.read_text(), "the player")
+        played = pathlib.Path(self.session.played.read_text().strip())
+        self.assertEqual(played.name, self.output.name)
+        self.assertEqual(videos.digest(played), videos.digest(self.output))
 
     def open_with(self, path):
         """Opens the file with the desktop entry, as a file manager does."""

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// A file that a file manager opens with the program.
+#include "platform/FileURL.h"
+#include "tests/support/ExternalProgram.h"
+#include "tests/support/FakeToolsTest.h"
+#include "tests/support/Files.h"
+#include "tests/support/Folders.h"
+
+#include <QProcess>
+
+#include <filesystem>
+
+namespace tarnwell::test
+{
+
+class OpenWithProgramTest : public FakeToolsTest
+{
+protected:
+    std::string otherVideo() const
+    {
+        writeFile(folder() + "other.mp4", "bytes");
+        return folder() + "other.mp4";
+    }
+
+    /// Whether sniffer was called with the path, after the program has handled all requests so far.
+    bool wasAnalysed(const std::string& path)
+    {
+        QCoreApplication::sendPostedEvents();
+        return exists(folder() + "probed") && recordedArguments(folder() + "probed").back() == path;
+    }
+};
+
+TEST_F(OpenWithProgramTest, theFileIsAnalysedAfterTheRequest)
+{
+    start();
+    application().open(otherVideo());
+    EXPECT_FALSE(exists(folder() + "probed")) << "the file manager waits for the answer";
+    EXPECT_TRUE(waitUntil([this] { return action("rotateLeftBTN").isEnabled(); }));
+    EXPECT_TRUE(wasAnalysed(folder() + "other.mp4"));
+    EXPECT_EQ(shownPicture(), still());
+}
+
+TEST_F(OpenWithProgramTest, aFolderOrAMissingFileIsNotAnalysed)
+{
+    start();
+    for (const std::string& path : {folder(), folder() + "missing.mp4"}) {
+        application().open(path);
+        QCoreApplication::sendPostedEvents();
+        EXPECT_FALSE(exists(folder() + "probed"));
+        EXPECT_FALSE(isAlertShown());
+    }
+}
+
+TEST_F(OpenWithProgramTest, noFileIsAnalysedWhileASheetIsShown)
+{
+    start();
+    openVideo();
+    for (const char* keys : {"F1", "Ctrl+O", "Ctrl+S"}) {
+        SCOPED_TRACE(keys);
+        type(QKeySequence(QString::fromLatin1(keys)));
+        ASSERT_TRUE(waitUntil([] { return QApplication::activeModalWidget() != nullptr; }));
+        application().open(otherVideo());
+        EXPECT_FALSE(wasAnalysed(folder() + "other.mp4"));
+        QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+        waitForKeyboard(window());
+    }
+}
+
+TEST_F(OpenWithProgramTest, aSecondFileIsIgnoredWhileTheFirstIsAnalysed)
+{
+    start();
+    const std::string first = otherVideo();
+    writeFile(folder() + "second.mp4", "bytes");
+    application().open(first);
+    application().open(folder() + "second.mp4");
+    EXPECT_TRUE(waitUntil([this] { return action("rotateLeftBTN").isEnabled(); }));
+    EXPECT_TRUE(wasAnalysed(first));
+}
+
+/// The built program, the desktop entry and the launcher of GIO, which GTK file managers use.
+TEST(DesktopEntryTest, giosLauncherOpensAFileInTheRunningProgram)
+{
+    const TemporaryDirectory folder;
+    const std::string video = folder.path() + "my clip \xc3\xa4.mp4";
+    makeSampleVideo(video, {.size = {64, 48}});
+    ExternalProgram program;
+    program.waitForWindow("Tarnwell");
+    QProcess launcher;
+    launcher.start(QStringLiteral("gio"),
+        {QStringLiteral("launch"),
+            QStringLiteral(TARNWELL_RESOURCE_FOLDER "/org.tarnwell.Tarnwell.desktop"),
+            QString::fromStdString(video)});
+    ASSERT_TRUE(waitForEnd(launcher));
+    EXPECT_EQ(launcher.exitCode(), 0) << launcher.readAllStandardError().toStdString();
+    program.waitForWindow("my clip");
+}
+
+} // namespace tarnwell::test

@@ -22,8 +22,8 @@ protected:
 
 TEST_F(NoBusTest, everyInstanceIsTheFirst)
 {
-    SingleInstance one([](const ActivationToken&) {});
-    SingleInstance other([](const ActivationToken&) {});
+    SingleInstance one([](const ActivationToken&, const auto&) {});
+    SingleInstance other([](const ActivationToken&, const auto&) {});
     EXPECT_EQ(one.claim(), SingleInstance::Role::First);
     EXPECT_EQ(other.claim(), SingleInstance::Role::First);
 }

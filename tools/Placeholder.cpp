@@ -2,49 +2,74 @@
 #include "tools/Placeholder.h"
 
 #include "tools/JpegCheck.h"
+#include "tools/StruckOutFilm.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <jpeglib.h>
+#include <vector>
 
 namespace
 {
 
 constexpr int largestSide = 65500; // limit of decoders; the format allows 65535
-constexpr int blockSide = 8;
-constexpr std::size_t tableSize = 64;
+constexpr int quality = 90; // no visible noise at the edges of the drawing
+constexpr JSAMPLE ground = 96;
+constexpr JSAMPLE drawing = 200;
 
-void appendShort(std::string& bytes, int number)
+/// Large pictures are drawn in squares of several pixels, which nobody sees: windows show them reduced.
+int sideOfSquare(int width, int height)
 {
-    bytes += static_cast<char>(static_cast<unsigned>(number) >> 8U & 0xFFU);
-    bytes += static_cast<char>(static_cast<unsigned>(number) & 0xFFU);
+    constexpr int finestSide = 2048;
+    return 1 + std::max(width, height) / finestSide;
 }
 
-void appendSegment(std::string& bytes, char marker, const std::string& content)
+void paintLine(std::vector<JSAMPLE>& line, const StruckOutFilm& film, int y, int square)
 {
-    bytes += '\xFF';
-    bytes += marker;
-    appendShort(bytes, static_cast<int>(content.size()) + 2);
-    bytes += content;
+    std::fill(line.begin(), line.end(), ground);
+    if (film.isOutside(y))
+        return;
+    const int width = static_cast<int>(line.size());
+    for (int x = 0; x < width; x += square) {
+        const double share = film.shareAt(x + square / 2, y);
+        const auto grey = static_cast<JSAMPLE>(std::lround(ground + share * (drawing - ground)));
+        std::fill_n(line.begin() + x, std::min(square, width - x), grey);
+    }
 }
 
-// A Huffman table with one code, a single 0 bit, for the symbol 0: no difference from the mean of the last
-// block (DC), end of block (AC).
-std::string codeTable(char kind)
+std::string encoded(int width, int height)
 {
-    std::string table(1, kind);
-    table += '\x01';
-    table.append(15, '\0');
-    table += '\0';
-    return table;
-}
-
-std::string frameHeader(int width, int height)
-{
-    std::string frame(1, '\x08');
-    appendShort(frame, height);
-    appendShort(frame, width);
-    return frame + std::string("\x01\x01\x11\x00", 4);
+    jpeg_error_mgr errors = {};
+    jpeg_compress_struct encoder = {};
+    encoder.err = jpeg_std_error(&errors); // if memory runs out, the only error, the library ends the program
+    jpeg_create_compress(&encoder);
+    unsigned char* bytes = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&encoder, &bytes, &size);
+    encoder.image_width = static_cast<JDIMENSION>(width);
+    encoder.image_height = static_cast<JDIMENSION>(height);
+    encoder.input_components = 1;
+    encoder.in_color_space = JCS_GRAYSCALE;
+    jpeg_set_defaults(&encoder);
+    jpeg_set_quality(&encoder, quality, TRUE);
+    jpeg_start_compress(&encoder, TRUE);
+    const StruckOutFilm film(width, height);
+    const int square = sideOfSquare(width, height);
+    std::vector<JSAMPLE> line(encoder.image_width);
+    while (encoder.next_scanline < encoder.image_height) {
+        const int y = static_cast<int>(encoder.next_scanline);
+        if (y % square == 0)
+            paintLine(line, film, y + square / 2, square);
+        JSAMPROW row = line.data();
+        jpeg_write_scanlines(&encoder, &row, 1);
+    }
+    jpeg_finish_compress(&encoder);
+    std::string picture(reinterpret_cast<const char*>(bytes), size);
+    jpeg_destroy_compress(&encoder);
+    std::free(bytes);
+    return picture;
 }
 
 constexpr int longestStretchedSide = 8192; // as for the stills of ffmpeg, see Job.cpp
@@ -68,20 +93,7 @@ std::string placeholderPicture(int width, int height)
         width = std::max(1, static_cast<int>(width / std::sqrt(excess)));
         height = std::max(1, static_cast<int>(height / std::sqrt(excess)));
     }
-    std::string picture = "\xFF\xD8";
-    appendSegment(picture, '\xDB', std::string(1, '\0') + std::string(tableSize, '\1'));
-    appendSegment(picture, '\xC0', frameHeader(width, height));
-    appendSegment(picture, '\xC4', codeTable('\x00'));
-    appendSegment(picture, '\xC4', codeTable('\x10'));
-    appendSegment(picture, '\xDA', std::string("\x01\x01\x00\x00\x3F\x00", 6));
-    // Two 0 bits per block; the last byte is padded with ones.
-    const auto across = static_cast<std::uint64_t>((width + blockSide - 1) / blockSide);
-    const auto down = static_cast<std::uint64_t>((height + blockSide - 1) / blockSide);
-    const std::uint64_t bits = 2 * across * down;
-    picture.append(bits / 8, '\0');
-    if (bits % 8 != 0)
-        picture += static_cast<char>(0xFFU >> bits % 8);
-    return picture + "\xFF\xD9";
+    return encoded(width, height);
 }
 
 std::string placeholderOf(const VideoFacts& video)

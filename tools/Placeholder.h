@@ -5,8 +5,9 @@
 
 #include <string>
 
-/// A JPEG picture in one grey. A side outside 1 to 65500, the limits of decoders, is set to the limit. A
-/// picture of more than mostStillPixels is scaled down.
+/// A JPEG picture in grey of a struck-out film, so that nobody takes it for a frame of the video. A side
+/// outside 1 to 65500, the limits of decoders, is set to the limit. A picture of more than mostStillPixels is
+/// scaled down.
 std::string placeholderPicture(int width, int height);
 
 /// The picture for a video that cannot be decoded, in the size in which players would show the video.

@@ -136,7 +136,7 @@ bool decodeStill(Job job, const InputFile& input, const OutputFile& output)
     return isPicture(runStill(job, input, output), output);
 }
 
-/// A frame of the video, else a grey picture in the size in which players show the video.
+/// A frame of the video, else the placeholder in the size in which players show the video.
 int makeStill(Job job, InputFile& input, OutputFile& output)
 {
     if (!saveOriginal(job, input, output))

@@ -37,6 +37,15 @@ std::string encoded(const char* format, QImage::Format pixels = QImage::Format_R
     return buffer.data().toStdString();
 }
 
+std::string black(int width, int height)
+{
+    QImage picture(width, height, QImage::Format_Grayscale8);
+    picture.fill(Qt::black);
+    QBuffer buffer;
+    EXPECT_TRUE(picture.save(&buffer, "JPEG"));
+    return buffer.data().toStdString();
+}
+
 bool isDecoded(const std::string& bytes)
 {
     QImageReader::setAllocationLimit(1024); // MiB; the limit of the application
@@ -114,13 +123,9 @@ TEST(JpegCheckTest, aPictureInSeveralScansIsRefused)
 
 TEST(JpegCheckTest, aPictureWithMorePixelsThanAnyFrameIsRefused)
 {
-    const std::string largest = placeholderPicture(16384, 16384);
-    EXPECT_TRUE(isPlainJpeg(largest));
-    std::string taller = largest;
-    taller[taller.find("\xFF\xC0") + 6] = '\x01'; // 16385 lines
-    constexpr std::size_t scanHeader = 10; // bytes, with one component
-    taller.insert(taller.find("\xFF\xDA") + scanHeader, 512, '\0'); // 2048 blocks of two bits
-    EXPECT_FALSE(isPlainJpeg(taller));
+    EXPECT_TRUE(isPlainJpeg(black(16384, 16384)));
+    EXPECT_TRUE(isPlainJpeg(black(16383, 16385)));
+    EXPECT_FALSE(isPlainJpeg(black(16384, 16385)));
 }
 
 TEST(JpegCheckTest, everyPictureThatIsAcceptedCanBeDecoded)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The grey picture, read with another decoder.
+// The picture for a video that cannot be decoded, read with another decoder.
 #include "tools/Placeholder.h"
 
 #include <QBuffer>
@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace tarnwell::test
@@ -24,30 +25,82 @@ QImage decoded(const std::string& picture)
     return QImage::fromData(QByteArray(picture.data(), static_cast<qsizetype>(picture.size())), "JPG");
 }
 
-bool isOneGrey(const QImage& picture)
+bool isGrey(const QImage& picture)
 {
-    for (const int x : {0, picture.width() / 2, picture.width() - 1}) {
-        for (const int y : {0, picture.height() / 2, picture.height() - 1}) {
+    for (int y = 0; y < picture.height(); y += 1 + picture.height() / 100) {
+        for (int x = 0; x < picture.width(); x += 1 + picture.width() / 100) {
             const QRgb pixel = picture.pixel(x, y);
-            if (pixel != picture.pixel(0, 0) || qRed(pixel) != qGreen(pixel) || qGreen(pixel) != qBlue(pixel))
+            if (qRed(pixel) != qGreen(pixel) || qGreen(pixel) != qBlue(pixel))
                 return false;
         }
     }
     return true;
 }
 
+constexpr int lightness = 150; // of the drawing at least; the ground is darker
+
+bool isDrawn(const QImage& picture, double x, double y)
+{
+    return qGray(picture.pixel(static_cast<int>(x), static_cast<int>(y))) >= lightness;
+}
+
+/// The share of the picture's pixels that belong to the drawing.
+double drawnShare(const QImage& picture)
+{
+    qint64 count = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            count += isDrawn(picture, x, y) ? 1 : 0;
+    }
+    return static_cast<double>(count) / static_cast<double>(picture.width() * qint64(picture.height()));
+}
+
 } // namespace
 
-TEST(PlaceholderTest, decodesToOneGreyInTheSizeAskedFor)
+TEST(PlaceholderTest, isAGreyPictureInTheSizeAskedFor)
 {
     for (const QSize size : {QSize(1, 1), QSize(7, 3), QSize(8, 8), QSize(9, 16), QSize(320, 240),
              QSize(1080, 1920), QSize(7680, 4320), QSize(65500, 1), QSize(1, 65500)}) {
         SCOPED_TRACE(testing::Message() << size.width() << "x" << size.height());
         const QImage picture = decoded(placeholderPicture(size.width(), size.height()));
         ASSERT_EQ(picture.size(), size);
-        EXPECT_TRUE(isOneGrey(picture));
+        EXPECT_TRUE(isGrey(picture));
         EXPECT_GT(qGray(picture.pixel(0, 0)), 64);
         EXPECT_LT(qGray(picture.pixel(0, 0)), 192);
+    }
+}
+
+TEST(PlaceholderTest, bearsALargeStruckOutFilm)
+{
+    for (const QSize size : {QSize(64, 48), QSize(320, 240), QSize(1920, 1080), QSize(1080, 1920),
+             QSize(1920, 120), QSize(7680, 4320)}) {
+        SCOPED_TRACE(testing::Message() << size.width() << "x" << size.height());
+        const QImage picture = decoded(placeholderPicture(size.width(), size.height()));
+        const double filmHeight = 0.6 * std::min(size.height() * 1.0, size.width() / 1.36);
+        const auto isDrawnAt = [&](double x, double y) { // from the centre, in heights of the film
+            return isDrawn(
+                picture, size.width() / 2.0 + x * filmHeight, size.height() / 2.0 + y * filmHeight);
+        };
+        EXPECT_TRUE(isDrawnAt(0, 0)) << "the strike";
+        EXPECT_TRUE(isDrawnAt(0.33, -0.31)) << "the strike";
+        EXPECT_FALSE(isDrawnAt(0.33, 0.31)) << "the strike is no cross";
+        EXPECT_TRUE(isDrawnAt(0, -0.5) && isDrawnAt(0, 0.5)) << "the edges above and below";
+        EXPECT_TRUE(isDrawnAt(-0.68, 0) && isDrawnAt(0.68, 0)) << "the edges at the sides";
+        EXPECT_TRUE(isDrawnAt(-0.56, -0.17) && isDrawnAt(0.56, 0.17)) << "the perforation";
+        EXPECT_FALSE(isDrawnAt(-0.56, 0) || isDrawnAt(0.56, 0)) << "the holes";
+    }
+}
+
+TEST(PlaceholderTest, itsDrawingIsNoLargerThanThePicture)
+{
+    for (const QSize size : {QSize(640, 480), QSize(480, 640)}) {
+        const QImage picture = decoded(placeholderPicture(size.width(), size.height()));
+        for (int x = 0; x < size.width(); ++x)
+            EXPECT_FALSE(isDrawn(picture, x, 0) || isDrawn(picture, x, size.height() - 1)) << x;
+        for (int y = 0; y < size.height(); ++y)
+            EXPECT_FALSE(isDrawn(picture, 0, y) || isDrawn(picture, size.width() - 1, y)) << y;
+        EXPECT_GT(drawnShare(picture), 0.03);
+        EXPECT_LT(drawnShare(picture), 0.3);
     }
 }
 
@@ -108,7 +161,7 @@ TEST(PlaceholderTest, hasNoMorePixelsThanAnyFrame)
 
 TEST(PlaceholderTest, isSmall)
 {
-    EXPECT_LT(placeholderPicture(7680, 4320).size(), 200U * 1024U);
+    EXPECT_LT(placeholderPicture(7680, 4320).size(), 600U * 1024U);
 }
 
 } // namespace tarnwell::test

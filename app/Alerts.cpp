@@ -25,13 +25,13 @@ Alert warning(const QString& title, const std::string& messageText, const std::s
 
 Alert refusalAlert(const std::string& messageText, const std::string& informativeText)
 {
-    return warning(openTitle(), messageText, informativeText);
+    return warning(openingTitle(), messageText, informativeText);
 }
 
 Alert modeAlert()
 {
     Alert alert;
-    alert.setTitle(saveTitle());
+    alert.setTitle(savingTitle());
     alert.setMessageText(QStringLiteral("Fix Flag mode Available!"));
     alert.setInformativeText(QStringLiteral(
         "\nFix Flag (Quick): Only the orientation flag (rotation tag) in the metadata of the video "
@@ -48,7 +48,7 @@ Alert modeAlert()
 Alert sameFileAlert()
 {
     Alert alert;
-    alert.setTitle(saveTitle());
+    alert.setTitle(savingTitle());
     alert.setStyle(Alert::Style::Informational);
     alert.setMessageText(QStringLiteral("Input file name is same as the output file name!"));
     alert.setInformativeText(QStringLiteral("Please specify a different file to save."));
@@ -57,7 +57,7 @@ Alert sameFileAlert()
 
 Alert changedInputAlert()
 {
-    return warning(saveTitle(), "Seems like something went wrong!",
+    return warning(savingTitle(), "Seems like something went wrong!",
         "The video has changed since it was opened. Please open it again.");
 }
 
@@ -69,13 +69,13 @@ Alert failedDropAlert()
 
 Alert failureAlert()
 {
-    return warning(saveTitle(), "Seems like something went wrong!", "Contact : " + supportAddress());
+    return warning(savingTitle(), "Seems like something went wrong!", "Contact : " + supportAddress());
 }
 
 Alert successAlert(const OrientationState& state)
 {
     Alert alert;
-    alert.setTitle(saveTitle());
+    alert.setTitle(savingTitle());
     alert.setMessageText(textOf("Video " + orientationLabel(state) + " Successfully!"));
     alert.addButton(QStringLiteral("OK"));
     alert.addButton(QStringLiteral("Show in Finder"));

@@ -125,7 +125,7 @@ void AppDelegate::showProgressSheet()
     required(m_outlets.progressTitle).setText(QStringLiteral("Creating Video..."));
     required(m_outlets.progressCancel).show();
     required(m_outlets.progressCancel).setEnabled(false); // until globalProcess is set
-    required(m_outlets.progressWindow).setWindowTitle(saveTitle());
+    required(m_outlets.progressWindow).setWindowTitle(savingTitle());
     beginSheet(m_outlets.progressWindow);
     m_texts.beginProgress();
     m_blockerBeforeSheet.reset();

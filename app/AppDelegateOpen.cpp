@@ -95,7 +95,7 @@ void AppDelegate::showAnalysisProgress()
     setIndeterminate(required(m_outlets.progressBar));
     required(m_outlets.progressCancel).hide();
     required(m_outlets.progressTitle).setText(QStringLiteral("Analyzing Video..."));
-    required(m_outlets.progressWindow).setWindowTitle(openTitle());
+    required(m_outlets.progressWindow).setWindowTitle(openingTitle());
     beginSheet(m_outlets.progressWindow);
 }
 

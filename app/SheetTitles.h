@@ -6,16 +6,16 @@
 namespace tarnwell
 {
 
-// The titles of the sheets that a user meets while opening and saving. The panels of desktop/ have the same.
+// The titles of the sheets that follow the panels "Open Video" and "Save Video".
 
-inline QString openTitle()
+inline QString openingTitle()
 {
-    return QStringLiteral("Open Video");
+    return QStringLiteral("Opening Video");
 }
 
-inline QString saveTitle()
+inline QString savingTitle()
 {
-    return QStringLiteral("Save Video");
+    return QStringLiteral("Saving Video");
 }
 
 } // namespace tarnwell

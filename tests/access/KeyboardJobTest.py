@@ -53,7 +53,7 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
 
     def wait_for_alert(self, name, button):
         self.program.find("alert", name)
-        self.wait_for("push button", button, "Save Video")
+        self.wait_for("push button", button, "Saving Video")
 
     def test_by_tab_and_space(self):
         self.go_to("Open")
@@ -82,7 +82,7 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
         press("Return")
         self.wait_for_alert("Fix Flag mode Available!", "Fix Flag")
         press("Tab")
-        self.wait_for("push button", "Transcode", "Save Video")
+        self.wait_for("push button", "Transcode", "Saving Video")
         press("space")
         self.wait_for_alert("Video Rotated Successfully!", "OK")
         press("Return")
@@ -110,6 +110,7 @@ class KeyboardJobTest(AccessTestCase.AccessTestCase):
         wait_until(lambda: self.program.shown("menu item", "Flip Horizontally"), "the menu")
         press("h")
         self.wait_for_picture("clip.mp4, turned left, mirrored horizontally")
+        self.wait_for("image", "Video Preview", OPENED)
         press("ctrl+shift+h")
         self.wait_for_picture("clip.mp4, turned left")
         press("alt+f")

@@ -72,18 +72,18 @@ TEST_F(TitleTest, noSheetRepeatsTheProgramsName)
     type(QKeySequence(QStringLiteral("Ctrl+S")));
     EXPECT_EQ(titleOf(*shownPanel()), "Save Video");
     choose(shownPanel(), folder() + "out.mp4");
-    EXPECT_EQ(titleOf(*shownAlert()), "Save Video");
+    EXPECT_EQ(titleOf(*shownAlert()), "Saving Video");
     tools().setCreator("wait-for " + folder() + "go\n" + stillScript());
     answer(shownAlert(), "Transcode");
     ASSERT_TRUE(waitUntil([this] { return isProgressShown(); }));
-    EXPECT_EQ(titleOf(find<QDialog>("progressWindow")), "Save Video");
+    EXPECT_EQ(titleOf(find<QDialog>("progressWindow")), "Saving Video");
     writeFile(folder() + "go", "");
-    EXPECT_EQ(titleOf(*shownAlert()), "Save Video");
+    EXPECT_EQ(titleOf(*shownAlert()), "Saving Video");
     answer(shownAlert(), "OK");
     tools().setSniffer(sniffing(soundReport()));
     open("refused.mp3");
-    EXPECT_EQ(titleOf(find<QDialog>("progressWindow")), "Open Video");
-    EXPECT_EQ(titleOf(*shownAlert()), "Open Video");
+    EXPECT_EQ(titleOf(find<QDialog>("progressWindow")), "Opening Video");
+    EXPECT_EQ(titleOf(*shownAlert()), "Opening Video");
     answer(shownAlert(), "OK");
 }
 

@@ -2,7 +2,9 @@
 #include "desktop/Panels.h"
 
 #include "desktop/PathPanel.h"
+#include "desktop/PathText.h"
 #include "desktop/SheetQueue.h"
+#include "platform/FileURL.h"
 
 #include <QSettings>
 
@@ -39,7 +41,13 @@ void beginOpenPanel(QWidget& window, SheetQueue& sheets, PathHandler handler)
 
 void beginSavePanel(QWidget& window, SheetQueue& sheets, const QString& name, PathHandler handler)
 {
-    beginPanel(new SavePanel(&window, name), sheets, std::move(handler));
+    auto* panel = new SavePanel(&window, name);
+    beginPanel(panel, sheets, [panel, &window, &sheets, answer = std::move(handler)](const auto& path) {
+        if (panel->isExtensionMissing()) // in the sandbox: the portal grants the chosen name only
+            beginSavePanel(window, sheets, textOfPath(lastPathComponent(*path)), answer);
+        else
+            answer(path);
+    });
 }
 
 } // namespace tarnwell

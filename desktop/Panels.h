@@ -25,7 +25,8 @@ using PathHandler = std::function<void(std::optional<std::string> path)>;
 void beginOpenPanel(QWidget& window, SheetQueue& sheets, PathHandler handler);
 
 /// Asks for the path of an MP4 file to write in a sheet on `window`. Proposes `name`, given without
-/// extension. Adds the extension to a name without it, and asks before an existing file is replaced.
+/// extension. Adds the extension to a name without it, and asks before an existing file is replaced. In the
+/// sandbox the proposed name has the extension, and the panel appears again if the chosen name lacks it.
 void beginSavePanel(QWidget& window, SheetQueue& sheets, const QString& name, PathHandler handler);
 
 } // namespace tarnwell

@@ -131,6 +131,12 @@ SavePanel::SavePanel(QWidget* window, const QString& name)
     selectFile(name);
 }
 
+bool SavePanel::isExtensionMissing() const
+{
+    const auto path = chosenPath();
+    return path && textOfPath(*path) != withOutputExtension(textOfPath(*path));
+}
+
 void SavePanel::accept()
 {
     if (nameField() != nullptr)
@@ -145,23 +151,11 @@ void SavePanel::acceptNativeChoice()
 {
     const QStringList files = selectedFiles();
     const QString output = files.isEmpty() ? QString() : withOutputExtension(files.first());
-    if (files.isEmpty() || output == files.first())
+    // In the sandbox, the portal grants the chosen name only.
+    if (files.isEmpty() || output == files.first() || Sandbox::isInside())
         QFileDialog::accept();
-    else if (Sandbox::isInside())
-        askForNameWithExtension(output);
     else
         acceptTyped(output);
-}
-
-// The portal grants the chosen name only. A file under the name with the extension would be hidden.
-void SavePanel::askForNameWithExtension(const QString& output)
-{
-    hide();
-    setWindowTitle(tr("Save Video: the name must end with “.%1”").arg(outputExtension()));
-    selectFile(QFileInfo(output).fileName());
-    // The native dialog that reports the choice is still in use.
-    QMetaObject::invokeMethod(
-        this, [this] { show(); }, Qt::QueuedConnection);
 }
 
 void SavePanel::acceptTyped(const QString& path)

@@ -48,19 +48,21 @@ protected:
 };
 
 /// Asks for the path of an MP4 file to write. Adds the extension to a name without it, and asks before an
-/// existing file is replaced. In the sandbox it proposes the name with the extension, and asks again if the
-/// chosen name lacks it.
+/// existing file is replaced. In the sandbox it proposes the name with the extension, and accepts a name
+/// without it from a native dialog, where the extension cannot be added.
 class SavePanel : public PathPanel
 {
 public:
     SavePanel(QWidget* window, const QString& name);
+
+    /// Whether the chosen name lacks the extension.
+    bool isExtensionMissing() const;
 
 protected:
     void accept() override;
 
 private:
     void acceptNativeChoice();
-    void askForNameWithExtension(const QString& output);
     void acceptTyped(const QString& path);
     void askBeforeReplacing(const QString& path);
     void showFolder(const QString& path);

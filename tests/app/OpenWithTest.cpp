@@ -87,8 +87,7 @@ TEST(DesktopEntryTest, giosLauncherOpensAFileInTheRunningProgram)
     program.waitForWindow("Tarnwell");
     QProcess launcher;
     launcher.start(QStringLiteral("gio"),
-        {QStringLiteral("launch"),
-            QStringLiteral(TARNWELL_RESOURCE_FOLDER "/org.tarnwell.Tarnwell.desktop"),
+        {QStringLiteral("launch"), QStringLiteral(TARNWELL_RESOURCE_FOLDER "/org.tarnwell.Tarnwell.desktop"),
             QString::fromStdString(video)});
     ASSERT_TRUE(waitForEnd(launcher));
     EXPECT_EQ(launcher.exitCode(), 0) << launcher.readAllStandardError().toStdString();

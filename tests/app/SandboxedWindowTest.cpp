@@ -113,8 +113,8 @@ TEST_F(SandboxedWindowTest, aDropThatThePortalDoesNotPassOnIsReported)
 {
     start();
     expectFailedDrop(); // no portal
-    for (const auto& reply : {BusService::Answer(BusService::refusal), BusService::Answer(BusService::emptyReply),
-             passing({})}) {
+    for (const auto& reply :
+        {BusService::Answer(BusService::refusal), BusService::Answer(BusService::emptyReply), passing({})}) {
         const auto documents = portal(reply);
         expectFailedDrop();
         EXPECT_EQ(documents->calls().size(), 1);
@@ -179,9 +179,8 @@ TEST_F(SandboxedWindowTest, anotherGrantOfTheInputIsRefusedAsOutput)
     std::filesystem::create_hard_link(folder() + "clip.mp4", folder() + "grant.mp4");
     saveByPanel(folder() + "grant.mp4");
     answerReplaceQuestion("&Yes");
-    ASSERT_TRUE(waitUntil([this] {
-        return isAlertShown() && shownAlert()->text() == QString::fromLatin1(sameFileText);
-    }));
+    ASSERT_TRUE(waitUntil(
+        [this] { return isAlertShown() && shownAlert()->text() == QString::fromLatin1(sameFileText); }));
     answer(shownAlert(), "OK");
     EXPECT_EQ(contentsOf(folder() + "clip.mp4"), "bytes");
 }

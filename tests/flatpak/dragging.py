@@ -18,19 +18,15 @@ def xdotool(*arguments):
 
 
 class DragSource:
-    """The window of dragSource.py, as a context."""
+    """The window of dragSource.py. The portal forgets its files when the program ends."""
 
     def __init__(self, style, paths):
-        self._command = [sys.executable, str(SOURCE), style, *map(str, paths)]
         self._output = b""
-
-    def __enter__(self):
-        self._process = subprocess.Popen(self._command, stdout=subprocess.PIPE)
+        command = [sys.executable, str(SOURCE), style, *map(str, paths)]
+        self._process = subprocess.Popen(command, stdout=subprocess.PIPE)
         os.set_blocking(self._process.stdout.fileno(), False)
-        self._wait_for("ready")
-        return self
 
-    def __exit__(self, *_):
+    def end(self):
         xdotool("mouseup", 1)  # after a failure
         self._process.kill()
         self._process.wait()
@@ -45,6 +41,7 @@ class DragSource:
 
     def drag_to(self, x, y):
         """Drags to the place on the screen and waits until the program there accepts a copy."""
+        self._wait_for("ready")
         from_x, from_y = SOURCE_CENTRE
         xdotool("mousemove", from_x, from_y, "mousedown", 1)
         for step in range(1, STEPS + 1):

@@ -40,8 +40,7 @@ TEST_F(SandboxTest, aCopyWithTheTimeOfTheOriginalIsAnotherFile)
     std::filesystem::last_write_time(
         path("clip.mp4"), std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
     std::filesystem::copy_file(path("clip.mp4"), path("copy.mp4"));
-    std::filesystem::last_write_time(
-        path("copy.mp4"), std::filesystem::last_write_time(path("clip.mp4")));
+    std::filesystem::last_write_time(path("copy.mp4"), std::filesystem::last_write_time(path("clip.mp4")));
     EXPECT_FALSE(Sandbox::areGrantsOfOneFile(path("clip.mp4"), path("copy.mp4")));
 }
 

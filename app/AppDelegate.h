@@ -4,6 +4,7 @@
 #include "app/Outlets.h"
 #include "app/StillFrame.h"
 #include "app/VideoTexts.h"
+#include "desktop/PanelFolder.h"
 #include "export/ExportPlan.h"
 #include "orientation/OrientationState.h"
 #include "platform/FileFingerprint.h"
@@ -120,6 +121,7 @@ private:
     std::shared_ptr<DispatchQueue> m_mainQueue;
     NotificationCenter::Observation m_dropObservation;
     StillFrameExtractor m_stillFrames;
+    PanelFolder m_panelFolder;
     std::optional<FileFingerprint> m_inputWhenOpened; // absent before the first analysis
     std::optional<HeldPlace> m_outputPlace; // absent unless an export runs
     std::optional<FileFingerprint> m_outputBeforeRun; // absent before the first export

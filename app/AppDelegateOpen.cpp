@@ -26,10 +26,11 @@ void AppDelegate::openToolBarBTNClicked()
 
 void AppDelegate::openFilePanel()
 {
-    beginOpenPanel(required(m_outlets.window), required(m_outlets.sheets), [this](const auto& path) {
-        if (path)
-            analyzeFile(FileURL(*path));
-    });
+    beginOpenPanel(required(m_outlets.window), required(m_outlets.sheets), m_panelFolder.path(),
+        [this](const auto& path) {
+            if (path)
+                analyzeFile(FileURL(*path));
+        });
 }
 
 void AppDelegate::fileAddedByDragAndDrop(const Notification& notification)
@@ -47,6 +48,7 @@ void AppDelegate::dropFailed()
 
 void AppDelegate::analyzeFile(const FileURL& url)
 {
+    m_panelFolder.remember(url.path());
     showAnalysisProgress();
     required(m_outlets.sheets).waitUntilPainted(&required(m_outlets.progressWindow));
     m_inputWhenOpened.emplace(url.path()); // before the analysis, which a change can overtake

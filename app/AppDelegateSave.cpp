@@ -36,14 +36,16 @@ void AppDelegate::saveToolBarBTNClicked()
 void AppDelegate::presentSavePanel()
 {
     const QString name = textOf(orientationLabel(m_orientation));
-    beginSavePanel(required(m_outlets.window), required(m_outlets.sheets), name, [this](const auto& path) {
-        if (path)
-            saveTo(*path);
-    });
+    beginSavePanel(required(m_outlets.window), required(m_outlets.sheets), m_panelFolder.path(), name,
+        [this](const auto& path) {
+            if (path)
+                saveTo(*path);
+        });
 }
 
 void AppDelegate::saveTo(const std::string& outputPath)
 {
+    m_panelFolder.remember(outputPath);
     const auto probe = globalFP.load();
     const auto& inputPath = required(probe).fileFullPath;
     if (!inputPath)

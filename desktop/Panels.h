@@ -21,12 +21,15 @@ void disablePanelSettings();
 /// after the panel has closed.
 using PathHandler = std::function<void(std::optional<std::string> path)>;
 
-/// Asks for one existing file of any type in a sheet on `window`.
-void beginOpenPanel(QWidget& window, SheetQueue& sheets, PathHandler handler);
+/// Asks for one existing file of any type in a sheet on `window`. The panel starts in `folder`.
+void beginOpenPanel(QWidget& window, SheetQueue& sheets, const QString& folder, PathHandler handler);
 
 /// Asks for the path of an MP4 file to write in a sheet on `window`. Proposes `name`, given without
-/// extension. Adds the extension to a name without it, and asks before an existing file is replaced. In the
-/// sandbox the proposed name has the extension, and the panel appears again if the chosen name lacks it.
-void beginSavePanel(QWidget& window, SheetQueue& sheets, const QString& name, PathHandler handler);
+/// extension, in `folder`. Adds the extension to a name without it, refuses a folder that cannot be written,
+/// and asks before an existing file is replaced. The panel is shown again after a refusal and after a "No".
+/// In the sandbox the proposed name has the extension, and the panel is shown again if the chosen name lacks
+/// it: the portal grants the chosen name only.
+void beginSavePanel(
+    QWidget& window, SheetQueue& sheets, const QString& folder, const QString& name, PathHandler handler);
 
 } // namespace tarnwell

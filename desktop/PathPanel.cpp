@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/PathPanel.h"
 
+#include "desktop/OutputPath.h"
 #include "desktop/PathText.h"
 #include "platform/Sandbox.h"
 
@@ -8,7 +9,6 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 
 namespace tarnwell
 {
@@ -16,46 +16,15 @@ namespace tarnwell
 namespace
 {
 
-QString outputExtension()
-{
-    return QStringLiteral("mp4");
-}
-
-QString withOutputExtension(const QString& path)
-{
-    const QString ending = QLatin1Char('.') + outputExtension();
-    return path.endsWith(ending, Qt::CaseInsensitive) ? path : path + ending;
-}
-
 QString withHomeFolder(const QString& text)
 {
     return text.startsWith(QStringLiteral("~/")) ? QDir::homePath() + text.mid(1) : text;
 }
 
-QMessageBox* openBox(QWidget* parent, const QString& text, QMessageBox::StandardButtons buttons)
-{
-    auto* box
-        = new QMessageBox(QMessageBox::Warning, parent->windowTitle(), text, buttons, parent, Qt::Sheet);
-    box->setTextFormat(Qt::PlainText);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
-    return box;
-}
-
-void sayThatFolderIsMissing(QWidget* panel, const QString& folder)
-{
-    openBox(panel, QFileDialog::tr("The folder “%1” does not exist.").arg(folder), QMessageBox::Ok);
-}
-
-void sayThatFolderIsClosed(QWidget* panel, const QString& folder)
-{
-    openBox(panel, QFileDialog::tr("You cannot save files in the folder “%1”.").arg(folder), QMessageBox::Ok);
-}
-
 } // namespace
 
-PathPanel::PathPanel(QWidget* window)
-    : QFileDialog(window)
+PathPanel::PathPanel(QWidget* window, const QString& folder)
+    : QFileDialog(window, QString(), folder)
 {
 }
 
@@ -67,6 +36,11 @@ std::optional<std::string> PathPanel::chosenPath() const
     if (result() != Accepted || files.isEmpty())
         return std::nullopt;
     return pathOfText(files.first());
+}
+
+bool PathPanel::isShownByPortal()
+{
+    return qgetenv("QT_QPA_PLATFORMTHEME") == "xdgdesktopportal" || Sandbox::isInside();
 }
 
 QLineEdit* PathPanel::nameField() const
@@ -98,8 +72,8 @@ void PathPanel::acceptPath(const QString& path)
     done(Accepted);
 }
 
-OpenPanel::OpenPanel(QWidget* window)
-    : PathPanel(window)
+OpenPanel::OpenPanel(QWidget* window, const QString& folder)
+    : PathPanel(window, folder)
 {
     setAcceptMode(AcceptOpen);
     setFileMode(ExistingFile);
@@ -115,47 +89,25 @@ void OpenPanel::accept()
         QFileDialog::accept();
 }
 
-SavePanel::SavePanel(QWidget* window, const QString& name)
-    : PathPanel(window)
+SavePanel::SavePanel(QWidget* window, const QString& folder, const QString& name)
+    : PathPanel(window, folder)
     , m_proposedName(name)
 {
     setAcceptMode(AcceptSave);
     setFileMode(AnyFile);
     setWindowTitle(tr("Save Video"));
     setNameFilter(tr("MPEG-4 video (*.mp4)"));
-    if (Sandbox::isInside()) {
-        selectFile(withOutputExtension(name));
-        return; // with a default suffix, selectedFiles() would hide that the chosen name lacks the extension
-    }
-    setDefaultSuffix(outputExtension());
-    selectFile(name);
-}
-
-bool SavePanel::isExtensionMissing() const
-{
-    const auto path = chosenPath();
-    return path && textOfPath(*path) != withOutputExtension(textOfPath(*path));
+    // A native dialog would ask about the name without the extension.
+    setOption(DontConfirmOverwrite, !isShownByPortal());
+    selectFile(Sandbox::isInside() ? withOutputExtension(name) : name);
 }
 
 void SavePanel::accept()
 {
-    if (nameField() != nullptr)
+    if (isNative())
+        QFileDialog::accept(); // the choice is examined after the dialog has closed
+    else
         acceptTyped(typedPath());
-    else
-        acceptNativeChoice();
-}
-
-// A native dialog has asked before replacing the selected file, but not about the file whose name results
-// from adding the extension.
-void SavePanel::acceptNativeChoice()
-{
-    const QStringList files = selectedFiles();
-    const QString output = files.isEmpty() ? QString() : withOutputExtension(files.first());
-    // In the sandbox, the portal grants the chosen name only.
-    if (files.isEmpty() || output == files.first() || Sandbox::isInside())
-        QFileDialog::accept();
-    else
-        acceptTyped(output);
 }
 
 void SavePanel::acceptTyped(const QString& path)
@@ -168,16 +120,13 @@ void SavePanel::acceptTyped(const QString& path)
     if (path.isEmpty())
         return;
     const QString output = withOutputExtension(path);
-    if (!QFileInfo(output).dir().exists())
-        sayThatFolderIsMissing(this, QFileInfo(output).path());
-    else if (QFileInfo(output).isDir())
-        showFolder(output);
-    else if (!QFileInfo(QFileInfo(output).path()).isWritable())
-        sayThatFolderIsClosed(this, QFileInfo(output).path());
-    else if (QFileInfo::exists(output))
-        askBeforeReplacing(output);
-    else
+    const OutputPath state = examineOutputPath(output);
+    if (state == OutputPath::Usable)
         acceptPath(output);
+    else if (state == OutputPath::IsFolder)
+        showFolder(output);
+    else
+        showBox(state, output);
 }
 
 void SavePanel::showFolder(const QString& path)
@@ -186,16 +135,15 @@ void SavePanel::showFolder(const QString& path)
     selectFile(m_proposedName);
 }
 
-void SavePanel::askBeforeReplacing(const QString& path)
+void SavePanel::showBox(OutputPath state, const QString& path)
 {
-    const QString question
-        = tr("“%1” already exists.\nDo you want to replace it?").arg(QFileInfo(path).fileName());
-    QMessageBox* box = openBox(this, question, QMessageBox::Yes | QMessageBox::No);
-    box->setDefaultButton(QMessageBox::No);
+    QMessageBox* box = makeOutputPathBox(state, path, *this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
     connect(box, &QDialog::finished, this, [this, path](int answer) {
         if (answer == QMessageBox::Yes)
             acceptPath(path);
     });
+    box->open();
 }
 
 } // namespace tarnwell

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/OutputPath.h"
+
 #include <QFileDialog>
 
 #include <optional>
@@ -20,10 +22,16 @@ class PathPanel : public QFileDialog
     // name in the meta-object is QFileDialog.
 
 public:
-    explicit PathPanel(QWidget* window);
+    PathPanel(QWidget* window, const QString& folder);
 
     /// The chosen path, raw bytes; empty before the panel was accepted.
     std::optional<std::string> chosenPath() const;
+
+    /// Whether the desktop shows its own dialog. Valid after the panel was shown.
+    bool isNative() const { return nameField() == nullptr; }
+
+    /// Whether native dialogs are those of the desktop portal. They always ask before they replace a file.
+    static bool isShownByPortal();
 
     /// The field that the label "File name:" belongs to; null in a native dialog.
     QLineEdit* nameField() const;
@@ -41,31 +49,27 @@ private:
 class OpenPanel : public PathPanel
 {
 public:
-    explicit OpenPanel(QWidget* window);
+    OpenPanel(QWidget* window, const QString& folder);
 
 protected:
     void accept() override;
 };
 
-/// Asks for the path of an MP4 file to write. Adds the extension to a name without it, and asks before an
-/// existing file is replaced. In the sandbox it proposes the name with the extension, and accepts a name
-/// without it from a native dialog, where the extension cannot be added.
+/// Asks for the path of an MP4 file to write. Qt's own dialog adds the extension to a name without it,
+/// refuses a folder that cannot be written, and asks before an existing file is replaced. The choice of a
+/// native dialog is as the user made it. In the sandbox the proposed name has the extension.
 class SavePanel : public PathPanel
 {
 public:
-    SavePanel(QWidget* window, const QString& name);
-
-    /// Whether the chosen name lacks the extension.
-    bool isExtensionMissing() const;
+    SavePanel(QWidget* window, const QString& folder, const QString& name);
 
 protected:
     void accept() override;
 
 private:
-    void acceptNativeChoice();
     void acceptTyped(const QString& path);
-    void askBeforeReplacing(const QString& path);
     void showFolder(const QString& path);
+    void showBox(OutputPath state, const QString& path);
 
     QString m_proposedName;
 };

@@ -100,18 +100,22 @@ protected:
             m_variables.push_back(std::make_unique<EnvironmentValue>(name, user() + name));
         }
         std::filesystem::create_directory(working());
+        std::filesystem::create_directory(videos());
         std::filesystem::create_directory(earlier());
         writeFile(earlier() + "clip.mp4", "the panel must not start here");
         writeFile(settings(),
             "[FileDialog]\nhistory=file://" + earlier() + "\nlastVisited=file://" + earlier()
                 + "\nshortcuts=file:///\nsidebarWidth=90\nviewMode=List\n");
-        makeSampleVideo(working() + "clip.mp4", {.codec = "mpeg4"}); // no choice of a mode
+        writeFile(user() + "XDG_CONFIG_HOME/user-dirs.dirs", "XDG_VIDEOS_DIR=\"" + videos() + "\"\n");
+        makeSampleVideo(videos() + "/clip.mp4", {.codec = "mpeg4"}); // no choice of a mode
     }
 
     std::string user() const { return m_folder.path() + "user/"; }
     std::string settings() const { return user() + "XDG_CONFIG_HOME/QtProject.conf"; }
     /// The folder in which the program is started.
     std::string working() const { return m_folder.path() + "working/"; }
+    /// The user's folder of videos, in which the first panel starts.
+    std::string videos() const { return m_folder.path() + "videos"; }
     /// The folder that the settings name as the last one.
     std::string earlier() const { return m_folder.path() + "earlier/"; }
 
@@ -126,7 +130,7 @@ protected:
         program.keysUntilWindow("ctrl+s", "Save Video");
         program.chooseInPanel("Save Video", "out.mp4");
         std::string printed = program.waitForOutput("Percent : ");
-        EXPECT_TRUE(waitUntil([this] { return exists(working() + "out.mp4"); }));
+        EXPECT_TRUE(waitUntil([this] { return exists(videos() + "/out.mp4"); }));
         program.keysUntilWindow("Return", "clip.mp4 — Tarnwell"); // answers the alert
         EXPECT_TRUE(waitUntil([&] {
             if (program.isRunning())
@@ -146,15 +150,16 @@ private:
 TEST_F(PersistenceTest, aRunWithBothPanelsChangesNothingInTheUsersFolders)
 {
     const auto before = treeOf(user());
-    ASSERT_EQ(before.size(), 3 * std::size(userFolders) + 1);
+    ASSERT_EQ(before.size(), 3 * std::size(userFolders) + 2);
     const OpenWatch settingsWatch(settings());
     const std::string printed = doTheWholeJob();
     EXPECT_FALSE(settingsWatch.wasOpened());
     EXPECT_EQ(treeOf(user()), before);
-    // The panels started in the working directory, not in the folder of the settings.
-    EXPECT_NE(printed.find("\"-i\", \"" + working() + "clip.mp4\""), std::string::npos) << printed;
+    // The panels started in the folder of videos, not in the working directory or the folder of the settings.
+    EXPECT_NE(printed.find("\"-i\", \"" + videos() + "/clip.mp4\""), std::string::npos) << printed;
     EXPECT_EQ(namesIn(earlier()), std::vector<std::string>{"clip.mp4"});
-    EXPECT_EQ(namesIn(working()), (std::vector<std::string>{"clip.mp4", "out.mp4"}));
+    EXPECT_EQ(namesIn(working()), std::vector<std::string>());
+    EXPECT_EQ(namesIn(videos()), (std::vector<std::string>{"clip.mp4", "out.mp4"}));
 }
 
 } // namespace tarnwell::test

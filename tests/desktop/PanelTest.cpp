@@ -27,13 +27,13 @@ PanelTest::PanelTest()
 
 void PanelTest::beginOpen()
 {
-    beginOpenPanel(m_window, m_sheets, collect());
+    beginOpenPanel(m_window, m_sheets, textOfPath(folder()), collect());
     begun();
 }
 
 void PanelTest::beginSave(const char* proposedName)
 {
-    beginSavePanel(m_window, m_sheets, QString::fromLatin1(proposedName), collect());
+    beginSavePanel(m_window, m_sheets, textOfPath(folder()), QString::fromLatin1(proposedName), collect());
     begun();
 }
 
@@ -49,7 +49,6 @@ void PanelTest::begun()
 {
     m_panel = m_window.findChild<PathPanel*>();
     ASSERT_NE(m_panel, nullptr);
-    m_panel->setDirectory(textOfPath(folder()));
     waitForKeyboard(*m_panel);
 }
 

@@ -54,7 +54,12 @@ bool InputFile::isUnchanged() const
 bool InputFile::reopen(const std::string& path)
 {
     InputFile other(path);
-    if (!other.isOpen() || !hasSameData(other.m_atOpening, m_atOpening))
+    // FUSE can return attributes from before a rename, and encfs cuts the modification time to seconds.
+    struct statx current = {};
+    ::statx(other.m_descriptor, "", AT_EMPTY_PATH | AT_STATX_FORCE_SYNC, STATX_BASIC_STATS, &current);
+    if (!other.isOpen() || ::fstat(other.m_descriptor, &other.m_atOpening) != 0
+        || other.m_atOpening.st_size != m_atOpening.st_size
+        || other.m_atOpening.st_mtim.tv_sec != m_atOpening.st_mtim.tv_sec)
         return false;
     std::swap(m_descriptor, other.m_descriptor);
     m_atOpening = other.m_atOpening;

@@ -31,7 +31,7 @@ public:
     /// Opens the file again by another path, for example after it was renamed. If another mount leads to this
     /// path, the descriptor of the first mount can become invalid, and the file rules allow ffmpeg to open
     /// the path only through the mount of the descriptor. False, and no change, if there is no file of the
-    /// same size and modification time.
+    /// same size and modification time in seconds.
     bool reopen(const std::string& path);
 
     enum class ReadEnd { Whole, Failed, Stopped };

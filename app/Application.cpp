@@ -15,8 +15,21 @@
 namespace tarnwell
 {
 
+namespace
+{
+
+// As the menu item Quit does.
+void endUnlessBlocked()
+{
+    if (!InputBlocker::isActive())
+        QCoreApplication::exit();
+}
+
+} // namespace
+
 Application::Application(const ToolContext& tools)
     : m_delegate(std::make_shared<AppDelegate>(m_interface.outlets(), tools, m_mainQueue.queue()))
+    , m_closeRequests(m_interface.window(), endUnlessBlocked)
 {
     disablePanelSettings();
     m_interface.connectActions(*m_delegate);

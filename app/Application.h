@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/Interface.h"
+#include "desktop/CloseRequests.h"
 #include "desktop/MainQueue.h"
 #include "platform/ToolContext.h"
 
@@ -43,6 +44,7 @@ private:
     MainQueue m_mainQueue;
     Interface m_interface;
     std::shared_ptr<AppDelegate> m_delegate;
+    CloseRequests m_closeRequests;
 };
 
 } // namespace tarnwell

@@ -122,4 +122,24 @@ bool activateOnX11(const QWindow& window, const QString& startupId)
     return true;
 }
 
+std::uint32_t x11Atom(std::string_view name)
+{
+    const auto* server = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return server != nullptr ? atomOf(server->connection(), name) : 0;
+}
+
+bool hasX11Keyboard()
+{
+    const auto* server = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (server == nullptr)
+        return false;
+    xcb_connection_t* connection = server->connection();
+    const auto reply = owned(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    const auto windows = QGuiApplication::topLevelWindows();
+    return reply
+        && std::any_of(windows.begin(), windows.end(), [owner = reply->focus](const QWindow* window) {
+               return window->handle() != nullptr && window->winId() == owner;
+           });
+}
+
 } // namespace tarnwell

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 class QWindow;
 
@@ -21,5 +22,11 @@ std::optional<std::uint32_t> userTimeOf(const QString& startupId);
 /// Asks the window manager to activate the window (_NET_ACTIVE_WINDOW) with the time of the startup id, and
 /// ends the desktop's startup notification. Does nothing and returns false where Qt does not run on X11.
 bool activateOnX11(const QWindow& window, const QString& startupId);
+
+/// Whether the X server's keyboard focus is on a window of this program. False where Qt does not run on X11.
+bool hasX11Keyboard();
+
+/// The X server's number for the name; 0 where Qt does not run on X11.
+std::uint32_t x11Atom(std::string_view name);
 
 } // namespace tarnwell

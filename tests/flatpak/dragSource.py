@@ -18,15 +18,14 @@ gi.require_version("Gdk", "3.0")
 gi.require_version("Gtk", "3.0")
 from gi.repository import Gdk, Gio, GLib, Gtk  # noqa: E402
 
+BUS = Gio.bus_get_sync(Gio.BusType.SESSION, None)  # the portal forgets the files when it is closed
 TRANSFER_TYPE = "application/vnd.portal.filetransfer"
 
 
 def start_transfer(paths):
     """Registers the files with the portal. Returns the key."""
-    bus = Gio.bus_get_sync(Gio.BusType.SESSION, None)
-
     def call(method, arguments, descriptors=None):
-        answer, _ = bus.call_with_unix_fd_list_sync(
+        answer, _ = BUS.call_with_unix_fd_list_sync(
             "org.freedesktop.portal.Documents", "/org/freedesktop/portal/documents",
             "org.freedesktop.portal.FileTransfer", method, arguments, None, 0, -1, descriptors, None)
         return answer.unpack()

@@ -96,8 +96,10 @@ class FakeDesktop:
         self.wait_for_dialog(method)
         self._answer(1, {})
 
-    def has_dialog(self):
-        return bool(self._dialogs)
+    def forget_dialogs(self):
+        """Forgets dialogs of an app that has ended."""
+        with self._lock:
+            self._dialogs.clear()
 
     def _answer(self, response, results):
         with self._lock:

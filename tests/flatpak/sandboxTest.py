@@ -54,6 +54,7 @@ class SandboxTest(unittest.TestCase):
         self.output = self.videos / "out.mp4"
         self.desktop = self.session.desktop
         self.desktop.shown.clear()
+        self.desktop.forget_dialogs()
         self.session.played.unlink(missing_ok=True)
         self.app = SandboxedApp(self.session)
         self.addCleanup(self.app.end)
@@ -225,12 +226,6 @@ class SandboxTest(unittest.TestCase):
     def test_a_drop_from_a_kde_program_opens_the_first_file(self):
         self.drops_and_opens("kde")
 
-    def test_a_dropped_folder_changes_nothing(self):
-        self.open_and_turn()
-        self.drop("gtk", self.videos)
-        self.drop("gtk", self.input)
-        self.wait_for_picture("clip.mp4")  # the folder has not left an alert
-
     # The desktop
 
     def test_shows_the_result_in_the_file_manager(self):
@@ -315,20 +310,20 @@ class SandboxTest(unittest.TestCase):
         self.app.start()
         self.app.keys("ctrl+o")
         self.desktop.wait_for_dialog("OpenFile")
-        self.app.keys("F1")  # the window takes no other command meanwhile
         self.desktop.choose("OpenFile", self.input)
         self.wait_for_picture("clip.mp4")
-        self.assertFalse(self.app.shows("Help"))
 
-    def test_an_output_that_may_only_be_read_is_reported(self):
-        older = self.older_file()
+    def test_a_folder_that_may_only_be_read_is_reported(self):
+        folder = self.session.home / "closed"
+        output = videos.make_video(folder / "out.mp4", seconds=1)
+        older = videos.digest(output)
+        folder.chmod(0o555)
+        self.addCleanup(folder.chmod, 0o755)
         self.open_and_turn()
-        self.app.keys("ctrl+s")
-        self.output.chmod(0o444)
-        self.desktop.choose("SaveFile", self.output, writable=False)
-        self.app.press("Fix Flag")
+        self.save(output)
         self.app.dismiss(FAILURE)
-        self.assertEqual(videos.digest(self.output), older)
+        self.assertEqual(videos.digest(output), older)
+        self.assertEqual(self.files_in(folder), [output])
 
     # The sandbox
 
@@ -339,7 +334,7 @@ class SandboxTest(unittest.TestCase):
         self.assertRegex(output, "file rules: version [1-9]")
 
     def test_the_app_has_the_permissions_of_the_manifest(self):
-        self.assertNotIn("filesystems", self.session.run_in_sandbox("cat", "/.flatpak-info"))
+        self.assertNotRegex(self.session.run_in_sandbox("cat", "/.flatpak-info"), "filesystems=.")
         self.assertIn("No such file", self.session.run_in_sandbox("cat", str(self.input), check=False))
         self.assertNotIn("Videos", self.session.run_in_sandbox("ls", "-a", str(self.session.home), check=False))
 

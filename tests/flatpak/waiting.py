@@ -3,7 +3,7 @@
 
 import time
 
-LONGEST_WAIT = 30  # seconds
+LONGEST_WAIT = 60  # seconds
 
 
 def wait_until(condition, awaited):

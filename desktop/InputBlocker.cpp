@@ -12,7 +12,9 @@ namespace
 
 int activeBlockers = 0;
 
-bool isInput(QEvent::Type type)
+} // namespace
+
+bool InputBlocker::isInput(QEvent::Type type)
 {
     switch (type) {
     case QEvent::Close:
@@ -43,8 +45,6 @@ bool isInput(QEvent::Type type)
         return false;
     }
 }
-
-} // namespace
 
 InputBlocker::InputBlocker()
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QEvent>
 #include <QObject>
 
 namespace tarnwell
@@ -16,6 +17,9 @@ class InputBlocker : public QObject
 public:
     InputBlocker();
     ~InputBlocker() override;
+
+    /// Whether events of that type are input.
+    static bool isInput(QEvent::Type type);
 
     /// Whether an object of this class exists.
     static bool isActive();

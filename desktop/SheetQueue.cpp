@@ -2,8 +2,9 @@
 #include "desktop/SheetQueue.h"
 
 #include "desktop/InputBlocker.h"
+#include "desktop/X11Activation.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDeadlineTimer>
 #include <QDialog>
 #include <QEvent>
@@ -29,6 +30,20 @@ bool isOnScreen(const QDialog& sheet)
     return sheet.windowHandle() != nullptr && sheet.windowHandle()->isExposed();
 }
 
+/// Whether the user works in this program. Right after a sheet has ended, no window may have the focus.
+bool isProgramActive()
+{
+    return QGuiApplication::applicationState() == Qt::ApplicationActive || hasX11Keyboard();
+}
+
+/// Qt keeps the value for a window that is shown again.
+void setShownWithoutActivating(QDialog& sheet, bool isWithout)
+{
+    sheet.setAttribute(Qt::WA_ShowWithoutActivating, isWithout);
+    if (sheet.windowHandle() != nullptr)
+        sheet.windowHandle()->setProperty("_q_showWithoutActivating", isWithout);
+}
+
 } // namespace
 
 SheetQueue::SheetQueue(QWidget& window)
@@ -46,10 +61,14 @@ void SheetQueue::addActionOfEverySheet(QAction* action)
 // was shown.
 bool SheetQueue::eventFilter(QObject* watched, QEvent* event)
 {
-    if (m_entries.empty() || (event->type() != QEvent::DragEnter && event->type() != QEvent::Drop))
+    if (watched == &m_window && event->type() == QEvent::WindowStateChange)
+        QMetaObject::invokeMethod(this, &SheetQueue::showFirst, Qt::QueuedConnection);
+    if (m_entries.empty())
         return false;
     const auto* target = qobject_cast<QWidget*>(watched);
     if (target == nullptr || target->window() != &m_window)
+        return false;
+    if (event->type() != QEvent::DragEnter && event->type() != QEvent::Drop && !blocksEvent(*event))
         return false;
     event->ignore();
     return true;
@@ -90,8 +109,38 @@ void SheetQueue::waitUntilPainted(QDialog* sheet)
 
 void SheetQueue::showFirst()
 {
-    if (!m_entries.empty() && !m_entries.front().sheet->isVisible())
-        m_entries.front().sheet->open();
+    if (m_entries.empty() || m_entries.front().sheet->isVisible())
+        return;
+    if (m_window.isMinimized()) { // shown when the window is restored
+        QApplication::alert(&m_window);
+        return;
+    }
+    QDialog* sheet = m_entries.front().sheet;
+    const bool isActive = isProgramActive();
+    setShownWithoutActivating(*sheet, !isActive);
+    if (isActive) {
+        sheet->open();
+        return;
+    }
+    // Keys that the user types into another program must not press a button of the sheet, but Qt activates
+    // every modal window that it shows on X11. The event filter does what the modality would do.
+    sheet->setWindowModality(Qt::NonModal);
+    sheet->show();
+    QApplication::alert(sheet);
+}
+
+bool SheetQueue::isFirstShownWithoutModality() const
+{
+    return !m_entries.empty() && m_entries.front().sheet->isVisible() && !m_entries.front().sheet->isModal();
+}
+
+bool SheetQueue::blocksEvent(const QEvent& event)
+{
+    if (!isFirstShownWithoutModality())
+        return false;
+    if (event.type() == QEvent::WindowActivate)
+        m_entries.front().sheet->activateWindow();
+    return event.type() != QEvent::Close && InputBlocker::isInput(event.type());
 }
 
 void SheetQueue::remove(QDialog* sheet, int result)

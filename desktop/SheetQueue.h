@@ -15,7 +15,9 @@ namespace tarnwell
 {
 
 /// The sheets of one window. One is shown at a time; a sheet begun while another is shown appears when the
-/// sheets before it have ended. While the queue is not empty, the window refuses drops. Main thread.
+/// sheets before it have ended. While the queue is not empty, the window refuses drops. A sheet that begins
+/// while the user works in another program is shown without the keyboard focus and requests attention; one of
+/// a minimised window is shown when the window is restored. Main thread.
 class SheetQueue : public QObject
 {
     Q_OBJECT
@@ -53,6 +55,9 @@ private:
     };
 
     void showFirst();
+    bool isFirstShownWithoutModality() const;
+    /// Whether an event of the window or one of its children is dropped for a sheet that is not modal.
+    bool blocksEvent(const QEvent& event);
     void remove(QDialog* sheet, int result);
     void forget(const QDialog* sheet);
     std::deque<Entry>::iterator find(const QDialog* sheet);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/Application.h"
 #include "desktop/ActivationToken.h"
+#include "desktop/ColorScheme.h"
 #include "desktop/EventLoopWait.h"
+#include "desktop/PortalDialogs.h"
 #include "desktop/QuitSignals.h"
 #include "desktop/SingleInstance.h"
 #include "platform/Bundle.h"
@@ -18,7 +20,10 @@ int main(int argc, char* argv[])
     prepareStandardStreams();
     const ActivationToken ownToken = ActivationToken::fromEnvironment();
     QApplication::setDesktopFileName(QStringLiteral("org.tarnwell.Tarnwell"));
+    selectPortalDialogs();
     const QApplication qtApplication(argc, argv);
+    removePortalSelection();
+    const ColorScheme colorScheme;
 
     std::unique_ptr<Application> application;
     SingleInstance instance([&application](const ActivationToken& token, const auto& file) {

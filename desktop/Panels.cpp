@@ -4,6 +4,7 @@
 #include "desktop/OutputPath.h"
 #include "desktop/PathPanel.h"
 #include "desktop/PathText.h"
+#include "desktop/PortalDialogs.h"
 #include "desktop/SheetQueue.h"
 #include "platform/Sandbox.h"
 
@@ -47,7 +48,7 @@ void examineNativeChoice(QWidget& window, SheetQueue& sheets, const QString& pat
 {
     const QFileInfo chosen(path);
     const QString output = withOutputExtension(path);
-    const bool hasPanelAsked = PathPanel::isShownByPortal() && output == path;
+    const bool hasPanelAsked = arePortalDialogsUsed() && output == path;
     const OutputPath state = examineOutputPath(output);
     const bool isGrantMissing
         = Sandbox::isInside() && output != path; // the portal grants the chosen name only

@@ -3,6 +3,7 @@
 
 #include "desktop/OutputPath.h"
 #include "desktop/PathText.h"
+#include "desktop/PortalDialogs.h"
 #include "platform/Sandbox.h"
 
 #include <QDir>
@@ -36,11 +37,6 @@ std::optional<std::string> PathPanel::chosenPath() const
     if (result() != Accepted || files.isEmpty())
         return std::nullopt;
     return pathOfText(files.first());
-}
-
-bool PathPanel::isShownByPortal()
-{
-    return qgetenv("QT_QPA_PLATFORMTHEME") == "xdgdesktopportal" || Sandbox::isInside();
 }
 
 QLineEdit* PathPanel::nameField() const
@@ -98,7 +94,7 @@ SavePanel::SavePanel(QWidget* window, const QString& folder, const QString& name
     setWindowTitle(tr("Save Video"));
     setNameFilter(tr("MPEG-4 video (*.mp4)"));
     // A native dialog would ask about the name without the extension.
-    setOption(DontConfirmOverwrite, !isShownByPortal());
+    setOption(DontConfirmOverwrite, !arePortalDialogsUsed());
     selectFile(Sandbox::isInside() ? withOutputExtension(name) : name);
 }
 

@@ -30,9 +30,6 @@ public:
     /// Whether the desktop shows its own dialog. Valid after the panel was shown.
     bool isNative() const { return nameField() == nullptr; }
 
-    /// Whether native dialogs are those of the desktop portal. They always ask before they replace a file.
-    static bool isShownByPortal();
-
     /// The field that the label "File name:" belongs to; null in a native dialog.
     QLineEdit* nameField() const;
 

@@ -31,6 +31,9 @@ public:
     /// The calls so far, introspection left out.
     QList<QDBusMessage> calls() const { return m_object.calls(); }
 
+    /// Sends a signal as the owner of the name.
+    void send(const QDBusMessage& signal) const { QDBusConnection(m_connectionName).send(signal); }
+
     static QDBusMessage emptyReply(const QDBusMessage& call) { return call.createReply(); }
     static QDBusMessage refusal(const QDBusMessage& call);
     static QDBusMessage silence(const QDBusMessage& call);

@@ -209,4 +209,32 @@ TEST_F(NativePanelTest, aMissingFolderIsReportedAndThePanelShownAgain)
     m_program.waitForWindow("Tarnwell");
 }
 
+TEST(PortalDialogsTest, aDesktopWithoutAQtThemeGetsThePortalsDialogs)
+{
+    FakePortal portal;
+    const EnvironmentValue desktop("XDG_CURRENT_DESKTOP", "ubuntu:GNOME");
+    ExternalProgram program;
+    program.waitForWindow("Tarnwell");
+    program.keys("ctrl+o");
+    portal.waitForRequests(1);
+}
+
+TEST(PortalDialogsTest, otherDesktopsKeepTheirOwnDialogs)
+{
+    const FakePortal portal;
+    const EnvironmentValue desktop("XDG_CURRENT_DESKTOP", "LXQt");
+    ExternalProgram program;
+    program.waitForWindow("Tarnwell");
+    program.keysUntilWindow("ctrl+o", "Open Video");
+    EXPECT_EQ(portal.requestCount(), 0);
+}
+
+TEST(PortalDialogsTest, withoutAPortalAnotherDialogIsShown)
+{
+    const EnvironmentValue desktop("XDG_CURRENT_DESKTOP", "GNOME");
+    ExternalProgram program;
+    program.waitForWindow("Tarnwell");
+    program.keysUntilWindow("ctrl+o", "Open Video");
+}
+
 } // namespace tarnwell::test

@@ -11,4 +11,9 @@ namespace tarnwell
 /// `path` is the file's absolute path, raw bytes.
 bool launchApplication(const std::string& name, const std::string& path);
 
+/// Where this program is the default application for the file's type, starts another application for the type
+/// with the file. False if another application is the default, or if none can be started. `ownId` is the id
+/// of the program's desktop entry; `path` is the file's absolute path, raw bytes.
+bool launchOtherThanOwn(const std::string& ownId, const std::string& path);
+
 } // namespace tarnwell

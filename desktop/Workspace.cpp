@@ -9,6 +9,7 @@
 #include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
 #include <QDesktopServices>
+#include <QGuiApplication>
 #include <QUrl>
 #include <QVariantMap>
 
@@ -96,7 +97,10 @@ void activateFileViewerSelecting(const FileURL& file)
 
 void openFileWithApplication(const FileURL& file, const QString& applicationName)
 {
-    if (!launchApplication(applicationName.toStdString(), file.path()))
+    // The default application can be this program, which opens videos too but does not play them.
+    const std::string ownId = QGuiApplication::desktopFileName().toStdString() + ".desktop";
+    if (!launchApplication(applicationName.toStdString(), file.path())
+        && !launchOtherThanOwn(ownId, file.path()))
         QDesktopServices::openUrl(urlOf(file));
 }
 

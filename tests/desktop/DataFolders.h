@@ -39,6 +39,21 @@ public:
         add(systemFolder(), id, keys);
     }
 
+    void addSystemMediaType(const std::string& type, const std::string& pattern) const
+    {
+        const std::string folder = systemFolder() + "/mime";
+        std::filesystem::create_directories(folder);
+        writeFile(folder + "/globs2", "50:" + type + ":" + pattern + "\n");
+    }
+
+    /// The applications for the type, separated by semicolons; the first is the default.
+    void setApplications(const std::string& type, const std::string& ids) const
+    {
+        const std::string line = type + "=" + ids + "\n";
+        writeFile(userFolder() + "/applications/mimeapps.list",
+            "[Default Applications]\n" + line + "[Added Associations]\n" + line);
+    }
+
 private:
     std::string userFolder() const { return m_folder.path() + "user"; }
     std::string systemFolder() const { return m_folder.path() + "system"; }

@@ -201,4 +201,35 @@ TEST_F(OpenWithTest, asksAnApplicationThatTheBusActivatesToOpenTheAddress)
     EXPECT_FALSE(exists(recordPath()));
 }
 
+/// This program and a player are installed for videos.
+class OtherApplicationTest : public OpenWithTest
+{
+protected:
+    OtherApplicationTest()
+    {
+        m_folders.addUserEntry("org.tarnwell.Tarnwell.desktop", "Name=Tarnwell\nExec=true %U\n");
+        m_folders.addUserEntry("other.desktop", "Name=Other\nExec=" + addProgram("other") + " %f\n");
+        m_folders.addSystemMediaType("video/mp4", "*.mp4");
+    }
+};
+
+TEST_F(OtherApplicationTest, isStartedWhereThisProgramIsTheDefaultForVideos)
+{
+    m_folders.setApplications("video/mp4", "org.tarnwell.Tarnwell.desktop;other.desktop;");
+    EXPECT_EQ(open(file()), "");
+    EXPECT_EQ(started(), "other\n" + file() + "\n");
+}
+
+TEST_F(OtherApplicationTest, isNotChosenWhereThisProgramIsNotTheDefault)
+{
+    m_folders.setApplications("video/mp4", "other.desktop;org.tarnwell.Tarnwell.desktop;");
+    EXPECT_EQ(open(file()), FileURL(file()).absoluteString() + "\n");
+}
+
+TEST_F(OtherApplicationTest, isNotNeededWhereThereIsNone)
+{
+    m_folders.setApplications("video/mp4", "org.tarnwell.Tarnwell.desktop;");
+    EXPECT_EQ(open(file()), FileURL(file()).absoluteString() + "\n");
+}
+
 } // namespace tarnwell::test

@@ -16,6 +16,7 @@
 int main(int argc, char* argv[])
 {
     using namespace tarnwell;
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.tarnwell.Tarnwell"));
     const QGuiApplication application(argc, argv);
     const test::UrlCatcher defaultApplication;
     std::string path;

@@ -7,6 +7,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QPalette>
 
 #include <chrono>
@@ -101,7 +102,7 @@ ColorScheme::ColorScheme()
     if (!bus.isConnected())
         return;
     bus.connect(portalName(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"), this,
-        SLOT(settingChanged(QString, QString, QDBusVariant)));
+        SLOT(settingChanged(QDBusMessage)));
     readSetting();
 }
 
@@ -122,10 +123,11 @@ void ColorScheme::readSetting()
     });
 }
 
-void ColorScheme::settingChanged(const QString& group, const QString& key, const QDBusVariant& value)
+void ColorScheme::settingChanged(const QDBusMessage& signal)
 {
-    if (group == settingGroup() && key == settingKey())
-        apply(value.variant().toUInt());
+    const QVariantList arguments = signal.arguments(); // group, key, value
+    if (arguments.size() == 3 && arguments[0] == settingGroup() && arguments[1] == settingKey())
+        apply(arguments[2].value<QDBusVariant>().variant().toUInt());
 }
 
 } // namespace tarnwell

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDBusVariant>
 #include <QObject>
-#include <QString>
+
+class QDBusMessage;
 
 namespace tarnwell
 {
@@ -19,7 +19,7 @@ public:
     ColorScheme();
 
 private Q_SLOTS:
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+    void settingChanged(const QDBusMessage& signal);
 
 private:
     void readSetting();

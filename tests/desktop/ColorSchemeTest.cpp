@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDBusVariant>
 #include <QPalette>
+#include <QWidget>
 
 #include <gtest/gtest.h>
 
@@ -114,11 +115,15 @@ TEST_F(ColorSchemePortalTest, thePaletteOfTheDarkChoiceIsReadable)
 
 TEST_F(ColorSchemePortalTest, aChangeIsFollowedLive)
 {
+    QWidget window;
+    window.show();
     const ColorScheme scheme;
     const QPalette usual = QApplication::palette();
     change(m_portal, QStringLiteral("org.example.other"), preferDark);
     change(m_portal, appearance(), preferDark);
     waitFor("the dark palette", isDark);
+    waitFor("the colours of the window",
+        [&window] { return window.palette().color(QPalette::Window).lightness() < 128; });
     change(m_portal, appearance(), preferLight);
     waitFor("the light palette", [] { return !isDark(); });
     EXPECT_EQ(QApplication::palette(), usual);

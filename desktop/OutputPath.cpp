@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/OutputPath.h"
 
+#include "platform/Sandbox.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
@@ -46,6 +48,9 @@ QMessageBox* makeOutputPathBox(OutputPath state, const QString& path, QWidget& p
     if (state == OutputPath::FolderMissing)
         return makeBox(
             QFileDialog::tr("The folder “%1” does not exist.").arg(file.path()), QMessageBox::Ok, parent);
+    if (state == OutputPath::FolderClosed && Sandbox::isInside()) // the path is the portal's
+        return makeBox(
+            QFileDialog::tr("You cannot save files in the chosen folder."), QMessageBox::Ok, parent);
     if (state == OutputPath::FolderClosed)
         return makeBox(QFileDialog::tr("You cannot save files in the folder “%1”.").arg(file.path()),
             QMessageBox::Ok, parent);

@@ -313,17 +313,23 @@ class SandboxTest(unittest.TestCase):
         self.desktop.choose("OpenFile", self.input)
         self.wait_for_picture("clip.mp4")
 
-    def test_a_folder_that_may_only_be_read_is_reported(self):
+    def test_a_folder_that_may_only_be_read_is_refused(self):
         folder = self.session.home / "closed"
         output = videos.make_video(folder / "out.mp4", seconds=1)
         older = videos.digest(output)
         folder.chmod(0o555)
         self.addCleanup(folder.chmod, 0o755)
         self.open_and_turn()
-        self.save(output)
-        self.app.dismiss(FAILURE)
+        self.app.keys("ctrl+s")
+        self.desktop.choose("SaveFile", output)
+        self.app.wait_for("You cannot save files in the chosen folder.")
+        self.app.press("OK")
+        self.desktop.choose("SaveFile", self.output)
+        self.app.press("Fix Flag")
+        self.app.dismiss(SUCCESS)
         self.assertEqual(videos.digest(output), older)
         self.assertEqual(self.files_in(folder), [output])
+        self.assertTrue(self.output.exists())
 
     # The sandbox
 

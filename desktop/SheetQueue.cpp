@@ -44,6 +44,13 @@ void setShownWithoutActivating(QDialog& sheet, bool isWithout)
         sheet.windowHandle()->setProperty("_q_showWithoutActivating", isWithout);
 }
 
+/// Window managers minimise a sheet with its window. If the sheet ends then, Qt keeps the state and would
+/// show it minimised again: an invisible sheet that blocks its window.
+void clearMinimisedState(QDialog& sheet)
+{
+    sheet.setWindowState(sheet.windowState() & ~Qt::WindowMinimized);
+}
+
 } // namespace
 
 SheetQueue::SheetQueue(QWidget& window)
@@ -118,6 +125,7 @@ void SheetQueue::showFirst()
     QDialog* sheet = m_entries.front().sheet;
     const bool isActive = isProgramActive();
     setShownWithoutActivating(*sheet, !isActive);
+    clearMinimisedState(*sheet);
     if (isActive) {
         sheet->open();
         return;

@@ -98,4 +98,22 @@ TEST_F(SheetActivationTest, aMinimisedWindowStaysSoAndShowsTheSheetWhenItIsResto
     EXPECT_EQ(m_answers, 0);
 }
 
+// Window managers minimise a sheet with its window. If the sheet ends then, xfwm4 leaves it minimised. The
+// test sets this state itself, and reads it at once, because openbox restores a minimised sheet that is
+// activated.
+TEST_F(SheetActivationTest, aSheetThatWasLeftMinimisedIsOnTheScreenWhenItIsShownAgain)
+{
+    Sheet progress(&m_window);
+    progress.resize(300, 200);
+    m_sheets.begin(&progress);
+    waitForKeyboard(progress);
+    m_sheets.end(&progress);
+    waitForKeyboard(m_window);
+    progress.setWindowState(Qt::WindowMinimized);
+    ASSERT_TRUE(progress.isMinimized());
+    m_sheets.begin(&progress);
+    EXPECT_FALSE(progress.isMinimized());
+    waitForKeyboard(progress);
+}
+
 } // namespace tarnwell::test

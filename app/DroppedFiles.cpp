@@ -17,6 +17,7 @@ namespace
 {
 
 constexpr const char* uriListType = "text/uri-list";
+
 QString transferType(const QMimeData& data)
 {
     const bool isListUsed = !Sandbox::isInside() && data.hasFormat(QString::fromLatin1(uriListType));

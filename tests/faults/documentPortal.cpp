@@ -2,12 +2,13 @@
 // An LD_PRELOAD library that makes folders behave like one of the document portal: only the name in
 // TARNWELL_GRANTED is visible to other programs. With TARNWELL_NO_RENAME_FLAGS the file system below has no
 // renameat2 with flags. With TARNWELL_MOUNTS that file is read instead of /proc/self/mountinfo.
+#include "tests/faults/Preloaded.h"
+
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -16,18 +17,6 @@
 
 namespace
 {
-
-template <typename Function>
-Function real(const char* name)
-{
-    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
-}
-
-int failing(int error)
-{
-    errno = error;
-    return -1;
-}
 
 bool isGranted(const char* name)
 {

@@ -3,6 +3,8 @@
 // "FUNCTION N", or "FUNCTION -1". The library creates the file named by TARNWELL_FAILED when the call has
 // failed. Only calls from the program itself and from the C++ library count. With TARNWELL_WAITS_FOR the call
 // waits until the file that this variable names exists, and succeeds.
+#include "tests/faults/Preloaded.h"
+
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
@@ -54,12 +56,6 @@ bool isOwn(const void* caller)
     return std::strncmp(name, "lib", 3) != 0 || std::strncmp(name, "libstdc++", 9) == 0;
 }
 
-template <typename Function>
-Function real(const char* name)
-{
-    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
-}
-
 void recordFailure()
 {
     static const auto openReally = real<int (*)(const char*, int, ...)>("open");
@@ -93,12 +89,6 @@ bool shouldFail(const char* call, const void* caller)
     const bool waits = std::getenv("TARNWELL_WAITS_FOR") != nullptr;
     waitIfRequested("TARNWELL_WAITS_FOR");
     return !waits;
-}
-
-int failing(int error)
-{
-    errno = error;
-    return -1;
 }
 
 /// Whether the name has more bytes than TARNWELL_LONGEST_NAME allows.

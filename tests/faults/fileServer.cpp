@@ -2,11 +2,12 @@
 // An LD_PRELOAD library that makes files with a hidden name behave like those on a GVfs mount of a file
 // server: after the first pread the file accepts neither changes nor another size. fsync is refused. Unnamed
 // files do not exist. With TARNWELL_FULL_SERVER every write to such a file fails because the disk is full.
+#include "tests/faults/Preloaded.h"
+
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <string>
@@ -15,18 +16,6 @@
 
 namespace
 {
-
-template <typename Function>
-Function real(const char* name)
-{
-    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
-}
-
-int failing(int error)
-{
-    errno = error;
-    return -1;
-}
 
 bool isOnServer(int file)
 {

@@ -9,10 +9,12 @@
 #include "tests/support/WindowTest.h"
 
 #include <QGuiApplication>
+#include <QPalette>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QScreen>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -54,6 +56,21 @@ QRect placeOf(const QColor& colour)
     return place;
 }
 
+/// Whether the program's window is on the screen: nothing else has a large area of the window colour.
+bool isWindowShown()
+{
+    constexpr int windowPixels = 100000;
+    const QColor colour = QGuiApplication::palette().color(QPalette::Window);
+    const QImage image = screen().convertToFormat(QImage::Format_RGB32);
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        count += static_cast<int>(
+            std::count_if(line, line + image.width(), [&](QRgb pixel) { return isNear(pixel, colour); }));
+    }
+    return count > windowPixels;
+}
+
 void xdotool(const QStringList& arguments)
 {
     QProcess process;
@@ -92,7 +109,8 @@ protected:
                 QStringLiteral("--idle-time=0")});
         ASSERT_TRUE(waitUntil([&] { return exists(socket); })) << "weston does not start";
         start(m_program, "/bin/tarnwell", {});
-        waitFor("the window", [] { return placeOf(QColor(Qt::black)).isValid(); });
+        // The drag source must come later, or the window would cover it.
+        waitFor("the window", isWindowShown);
         waitForSteadyScreen();
     }
 

@@ -15,21 +15,10 @@
 namespace tarnwell
 {
 
-namespace
-{
-
-// As the menu item Quit does.
-void endUnlessBlocked()
-{
-    if (!InputBlocker::isActive())
-        QCoreApplication::exit();
-}
-
-} // namespace
-
 Application::Application(const ToolContext& tools)
     : m_delegate(std::make_shared<AppDelegate>(m_interface.outlets(), tools, m_mainQueue.queue()))
-    , m_closeRequests(m_interface.window(), endUnlessBlocked)
+    , m_closeRequests(
+          m_interface.window(), required(m_interface.outlets().sheets), &InputBlocker::exitUnlessActive)
 {
     disablePanelSettings();
     m_interface.connectActions(*m_delegate);
@@ -54,8 +43,7 @@ void Application::reopen()
 void Application::open(const std::string& path)
 {
     const auto analyze = [this, path] {
-        const bool isBusy = InputBlocker::isActive() || required(m_interface.outlets().sheets).isBusy();
-        if (!isBusy && isExistingFile(path))
+        if (m_interface.takesActions() && isExistingFile(path))
             m_delegate->analyzeFile(FileURL(path));
     };
     QMetaObject::invokeMethod(m_delegate.get(), analyze, Qt::QueuedConnection);
@@ -63,10 +51,8 @@ void Application::open(const std::string& path)
 
 void Application::quit()
 {
-    if (!InputBlocker::isActive()) {
-        QCoreApplication::exit();
+    if (InputBlocker::exitUnlessActive())
         return;
-    }
     m_delegate->removeStillFolder();
     std::quick_exit(EXIT_SUCCESS);
 }

@@ -10,7 +10,6 @@
 #include "ui_MainWindow.h"
 #include "ui_ProgressSheet.h"
 
-#include <QCoreApplication>
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
@@ -149,11 +148,7 @@ void Interface::connectActions(AppDelegate& delegate)
     });
     QObject::connect(
         m_help->helpOK, &QPushButton::clicked, &delegate, &AppDelegate::okBTNInsideHelpWindowClicked);
-    // Not QCoreApplication::quit, which closes every window first: the progress sheet refuses to close.
-    QObject::connect(m_main->quitMenuBTN, &QAction::triggered, [] {
-        if (!InputBlocker::isActive())
-            QCoreApplication::exit();
-    });
+    QObject::connect(m_main->quitMenuBTN, &QAction::triggered, &InputBlocker::exitUnlessActive);
 }
 
 } // namespace tarnwell

@@ -37,8 +37,10 @@ public:
     /// delegate disconnects the controls.
     void connectActions(AppDelegate& delegate);
 
-private:
+    /// Whether no sheet is shown or waits, and input is not blocked.
     bool takesActions() const;
+
+private:
     void setUpWindow();
     void setUpSheets();
     void setUpToolBar();

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/CloseRequests.h"
 
+#include "desktop/SheetQueue.h"
 #include "desktop/X11Activation.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QWidget>
 #include <QWindow>
@@ -13,8 +14,9 @@
 namespace tarnwell
 {
 
-CloseRequests::CloseRequests(QWidget& window, std::function<void()> handler)
+CloseRequests::CloseRequests(QWidget& window, const SheetQueue& sheets, std::function<void()> handler)
     : m_window(window)
+    , m_sheets(sheets)
     , m_handler(std::move(handler))
     , m_protocols(x11Atom("WM_PROTOCOLS"))
     , m_deleteWindow(x11Atom("WM_DELETE_WINDOW"))
@@ -28,15 +30,9 @@ CloseRequests::~CloseRequests()
     QCoreApplication::instance()->removeNativeEventFilter(this);
 }
 
-bool CloseRequests::isBlocked() const
-{
-    const QWidget* sheet = QApplication::activeModalWidget();
-    return sheet != nullptr && sheet != &m_window;
-}
-
 bool CloseRequests::eventFilter(QObject* /*watched*/, QEvent* event)
 {
-    if (event->type() != QEvent::Close || !isBlocked())
+    if (event->type() != QEvent::Close || !m_sheets.isBusy())
         return false;
     event->ignore();
     m_handler();
@@ -45,7 +41,7 @@ bool CloseRequests::eventFilter(QObject* /*watched*/, QEvent* event)
 
 bool CloseRequests::nativeEventFilter(const QByteArray& eventType, void* message, qintptr* /*result*/)
 {
-    if (eventType != "xcb_generic_event_t" || m_window.windowHandle() == nullptr || !isBlocked())
+    if (eventType != "xcb_generic_event_t" || m_window.windowHandle() == nullptr || !m_sheets.isBusy())
         return false;
     const auto& event = *static_cast<const xcb_client_message_event_t*>(message);
     constexpr std::uint8_t sentBit = 0x80; // set in events that another client has sent

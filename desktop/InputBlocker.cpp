@@ -62,6 +62,15 @@ bool InputBlocker::isActive()
     return activeBlockers > 0;
 }
 
+bool InputBlocker::exitUnlessActive()
+{
+    if (isActive())
+        return false;
+    // Not QCoreApplication::quit, which closes every window first: the progress sheet refuses to close.
+    QCoreApplication::exit();
+    return true;
+}
+
 bool InputBlocker::eventFilter(QObject* /*watched*/, QEvent* event)
 {
     if (!isInput(event->type()))

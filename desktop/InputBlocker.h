@@ -24,6 +24,9 @@ public:
     /// Whether an object of this class exists.
     static bool isActive();
 
+    /// Ends the program as the menu item Quit does, unless input is dropped. Returns whether it does.
+    static bool exitUnlessActive();
+
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
 

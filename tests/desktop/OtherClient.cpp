@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 #include <memory>
-#include <string_view>
 
 namespace tarnwell::test
 {
@@ -56,17 +55,29 @@ bool OtherClient::hasKeyboard() const
     return reply && reply->focus == m_window;
 }
 
+void OtherClient::requestClose(xcb_window_t window) const
+{
+    askWindowManager("_NET_CLOSE_WINDOW", window, XCB_CURRENT_TIME, sentByPager);
+}
+
 void OtherClient::requestKeyboard()
 {
-    const std::string_view name = "_NET_ACTIVE_WINDOW";
+    askWindowManager("_NET_ACTIVE_WINDOW", m_window, sentByPager, XCB_CURRENT_TIME);
+}
+
+void OtherClient::askWindowManager(
+    std::string_view request, xcb_window_t window, std::uint32_t first, std::uint32_t second) const
+{
     const auto atom = owned(xcb_intern_atom_reply(m_connection,
-        xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
+        xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(request.size()), request.data()),
+        nullptr));
     xcb_client_message_event_t message = {};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
-    message.window = m_window;
+    message.window = window;
     message.type = atom ? atom->atom : xcb_atom_t{XCB_ATOM_NONE};
-    message.data.data32[0] = sentByPager;
+    message.data.data32[0] = first;
+    message.data.data32[1] = second;
     xcb_send_event(m_connection, 0, m_root,
         XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
         reinterpret_cast<const char*>(&message));

@@ -4,6 +4,7 @@
 #include "desktop/AlertDialog.h"
 #include "desktop/Sheet.h"
 #include "desktop/SheetQueue.h"
+#include "tests/desktop/Attention.h"
 #include "tests/desktop/OtherClient.h"
 #include "tests/desktop/ParentWindow.h"
 #include "tests/support/Keyboard.h"
@@ -35,6 +36,11 @@ protected:
         paintEveryWindow();
     }
 
+    static void waitForAttentionRequest(const QWidget& window)
+    {
+        waitFor("the request for attention", [&window] { return demandsAttention(window); });
+    }
+
     static void waitUntilInactive()
     {
         waitFor("the end of the program's activity",
@@ -51,6 +57,7 @@ TEST_F(SheetActivationTest, aSheetOfAnActiveWindowGetsTheKeyboard)
     AlertDialog* alert = beginAlert();
     waitForKeyboard(*alert);
     EXPECT_FALSE(alert->testAttribute(Qt::WA_ShowWithoutActivating));
+    EXPECT_FALSE(demandsAttention(*alert));
 }
 
 TEST_F(SheetActivationTest, aSheetThatBeginsWhileAnotherProgramHasTheKeyboardLeavesItThere)
@@ -59,6 +66,7 @@ TEST_F(SheetActivationTest, aSheetThatBeginsWhileAnotherProgramHasTheKeyboardLea
     waitUntilInactive();
     AlertDialog* alert = beginAlert();
     waitUntilExposed(*alert);
+    waitForAttentionRequest(*alert);
     EXPECT_TRUE(other.hasKeyboard());
     EXPECT_FALSE(alert->isActiveWindow());
     EXPECT_EQ(m_answers, 0);
@@ -88,8 +96,9 @@ TEST_F(SheetActivationTest, aMinimisedWindowStaysSoAndShowsTheSheetWhenItIsResto
     m_window.showMinimized();
     waitFor("the minimised window", [this] { return m_window.isMinimized(); });
     waitUntilInactive();
+    EXPECT_FALSE(demandsAttention(m_window));
     const AlertDialog* alert = beginAlert();
-    QApplication::sync();
+    waitForAttentionRequest(m_window);
     EXPECT_FALSE(alert->isVisible());
     EXPECT_TRUE(m_window.isMinimized());
     EXPECT_TRUE(m_sheets.isBusy());

@@ -67,6 +67,12 @@ Alert failedDropAlert()
         "The desktop did not pass on the dropped file. Please drop it again or open it with File ▸ Open.");
 }
 
+Alert failedOpenAlert()
+{
+    return refusalAlert("Seems like something went wrong!",
+        "The desktop did not pass on a path of the file. Please open it with File ▸ Open.");
+}
+
 Alert failureAlert()
 {
     return warning(savingTitle(), "Seems like something went wrong!", "Contact : " + supportAddress());

@@ -53,6 +53,7 @@ public:
     void openToolBarBTNClicked();
     void fileAddedByDragAndDrop(const Notification& notification);
     void dropFailed();
+    void openFailed();
     void analyzeFile(const FileURL& url);
     QImage extractPosterFrame(const FileProbe& probe);
     /// For the end of the program: an export's threads can keep the controller and its folder alive.

@@ -46,6 +46,11 @@ void AppDelegate::dropFailed()
     failedDropAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
 }
 
+void AppDelegate::openFailed()
+{
+    failedOpenAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
+}
+
 void AppDelegate::analyzeFile(const FileURL& url)
 {
     m_panelFolder.remember(url.path());

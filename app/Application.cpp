@@ -2,6 +2,7 @@
 #include "app/Application.h"
 
 #include "app/AppDelegate.h"
+#include "desktop/FileUri.h"
 #include "desktop/InputBlocker.h"
 #include "desktop/Panels.h"
 #include "platform/FatalError.h"
@@ -40,11 +41,16 @@ void Application::reopen()
     m_delegate->applicationShouldHandleReopen(window.isVisible() && !window.isMinimized());
 }
 
-void Application::open(const std::string& path)
+void Application::open(const std::string& uri)
 {
-    const auto analyze = [this, path] {
-        if (m_interface.takesActions() && isExistingFile(path))
-            m_delegate->analyzeFile(FileURL(path));
+    const auto analyze = [this, uri] {
+        if (!m_interface.takesActions())
+            return;
+        const auto path = localPath(QByteArray::fromStdString(uri));
+        if (!path)
+            m_delegate->openFailed();
+        else if (isExistingFile(*path))
+            m_delegate->analyzeFile(FileURL(*path));
     };
     QMetaObject::invokeMethod(m_delegate.get(), analyze, Qt::QueuedConnection);
 }

@@ -28,10 +28,10 @@ public:
     /// Brings the window forward. Called when the user starts the program again.
     void reopen();
 
-    /// Analyses the file (absolute path, raw bytes) as if it were dropped on the window, after control
-    /// returns to the event loop. Does nothing if a sheet is shown or a tool runs then, or if the path has no
-    /// file.
-    void open(const std::string& path);
+    /// Analyses the file with that URI as if it were dropped on the window, after control returns to the
+    /// event loop. Does nothing if a sheet is shown or a tool runs then, or if the path has no file. Shows an
+    /// alert if the URI has no path on this machine.
+    void open(const std::string& uri);
 
     /// Ends the program as the menu item does. While a tool analyses a file, ends it at once: the analysis,
     /// unlike an export, is of no use to anyone then.

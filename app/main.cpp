@@ -26,13 +26,13 @@ int main(int argc, char* argv[])
     const ColorScheme colorScheme;
 
     std::unique_ptr<Application> application;
-    SingleInstance instance([&application](const ActivationToken& token, const auto& file) {
+    SingleInstance instance([&application](const ActivationToken& token, const auto& uri) {
         if (!application)
             return;
         application->reopen();
         activate(application->interface().window(), token);
-        if (file)
-            application->open(*file);
+        if (uri)
+            application->open(*uri);
     });
     if (instance.claim(ownToken) == SingleInstance::Role::Later)
         return 0;

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/ApplicationLauncher.h"
 
+#include "desktop/GioPointer.h"
+
 #include <gio/gdesktopappinfo.h>
-#include <gio/gio.h>
-#include <memory>
-#include <type_traits>
 
 namespace tarnwell
 {
@@ -12,17 +11,11 @@ namespace tarnwell
 namespace
 {
 
-using Unref = std::integral_constant<decltype(&g_object_unref), g_object_unref>;
-using Free = std::integral_constant<decltype(&g_free), g_free>;
-
-template <typename Object>
-using ObjectPointer = std::unique_ptr<Object, Unref>;
-
 bool isNamed(GAppInfo* application, const std::string& name)
 {
     if (name == g_app_info_get_name(application))
         return true;
-    const std::unique_ptr<char, Free> untranslated(
+    const GlibText untranslated(
         g_desktop_app_info_get_string(G_DESKTOP_APP_INFO(application), G_KEY_FILE_DESKTOP_KEY_NAME));
     return untranslated && name == untranslated.get();
 }
@@ -49,9 +42,9 @@ bool hasId(GAppInfo* application, const std::string& id)
 }
 
 /// From the name of the file, as desktops choose the application.
-std::unique_ptr<char, Free> typeOf(const std::string& path)
+GlibText typeOf(const std::string& path)
 {
-    return std::unique_ptr<char, Free>(g_content_type_guess(path.c_str(), nullptr, 0, nullptr));
+    return GlibText(g_content_type_guess(path.c_str(), nullptr, 0, nullptr));
 }
 
 bool launchWithFile(GAppInfo* application, const std::string& path)

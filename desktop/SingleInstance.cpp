@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/SingleInstance.h"
 
-#include "desktop/FileUri.h"
-
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QVariantMap>
@@ -64,7 +62,7 @@ void SingleInstance::Activate(const QVariantMap& platformData)
 void SingleInstance::Open(const QStringList& uris, const QVariantMap& platformData)
 {
     m_reopen(ActivationToken::fromPlatformData(platformData),
-        uris.isEmpty() ? std::nullopt : localPath(uris.first().toUtf8()));
+        uris.isEmpty() ? std::nullopt : std::optional(uris.first().toStdString()));
 }
 
 void SingleInstance::ActivateAction(

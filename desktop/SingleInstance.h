@@ -23,9 +23,9 @@ class SingleInstance : public QObject
 public:
     enum class Role { First, Later };
 
-    /// Receives the activation token of a later instance or of a file manager, and the path of the file to
-    /// open (absolute, raw bytes), if there is one.
-    using Reopen = std::function<void(const ActivationToken& token, const std::optional<std::string>& file)>;
+    /// Receives the activation token of a later instance or of a file manager, and the URI of the file to
+    /// open, if there is one.
+    using Reopen = std::function<void(const ActivationToken& token, const std::optional<std::string>& uri)>;
 
     /// `reopen` is called at each start of a later instance and for each request to open files. The caller on
     /// the bus waits until it returns.

@@ -13,6 +13,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstring>
+#include <gio/gio.h>
 #include <optional>
 #include <string>
 #include <unistd.h>
@@ -112,7 +114,8 @@ INSTANTIATE_TEST_SUITE_P(refused, AddressTest,
     testing::Values(Address{"ofAnotherMachine", "file://elsewhere.example/tmp/clip.mp4", {}},
         Address{"ofAnotherScheme", "http://localhost/tmp/clip.mp4", {}},
         Address{"ofASecureScheme", "https://example.org/clip.mp4", {}},
-        Address{"ofAFileServer", "smb://server/share/clip.mp4", {}},
+        Address{"ofAFileServerThatIsNotMounted", "smb://server/share/clip.mp4", {}},
+        Address{"ofAFileServerWithAZeroByte", "smb://server/share/%00", {}},
         Address{"withAZeroByte", "file:///tmp/clip.mp4%00.txt", {}},
         Address{"thatIsAZeroByte", "file:///%00", {}}, Address{"withoutScheme", "/tmp/clip.mp4", {}},
         Address{"withARelativePath", "file:clip.mp4", {}}, Address{"withAHostOnly", "file://localhost", {}},
@@ -125,6 +128,20 @@ TEST(DroppedFilesTest, anAddressOnThisMachinesNameIsLocal)
     EXPECT_EQ(
         pathOf("file://" + QSysInfo::machineHostName().toUtf8() + "/tmp/clip.mp4"), Path("/tmp/clip.mp4"));
     EXPECT_EQ(pathOf("file://x" + QSysInfo::machineHostName().toUtf8() + "/tmp/clip.mp4"), Path());
+}
+
+// GIO maps the scheme as it maps those of file servers that GVfs has mounted.
+TEST(DroppedFilesTest, anAddressOnAMountedFileServerHasThePathOfTheMount)
+{
+    const GVfsFileLookupFunc toMount = [](GVfs*, const char* uri, gpointer) {
+        return g_file_new_build_filename("/mount", uri + std::strlen("server://"), nullptr);
+    };
+    ASSERT_TRUE(g_vfs_register_uri_scheme(
+        g_vfs_get_default(), "server", toMount, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(pathOf("server://host/clip.mp4"), Path("/mount/host/clip.mp4"));
+    EXPECT_EQ(pathOf("server://host/clip.mp4%00"), Path());
+    EXPECT_TRUE(g_vfs_unregister_uri_scheme(g_vfs_get_default(), "server"));
+    EXPECT_EQ(pathOf("server://host/clip.mp4"), Path());
 }
 
 TEST(DroppedFilesTest, everyLineIsAnEntryInItsOrder)

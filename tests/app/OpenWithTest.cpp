@@ -21,6 +21,8 @@ protected:
         return folder() + "other.mp4";
     }
 
+    static std::string uriOf(const std::string& path) { return FileURL(path).absoluteString(); }
+
     /// Whether sniffer was called with the path, after the program has handled all requests so far.
     bool wasAnalysed(const std::string& path)
     {
@@ -32,7 +34,7 @@ protected:
 TEST_F(OpenWithProgramTest, theFileIsAnalysedAfterTheRequest)
 {
     start();
-    application().open(otherVideo());
+    application().open(uriOf(otherVideo()));
     EXPECT_FALSE(exists(folder() + "probed")) << "the file manager waits for the answer";
     EXPECT_TRUE(waitUntil([this] { return action("rotateLeftBTN").isEnabled(); }));
     EXPECT_TRUE(wasAnalysed(folder() + "other.mp4"));
@@ -43,11 +45,26 @@ TEST_F(OpenWithProgramTest, aFolderOrAMissingFileIsNotAnalysed)
 {
     start();
     for (const std::string& path : {folder(), folder() + "missing.mp4"}) {
-        application().open(path);
+        application().open(uriOf(path));
         QCoreApplication::sendPostedEvents();
         EXPECT_FALSE(exists(folder() + "probed"));
         EXPECT_FALSE(isAlertShown());
     }
+}
+
+TEST_F(OpenWithProgramTest, aFileWithoutAPathOnThisMachineIsReported)
+{
+    start();
+    openVideo();
+    application().open("sftp://not-mounted.example/other.mp4");
+    AlertDialog* alert = shownAlert();
+    EXPECT_EQ(alert->text(), QStringLiteral("Seems like something went wrong!"));
+    EXPECT_EQ(alert->windowTitle(), QStringLiteral("Opening Video"));
+    application().open("sftp://not-mounted.example/other.mp4");
+    QCoreApplication::sendPostedEvents();
+    answer(alert, "OK");
+    EXPECT_FALSE(isAlertShown()) << "a request under a sheet is not kept";
+    EXPECT_TRUE(action("saveToolBarBTN").isEnabled());
 }
 
 TEST_F(OpenWithProgramTest, noFileIsAnalysedWhileASheetIsShown)
@@ -58,7 +75,7 @@ TEST_F(OpenWithProgramTest, noFileIsAnalysedWhileASheetIsShown)
         SCOPED_TRACE(keys);
         type(QKeySequence(QString::fromLatin1(keys)));
         ASSERT_TRUE(waitUntil([] { return QApplication::activeModalWidget() != nullptr; }));
-        application().open(otherVideo());
+        application().open(uriOf(otherVideo()));
         EXPECT_FALSE(wasAnalysed(folder() + "other.mp4"));
         QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
         waitForKeyboard(window());
@@ -70,8 +87,8 @@ TEST_F(OpenWithProgramTest, aSecondFileIsIgnoredWhileTheFirstIsAnalysed)
     start();
     const std::string first = otherVideo();
     writeFile(folder() + "second.mp4", "bytes");
-    application().open(first);
-    application().open(folder() + "second.mp4");
+    application().open(uriOf(first));
+    application().open(uriOf(folder() + "second.mp4"));
     EXPECT_TRUE(waitUntil([this] { return action("rotateLeftBTN").isEnabled(); }));
     EXPECT_TRUE(wasAnalysed(first));
 }

@@ -61,11 +61,11 @@ protected:
 
     int m_reopens = 0;
     ActivationToken m_token; // of the last one
-    std::optional<std::string> m_file; // of the last one
-    SingleInstance m_instance{[this](const ActivationToken& token, const auto& file) {
+    std::optional<std::string> m_uri; // of the last one
+    SingleInstance m_instance{[this](const ActivationToken& token, const auto& uri) {
         ++m_reopens;
         m_token = token;
-        m_file = file;
+        m_uri = uri;
     }};
 };
 
@@ -105,28 +105,28 @@ TEST_F(SingleInstanceTest, theFirstOneReopensOnActivateAndOpenWithTheToken)
     }
 }
 
-TEST_F(SingleInstanceTest, opensTheFirstFileIfItIsOnThisMachine)
+TEST_F(SingleInstanceTest, passesOnTheUriOfTheFirstFile)
 {
     const std::tuple<const char*, QStringList, std::optional<std::string>> cases[] = {
         {"none", {}, std::nullopt},
-        {"one", {QStringLiteral("file:///a/clip.mp4")}, "/a/clip.mp4"},
-        {"two", {QStringLiteral("file:///a/1.mp4"), QStringLiteral("file:///a/2.mp4")}, "/a/1.mp4"},
-        {"no UTF-8", {QStringLiteral("file:///a%20b/%FF%C3%A4.mp4")}, "/a b/\xff\xc3\xa4.mp4"},
+        {"one", {QStringLiteral("file:///a/clip.mp4")}, "file:///a/clip.mp4"},
+        {"two", {QStringLiteral("file:///a/1.mp4"), QStringLiteral("file:///a/2.mp4")}, "file:///a/1.mp4"},
+        {"no UTF-8", {QStringLiteral("file:///a%20b/%FF%C3%A4.mp4")}, "file:///a%20b/%FF%C3%A4.mp4"},
         {"elsewhere first", {QStringLiteral("sftp://host/1.mp4"), QStringLiteral("file:///2.mp4")},
-            std::nullopt},
+            "sftp://host/1.mp4"},
     };
     ASSERT_EQ(m_instance.claim(), SingleInstance::Role::First);
-    for (const auto& [name, uris, file] : cases) {
+    for (const auto& [name, uris, uri] : cases) {
         SCOPED_TRACE(name);
-        m_file = "of an earlier call";
+        m_uri = "of an earlier call";
         QDBusMessage open = callOf("Open");
         open << uris << QVariantMap();
         EXPECT_EQ(answerTo(open).type(), QDBusMessage::ReplyMessage);
-        EXPECT_EQ(m_file, file);
+        EXPECT_EQ(m_uri, uri);
     }
     EXPECT_EQ(m_reopens, static_cast<int>(std::size(cases)));
     EXPECT_EQ(answerTo(callOf("Activate") << QVariantMap()).type(), QDBusMessage::ReplyMessage);
-    EXPECT_EQ(m_file, std::nullopt);
+    EXPECT_EQ(m_uri, std::nullopt);
 }
 
 TEST_F(SingleInstanceTest, anActionChangesNothing)

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/PortalDialogs.h"
 
+#include "desktop/GioPointer.h"
 #include "platform/Sandbox.h"
 
 #include <QByteArray>
 #include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QLibraryInfo>
+#include <QPluginLoader>
+#include <QStringList>
 
+#include <algorithm>
 #include <chrono>
-#include <gio/gio.h>
-#include <memory>
 
 namespace tarnwell
 {
@@ -23,36 +28,50 @@ constexpr std::chrono::milliseconds longestAnswer(2000);
 
 bool isSelectedHere = false;
 
-struct Unreference {
-    void operator()(GDBusConnection* connection) const { g_object_unref(connection); }
-    void operator()(GVariant* value) const { g_variant_unref(value); }
-};
-
-bool hasThemePlugin(const char* pattern)
+/// The names of the installed theme plugins, in lower case.
+QStringList installedThemes()
 {
-    const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platformthemes"));
-    return !plugins.entryList({QString::fromLatin1(pattern)}, QDir::Files).isEmpty();
+    QStringList names;
+    const QDir folder(QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platformthemes"));
+    for (const QFileInfo& plugin : folder.entryInfoList(QDir::Files)) {
+        const QJsonObject data = QPluginLoader(plugin.filePath()).metaData();
+        const QJsonArray keys
+            = data.value(QStringLiteral("MetaData")).toObject().value(QStringLiteral("Keys")).toArray();
+        for (const auto& key : keys)
+            names.append(key.toString().toLower());
+    }
+    return names;
 }
 
-/// Qt has no theme for GNOME: that for GTK 3 does not follow GNOME's dark style.
-bool hasDesktopNoTheme()
+/// The name by which Qt looks for the theme of a desktop.
+QString themeOf(const QString& desktop)
 {
-    const QList<QByteArray> desktops = qgetenv("XDG_CURRENT_DESKTOP").split(':');
-    return desktops.contains("GNOME")
-        || (desktops.contains("KDE") && !hasThemePlugin("KDEPlasmaPlatformTheme*.so"));
+    static const QStringList gtkDesktops = {QStringLiteral("x-cinnamon"), QStringLiteral("unity"),
+        QStringLiteral("mate"), QStringLiteral("xfce"), QStringLiteral("lxde")};
+    return gtkDesktops.contains(desktop) ? QStringLiteral("gtk3") : desktop;
+}
+
+/// Whether a theme of the desktop is installed. Qt has none for GNOME: that for GTK 3 does not follow GNOME's
+/// dark style.
+bool hasDesktopTheme(const QStringList& installed)
+{
+    const QStringList desktops = QString::fromLocal8Bit(qgetenv("XDG_CURRENT_DESKTOP")).toLower().split(u':');
+    return !desktops.contains(QStringLiteral("gnome"))
+        && std::any_of(desktops.begin(), desktops.end(),
+            [&installed](const QString& desktop) { return installed.contains(themeOf(desktop)); });
 }
 
 bool hasPortalFileDialogs()
 {
-    const std::unique_ptr<GDBusConnection, Unreference> bus(
-        g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    const ObjectPointer<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     if (!bus)
         return false;
-    const std::unique_ptr<GVariant, Unreference> version(
+    const std::unique_ptr<GVariant, void (*)(GVariant*)> version(
         g_dbus_connection_call_sync(bus.get(), "org.freedesktop.portal.Desktop",
             "/org/freedesktop/portal/desktop", "org.freedesktop.DBus.Properties", "Get",
             g_variant_new("(ss)", "org.freedesktop.portal.FileChooser", "version"), G_VARIANT_TYPE("(v)"),
-            G_DBUS_CALL_FLAGS_NONE, static_cast<int>(longestAnswer.count()), nullptr, nullptr));
+            G_DBUS_CALL_FLAGS_NONE, static_cast<int>(longestAnswer.count()), nullptr, nullptr),
+        g_variant_unref);
     return version != nullptr;
 }
 
@@ -60,10 +79,12 @@ bool hasPortalFileDialogs()
 
 void selectPortalDialogs()
 {
-    if (!qEnvironmentVariableIsEmpty(themeVariable) || !hasDesktopNoTheme()
-        || !hasThemePlugin("libqxdgdesktopportal.so") || !hasPortalFileDialogs())
+    if (!qEnvironmentVariableIsEmpty(themeVariable))
         return;
-    isSelectedHere = qputenv(themeVariable, portalTheme);
+    const QStringList installed = installedThemes();
+    if (installed.contains(QLatin1String(portalTheme)) && !hasDesktopTheme(installed)
+        && hasPortalFileDialogs())
+        isSelectedHere = qputenv(themeVariable, portalTheme);
 }
 
 void removePortalSelection()

@@ -4,8 +4,8 @@
 namespace tarnwell
 {
 
-// Qt shows its own file dialog, or GTK 3's without the desktop's dark style, on desktops for which no Qt 6
-// theme is installed. There the desktop portal shows the dialog of the desktop.
+// Qt shows its own file dialog on desktops for which no Qt 6 theme is installed, and on GNOME that of GTK 3,
+// without the desktop's dark style. There the desktop portal shows the dialog of the desktop.
 
 /// Selects the portal's dialogs on such a desktop if the portal offers them. Call it before QApplication is
 /// constructed. Waits at most two seconds for the portal. Does nothing if the user has selected a theme.

@@ -168,7 +168,9 @@ void AppDelegate::showResultAlert(const std::shared_ptr<const FileProbe>& output
             std::filesystem::remove_all(place, ignored);
         return;
     }
-    if (isUnchanged || !outputProbe->isValidMediaFile) {
+    // The probe has read another file if another folder is at the output's path now.
+    const bool isElsewhere = m_outputPlace && !m_outputPlace->isAtOriginalPath();
+    if (isUnchanged || isElsewhere || !outputProbe->isValidMediaFile) {
         failureAlert().beginSheetModal(required(m_outlets.window), required(m_outlets.sheets));
         return;
     }

@@ -20,10 +20,16 @@ public:
 
     const std::string& originalPath() const { return m_originalPath; }
 
+    /// Whether the folder is still the one at the original path, by device and number. True if it could not
+    /// be opened or has no name. An open folder keeps its number, also on file systems without fixed ones.
+    bool isAtOriginalPath() const;
+
     /// A path for this process and while this object exists.
     std::string path() const;
 
 private:
+    std::string originalFolder() const; // ends in "/"; empty for none
+
     std::string m_originalPath;
     int m_folder = -1;
 };

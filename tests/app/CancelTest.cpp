@@ -101,6 +101,33 @@ TEST_F(CancelTest, removesNothingFromAnotherFolderThatTakesThePathOfTheOutputsFo
     }
 }
 
+TEST_F(CancelTest, aVideoInAnotherFolderThatTakesThePathOfTheOutputsFolderIsNoResult)
+{
+    for (const char* swap : {"mv other videos", "ln -s other videos", "cp -a moved videos"}) {
+        SCOPED_TRACE(swap);
+        for (const char* name : {"videos", "moved", "other"})
+            fs::remove_all(folder() + name);
+        fs::create_directory(folder() + "videos");
+        fs::create_directory(folder() + "other");
+        writeFile(folder() + "other/out.mp4", "a video of another user");
+        installScript(std::string("echo video >videos/out.mp4\nmv videos moved\n") + swap + "\n");
+        saveByPanel(folder() + "videos/out.mp4");
+        AlertDialog* alert = shownAlert();
+        EXPECT_EQ(alert->text().toStdString(), failure);
+        finish();
+        waitForKeyboard(window());
+    }
+}
+
+TEST_F(CancelTest, aFolderThatIsMovedAndBackHoldsTheResult)
+{
+    fs::create_directory(folder() + "videos");
+    installScript("mv videos moved\nmv moved videos\necho video >videos/out.mp4\n");
+    saveByPanel(folder() + "videos/out.mp4");
+    EXPECT_EQ(shownAlert()->text().toStdString(), success);
+    finish();
+}
+
 /// With a real video, which plain ffmpeg transcodes.
 class PlainFfmpegTest : public CancelTest
 {

@@ -23,12 +23,28 @@ TEST(HeldPlaceTest, staysInAFolderThatIsRenamed)
     EXPECT_FALSE(exists(folder.path() + "videos/clip.mp4"));
 }
 
+TEST(HeldPlaceTest, knowsWhetherItsFolderIsAtTheOriginalPath)
+{
+    const TemporaryDirectory folder;
+    std::filesystem::create_directory(folder.path() + "videos");
+    const HeldPlace place(folder.path() + "videos/clip.mp4");
+    EXPECT_TRUE(place.isAtOriginalPath());
+    std::filesystem::rename(folder.path() + "videos", folder.path() + "moved");
+    EXPECT_FALSE(place.isAtOriginalPath());
+    std::filesystem::create_directory(folder.path() + "videos");
+    EXPECT_FALSE(place.isAtOriginalPath());
+    std::filesystem::remove(folder.path() + "videos");
+    std::filesystem::create_symlink("moved", folder.path() + "videos");
+    EXPECT_TRUE(place.isAtOriginalPath());
+}
+
 TEST(HeldPlaceTest, isTheOriginalPathWhereNoFolderCanBeOpened)
 {
     for (const std::string path : {"/nowhere/clip.mp4", "clip.mp4", ""}) {
         const HeldPlace place(path);
         EXPECT_EQ(place.path(), path);
         EXPECT_EQ(place.originalPath(), path);
+        EXPECT_TRUE(place.isAtOriginalPath());
     }
 }
 

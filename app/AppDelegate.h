@@ -24,6 +24,7 @@
 namespace tarnwell
 {
 
+class CommitToken;
 class DispatchQueue;
 class FileHandle;
 class FileProbe;
@@ -93,7 +94,7 @@ private:
     ArgumentList fixFlagArguments(const std::string& inputPath, const std::string& outputPath);
     ArgumentList transcodeArguments(const std::string& inputPath, const std::string& outputPath);
     /// Blocks its thread, one per run, until the encoder has exited.
-    void runCreator(const std::string& outputPath, const ArgumentList& arguments);
+    void runCreator(const std::string& outputPath, const ArgumentList& arguments, const CommitToken& token);
     /// Called on the pipe's thread, once per chunk.
     void creatorOutputReceived(FileHandle& fileHandle);
     void updateProgress(double percent);
@@ -124,6 +125,7 @@ private:
     StillFrameExtractor m_stillFrames;
     PanelFolder m_panelFolder;
     std::optional<FileFingerprint> m_inputWhenOpened; // absent before the first analysis
+    std::shared_ptr<CommitToken> m_commitToken; // of the current or last export; null before the first
     std::optional<HeldPlace> m_outputPlace; // absent unless an export runs
     std::optional<FileFingerprint> m_outputBeforeRun; // absent before the first export
     std::unique_ptr<InputBlocker> m_blockerBeforeSheet; // from an export's start until its sheet is shown

@@ -8,6 +8,7 @@
 #include "desktop/Workspace.h"
 #include "export/ExportPlan.h"
 #include "export/Progress.h"
+#include "platform/CommitToken.h"
 #include "platform/Diagnostics.h"
 #include "platform/DispatchQueue.h"
 #include "platform/FatalError.h"
@@ -69,12 +70,15 @@ void AppDelegate::startCreatorRun(const std::string& outputPath, const ArgumentL
     isProcessCancelledByUser = false;
     m_outputPlace.emplace(outputPath);
     m_outputBeforeRun.emplace(m_outputPlace->path());
+    m_commitToken = std::make_shared<CommitToken>();
     m_blockerBeforeSheet = std::make_unique<InputBlocker>();
-    asyncUserInitiated(
-        [self = shared_from_this(), outputPath, arguments] { self->runCreator(outputPath, arguments); });
+    asyncUserInitiated([self = shared_from_this(), outputPath, arguments, token = m_commitToken] {
+        self->runCreator(outputPath, arguments, *token);
+    });
 }
 
-void AppDelegate::runCreator(const std::string& outputPath, const ArgumentList& arguments)
+void AppDelegate::runCreator(
+    const std::string& outputPath, const ArgumentList& arguments, const CommitToken& token)
 {
     const auto self = shared_from_this();
     m_mainQueue->async([self] { self->showProgressSheet(); });
@@ -83,6 +87,7 @@ void AppDelegate::runCreator(const std::string& outputPath, const ArgumentList& 
     creator->setArguments(arguments);
     // Ctrl+C in a terminal ends the application, not the encoder.
     creator->setSession(Process::Session::Own);
+    creator->passDescriptor(CommitToken::variable, token.descriptor());
     const auto standardError = std::make_shared<Pipe>();
     creator->setStandardError(standardError);
     standardError->fileHandleForReading()->setReadabilityHandler(
@@ -143,7 +148,10 @@ void AppDelegate::closeBTNInsideProgressWindowClicked()
 {
     const auto process = globalProcess.load();
     required(process).terminate();
-    isProcessCancelledByUser = true;
+    if (required(m_commitToken).take())
+        isProcessCancelledByUser = true;
+    else // too late: the encoder replaces the older file, which cannot be undone
+        required(m_outlets.progressCancel).setEnabled(false);
 }
 
 std::string AppDelegate::placeOf(const FileProbe& outputProbe) const

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 #include <spawn.h>
+#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -38,6 +39,9 @@ public:
         posix_spawn_file_actions_adddup2(&actions, pipe.writingDescriptor(), stream);
     }
 
+    /// Without this the descriptor would be closed in the child.
+    void inherit(int descriptor) { posix_spawn_file_actions_adddup2(&actions, descriptor, descriptor); }
+
     void startSession() { addFlags(POSIX_SPAWN_SETSID); }
 
     posix_spawn_file_actions_t actions;
@@ -63,13 +67,27 @@ private:
     int m_flags = 0;
 };
 
-std::vector<char*> argumentPointers(std::string& executable, std::vector<std::string>& arguments)
+/// For posix_spawn. The pointers are valid while the texts exist.
+std::vector<char*> pointersTo(std::vector<std::string>& texts)
 {
-    std::vector<char*> pointers = {executable.data()};
-    for (auto& argument : arguments)
-        pointers.push_back(argument.data());
+    std::vector<char*> pointers;
+    for (auto& text : texts)
+        pointers.push_back(text.data());
     pointers.push_back(nullptr);
     return pointers;
+}
+
+/// The environment of this process, with the variable set to `value` or, if that is empty, without it.
+std::vector<std::string> environmentWith(const std::string& variable, const std::string& value)
+{
+    std::vector<std::string> entries;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        if (variable.empty() || !std::string_view(*entry).starts_with(variable + '='))
+            entries.emplace_back(*entry);
+    }
+    if (!value.empty())
+        entries.push_back(variable + '=' + value);
+    return entries;
 }
 
 /// The system refused to create the pipe.
@@ -79,6 +97,12 @@ bool isPipeMissing(const std::shared_ptr<Pipe>& pipe)
 }
 
 } // namespace
+
+void Process::passDescriptor(std::string variable, int descriptor)
+{
+    m_passedVariable = std::move(variable);
+    m_passedDescriptor = descriptor;
+}
 
 std::error_code Process::launch()
 {
@@ -101,10 +125,15 @@ std::error_code Process::spawn()
         plan.redirect(STDERR_FILENO, *m_standardError);
     if (m_session == Session::Own)
         plan.startSession();
-    const auto pointers = argumentPointers(m_executable, m_arguments);
+    if (m_passedDescriptor >= 0)
+        plan.inherit(m_passedDescriptor);
+    std::vector<std::string> words = {m_executable};
+    words.insert(words.end(), m_arguments.begin(), m_arguments.end());
+    std::vector<std::string> environment = environmentWith(
+        m_passedVariable, m_passedDescriptor >= 0 ? std::to_string(m_passedDescriptor) : "");
     const std::lock_guard lock(m_mutex);
-    const int failure = ::posix_spawn(
-        &m_child, m_executable.c_str(), &plan.actions, &plan.attributes, pointers.data(), environ);
+    const int failure = ::posix_spawn(&m_child, m_executable.c_str(), &plan.actions, &plan.attributes,
+        pointersTo(words).data(), pointersTo(environment).data());
     if (failure != 0)
         m_child = 0;
     return {failure, std::generic_category()};

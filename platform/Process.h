@@ -44,6 +44,9 @@ public:
     /// A stream without a pipe is inherited from the application. Standard input is always inherited.
     void setStandardOutput(std::shared_ptr<Pipe> pipe) { m_standardOutput = std::move(pipe); }
     void setStandardError(std::shared_ptr<Pipe> pipe) { m_standardError = std::move(pipe); }
+    /// The child inherits the descriptor under the same number, and finds this number in the environment
+    /// variable. Without a call, or with a descriptor below 0, the child has no such variable.
+    void passDescriptor(std::string variable, int descriptor);
 
     /// Starts the child and closes the application's copies of the pipes' writing ends. Returns the reason if
     /// the child did not start.
@@ -63,6 +66,8 @@ private:
     Session m_session = Session::Shared;
     std::shared_ptr<Pipe> m_standardOutput;
     std::shared_ptr<Pipe> m_standardError;
+    std::string m_passedVariable; // empty for none
+    int m_passedDescriptor = -1;
     std::mutex m_mutex;
     pid_t m_child = 0; // 0 before the launch and after the exit
 };

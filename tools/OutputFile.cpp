@@ -155,6 +155,7 @@ bool OutputFile::moveToPath()
 {
     if (!setName())
         return false;
+    m_isMoved = true;
     // If an older file was replaced, either file can be at the path after a power failure, and a cancel
     // would come too late during this wait.
     if (!m_replacesOlder)
@@ -189,10 +190,14 @@ bool OutputFile::isAtPath() const
         && ::fstat(m_descriptor, &own) == 0 && here.st_size == own.st_size;
 }
 
-void OutputFile::undoMove()
+bool OutputFile::undoMove()
 {
-    if (isAtPath())
+    if (m_isMoved && isAtPath())
         ::unlinkat(m_place.folder(), m_place.name().c_str(), 0);
+    if (hasOlder() && !renameToFreeName(m_place.folder(), m_older, m_place.name()))
+        return false;
+    m_older.clear();
+    return true;
 }
 
 bool OutputFile::deleteOlder()

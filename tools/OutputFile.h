@@ -55,9 +55,9 @@ public:
     /// put aside is replaced in one step and cannot be restored.
     bool moveToPath();
 
-    /// Deletes the file after moveToPath, unless another file has replaced it. A renamed older file does not
-    /// change.
-    void undoMove();
+    /// Deletes the file after moveToPath, unless another file has replaced it, and gives an older file that
+    /// putOlderAside has renamed its name back. False, with the reason in errno, if it keeps the new name.
+    bool undoMove();
 
     /// Whether putOlderAside has renamed an older file.
     bool hasOlder() const { return !m_older.empty(); }
@@ -80,6 +80,7 @@ private:
     std::string m_hidden; // the hidden name; empty if the file has none
     std::string m_older; // the new name of the older file; empty if there is none
     bool m_replacesOlder = false;
+    bool m_isMoved = false;
     int m_descriptor = -1;
     bool m_isTemporary = false; // the hidden file is empty until sync
 };

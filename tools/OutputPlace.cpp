@@ -103,6 +103,7 @@ OutputPlace::OutputPlace(const std::string& path)
     : m_folderPath(folderOf(path))
     , m_name(path.substr(path.rfind('/') + 1))
     , m_folder(::open(m_folderPath.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC))
+    , m_atStart(fingerprint())
 {
 }
 
@@ -121,6 +122,28 @@ bool OutputPlace::hasFile() const
 {
     struct stat status = {};
     return ::fstatat(m_folder, m_name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && !S_ISDIR(status.st_mode);
+}
+
+bool OutputPlace::isUnchanged() const
+{
+    return fingerprint() == m_atStart;
+}
+
+OutputPlace::Fingerprint OutputPlace::fingerprint() const
+{
+    Fingerprint values = {};
+    if (!isOpen())
+        return values; // with the reason in errno
+    auto value = values.begin();
+    for (const int flags : {AT_SYMLINK_NOFOLLOW, 0}) {
+        // FUSE can return attributes from before a rename unless they are requested from the file system.
+        struct statx status = {};
+        ::statx(m_folder, m_name.c_str(), flags | AT_STATX_FORCE_SYNC, STATX_BASIC_STATS, &status);
+        *value++ = static_cast<std::int64_t>(status.stx_size);
+        *value++ = status.stx_mtime.tv_sec;
+        *value++ = status.stx_mtime.tv_nsec;
+    }
+    return values;
 }
 
 bool OutputPlace::holds(int file) const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -28,6 +29,10 @@ public:
     /// Whether a file or a symbolic link, which is not followed, has this name. False for a folder.
     bool hasFile() const;
 
+    /// Whether the same file is here as when this object was created, or still none: whether size and
+    /// modification time are the same, those of a link's target, too. The application compares the same.
+    bool isUnchanged() const;
+
     /// Whether the file here is the open regular file `file`. Their numbers can differ if the file is seen
     /// through two mounts or on a file system without fixed numbers; then equal size, modification time, and
     /// first and last bytes count. A copy with all of these is taken for the file itself.
@@ -44,9 +49,14 @@ public:
     void sync() const;
 
 private:
+    /// Sizes and modification times of the item and, if it is a link, of its target; zeros without a file.
+    using Fingerprint = std::array<std::int64_t, 6>;
+    Fingerprint fingerprint() const;
+
     std::string m_folderPath;
     std::string m_name;
     int m_folder = -1;
+    Fingerprint m_atStart;
 };
 
 /// Whether a file system of this type (statfs) gives a file one number, under whatever name it is opened.

@@ -67,53 +67,47 @@ bool saveOriginal(Job& job, InputFile& input, const OutputFile& output)
     return true;
 }
 
-/// Renames an older file at the output's path, so that it is not mistaken for the result after a failure or a
-/// cancel. Returns the exit status.
-int endWithoutOutput(const InputFile& input, const OutputPlace& place, RunEnd end)
+/// Ends a job without a result. An older file at the output's path stays there if it is unchanged, because
+/// the application neither deletes it then nor takes it for the result. Another file is renamed: one that
+/// another program has written meanwhile, or an older one whose attributes changed when it was renamed and
+/// back. Returns the exit status.
+int endWithoutOutput(const OutputPlace& place, RunEnd end)
 {
-    const bool isOriginal = input.isOpen() && place.holds(input.descriptor());
-    if (place.putAside(isOriginal ? "original" : "previous").empty() && place.hasFile())
-        std::fputs("tarnwell: the older file at the output's path could not be renamed\n", stderr);
+    if (!place.isUnchanged() && place.putAside("previous").empty() && place.hasFile())
+        std::fputs("tarnwell: the file at the output's path could not be renamed\n", stderr);
     return end == RunEnd::Cancelled ? cancelled : failure;
 }
 
-/// Deletes the file that the new one replaces. False after a cancel during the deletion. The caller that has
-/// cancelled deletes the file at the path; therefore the new file is renamed first if the older one is
-/// already deleted.
-bool deleteOlder(OutputFile& output)
+/// Moves the finished file to its path. False on an error, and after a cancel that was in time.
+bool moveToPath(OutputFile& output)
 {
-    const bool isDeleted = output.deleteOlder();
-    if (!isDeleted)
-        std::perror("tarnwell: the older file could not be deleted");
-    if (!isCancelled())
+    if (!output.putOlderAside())
+        return complain("tarnwell: the output could not be moved to its path");
+    if (isCancelled() || (output.replacesOlder() && !commit()))
+        return false;
+    if (!output.moveToPath())
+        return complain("tarnwell: the output could not be moved to its path");
+    if (output.replacesOlder())
         return true;
-    if (isDeleted)
-        output.place().putAside("finished");
-    else
-        output.undoMove();
-    return false;
+    return output.hasOlder() ? commit() : !isCancelled();
 }
 
-/// Moves the finished file to its path. False on an error, and after a cancel that was in time.
+/// Writes the finished file to the disk and moves it to its path. If this fails or is cancelled in time, an
+/// older file is at the path again.
 bool finish(OutputFile& output)
 {
     if (!output.sync([] { return !isCancelled(); }))
         return complain("tarnwell: the output could not be written to the disk");
     if (isCancelled())
         return false;
-    if (!output.putOlderAside())
-        return complain("tarnwell: the output could not be moved to its path");
-    if (isCancelled())
-        return false;
-    if (!output.moveToPath())
-        return complain("tarnwell: the output could not be moved to its path");
-    if (output.replacesOlder())
-        return true; // too late for a cancel: the older file cannot be restored
-    if (isCancelled()) {
-        output.undoMove();
+    if (!moveToPath(output)) {
+        if (!output.undoMove())
+            std::perror("tarnwell: the older file could not be renamed back");
         return false;
     }
-    return !output.hasOlder() || deleteOlder(output);
+    if (output.hasOlder() && !output.deleteOlder())
+        std::perror("tarnwell: the older file could not be deleted");
+    return true;
 }
 
 /// The application decodes the still outside the confinement of ffmpeg: a compromised ffmpeg must not be able
@@ -177,7 +171,7 @@ int makeVideoFile(Job job, InputFile& input, OutputFile& output)
     const RunEnd end = input.isOpen() ? makeVideo(job, input, output) : RunEnd::Failed;
     if (end == RunEnd::Succeeded && finish(output))
         return success;
-    return endWithoutOutput(input, output.place(), isCancelled() ? RunEnd::Cancelled : end);
+    return endWithoutOutput(output.place(), isCancelled() ? RunEnd::Cancelled : end);
 }
 
 /// Users who cannot read the input cannot read a new file.
@@ -213,8 +207,7 @@ int main(int argc, char* argv[])
     OutputFile output = outputFor(*job, input);
     if (!output.isOpen()) {
         std::perror("tarnwell: the output cannot be written");
-        return job->kind == Job::Kind::Still ? failure
-                                             : endWithoutOutput(input, output.place(), RunEnd::Failed);
+        return job->kind == Job::Kind::Still ? failure : endWithoutOutput(output.place(), RunEnd::Failed);
     }
     if (!input.isOpen())
         std::fprintf(stderr, "tarnwell: the input cannot be read: %s\n", input.error().c_str());

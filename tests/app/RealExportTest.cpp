@@ -140,7 +140,7 @@ TEST_F(RealExportTest, nothingStaysInTheTemporaryFolderButTheEmptyFolderOfStills
 }
 
 // A cancel before the encoder handles SIGTERM: see OlderFileTest and CallOrderTest.
-TEST_F(RealExportTest, aCancelDuringTheWorkKeepsTheOlderFileUnderAnotherName)
+TEST_F(RealExportTest, aCancelDuringTheWorkKeepsTheOlderFile)
 {
     const std::string older = "an older video";
     writeFile(output(), older);
@@ -150,8 +150,8 @@ TEST_F(RealExportTest, aCancelDuringTheWorkKeepsTheOlderFileUnderAnotherName)
     QTest::mouseClick(&find<QPushButton>("progressCancel"), Qt::LeftButton);
     ASSERT_TRUE(waitUntil([this] { return !isProgressShown(); }));
     EXPECT_FALSE(isAlertShown());
-    EXPECT_EQ(namesIn(folder()), (std::vector<std::string>{"clip.mp4", "out (previous).mp4"}));
-    EXPECT_EQ(contentsOf(folder() + "out (previous).mp4"), older);
+    EXPECT_EQ(namesIn(folder()), (std::vector<std::string>{"clip.mp4", "out.mp4"}));
+    EXPECT_EQ(contentsOf(output()), older);
 }
 
 } // namespace tarnwell::test

@@ -3,6 +3,7 @@
 #include "tests/support/Files.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <sstream>
 #include <sys/stat.h>
@@ -172,6 +173,30 @@ TEST_F(ProcessTest, theChildHoldsNoEndOfAPipeButItsOwnStream)
     EXPECT_EQ(holders, std::vector<std::string>{"1"});
     writeFile(path("go"), "");
     m_process->waitUntilExit();
+}
+
+TEST_F(ProcessTest, aPassedDescriptorIsOpenInTheChildUnderTheNumberInTheVariable)
+{
+    writeFile(path("passed"), "");
+    const int file = ::open(path("passed").c_str(), O_RDONLY | O_CLOEXEC);
+    ::setenv("TARNWELL_TEST_PASSED", "of an outer process", 1);
+    m_process->passDescriptor("TARNWELL_TEST_PASSED", file);
+    const std::string number = std::to_string(file);
+    m_process->setExecutable("/bin/sh");
+    m_process->setArguments({"-c", "readlink /proc/self/fd/" + number + "; env | grep PASSED="});
+    launch();
+    EXPECT_EQ(printed(), path("passed") + "\nTARNWELL_TEST_PASSED=" + number + "\n");
+    m_process->waitUntilExit();
+    ::unsetenv("TARNWELL_TEST_PASSED");
+    ::close(file);
+}
+
+TEST_F(ProcessTest, aMissingDescriptorIsNotPassed)
+{
+    ::setenv("TARNWELL_TEST_PASSED", "of an outer process", 1);
+    m_process->passDescriptor("TARNWELL_TEST_PASSED", -1);
+    EXPECT_EQ(run("print-file /proc/self/environ").find("TARNWELL_TEST_PASSED"), std::string::npos);
+    ::unsetenv("TARNWELL_TEST_PASSED");
 }
 
 TEST_F(ProcessTest, theChildWorksInTheSameFolderAndEnvironment)

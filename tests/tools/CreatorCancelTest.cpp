@@ -114,7 +114,7 @@ TEST_F(CreatorCancelTest, anFfmpegThatSucceedsAfterTheSignalIsCancelled)
     EXPECT_EQ(otherNames(), Words({"go on"}));
 }
 
-TEST_F(CreatorCancelTest, anOlderFileIsRenamed)
+TEST_F(CreatorCancelTest, anOlderFileStays)
 {
     tools.setFfmpeg("error ready\\n\nhang\n");
     for (const auto& arguments : {fixFlag(), transcode()}) {

@@ -7,11 +7,27 @@
 
 #include <filesystem>
 #include <string>
+#include <sys/stat.h>
 
 namespace tarnwell::test
 {
 
-using CreatorEndingsTest = CreatorTest;
+class CreatorEndingsTest : public CreatorTest
+{
+protected:
+    /// Runs a save that fails after another program has written the text to the output's path.
+    void failWith(const std::string& text)
+    {
+        const std::string goOn = tools.addData("go on", "");
+        std::filesystem::remove(goOn);
+        tools.setFfmpeg("error ready\\n\nwait-for " + goOn + "\nexit 1\n");
+        ToolProcess creator(tools.creator(), transcode());
+        creator.waitForError("ready");
+        writeFile(output(), text);
+        writeFile(goOn, "");
+        EXPECT_EQ(creator.wait(), 1);
+    }
+};
 
 TEST_F(CreatorEndingsTest, successMakesTheOutputAndReplacesAnOlderFile)
 {
@@ -82,17 +98,36 @@ TEST_F(CreatorEndingsTest, anFfmpegThatCannotBeRunIsReported)
     expectOnlyOlderFile();
 }
 
-TEST_F(CreatorEndingsTest, olderFilesAreRenamedOneAfterTheOther)
+TEST_F(CreatorEndingsTest, aFailureDoesNotTouchTheOlderFile)
 {
     tools.setFfmpeg("exit 1\n");
-    for (const char* text : {"first", "second", "third"}) {
-        writeFile(output(), text);
-        EXPECT_EQ(run(fixFlag()), 1);
+    writeFile(output(), "older");
+    struct stat before = {};
+    ASSERT_EQ(::stat(output().c_str(), &before), 0);
+    EXPECT_EQ(run(transcode()), 1);
+    EXPECT_EQ(run(transcode(tools.at("missing.mp4"), output())), 1);
+    struct stat now = {};
+    ASSERT_EQ(::stat(output().c_str(), &now), 0);
+    EXPECT_EQ(now.st_ino, before.st_ino);
+    EXPECT_EQ(now.st_ctim.tv_nsec, before.st_ctim.tv_nsec); // a rename changes it
+    expectOnlyOlderFile();
+}
+
+// The application deletes a file at the output's path after a cancel if it has changed during the run.
+TEST_F(CreatorEndingsTest, aFileThatAnotherProgramHasWrittenMeanwhileIsRenamed)
+{
+    for (const std::string older : {"", "older"}) {
+        for (const char* kept : {"Rotated (previous).mp4", "Rotated (previous 2).mp4"}) {
+            if (!older.empty())
+                writeFile(output(), older);
+            failWith("another");
+            EXPECT_FALSE(exists(output()));
+            EXPECT_EQ(contentsOf(tools.at(kept)), "another");
+        }
+        EXPECT_EQ(otherNames(), Words({"Rotated (previous 2).mp4", "Rotated (previous).mp4"}));
+        for (const auto& name : otherNames())
+            std::filesystem::remove(tools.at(name));
     }
-    EXPECT_EQ(otherNames(),
-        Words({"Rotated (previous 2).mp4", "Rotated (previous 3).mp4", "Rotated (previous).mp4"}));
-    EXPECT_EQ(contentsOf(previousPath()), "first");
-    EXPECT_EQ(contentsOf(tools.at("Rotated (previous 3).mp4")), "third");
 }
 
 TEST_F(CreatorEndingsTest, theOutputIsInvisibleWhileFfmpegWorks)
@@ -142,16 +177,23 @@ TEST_F(CreatorEndingsTest, aFolderThatCannotHoldTheOutputIsReported)
     EXPECT_EQ(otherNames(), Words());
 }
 
-TEST_F(CreatorEndingsTest, anOlderFileIsRenamedEvenIfNoFileCanBeMade)
+TEST_F(CreatorEndingsTest, aLinkIsRenamedIfAnotherProgramHasChangedItsTarget)
+{
+    writeFile(tools.at("target"), "older");
+    std::filesystem::create_symlink(tools.at("target"), output());
+    failWith("another");
+    EXPECT_EQ(otherNames(), Words({"Rotated (previous).mp4", "target"}));
+    EXPECT_TRUE(std::filesystem::is_symlink(previousPath()));
+}
+
+TEST_F(CreatorEndingsTest, anOlderFileStaysIfNoFileCanBeMade)
 {
     setGoodFfmpeg();
     writeFile(output(), "older");
     for (const auto& arguments : {transcode(), fixFlag(), transcode(input(), tools.at("./clip.mp4"))}) {
         EXPECT_EQ(run(arguments, {.refused = {RefusedCall::MakeFiles}}), 1);
-        EXPECT_FALSE(exists(arguments.back()));
     }
-    expectInputAt(originalPath());
-    EXPECT_EQ(contentsOf(previousPath()), "older");
+    expectOnlyOlderFile();
 }
 
 TEST_F(CreatorEndingsTest, aFolderAtTheOutputsPathIsKept)

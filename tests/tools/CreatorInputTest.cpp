@@ -30,8 +30,8 @@ TEST_F(CreatorInputTest, aSymbolicLinkToItIsReplaced)
         tools.setFfmpeg(script);
         std::filesystem::remove(output());
         std::filesystem::create_symlink(input(), output());
-        run(transcode());
-        EXPECT_FALSE(std::filesystem::is_symlink(output()));
+        const int status = run(transcode());
+        EXPECT_EQ(std::filesystem::is_symlink(output()), status != 0);
     }
 }
 

@@ -95,9 +95,9 @@ Words CreatorTest::otherNames() const
 
 void CreatorTest::expectOnlyOlderFile() const
 {
-    EXPECT_EQ(otherNames(), Words({"Rotated (previous).mp4"}));
-    EXPECT_EQ(contentsOf(previousPath()), "older");
-    std::filesystem::remove(previousPath());
+    EXPECT_EQ(otherNames(), Words({"Rotated.mp4"}));
+    EXPECT_EQ(contentsOf(output()), "older");
+    std::filesystem::remove(output());
 }
 
 } // namespace tarnwell::test

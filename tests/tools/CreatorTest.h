@@ -28,7 +28,7 @@ protected:
 
     std::string input() const { return tools.at("clip.mp4"); }
     std::string output() const { return tools.at("Rotated.mp4"); }
-    /// The new path of an older file at the output's path.
+    /// The path of an older file while it is replaced.
     std::string previousPath() const { return tools.at("Rotated (previous).mp4"); }
 
     /// Replaces the content of the input.
@@ -66,7 +66,8 @@ protected:
 
     /// The names in the folder of videos, except that of the input.
     Words otherNames() const;
-    /// Expects the older file, with the content "older", to be the only file besides the input. Deletes it.
+    /// Expects the older file, with the content "older", to be at the output's path and the only file besides
+    /// the input. Deletes it.
     void expectOnlyOlderFile() const;
 
     /// Sets the path of the input after the test, for tests in which creator renames it.

@@ -94,6 +94,24 @@ TEST_F(FileServerTest, aCancelAfterTheCopyLeavesTheOlderFileOnly)
     }
 }
 
+TEST_F(FileServerTest, aFileOfTheSameSizeThatTakesThePathIsKept)
+{
+    setGoodFfmpeg();
+    writeFile(output(), "older");
+    const std::string goOn = tools.addData("go on", "");
+    std::filesystem::remove(goOn);
+    // The second renameat2 is the one that moves the new file to its path.
+    ToolProcess creator(
+        tools.creator(), transcode(), setup({"TARNWELL_FAILS=renameat2 2", "TARNWELL_WAITS_FOR=" + goOn}));
+    ASSERT_TRUE(waitForFile(goOn + ".waiting"));
+    const std::string another(movie().size(), 'a');
+    writeFile(output(), another);
+    writeFile(goOn, "");
+    EXPECT_EQ(creator.wait(), 1);
+    EXPECT_EQ(contentsOf(tools.at("Rotated (previous).mp4")), "older");
+    EXPECT_EQ(contentsOf(tools.at("Rotated (previous 2).mp4")), another);
+}
+
 TEST_F(FileServerTest, noFolderForATemporaryFileIsAFailure)
 {
     setGoodFfmpeg();

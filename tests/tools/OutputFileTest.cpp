@@ -166,16 +166,29 @@ TEST_F(OutputFileTest, anOlderFileIsPutAsideUntilItIsDeleted)
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
 }
 
-TEST_F(OutputFileTest, anUndoneMoveLeavesTheOlderFilePutAside)
+TEST_F(OutputFileTest, anUndoneMoveGivesTheOlderFileItsNameBack)
 {
     writeFile(at("out.mp4"), "older");
     {
         OutputFile file(at("out.mp4"));
         write(file, "newer");
         EXPECT_TRUE(file.sync() && file.putOlderAside() && file.moveToPath());
-        file.undoMove();
+        EXPECT_TRUE(file.undoMove());
     }
-    EXPECT_EQ(namesIn(folder()), Names({"out (previous).mp4"}));
+    EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
+    EXPECT_EQ(contentsOf(at("out.mp4")), "older");
+}
+
+TEST_F(OutputFileTest, anUndoneMoveReplacesNoOtherFileByTheOlderOne)
+{
+    writeFile(at("out.mp4"), "older");
+    OutputFile file(at("out.mp4"));
+    write(file, "newer");
+    EXPECT_TRUE(file.sync() && file.putOlderAside());
+    writeFile(at("out.mp4"), "of another program");
+    EXPECT_FALSE(file.moveToPath());
+    EXPECT_FALSE(file.undoMove());
+    EXPECT_EQ(contentsOf(at("out.mp4")), "of another program");
     EXPECT_EQ(contentsOf(at("out (previous).mp4")), "older");
 }
 
@@ -184,7 +197,7 @@ TEST_F(OutputFileTest, anUndoneMoveLeavesNothingWithoutAnOlderFile)
     OutputFile file(at("out.mp4"));
     write(file, "newer");
     EXPECT_TRUE(finish(file));
-    file.undoMove();
+    EXPECT_TRUE(file.undoMove());
     EXPECT_EQ(namesIn(folder()), Names());
 }
 
@@ -195,7 +208,7 @@ TEST_F(OutputFileTest, anUndoneMoveKeepsAFileThatHasReplacedThisOne)
     EXPECT_TRUE(finish(file));
     writeFile(at("another"), "newer");
     std::filesystem::rename(at("another"), at("out.mp4"));
-    file.undoMove();
+    EXPECT_TRUE(file.undoMove());
     EXPECT_EQ(namesIn(folder()), Names({"out.mp4"}));
 }
 

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+// Cancels at the end of a save by the real encoder, which waits in a system call
+// (tests/faults/failingCalls.cpp).
+#include "app/AppDelegate.h"
+#include "tests/support/Files.h"
+#include "tests/support/Folders.h"
+#include "tests/support/Samples.h"
+#include "tests/support/WindowTest.h"
+
+#include <QPushButton>
+#include <QTest>
+#include <QThread>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tarnwell::test
+{
+
+namespace
+{
+
+using Names = std::vector<std::string>;
+
+bool hasChildren()
+{
+    for (const auto& thread : namesIn("/proc/self/task")) {
+        if (!contentsOf("/proc/self/task/" + thread + "/children").empty())
+            return true;
+    }
+    return false;
+}
+
+/// Does not return to the event loop, in which the window handles the end of the encoder.
+bool waitWithoutEvents(const std::function<bool()>& condition)
+{
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (!condition() && std::chrono::steady_clock::now() < limit)
+        QThread::msleep(1);
+    return condition();
+}
+
+} // namespace
+
+class LateCancelTest : public WindowTest
+{
+protected:
+    void SetUp() override
+    {
+        makeSampleVideo(folder() + "clip.mp4", {.codec = "mpeg4"}); // no choice of a mode
+        start();
+        ASSERT_TRUE(drop(folder() + "clip.mp4"));
+        waitForKeyboard(window());
+    }
+
+    void TearDown() override
+    {
+        for (const char* variable : {"LD_PRELOAD", "TARNWELL_FAILS", "TARNWELL_WAITS_FOR"})
+            ::unsetenv(variable);
+    }
+
+    /// Saves over an older file. The encoder waits in this call ("FUNCTION N") until `goOn`.
+    void saveWithPause(const char* call)
+    {
+        ::setenv("LD_PRELOAD", TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so", 1);
+        ::setenv("TARNWELL_FAILS", call, 1);
+        ::setenv("TARNWELL_WAITS_FOR", m_end.c_str(), 1);
+        std::filesystem::remove(m_end);
+        std::filesystem::remove(m_end + ".waiting");
+        saveOverOlder();
+        ASSERT_TRUE(waitUntil([this] { return exists(m_end + ".waiting"); })) << call;
+    }
+
+    void saveOverOlder()
+    {
+        writeFile(output(), older);
+        saveByPanel(output());
+        answerReplaceQuestion("&Yes");
+    }
+
+    void goOn() { writeFile(m_end, ""); }
+
+    QPushButton& cancelButton() { return find<QPushButton>("progressCancel"); }
+
+    void cancel() { QTest::mouseClick(&cancelButton(), Qt::LeftButton); }
+
+    /// Cancels after the encoder has ended, before the window handles its end.
+    void cancelAfterTheEnd()
+    {
+        ASSERT_TRUE(waitUntil([this] { return isProgressShown() && cancelButton().isEnabled(); }));
+        ASSERT_TRUE(waitWithoutEvents([] { return !hasChildren(); }));
+        delegate().closeBTNInsideProgressWindowClicked();
+    }
+
+    void expectSuccess()
+    {
+        ASSERT_TRUE(waitUntil([this] { return isAlertShown() && !isProgressShown(); }));
+        AlertDialog* alert = shownAlert();
+        EXPECT_EQ(alert->text(), QStringLiteral("Video Processed Successfully!"));
+        answer(alert, "OK");
+        EXPECT_FALSE(decodedFrame(output(), 0).isNull());
+        EXPECT_EQ(namesIn(folder()), Names({"clip.mp4", "out.mp4"}));
+    }
+
+    void expectNoAlert()
+    {
+        ASSERT_TRUE(waitUntil([this] { return !isProgressShown(); }));
+        EXPECT_FALSE(isAlertShown());
+    }
+
+    std::string output() const { return folder() + "out.mp4"; }
+
+    const std::string older = "an older video";
+
+private:
+    TemporaryDirectory m_data;
+    std::string m_end = m_data.path() + "go on";
+};
+
+TEST_F(LateCancelTest, duringTheDeletionOfTheOlderFileHasNoEffect)
+{
+    saveWithPause("unlinkat 1");
+    cancel();
+    EXPECT_FALSE(cancelButton().isEnabled());
+    cancel();
+    goOn();
+    expectSuccess();
+}
+
+TEST_F(LateCancelTest, beforeTheOlderFileIsDeletedKeepsIt)
+{
+    for (const char* call : {"fsync 1", "renameat2 1", "linkat 1", "fsync 2"}) {
+        SCOPED_TRACE(call);
+        saveWithPause(call);
+        cancel();
+        goOn();
+        expectNoAlert();
+        EXPECT_EQ(contentsOf(output()), older);
+        EXPECT_EQ(namesIn(folder()), Names({"clip.mp4", "out.mp4"}));
+        waitForKeyboard(window());
+    }
+}
+
+TEST_F(LateCancelTest, afterTheEndOfTheEncoderDoesNotDeleteAFileThatHasReplacedAnother)
+{
+    saveOverOlder();
+    cancelAfterTheEnd();
+    expectSuccess();
+}
+
+TEST_F(LateCancelTest, afterTheEndOfTheEncoderDeletesAFileThatReplacesNone)
+{
+    saveByPanel(output());
+    cancelAfterTheEnd();
+    expectNoAlert();
+    EXPECT_EQ(namesIn(folder()), Names({"clip.mp4"}));
+}
+
+} // namespace tarnwell::test

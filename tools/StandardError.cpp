@@ -3,13 +3,20 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <poll.h>
 #include <unistd.h>
 
 namespace
 {
 
+using Clock = std::chrono::steady_clock;
+
 bool isRead = true; // false after a dropped line
+std::string lastStatusLine; // empty before the first one
+Clock::time_point lastStatusTime;
+
+const std::string statusMark = "time=";
 
 bool waitUntilWritable(int stopDescriptor)
 {
@@ -26,9 +33,20 @@ void writeErrorLines(const std::string& lines, int stopDescriptor)
 {
     for (std::size_t begin = 0; begin < lines.size();) {
         const auto end = std::min(lines.find('\n', begin), lines.size() - 1) + 1;
+        if (lines.compare(begin, statusMark.size(), statusMark) == 0) {
+            lastStatusLine = lines.substr(begin, end - begin);
+            lastStatusTime = Clock::now();
+        }
         if (waitUntilWritable(stopDescriptor)) {
             [[maybe_unused]] const auto written = ::write(STDERR_FILENO, lines.data() + begin, end - begin);
         }
         begin = end;
     }
+}
+
+void repeatStatusLine(int stopDescriptor)
+{
+    constexpr std::chrono::milliseconds longestSilence(450);
+    if (!lastStatusLine.empty() && Clock::now() - lastStatusTime >= longestSilence)
+        writeErrorLines(std::string(lastStatusLine), stopDescriptor);
 }

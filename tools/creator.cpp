@@ -15,6 +15,7 @@
 #include "tools/Placeholder.h"
 #include "tools/Report.h"
 #include "tools/Rotation.h"
+#include "tools/StandardError.h"
 #include "tools/TrackMatrix.h"
 
 #include <csignal>
@@ -96,7 +97,11 @@ bool moveToPath(OutputFile& output)
 /// older file is at the path again.
 bool finish(OutputFile& output)
 {
-    if (!output.sync([] { return !isCancelled(); }))
+    const auto mayContinue = [] {
+        repeatStatusLine(cancelDescriptor());
+        return !isCancelled();
+    };
+    if (!output.sync(mayContinue))
         return complain("tarnwell: the output could not be written to the disk");
     if (isCancelled())
         return false;

@@ -2,6 +2,7 @@
 // An LD_PRELOAD library that makes files with a hidden name behave like those on a GVfs mount of a file
 // server: after the first pread the file accepts neither changes nor another size. fsync is refused. Unnamed
 // files do not exist. With TARNWELL_FULL_SERVER every write to such a file fails because the disk is full.
+// With TARNWELL_SLOW_SERVER every write takes at least half a second.
 #include "tests/faults/Preloaded.h"
 
 #include <cerrno>
@@ -35,6 +36,13 @@ bool refusesChanges(int file)
 bool isFull(int file)
 {
     return std::getenv("TARNWELL_FULL_SERVER") != nullptr && isOnServer(file);
+}
+
+void waitIfSlow(int file)
+{
+    constexpr useconds_t halfASecond = 500000;
+    if (std::getenv("TARNWELL_SLOW_SERVER") != nullptr && isOnServer(file))
+        ::usleep(halfASecond);
 }
 
 bool isUnnamed(int flags)
@@ -96,6 +104,7 @@ ssize_t write(int file, const void* bytes, size_t count)
 {
     if (isFull(file))
         return failing(ENOSPC);
+    waitIfSlow(file);
     static const auto really = real<decltype(&::write)>("write");
     return really(file, bytes, count);
 }

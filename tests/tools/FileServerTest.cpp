@@ -7,12 +7,16 @@
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MovieBytes.h"
 #include "tests/tools/RefusedCall.h"
+#include "tests/tools/SmallDisk.h"
 #include "tools/TemporaryFile.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace tarnwell::test
@@ -55,6 +59,17 @@ TEST_F(FileServerTest, aByteCopyIsFinishedInATemporaryFile)
     EXPECT_EQ(contentsOf(output()).size(), contentsOf(input()).size());
     EXPECT_TRUE(contentsOf(output()).substr(1 << 20) == contentsOf(input()).substr(1 << 20));
     expectNoTemporaryFile();
+}
+
+TEST_F(FileServerTest, statusLinesAreRepeatedDuringTheCopyToTheServer)
+{
+    constexpr std::size_t pieces = 3; // of 1 MiB, for each of which the slow server needs half a second
+    setInput(movieOf(pieces << 20));
+    EXPECT_EQ(run(fixFlag(), setup({"TARNWELL_SLOW_SERVER=1"})), 0) << lastRun().errorText();
+    const auto& lines = lastRun().errors();
+    ASSERT_GT(lines.size(), pieces);
+    EXPECT_TRUE(lines.back().starts_with("time=")) << lines.back();
+    EXPECT_GE(std::count(lines.begin(), lines.end(), lines.back()), std::ptrdiff_t(pieces));
 }
 
 TEST_F(FileServerTest, theOlderFileIsReplacedInTheUsualSteps)
@@ -112,13 +127,13 @@ TEST_F(FileServerTest, aFileOfTheSameSizeThatTakesThePathIsKept)
     EXPECT_EQ(contentsOf(tools.at("Rotated (previous 2).mp4")), another);
 }
 
-TEST_F(FileServerTest, noFolderForATemporaryFileIsAFailure)
+TEST_F(FileServerTest, aFolderThatCannotHoldTheTemporaryFileIsNotUsed)
 {
     setGoodFfmpeg();
-    writeFile(output(), "older");
-    EXPECT_EQ(run(transcode(), setup({"TMPDIR=/nowhere"})), 1);
-    expectError("tarnwell: the output cannot be written: No such file or directory\n");
-    expectOnlyOlderFile();
+    for (const char* folder : {"TMPDIR=/nowhere", "TMPDIR=/proc", "TMPDIR="}) {
+        EXPECT_EQ(run(transcode(), setup({folder})), 0) << folder << ": " << lastRun().errorText();
+        EXPECT_TRUE(contentsOf(output()) == movie());
+    }
 }
 
 class TemporaryFileTest : public testing::Test
@@ -138,6 +153,14 @@ protected:
         return isHere && namesIn(m_folder.path()).empty();
     }
 
+    static bool isInFolderOfSystem(int file)
+    {
+        const std::string path
+            = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file)).string();
+        const std::string folder = path.substr(0, path.rfind('/'));
+        return folder == "/tmp" || folder == "/var/tmp";
+    }
+
 private:
     TemporaryDirectory m_folder;
 };
@@ -152,10 +175,26 @@ TEST_F(TemporaryFileTest, isInAFolderOfTheSystemWithoutTmpdir)
 {
     EXPECT_TRUE(holdsInChild([] {
         ::unsetenv("TMPDIR");
-        const int file = createTemporaryFile();
-        const std::string path
-            = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file)).string();
-        return path.starts_with("/tmp/") || path.starts_with("/var/tmp/");
+        return isInFolderOfSystem(createTemporaryFile());
+    }));
+}
+
+TEST_F(TemporaryFileTest, isNotInAFullFolder)
+{
+    const TemporaryDirectory folder;
+    const SmallDisk disk(folder.path(), 1024);
+    ASSERT_TRUE(disk.isThere()) << "this user may not mount anything";
+    EXPECT_TRUE(holdsInChild([&folder] {
+        ::setenv("TMPDIR", folder.path().c_str(), 1);
+        return isInFolderOfSystem(createTemporaryFile());
+    }));
+}
+
+TEST_F(TemporaryFileTest, isMissingIfNoFolderCanHoldIt)
+{
+    EXPECT_TRUE(holdsInChild([] {
+        const rlimit none = {};
+        return ::setrlimit(RLIMIT_NOFILE, &none) == 0 && createTemporaryFile() == -1 && errno == EMFILE;
     }));
 }
 

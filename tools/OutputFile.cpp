@@ -10,31 +10,18 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
 
 constexpr mode_t ownerOnly = 0600;
-constexpr mode_t allPermissions = 0777;
-
-/// Limits the permissions of the group to those of everyone.
-mode_t limitedForAnotherGroup(mode_t mode)
-{
-    const mode_t others = mode & 07U;
-    return mode & ~(070U & ~(others << 3U));
-}
 
 mode_t umaskOfProcess()
 {
     const mode_t mask = ::umask(0);
     ::umask(mask);
     return mask;
-}
-
-bool hasGroup(int file, gid_t group)
-{
-    struct stat status = {};
-    return ::fstat(file, &status) == 0 && status.st_gid == group;
 }
 
 /// Whether the empty file can be read and changed after it has been written to. It is empty afterwards if it
@@ -56,10 +43,9 @@ bool syncData(int file)
 
 } // namespace
 
-OutputFile::OutputFile(const std::string& path, mode_t mode, std::optional<gid_t> group)
+OutputFile::OutputFile(const std::string& path, Permissions permissions)
     : m_place(path)
-    , m_mode(mode)
-    , m_group(group)
+    , m_permissions(std::move(permissions))
 {
     if (!m_place.isOpen())
         return;
@@ -96,24 +82,16 @@ void OutputFile::empty() const
     ::lseek(m_descriptor, 0, SEEK_SET);
 }
 
-/// Ignores errors: file systems without permissions refuse the calls. The file then keeps the permissions for
-/// its owner only, or those of the mount.
 void OutputFile::setPermissions(int file) const
 {
-    struct stat older = {};
-    const bool replaces
-        = ::fstatat(m_place.folder(), m_place.name().c_str(), &older, AT_SYMLINK_NOFOLLOW) == 0
-        && S_ISREG(older.st_mode);
-    mode_t mode = (m_mode & ~umaskOfProcess()) | ownerOnly;
-    std::optional<gid_t> group = m_group;
-    if (replaces) {
-        mode = older.st_mode & allPermissions;
-        group = older.st_gid;
-        [[maybe_unused]] const int result = ::fchown(file, static_cast<uid_t>(-1), older.st_gid);
+    if (const auto older = permissionsOf(m_place.folder(), m_place.name())) {
+        [[maybe_unused]] const int result = ::fchown(file, static_cast<uid_t>(-1), *older->group);
+        ::setPermissions(file, *older);
+        return;
     }
-    if (group && !hasGroup(file, *group))
-        mode = limitedForAnotherGroup(mode);
-    [[maybe_unused]] const int result = ::fchmod(file, mode);
+    Permissions permissions = m_permissions;
+    permissions.mode = (permissions.mode & ~umaskOfProcess()) | ownerOnly;
+    ::setPermissions(file, permissions);
 }
 
 bool OutputFile::sync(const std::function<bool()>& mayContinue) const

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "tools/OutputPlace.h"
+#include "tools/Permissions.h"
 
 #include <functional>
-#include <optional>
 #include <string>
-#include <sys/types.h>
 
 /// An output file that appears at its path complete or not at all. Until it is moved there it has no name or,
 /// on file systems without unnamed files, a hidden name in the same folder (HiddenFiles.h). Until then an
@@ -21,11 +20,9 @@
 class OutputFile
 {
 public:
-    /// A new file has at most the permissions `mode`, minus the umask; its owner can always read and write
-    /// it. If its group is not `group`, the permissions of the group are limited to those of everyone. A file
-    /// that replaces another one gets its permissions and, if possible, its group.
-    explicit OutputFile(
-        const std::string& path, mode_t mode = 0666, std::optional<gid_t> group = std::nullopt);
+    /// A new file has at most these permissions, minus the umask; its owner can always read and write it. A
+    /// file that replaces another one gets its permissions and, if possible, its group.
+    explicit OutputFile(const std::string& path, Permissions permissions = {});
     /// Deletes the file if it has not been moved to its path.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
@@ -75,8 +72,7 @@ private:
     bool isAtPath() const;
 
     OutputPlace m_place;
-    mode_t m_mode;
-    std::optional<gid_t> m_group; // absent if m_mode is valid for any group
+    Permissions m_permissions; // of a new file
     std::string m_hidden; // the hidden name; empty if the file has none
     std::string m_older; // the new name of the older file; empty if there is none
     bool m_replacesOlder = false;

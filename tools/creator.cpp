@@ -12,6 +12,7 @@
 #include "tools/Job.h"
 #include "tools/JpegCheck.h"
 #include "tools/OutputFile.h"
+#include "tools/Permissions.h"
 #include "tools/Placeholder.h"
 #include "tools/Report.h"
 #include "tools/Rotation.h"
@@ -21,7 +22,6 @@
 #include <csignal>
 #include <cstdio>
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -179,16 +179,6 @@ int makeVideoFile(Job job, InputFile& input, OutputFile& output)
     return endWithoutOutput(output.place(), isCancelled() ? RunEnd::Cancelled : end);
 }
 
-/// Users who cannot read the input cannot read a new file.
-OutputFile outputFor(const Job& job, const InputFile& input)
-{
-    constexpr mode_t readableAndWritable = 0666;
-    struct stat status = {};
-    if (!input.isOpen() || ::fstat(input.descriptor(), &status) != 0)
-        return OutputFile(job.output, 0);
-    return OutputFile(job.output, status.st_mode & readableAndWritable, status.st_gid);
-}
-
 } // namespace
 
 int main(int argc, char* argv[])
@@ -209,7 +199,8 @@ int main(int argc, char* argv[])
         return wrongArguments;
     }
     InputFile input(job->input);
-    OutputFile output = outputFor(*job, input);
+    // Users who cannot read the input cannot read a new file.
+    OutputFile output(job->output, permissionsOf(input.descriptor()));
     if (!output.isOpen()) {
         std::perror("tarnwell: the output cannot be written");
         return job->kind == Job::Kind::Still ? failure : endWithoutOutput(output.place(), RunEnd::Failed);

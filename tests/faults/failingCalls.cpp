@@ -20,6 +20,7 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace
@@ -336,6 +337,18 @@ int fstatat64(int folder, const char* path, struct stat64* status, int flags) no
 {
     FAIL_OR_64(fstatat, EACCES);
     return really(folder, path, status, flags);
+}
+
+int fsetxattr(int file, const char* name, const void* value, size_t size, int flags) noexcept
+{
+    FAIL_OR(fsetxattr, EPERM);
+    return really(file, name, value, size, flags);
+}
+
+int fremovexattr(int file, const char* name) noexcept
+{
+    FAIL_OR(fremovexattr, EPERM);
+    return really(file, name);
 }
 
 int fchmod(int file, mode_t mode) noexcept

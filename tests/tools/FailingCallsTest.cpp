@@ -117,7 +117,7 @@ TEST_P(FailingCallsTest, aReportIsWholeOrTheStatusIsNotZero)
 INSTANTIATE_TEST_SUITE_P(Calls, FailingCallsTest,
     testing::Values("pipe2", "fork", "read", "write", "pwrite", "poll", "waitid", "waitpid", "stat", "lstat",
         "fstat", "open", "fsync", "ftruncate", "pread", "lseek", "ioctl", "copy_file_range",
-        "sync_file_range", "linkat", "renameat2", "unlinkat", "openat", "fstatat", "fchmod"),
+        "sync_file_range", "linkat", "renameat2", "unlinkat", "openat", "fstatat", "fchmod", "fremovexattr"),
     [](const auto& call) { return call.param; });
 
 } // namespace tarnwell::test

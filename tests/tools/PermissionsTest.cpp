@@ -38,7 +38,7 @@ void setPermissions(const std::string& path, mode_t mode)
 
 bool save(const std::string& path, mode_t mode)
 {
-    OutputFile file(path, mode);
+    OutputFile file(path, {mode, std::nullopt, {}});
     return file.sync() && file.putOlderAside() && file.moveToPath()
         && (!file.hasOlder() || file.deleteOlder());
 }
@@ -87,12 +87,12 @@ TEST_F(PermissionsTest, aNewFileOfAnotherGroupGivesItNoMoreThanEveryone)
         mode_t expected;
     };
     for (const Row& row : std::vector<Row>{{0640, 0600}, {0660, 0600}, {0664, 0644}, {0666, 0666}}) {
-        OutputFile file(output(), row.mode, ::getegid() + 1);
+        OutputFile file(output(), {row.mode, ::getegid() + 1, {}});
         EXPECT_TRUE(file.sync() && file.putOlderAside() && file.moveToPath());
         EXPECT_EQ(permissionsOf(output()), row.expected) << std::oct << row.mode;
         std::filesystem::remove(output());
     }
-    OutputFile file(output(), 0640, ::getegid());
+    OutputFile file(output(), {0640, ::getegid(), {}});
     EXPECT_TRUE(file.sync() && file.putOlderAside() && file.moveToPath());
     EXPECT_EQ(permissionsOf(output()), 0640U);
     ::umask(usual);

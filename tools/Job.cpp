@@ -125,8 +125,8 @@ std::vector<std::string> ffmpegArguments(const Job& job, const Target& target)
     if (!job.position.empty())
         append(list, {"-ss", job.position});
     append(list, {"-i", asFile(job.input)});
-    if (!job.mayBeCover)
-        append(list, {"-map", "0:V:0"}); // the first video stream that is not a cover
+    if (!job.mayBeCover) // V: video streams that are not covers
+        append(list, {"-map", job.stream ? "0:" + std::to_string(*job.stream) : "0:V:0"});
     append(list, {"-frames:v", "1", "-update", "1", "-vf", squarePixels});
     appendTarget(list, target);
     return list;

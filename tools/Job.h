@@ -13,6 +13,7 @@ struct Job {
     std::string input;
     std::string output;
     std::string position; // still: seconds, in ffmpeg's notation; empty for the first frame
+    std::optional<int> stream; // still: index of the video stream; else the first one that is no cover
     bool mayBeCover = false; // still: ffmpeg chooses among all video streams, including covers
     double rotation = 0; // flag: degrees counterclockwise relative to the coded picture
     std::string filters; // transcode; empty for none

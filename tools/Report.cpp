@@ -195,6 +195,7 @@ MediaStream streamOf(const Json& stream)
     result.channelLayout = textOf(stream, "channel_layout");
     if (result.channelLayout == "unknown")
         result.channelLayout.clear();
+    result.isAttachedPicture = isAttachedPicture(stream);
     const auto disposition = stream.find("disposition");
     result.isDefault
         = disposition != stream.end() && disposition->is_object() && integerOf(*disposition, "default") == 1;

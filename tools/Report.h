@@ -40,6 +40,7 @@ struct MediaStream {
     int channels = 0;
     std::string channelLayout; // empty if unknown
     bool isDefault = false;
+    bool isAttachedPicture = false; // a cover or the pictures of chapters
 };
 
 /// The streams and tags of an input. Members are empty if the report lacks them.

@@ -19,8 +19,10 @@
 #include "tools/StandardError.h"
 #include "tools/TrackMatrix.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -123,14 +125,34 @@ bool isPicture(RunEnd end, const OutputFile& output)
     return (end == RunEnd::Succeeded || end == RunEnd::InputFailed) && isPlainJpeg(output.descriptor());
 }
 
+/// The index of the main video stream; empty if this is the first one that is no cover, which a still shows
+/// without an index.
+std::optional<int> otherMainStream(const MediaFacts& facts)
+{
+    const auto first
+        = std::find_if(facts.streams.begin(), facts.streams.end(), [](const MediaStream& stream) {
+              return stream.kind == MediaStream::Kind::Video && !stream.isAttachedPicture;
+          });
+    if (!facts.mainVideo || first == facts.streams.end() || first->index == facts.mainVideo->index)
+        return std::nullopt;
+    return facts.mainVideo->index;
+}
+
 /// The frame at the given position, else the first frame that decodes, else a cover. False if there is none.
-bool decodeStill(Job job, const InputFile& input, const OutputFile& output)
+/// The first video stream has no frame at the position if it is a single picture: then the report decides
+/// which stream is shown, as for saves. Sets `facts` in this case only, because a report takes time.
+bool decodeStill(Job job, const InputFile& input, const OutputFile& output, MediaFacts& facts)
 {
     if (isPicture(runStill(job, input, output), output))
+        return true;
+    facts = readMediaFacts(job.input, input);
+    job.stream = otherMainStream(facts);
+    if (job.stream && isPicture(runStill(job, input, output), output))
         return true;
     job.position.clear();
     if (isPicture(runStill(job, input, output), output))
         return true;
+    job.stream.reset();
     job.mayBeCover = true;
     return isPicture(runStill(job, input, output), output);
 }
@@ -140,10 +162,10 @@ int makeStill(Job job, InputFile& input, OutputFile& output)
 {
     if (!saveOriginal(job, input, output))
         return failure;
-    bool isMade = input.isOpen() && decodeStill(job, input, output);
+    MediaFacts facts;
+    bool isMade = input.isOpen() && decodeStill(job, input, output, facts);
     if (!isMade && !isCancelled())
-        isMade = writePlaceholder(
-            input.isOpen() ? readMediaFacts(job.input, input).video : VideoFacts(), output);
+        isMade = writePlaceholder(facts.video, output);
     if (isCancelled())
         return cancelled;
     return isMade && finish(output) ? success : failure;

@@ -41,6 +41,19 @@ struct TwoVideosRow {
     const char* extension; // MP4 is copied byte by byte; ffmpeg copies the streams of a MOV file
 };
 
+/// Copies a Matroska file and makes the element DefaultDuration of its first track an element Void.
+void removeFirstFrameRate(const std::string& from, const std::string& to)
+{
+    using namespace std::string_literals;
+    const std::string defaultDuration = "\x23\xE3\x83\x84"; // with a size of 4 bytes
+    const std::string voidOfSameSize = "\xEC\x86\0\0\0\0\0\0"s;
+    std::string bytes = contentsOf(from);
+    const auto place = bytes.find(defaultDuration);
+    ASSERT_NE(place, std::string::npos);
+    bytes.replace(place, voidOfSameSize.size(), voidOfSameSize);
+    writeFile(to, bytes);
+}
+
 void PrintTo(const TwoVideosRow& row, std::ostream* stream)
 {
     *stream << row.name << " in " << row.extension;
@@ -131,6 +144,37 @@ TEST_P(TwoVideosTest, everySaveMeansTheTrackOfTheStill)
                       "-y", at("encoded.mp4")}),
         0);
     expectPicture(stillOf(at("encoded.mp4")), shown.transposed());
+}
+
+// The first stream is a single picture without a frame rate that is not marked as a cover.
+TEST(PictureAndFilmTest, everySaveMeansTheFilm)
+{
+    const TemporaryDirectory folder;
+    const auto at = [&folder](const std::string& name) { return folder.path() + name; };
+    ASSERT_EQ(
+        runTool(ffmpeg,
+            {"-v", "error", "-nostdin", "-f", "lavfi", "-i", "color=blue:rate=10:duration=0.1:size=160x90",
+                "-f", "lavfi", "-i", "color=red:rate=10:duration=2:size=320x240", "-map", "0:v", "-map",
+                "1:v", "-pix_fmt", "yuv420p", at("rates.mkv")}),
+        0);
+    removeFirstFrameRate(at("rates.mkv"), at("clip.mkv"));
+    const auto expectFilm = [&](const std::string& path) {
+        EXPECT_EQ(runTool(creator,
+                      {"-v", "quiet", "-ss", "1", "-i", path, "-frames:v", "1", "-y", at("still.jpg")}),
+            0);
+        EXPECT_EQ(QImage(QString::fromStdString(at("still.jpg"))).size(), QSize(320, 240)) << path;
+    };
+    expectFilm(at("clip.mkv"));
+    ASSERT_EQ(runTool(creator,
+                  {"-i", at("clip.mkv"), "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=0", "-y",
+                      at("flag.mp4")}),
+        0);
+    expectFilm(at("flag.mp4"));
+    ASSERT_EQ(runTool(creator,
+                  {"-i", at("clip.mkv"), "-pix_fmt", "yuv420p", "-metadata:s:v", "rotate=0", "-y",
+                      at("encoded.mp4")}),
+        0);
+    expectFilm(at("encoded.mp4"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Orders, TwoVideosTest,

@@ -12,9 +12,12 @@
 #include <QThread>
 
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <iostream>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -24,6 +27,7 @@ namespace tarnwell::test
 namespace
 {
 
+using Clock = std::chrono::steady_clock;
 using Names = std::vector<std::string>;
 
 bool hasChildren()
@@ -38,8 +42,8 @@ bool hasChildren()
 /// Does not return to the event loop, in which the window handles the end of the encoder.
 bool waitWithoutEvents(const std::function<bool()>& condition)
 {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!condition() && std::chrono::steady_clock::now() < limit)
+    const auto limit = Clock::now() + std::chrono::seconds(60);
+    while (!condition() && Clock::now() < limit)
         QThread::msleep(1);
     return condition();
 }
@@ -86,12 +90,14 @@ protected:
 
     QPushButton& cancelButton() { return find<QPushButton>("progressCancel"); }
 
+    bool isCancelPossible() { return isProgressShown() && cancelButton().isEnabled(); }
+
     void cancel() { QTest::mouseClick(&cancelButton(), Qt::LeftButton); }
 
     /// Cancels after the encoder has ended, before the window handles its end.
     void cancelAfterTheEnd()
     {
-        ASSERT_TRUE(waitUntil([this] { return isProgressShown() && cancelButton().isEnabled(); }));
+        ASSERT_TRUE(waitUntil([this] { return isCancelPossible(); }));
         ASSERT_TRUE(waitWithoutEvents([] { return !hasChildren(); }));
         delegate().closeBTNInsideProgressWindowClicked();
     }
@@ -109,7 +115,14 @@ protected:
     void expectNoAlert()
     {
         ASSERT_TRUE(waitUntil([this] { return !isProgressShown(); }));
+        waitForKeyboard(window()); // after the probe of the output, an alert would have it
         EXPECT_FALSE(isAlertShown());
+    }
+
+    void expectOlder()
+    {
+        EXPECT_EQ(contentsOf(output()), older);
+        EXPECT_EQ(namesIn(folder()), Names({"clip.mp4", "out.mp4"}));
     }
 
     std::string output() const { return folder() + "out.mp4"; }
@@ -139,9 +152,7 @@ TEST_F(LateCancelTest, beforeTheOlderFileIsDeletedKeepsIt)
         cancel();
         goOn();
         expectNoAlert();
-        EXPECT_EQ(contentsOf(output()), older);
-        EXPECT_EQ(namesIn(folder()), Names({"clip.mp4", "out.mp4"}));
-        waitForKeyboard(window());
+        expectOlder();
     }
 }
 
@@ -158,6 +169,41 @@ TEST_F(LateCancelTest, afterTheEndOfTheEncoderDeletesAFileThatReplacesNone)
     cancelAfterTheEnd();
     expectNoAlert();
     EXPECT_EQ(namesIn(folder()), Names({"clip.mp4"}));
+}
+
+// The environment variable TARNWELL_ROUNDS sets the number of moments.
+TEST_F(LateCancelTest, atAnyMomentKeepsTheOlderFileOrAnnouncesTheNewOne)
+{
+    const char* wanted = std::getenv("TARNWELL_ROUNDS");
+    const int rounds = wanted != nullptr ? std::atoi(wanted) : 5;
+    const auto begin = Clock::now();
+    saveOverOlder();
+    ASSERT_TRUE(waitUntil([this] { return isCancelPossible(); }));
+    ASSERT_TRUE(waitWithoutEvents([] { return !hasChildren(); }));
+    const auto usual = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin);
+    expectSuccess();
+    waitForKeyboard(window());
+    std::mt19937 random(13);
+    int cancels = 0;
+    for (int round = 0; round < rounds && !HasFailure(); ++round) {
+        const std::chrono::microseconds wait(
+            std::uniform_int_distribution<std::int64_t>(0, usual.count())(random));
+        SCOPED_TRACE(testing::Message() << "round " << round << ", after " << wait.count() << " µs");
+        saveOverOlder();
+        ASSERT_TRUE(waitUntil([this] { return isCancelPossible(); }));
+        waitWithoutEvents([end = Clock::now() + wait] { return Clock::now() > end; });
+        delegate().closeBTNInsideProgressWindowClicked();
+        ASSERT_TRUE(waitUntil([this] { return !isProgressShown(); }));
+        ASSERT_TRUE(waitUntil([this] { return isAlertShown() || window().isActiveWindow(); }));
+        if (isAlertShown()) {
+            expectSuccess();
+            waitForKeyboard(window());
+        } else {
+            expectOlder();
+            ++cancels;
+        }
+    }
+    std::cout << cancels << " of " << rounds << " cancels took effect\n";
 }
 
 } // namespace tarnwell::test

@@ -3,6 +3,7 @@
 // drag source as its clients. Positions and results are read from screenshots, because weston chooses where
 // windows are.
 #include "platform/TemporaryDirectory.h"
+#include "tests/desktop/BusService.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
 #include "tests/support/Samples.h"
@@ -144,15 +145,21 @@ protected:
         });
     }
 
-    /// Starts the drag source. Its first drag carries the first path, its second drag the second path, and so
-    /// on.
+    /// Starts the drag source. Its first drag carries the URI of the first path, its second drag that of the
+    /// second path, and so on.
     void showSource(const std::vector<std::string>& paths)
     {
         QStringList drags;
         for (const auto& path : paths)
             drags << QStringLiteral("then") << QStringLiteral("text/uri-list")
                   << QString::fromStdString("file://" + path + "\r\n");
-        start(m_source, "/tests/dragSource", drags.mid(1));
+        showSource(drags.mid(1));
+    }
+
+    /// Starts the drag source with these arguments.
+    void showSource(const QStringList& drags)
+    {
+        start(m_source, "/tests/dragSource", drags);
         waitFor("the drag source", [] { return placeOf(sourceColour).width() > 50; });
         waitForSteadyScreen();
         m_sourcePlace = placeOf(sourceColour);
@@ -239,6 +246,23 @@ TEST_F(WaylandDropTest, aDroppedFileIsOpened)
     drag();
     EXPECT_EQ(drop(), "end 1");
     EXPECT_TRUE(waitUntil([] { return showsVideo(); }));
+}
+
+TEST_F(WaylandDropTest, aFileOfTheFileTransferPortalIsOpened)
+{
+    const BusService documents(QStringLiteral("org.freedesktop.portal.Documents"),
+        QStringLiteral("/org/freedesktop/portal/documents"), [this](const QDBusMessage& call) {
+            return call.createReply(QStringList(QString::fromStdString(video())));
+        });
+    showSource(QStringList{QStringLiteral("application/vnd.portal.filetransfer"), QStringLiteral("the key")});
+    drag();
+    EXPECT_TRUE(waitUntil([this] { return isCopyOffered(); }));
+    EXPECT_TRUE(documents.calls().isEmpty()) << "the portal answers once, so not before the drop";
+    EXPECT_EQ(drop(), "end 1");
+    EXPECT_TRUE(waitUntil([] { return showsVideo(); }));
+    ASSERT_EQ(documents.calls().size(), 1);
+    EXPECT_EQ(documents.calls().first().member(), QStringLiteral("RetrieveFiles"));
+    EXPECT_EQ(documents.calls().first().arguments().first().toString(), QStringLiteral("the key"));
 }
 
 TEST_F(WaylandDropTest, aFolderIsRefused)

@@ -44,6 +44,8 @@ class FakeDesktop:
 
     def __init__(self, address):
         self.shown = []  # URIs that the file manager was asked to show
+        self.applications = []  # the choice of the last application chooser: the ids of desktop entries
+        self.preferred = None  # the id that the user chooses there; None: the first
         self._lock = threading.Lock()
         self._dialogs = collections.deque()  # open: the options and the invocation of each
         ready = threading.Event()
@@ -70,9 +72,10 @@ class FakeDesktop:
             with self._lock:
                 self._dialogs.append((method, arguments[-1], invocation))
         elif method == "ChooseApplication":
-            choices = arguments[3]
-            chosen = {"choice": GLib.Variant("s", choices[0])} if choices else {}
-            invocation.return_value(GLib.Variant("(ua{sv})", (0 if choices else 1, chosen)))
+            self.applications = arguments[3]
+            choice = self.preferred or next(iter(self.applications), None)
+            chosen = {"choice": GLib.Variant("s", choice)} if choice else {}
+            invocation.return_value(GLib.Variant("(ua{sv})", (0 if choice else 1, chosen)))
         else:
             self.shown += arguments[0]
             invocation.return_value(None)
@@ -84,8 +87,17 @@ class FakeDesktop:
             raise AssertionError(f"{actual} instead of {method}")
         return options
 
+    def open_dialogs(self):
+        """The methods of the dialogs that are open."""
+        with self._lock:
+            return [method for method, _, _ in self._dialogs]
+
     def choose(self, method, path, writable=True):
-        """Waits for the dialog and closes it with the choice of a path. Returns the program's options."""
+        """Waits for the dialog and closes it with the choice of a path. Returns the program's options.
+
+        The portal never takes a permission back: a path that one test may write to, all later tests may. What is chosen
+        in a save dialog is always writable.
+        """
         options = self.wait_for_dialog(method)
         results = {"uris": GLib.Variant("as", [GLib.filename_to_uri(str(path))]),
                    "writable": GLib.Variant("b", writable)}

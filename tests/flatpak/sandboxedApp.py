@@ -97,6 +97,20 @@ class SandboxedApp:
     def keys(self, *names):
         subprocess.run(["xdotool", "key", "--delay", "0", *names], check=True)
 
+    def wait_for_keys(self):
+        """Waits until the app has handled all keys so far: resizes the window, of which the app learns after them."""
+        def width():
+            frame = self.frame()
+            return frame.get_extents(Atspi.CoordType.SCREEN).width if frame else 0
+
+        before = wait_until(width, "the window")
+        window = subprocess.run(["xdotool", "getactivewindow", "getwindowgeometry", "--shell"],
+                                check=True, capture_output=True, text=True).stdout
+        values = dict(line.split("=") for line in window.split())
+        wider = str(int(values["WIDTH"]) + 10)
+        subprocess.run(["xdotool", "windowsize", values["WINDOW"], wider, values["HEIGHT"]], check=True)
+        wait_until(lambda: width() != before, "the new size of the window")
+
     def place(self):
         """The centre of the picture on the screen."""
         found = self._find_all(lambda thing: thing.get_name() == "Video Preview")

@@ -46,7 +46,12 @@ OWN_ACCESSIBILITY = "--no-a11y-bus"
 ACCESSIBILITY = ("--env=QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", "--talk-name=org.a11y.Bus", "--filesystem=xdg-run/at-spi")
 NO_ACCESSIBILITY = ("--no-talk-name=org.a11y.Bus", "--nofilesystem=xdg-run/at-spi")
 DOCUMENT_PORTAL = ("/usr/libexec/xdg-document-portal", "org.freedesktop.portal.Documents")
-FILE_MANAGER_ENTRY = "[Default Applications]\nvideo/mp4=player.desktop\n"
+# On a real desktop, update-desktop-database writes the second section's contents into a cache.
+MIME_APPLICATIONS = f"""[Default Applications]
+video/mp4=player.desktop
+[Added Associations]
+video/mp4=player.desktop;{APPLICATION_ID}.desktop
+"""
 
 
 class Session:
@@ -96,7 +101,7 @@ class Session:
             "bus.conf": BUS_CONFIGURATION.format(
                 address=os.environ["DBUS_SESSION_BUS_ADDRESS"], services=self.home / "services", exports=self.exports),
             "portals/script.portal": PORTAL,
-            ".config/mimeapps.list": FILE_MANAGER_ENTRY,
+            ".config/mimeapps.list": MIME_APPLICATIONS,
             ".local/share/applications/player.desktop": PLAYER.format(program=program),
             "player": f"#!/bin/sh\necho \"$*\" >>'{self.played}'\n",
         }

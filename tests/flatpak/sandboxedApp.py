@@ -3,31 +3,18 @@
 
 import subprocess
 
-import gi
+from gi.repository import GLib
 
-gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi, GLib  # noqa: E402
-
-from session import APPLICATION_ID, OWN_ACCESSIBILITY  # noqa: E402
-from waiting import wait_until  # noqa: E402
+from accessibility import ACTIVE, FRAME, PUSH_BUTTON, SENSITIVE, SHOWING, desktop
+from session import APPLICATION_ID, OWN_ACCESSIBILITY
+from waiting import wait_until
 
 
-def children(thing):
-    for index in range(thing.get_child_count()):
-        child = thing.get_child_at_index(index)
-        if child:
-            yield child
-
-
-def everything_in(thing):
-    yield thing
-    for child in children(thing):
-        yield from everything_in(child)
-
-
-def has(thing, *states):
-    actual = thing.get_state_set()
-    return all(actual.contains(state) for state in states)
+def is_the_app(program):
+    try:
+        return program.name().lower() == "tarnwell"
+    except GLib.Error:  # it has ended
+        return False
 
 
 class SandboxedApp:
@@ -45,7 +32,7 @@ class SandboxedApp:
         self.wait_for_window()
 
     def wait_for_window(self):
-        wait_until(lambda: self.frame() and has(self.frame(), Atspi.StateType.ACTIVE), "the window")
+        wait_until(lambda: self._find_all(lambda thing: thing.role() == FRAME and thing.has(ACTIVE)), "the window")
 
     def end(self):
         """Kills the app if it runs, and waits until it has left the bus."""
@@ -57,42 +44,42 @@ class SandboxedApp:
         wait_until(lambda: not self.session.run("flatpak", "ps", "--columns=pid"), "the end of the sandbox")
 
     def frames(self):
-        return self._find_all(lambda thing: thing.get_role() == Atspi.Role.FRAME)
+        return self._find_all(lambda thing: thing.role() == FRAME)
 
     def frame(self):
         return next(iter(self.frames()), None)
 
     def _find_all(self, accept):
-        try:
-            Atspi.get_desktop(0).clear_cache()
-            applications = [each for each in children(Atspi.get_desktop(0)) if each.get_name().lower() == "tarnwell"]
-            for application in applications:
-                application.set_cache_mask(Atspi.Cache.NONE)
-            return [thing for each in applications for thing in everything_in(each) if accept(thing)]
-        except GLib.Error:  # an element no longer exists
-            return []
+        programs = [each for each in desktop(self.session.accessibility).children() if is_the_app(each)]
+        return [thing for each in programs for thing in each.find_all(accept)]
 
     def shows(self, text):
         """Whether the text is on the screen."""
-        return bool(self._find_all(lambda thing: text in thing.get_name() and has(thing, Atspi.StateType.SHOWING)))
+        return bool(self._find_all(lambda thing: text in thing.name() and thing.has(SHOWING)))
 
     def wait_for(self, text):
         wait_until(lambda: self.shows(text), f"the text “{text}”")
 
     def button(self, name, *states):
-        found = self._find_all(lambda thing: thing.get_role() == Atspi.Role.PUSH_BUTTON and thing.get_name() == name
-                               and has(thing, Atspi.StateType.SHOWING, *states))
+        found = self._find_all(lambda thing: thing.role() == PUSH_BUTTON and thing.name() == name
+                               and thing.has(SHOWING, *states))
         return next(iter(found), None)
 
     def press(self, name):
-        button = wait_until(lambda: self.button(name, Atspi.StateType.SENSITIVE), f"the button {name}")
-        if not button.do_action(0):
+        button = wait_until(lambda: self.button(name, SENSITIVE), f"the button {name}")
+        if not button.press():
             raise AssertionError(f"the button {name} cannot be pressed")
 
     def picture(self):
         """The description of the view; it names the open file."""
-        found = self._find_all(lambda thing: thing.get_name() == "Video Preview")
-        return found[0].get_description() if found else ""
+        try:
+            view = self._view()
+            return view.description() if view else ""
+        except GLib.Error:  # the view no longer exists
+            return ""
+
+    def _view(self):
+        return next(iter(self._find_all(lambda thing: thing.name() == "Video Preview")), None)
 
     def keys(self, *names):
         subprocess.run(["xdotool", "key", "--delay", "0", *names], check=True)
@@ -100,10 +87,9 @@ class SandboxedApp:
     def wait_for_keys(self):
         """Waits until the app has handled all keys so far: resizes the window, of which the app learns after them."""
         def width():
-            frame = self.frame()
-            return frame.get_extents(Atspi.CoordType.SCREEN).width if frame else 0
+            return self.frame().extents()[2]
 
-        before = wait_until(width, "the window")
+        before = width()
         window = subprocess.run(["xdotool", "getactivewindow", "getwindowgeometry", "--shell"],
                                 check=True, capture_output=True, text=True).stdout
         values = dict(line.split("=") for line in window.split())
@@ -113,9 +99,8 @@ class SandboxedApp:
 
     def place(self):
         """The centre of the picture on the screen."""
-        found = self._find_all(lambda thing: thing.get_name() == "Video Preview")
-        area = found[0].get_extents(Atspi.CoordType.SCREEN)
-        return area.x + area.width // 2, area.y + area.height // 2
+        x, y, width, height = self._view().extents()
+        return x + width // 2, y + height // 2
 
     def dismiss(self, text):
         """Waits for an alert with that text and closes it with OK."""

@@ -5,13 +5,11 @@ import os
 import pathlib
 import subprocess
 
-import gi
+from gi.repository import Gio, GLib
 
-gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi, Gio, GLib  # noqa: E402
-
-from fakeDesktop import FakeDesktop  # noqa: E402
-from waiting import wait_until  # noqa: E402
+import accessibility
+from fakeDesktop import FakeDesktop
+from waiting import wait_until
 
 APPLICATION_ID = "org.tarnwell.Tarnwell"
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
@@ -77,12 +75,13 @@ class Session:
         self.start_service("/usr/libexec/flatpak-portal", "org.freedesktop.portal.Flatpak")
         self.start_service("/usr/libexec/xdg-desktop-portal", "org.freedesktop.portal.Desktop")
         # The sandbox prevents that the app starts the accessibility registry.
-        Atspi.get_desktop(0).get_child_count()
+        self.accessibility = accessibility.connect(self.bus)
 
     def _set_environment(self):
         runtime = f"/run/user/{os.getuid()}"
         self.exports = self.home / ".local/share/flatpak/exports/share"
-        keep = {name: os.environ[name] for name in ("DISPLAY", "HOME", "LC_ALL", "LOGNAME", "PATH", "USER", "XAUTHORITY")}
+        names = ("DISPLAY", "HOME", "LC_ALL", "LOGNAME", "PATH", "USER", "XAUTHORITY")
+        keep = {name: os.environ[name] for name in names}
         os.environ.clear()
         os.environ.update(keep)
         os.environ.update({
@@ -154,4 +153,5 @@ class Session:
 
     def run_in_sandbox(self, *command, check=True):
         program, *arguments = command
-        return self.run("flatpak", "run", OWN_ACCESSIBILITY, *NO_ACCESSIBILITY, f"--command={program}", APPLICATION_ID, *arguments, check=check)
+        return self.run("flatpak", "run", OWN_ACCESSIBILITY, *NO_ACCESSIBILITY, f"--command={program}", APPLICATION_ID,
+                        *arguments, check=check)

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <string>
 #include <sys/stat.h>
+#include <utility>
 
 namespace tarnwell::test
 {
@@ -151,6 +152,25 @@ TEST_F(CreatorEndingsTest, aFullDiskLeavesNothing)
         writeFile(output(), "older");
         EXPECT_EQ(run(arguments, {.largestFile = 100000}), 1);
         expectOnlyOlderFile();
+    }
+}
+
+TEST_F(CreatorEndingsTest, aLimitOfTheFileSizeIsNotFollowedByARunThatKeepsLess)
+{
+    tools.setFfprobe("print-file "
+        + tools.addData("sound.json",
+            R"({"streams": [{"index": 0, "codec_type": "video", "codec_name": "h264", "avg_frame_rate": "25/1"},)"
+            R"( {"index": 1, "codec_type": "audio", "codec_name": "aac", "channels": 2}]})")
+        + "\n");
+    const std::string smaller = "write-output-file " + tools.addData("smaller", movie()) + "\n";
+    for (const auto& [arguments, word] : {std::pair(transcode(), "-an"), std::pair(fixFlag(), "-strict")}) {
+        const std::string large = word == std::string("-an") ? "without " : "with ";
+        const std::string small = word == std::string("-an") ? "with " : "without ";
+        tools.setFfmpeg("say-pid\n" + large + word + " flood-output 1000000\n" + large + word + " exit 1\n"
+            + small + word + " " + smaller);
+        EXPECT_EQ(run(arguments, {.largestFile = 100000}), 1);
+        EXPECT_EQ(lastRun().said("pid ").size(), 1U) << "runs of ffmpeg";
+        EXPECT_EQ(otherNames(), Words());
     }
 }
 

@@ -13,7 +13,7 @@ struct Attempt {
     std::vector<std::string> arguments;
     std::vector<std::uint32_t> trackIds; // for each track of the output the track number in the input, 0 if
                                          // unknown; empty if ffmpeg selects the streams
-    std::string notice; // lines for standard error: the streams that are omitted or encoded; may be empty
+    std::string notice; // lines for standard error about streams that are left out or encoded; may be empty
 };
 
 /// The attempts in their order; the first one that succeeds is the result. The first one keeps most. A copy

@@ -72,18 +72,18 @@ TEST_P(RetryTableTest, isAsStated)
     expectError(row.omission);
 }
 
-const char* const others = "all but one video and one sound stream is left out";
+const char* const records = "records of Dolby Vision and of spherical video are left out";
 
 INSTANTIATE_TEST_SUITE_P(Runs, RetryTableTest,
     testing::Values(RetryRow{"aCopyThatSucceedsIsMadeOnce", true, "", 0, 1, ""},
-        RetryRow{"aCopyThatFailsIsFollowedByAPlainOne", true, "with -strict exit 1\n", 0, 2, others},
-        RetryRow{"aCopyThatCrashesIsFollowedByAPlainOne", true, "with -strict die 11\n", 0, 2, others},
+        RetryRow{"aCopyThatFailsIsFollowedByAPlainOne", true, "with -strict exit 1\n", 0, 2, records},
+        RetryRow{"aCopyThatCrashesIsFollowedByAPlainOne", true, "with -strict die 11\n", 0, 2, records},
         RetryRow{"aCopyThatIsIncompleteIsFollowedByAPlainOne", true,
-            "with -strict write-output half\nwith -strict exit 0\n", 0, 2, others},
+            "with -strict write-output half\nwith -strict exit 0\n", 0, 2, records},
         RetryRow{"anEncodingThatSucceedsIsMadeOnce", false, "", 0, 1, ""},
         RetryRow{"anEncodingThatFailsWithACopyOfTheSoundEncodesIt", false, "with copy exit 1\n", 0, 2, ""},
         RetryRow{"anEncodingThatFailsWithSoundLeavesItOut", false, "without -an exit 1\n", 0, 3,
-            "the sound is left out"},
+            "stream 1, in aac, is left out"},
         RetryRow{"aCopyFailsIfEveryRunFails", true, "exit 1\n", 1, 2, ""},
         RetryRow{"anEncodingFailsIfEveryRunFails", false, "exit 1\n", 1, 3, ""}),
     rowName);

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Videos with unusual pixels and sound, processed by creator with the installed ffmpeg.
 #include "tests/support/Files.h"
+#include "tests/support/Rows.h"
 #include "tests/tools/RealTools.h"
 
+#include <algorithm>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -105,12 +108,67 @@ TEST_F(RealStreamsTest, soundOfAnyLayoutIsEncoded)
     }
 }
 
-TEST_F(RealStreamsTest, uncompressedSoundIsKeptWithoutLossInACopy)
+struct PcmRow {
+    const char* name;
+    const char* codec;
+    int channels;
+    const char* layout;
+    const char* expected; // the codec in the copy
+    const char* kept; // the PCM codec in which both sounds are the same
+};
+
+class RealPcmTest : public RealStreamsTest, public testing::WithParamInterface<PcmRow>
 {
+};
+
+TEST_P(RealPcmTest, isKeptInACopy)
+{
+    const PcmRow& row = GetParam();
+    std::mt19937 random(5);
+    std::string noise(static_cast<std::size_t>(4 * 2000 * row.channels), '\0');
+    std::generate(noise.begin(), noise.end(), [&random] { return static_cast<char>(random()); });
+    writeFile(at("sound.raw"), noise);
     makeClip(at("clip.mov"), "64x48",
-        {"-f", "lavfi", "-i", "anoisesrc=duration=1:sample_rate=8000", "-c:a", "pcm_s16be", "-ac", "2"});
+        {"-f", "s32le", "-ar", "8000", "-ac", std::to_string(row.channels), "-channel_layout", row.layout,
+            "-i", at("sound.raw"), "-c:a", row.codec});
+    ASSERT_EQ(streamsOf(at("clip.mov"))[1]["channel_layout"], row.layout);
     ASSERT_EQ(fixFlag(at("clip.mov"), at("out.mp4")), 0);
-    EXPECT_EQ(soundHash(at("out.mp4"), "pcm_s16le"), soundHash(at("clip.mov"), "pcm_s16le"));
+    EXPECT_EQ(streamsOf(at("out.mp4"))[1]["codec_name"], row.expected);
+    EXPECT_EQ(streamsOf(at("out.mp4"))[1]["channels"], row.channels);
+    EXPECT_EQ(soundHash(at("out.mp4"), row.kept), soundHash(at("clip.mov"), row.kept));
+}
+
+INSTANTIATE_TEST_SUITE_P(Sounds, RealPcmTest,
+    testing::Values(PcmRow{"bytes", "pcm_u8", 2, "stereo", "alac", "pcm_u8"},
+        PcmRow{"bigEndian16", "pcm_s16be", 1, "mono", "alac", "pcm_s16le"},
+        PcmRow{"littleEndian24", "pcm_s24le", 2, "stereo", "alac", "pcm_s24le"},
+        PcmRow{"aLaw", "pcm_alaw", 2, "stereo", "alac", "pcm_s16le"},
+        PcmRow{"muLaw", "pcm_mulaw", 2, "stereo", "alac", "pcm_s16le"},
+        PcmRow{"surround", "pcm_s24le", 6, "5.1", "alac", "pcm_s24le"},
+        PcmRow{"quad", "pcm_s16le", 4, "quad", "flac", "pcm_s16le"},
+        PcmRow{"side", "pcm_s16le", 6, "5.1(side)", "flac", "pcm_s16le"},
+        PcmRow{"eight", "pcm_s24le", 8, "7.1", "flac", "pcm_s24le"},
+        // 24 bits remain of the following ones.
+        PcmRow{"integer32", "pcm_s32le", 2, "stereo", "alac", "pcm_s24le"},
+        PcmRow{"float32", "pcm_f32le", 2, "stereo", "alac", "pcm_s24le"}),
+    rowName);
+
+TEST_F(RealStreamsTest, soundWithoutADecoderDoesNotRemoveOtherSound)
+{
+    makeVideo(at("clip.mov"), "testsrc=size=64x48:rate=10:duration=1",
+        joined({"-f", "lavfi", "-i", "sine=duration=1", "-map", "0", "-map", "1", "-map", "1", "-map", "1",
+                   "-c:a:0", "aac", "-c:a:1", "pcm_s16be", "-c:a:2", "ac3"},
+            h264()));
+    std::string bytes = contentsOf(at("clip.mov"));
+    bytes.replace(bytes.find("twos"), 4, "mhm1"); // MPEG-H
+    writeFile(at("clip.mov"), bytes);
+    ToolProcess process(builtCreator, fixFlagCommand(at("clip.mov"), at("out.mp4")));
+    ASSERT_EQ(process.wait(), 0);
+    const auto streams = streamsOf(at("out.mp4"));
+    ASSERT_EQ(streams.size(), 3U);
+    EXPECT_EQ(streams[1]["codec_name"], "aac");
+    EXPECT_EQ(streams[2]["codec_name"], "ac3");
+    EXPECT_NE(process.errorText().find("stream 2, in mpegh_3d_audio, is left out\n"), std::string::npos);
 }
 
 } // namespace tarnwell::test

@@ -277,6 +277,14 @@ private:
     std::set<std::uint32_t> m_chapterIds;
 };
 
+/// The track whose tag "rotate" the application reads; it can be that of chapter pictures.
+const VideoTrack& taggedVideo(const Movie& movie)
+{
+    const auto first = std::find_if(
+        movie.videos.begin(), movie.videos.end(), [](const VideoTrack& video) { return video.hasFrameRate; });
+    return first != movie.videos.end() ? *first : movie.videos.front();
+}
+
 } // namespace
 
 std::optional<Movie> readMovie(int file)
@@ -301,13 +309,14 @@ bool isCompleteMovie(int file)
 
 const VideoTrack& mainVideo(const Movie& movie)
 {
-    const auto main = std::find_if(
-        movie.videos.begin(), movie.videos.end(), [](const VideoTrack& video) { return video.hasFrameRate; });
-    return main != movie.videos.end() ? *main : movie.videos.front();
+    const auto film = std::find_if(movie.videos.begin(), movie.videos.end(),
+        [](const VideoTrack& video) { return video.hasFrameRate && !video.isCover; });
+    return film != movie.videos.end() ? *film : taggedVideo(movie);
 }
 
 Orientation orientationOf(const Movie& movie)
 {
+    const DisplayMatrix tagged = combined(taggedVideo(movie).matrix, movie.matrix);
     const DisplayMatrix shown = combined(mainVideo(movie).matrix, movie.matrix);
-    return {keepsShapeAndSize(shown) ? rotationTag(shown) : 0, withoutScale(shown)};
+    return {keepsShapeAndSize(tagged) ? rotationTag(tagged) : 0, withoutScale(shown)};
 }

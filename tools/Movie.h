@@ -42,13 +42,14 @@ std::optional<Movie> readMovie(int file, std::string& problem);
 /// movie without one.
 bool isCompleteMovie(int file);
 
-/// The video track that the user sees: the first one with a frame rate, else the first one. videoFactsOf uses
-/// the same rule. The movie must have a video track.
+/// The video track that players show: the first one that has a frame rate and is no cover, else the first one
+/// with a frame rate, else the first one. videoFactsOf uses the same rule, but a track of a single picture is
+/// no cover there. The movie must have a video track.
 const VideoTrack& mainVideo(const Movie& movie);
 
-/// The orientation of the main video track, with the same values as in VideoFacts.
+/// The orientation of a movie, with the same meaning as in VideoFacts.
 struct Orientation {
-    int rotation = 0; // clockwise degrees as sniffer reports them; 0 for none
-    std::optional<DisplayMatrix> decoded; // the matrix that decoders apply; empty if they ignore it
+    int rotation = 0; // clockwise degrees as sniffer reports them, of the first track with a frame rate
+    std::optional<DisplayMatrix> decoded; // of the main video track; empty if decoders ignore its matrix
 };
 Orientation orientationOf(const Movie& movie);

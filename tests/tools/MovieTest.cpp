@@ -212,6 +212,30 @@ TEST(MovieTest, theMainVideoIsTheFirstWithAFrameRate)
     EXPECT_EQ(mainVideo(movieIn(fileType() + fragmented + data).value()).id, 1U);
 }
 
+TEST(MovieTest, theMainVideoIsNoCoverIfAnotherTrackHasAFrameRate)
+{
+    TrackBytes film = withId(2);
+    film.chapters = {1};
+    EXPECT_EQ(mainVideo(movieIn(fileOf(track("vide", withId(1)) + track("vide", film))).value()).id, 2U);
+    EXPECT_EQ(
+        mainVideo(movieIn(fileOf(track("vide", picture(1, "jpeg")) + track("vide", film))).value()).id, 2U);
+    film.sampleDuration = 0;
+    EXPECT_EQ(mainVideo(movieIn(fileOf(track("vide", withId(1)) + track("vide", film))).value()).id, 1U);
+}
+
+TEST(MovieTest, theTagIsThatOfTheFirstTrackWithAFrameRate)
+{
+    TrackBytes pictures = withId(1);
+    pictures.matrix = matrixNine(0, 1, -1, 0);
+    TrackBytes film = withId(2);
+    film.matrix = matrixNine(-1, 0, 0, -1);
+    film.chapters = {1};
+    const Orientation shown
+        = orientationOf(movieIn(fileOf(track("vide", pictures) + track("vide", film))).value());
+    EXPECT_EQ(shown.rotation, 90);
+    EXPECT_EQ(shown.decoded.value().a, -1);
+}
+
 TEST(MovieTest, aSinglePictureIsACover)
 {
     for (const char* format : {"jpeg", "png ", "mp4v"})

@@ -169,6 +169,18 @@ TEST(FirstSampleTest, isMissingBeyondTheEndOfTheFile)
         EXPECT_FALSE(hasMessage(begin + movieBox(trackOf("co64", offset, avcConfiguration))));
 }
 
+TEST(FirstSampleTest, isThatOfTheFilmBehindItsChapterPictures)
+{
+    TrackBytes pictures;
+    pictures.id = 2;
+    const std::string begin = fileType() + box("mdat", turnedSample);
+    const std::string references = box("tref", box("chap", bigEndian(pictures.id, 4)));
+    const std::string film = trackOf("stco", begin.size() - turnedSample.size(), avcConfiguration);
+    const std::string filmWithChapters = box("trak", film.substr(8) + references);
+    EXPECT_TRUE(hasMessage(begin + movieBox(track("vide", pictures) + filmWithChapters)));
+    EXPECT_FALSE(hasMessage(begin + movieBox(track("vide", pictures) + film)));
+}
+
 TEST(FirstSampleTest, isMissingInAMovieWithoutVideo)
 {
     EXPECT_FALSE(hasMessage(fileType() + movieBox(track("soun"))));

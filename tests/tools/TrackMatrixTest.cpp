@@ -31,6 +31,16 @@ std::string videoWith(const Nine& matrix)
     return track("vide", bytes);
 }
 
+/// A track whose chapters have the pictures of track 1.
+std::string filmWithChapters(const Nine& matrix)
+{
+    TrackBytes bytes;
+    bytes.id = 2;
+    bytes.matrix = matrix;
+    bytes.chapters = {1};
+    return track("vide", bytes);
+}
+
 std::string coverTrack()
 {
     TrackBytes bytes;
@@ -189,6 +199,15 @@ INSTANTIATE_TEST_SUITE_P(Tracks, FlagMatrixTest,
             videoWith(matrixNine(0, 1, -1, 0)) + videoWith(matrixNine(-1, 0, 0, 1)) + track("vide"), 0,
             {unturned, matrixNine(0, 1, 1, 0), turnedLeftOnce}},
         FlagRow{"coversAreKept", track("vide") + coverTrack(), 90, {turnedLeftOnce, unturned}},
+        // The tag, 90, is that of the pictures.
+        FlagRow{"aFilmBehindItsChapterPicturesIsTurnedFromTheirTag",
+            videoWith(matrixNine(0, 1, -1, 0)) + filmWithChapters(matrixNine(1, 0, 0, 1)), 0,
+            {matrixNine(0, 1, -1, 0), turnedLeftOnce}},
+        FlagRow{"stretchedChapterPicturesAreKept",
+            videoWith(matrixNine(2, 0, 0, 1)) + filmWithChapters(matrixNine(1, 0, 0, 1)), 90,
+            {matrixNine(2, 0, 0, 1), turnedLeftOnce}},
+        FlagRow{"aStretchedFilmBehindItsChapterPicturesNeedsANewFile",
+            track("vide") + filmWithChapters(matrixNine(2, 0, 0, 1)), 90, {}},
         FlagRow{"aCoverAloneNeedsANewFile", coverTrack(), 90, {}},
         // sniffer reports no tag for it.
         FlagRow{"aMatrixThatZoomsKeepsItsScale", videoWith(matrixNine(0, 2, -2, 0)), 90,

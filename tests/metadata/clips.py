@@ -140,6 +140,24 @@ def dolby_vision(folder, extension):
     return path
 
 
+def hdr10(folder):
+    """The colours of the mastering display and the light level, in the container and in the stream."""
+    display = "G(13250,34500)B(7500,3000)R(34000,16000)WP(15635,16450)L(10000000,50)"
+    path = ffmpeg(folder, "hdr10.mov", [
+        *PICTURE, *SOUND, "-c:v", "libx265", "-preset", "ultrafast", "-pix_fmt", "yuv420p10le", "-tag:v", "hvc1",
+        "-x265-params", f"log-level=none:hdr10=1:master-display={display}:max-cll=1000,400",
+        "-color_primaries", "bt2020", "-color_trc", "smpte2084", "-colorspace", "bt2020nc", *AAC,
+        *tags(creation_time=DATE),
+    ])  # fmt: skip
+    samples, movie = boxes.movie_of(path)
+    display_box = struct.pack(">8H2I", 13250, 34500, 7500, 3000, 34000, 16000, 15635, 16450, 10000000, 50)
+    video = movie.all(b"trak")[0]
+    boxes.add_to_sample_entry(video, boxes.Box(b"mdcv", display_box))
+    boxes.add_to_sample_entry(video, boxes.Box(b"clli", struct.pack(">HH", 1000, 400)))
+    boxes.write_movie(path, samples, movie)
+    return path
+
+
 def spherical(folder, extension):
     path = ffmpeg(folder, "spherical." + extension, [*PICTURE, *SOUND, *H264, *AAC, *tags(creation_time=DATE)])
     samples, movie = boxes.movie_of(path)
@@ -170,6 +188,6 @@ def make_all(folder):
     os.makedirs(folder, exist_ok=True)
     return [
         iphone(folder), android(folder), gopro(folder), matroska(folder), avi(folder), transport_stream(folder),
-        quicktime_pcm(folder), dolby_vision(folder, "mov"), dolby_vision(folder, "mp4"), spherical(folder, "mov"),
+        quicktime_pcm(folder), dolby_vision(folder, "mov"), dolby_vision(folder, "mp4"), hdr10(folder), spherical(folder, "mov"),
         spherical(folder, "mp4"), fragmented(folder), motion_photo(folder),
     ]  # fmt: skip

@@ -57,11 +57,17 @@ def ffprobe_facts(path):
         facts[kind + " languages"] = " ".join(stream.get("tags", {}).get("language", "und") for stream in chosen)
     records = [data["side_data_type"] for stream in streams for data in stream.get("side_data_list", [])]
     facts["records"] = ", ".join(record for record in records if record != "Display Matrix")
+    facts["colours"] = " ".join(colours for stream in streams if (colours := colours_of(stream)))
     if "dby1" in tags.get("compatible_brands", ""):
         facts["brand"] = "dby1"
     facts["display aspect"] = next(
         (stream.get("display_aspect_ratio") for stream in streams if stream.get("codec_type") == "video"), None)
     return {name: value for name, value in facts.items() if value}
+
+
+def colours_of(stream):
+    names = ("color_primaries", "color_transfer", "color_space")
+    return "/".join(stream[name] for name in names if name in stream)
 
 
 def codec_of(stream):

@@ -28,6 +28,7 @@ KEPT = {
     "camera.mov": DATES,
     "dolby-vision.mov": DATES,
     "dolby-vision.mp4": DATES,
+    "hdr10.mov": [*DATES, "ffprobe records", "ffprobe colours"],
     "spherical.mov": DATES,
     "spherical.mp4": DATES,
     "fragmented.mp4": MOVIE_DATES,
@@ -39,6 +40,7 @@ KEPT_IN = {
     ("iphone.mov", "fix flag"): ["ffprobe video"],
     ("two-sounds.mkv", "fix flag"): ["ffprobe audio languages"],
     ("dolby-vision.mov", "fix flag"): ["ffprobe records", "ffprobe video"],
+    ("hdr10.mov", "fix flag"): ["ffprobe video"],
     ("spherical.mov", "fix flag"): ["exiftool XMP-GSpherical ProjectionType"],
 }
 
@@ -62,6 +64,7 @@ EXPECTED = {
     ("camera.mov", "transcode"): {"ffprobe audio": "aac/mp4a"},
     ("dolby-vision.mov", "transcode"): {"ffprobe records": None, "ffprobe brand": None},
     ("dolby-vision.mp4", "transcode"): {"ffprobe records": None, "ffprobe brand": None},
+    ("hdr10.mov", "transcode"): {"ffprobe video": "h264/avc1"},
     ("spherical.mov", "transcode"): {"exiftool XMP-GSpherical ProjectionType": None},
     ("spherical.mp4", "transcode"): {"exiftool XMP-GSpherical ProjectionType": None},
 }  # fmt: skip

@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -30,6 +31,18 @@ public:
 
     CopyEnd run()
     {
+        const CopyEnd end = copy();
+        struct stat status = {};
+        if (end == CopyEnd::Copied && ::fstat(m_source, &status) == 0 && status.st_size < m_size) {
+            errno = EIO;
+            return CopyEnd::Failed;
+        }
+        return end;
+    }
+
+private:
+    CopyEnd copy()
+    {
         if (::ioctl(m_target, FICLONE, m_source) == 0)
             return m_progress(m_size) ? CopyEnd::Copied : CopyEnd::Cancelled;
         ::posix_fadvise(m_source, 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -43,7 +56,6 @@ public:
         return ::ftruncate(m_target, m_size) == 0 ? CopyEnd::Copied : CopyEnd::Failed;
     }
 
-private:
     /// The offset of the next data at or after `offset`. On file systems without holes this is `offset`.
     off_t dataAfter(off_t offset) const
     {
@@ -98,14 +110,9 @@ private:
     {
         m_buffer.resize(static_cast<std::size_t>(pieceSize));
         const ssize_t count = ::pread(m_source, m_buffer.data(), size, offset);
-        for (ssize_t done = 0; done < count;) {
-            const ssize_t written = ::pwrite(
-                m_target, m_buffer.data() + done, static_cast<std::size_t>(count - done), offset + done);
-            if (written <= 0)
-                return -1;
-            done += written;
-        }
-        return count;
+        if (count <= 0)
+            return count;
+        return writeBytes(m_target, {m_buffer.data(), static_cast<std::size_t>(count)}, offset) ? count : -1;
     }
 
     int m_source;
@@ -117,23 +124,37 @@ private:
     std::vector<char> m_buffer;
 };
 
-/// False on an error, with the reason in errno.
-bool writeWhole(int file, const char* bytes, std::size_t size)
+/// Writes all bytes with `write`, which is called with the bytes that are left. False on an error, with the
+/// reason in errno.
+template <typename Write>
+bool writeWhole(std::string_view bytes, Write write)
 {
-    while (size > 0) {
-        const ssize_t written = ::write(file, bytes, size);
+    while (!bytes.empty()) {
+        const ssize_t written = write(bytes);
         if (written == 0)
             errno = EIO;
         if (written == 0 || (written < 0 && errno != EINTR))
             return false;
-        const std::size_t done = written > 0 ? static_cast<std::size_t>(written) : 0;
-        bytes += done;
-        size -= done;
+        bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
     }
     return true;
 }
 
+bool appendBytes(int file, std::string_view bytes)
+{
+    return writeWhole(
+        bytes, [file](std::string_view rest) { return ::write(file, rest.data(), rest.size()); });
+}
+
 } // namespace
+
+bool writeBytes(int file, std::string_view bytes, off_t offset)
+{
+    const off_t end = offset + static_cast<off_t>(bytes.size());
+    return writeWhole(bytes, [file, end](std::string_view rest) {
+        return ::pwrite(file, rest.data(), rest.size(), end - static_cast<off_t>(rest.size()));
+    });
+}
 
 CopyEnd copyFile(int source, int target, off_t size, const CopyProgress& progress)
 {
@@ -147,7 +168,7 @@ CopyEnd copyFileInOrder(int source, int target, const CopyProgress& progress)
         const ssize_t count = ::pread(source, buffer.data(), buffer.size(), offset);
         if (count == 0)
             return CopyEnd::Copied;
-        if (count < 0 || !writeWhole(target, buffer.data(), static_cast<std::size_t>(count)))
+        if (count < 0 || !appendBytes(target, {buffer.data(), static_cast<std::size_t>(count)}))
             return CopyEnd::Failed;
         offset += count;
         if (!progress(offset))

@@ -2,18 +2,23 @@
 #pragma once
 
 #include <functional>
+#include <string_view>
 #include <sys/types.h>
 
 enum class CopyEnd { Copied, Failed, Cancelled };
 
-/// Called with the number of bytes copied so far, after at most 1 MiB of data; false cancels.
+/// Called with the number of bytes copied so far, after at most 1 MiB of data, or once after blocks are
+/// shared; false cancels.
 using CopyProgress = std::function<bool(off_t)>;
 
 /// Copies the first `size` bytes of a file into an empty one. The file system shares the blocks if it can
 /// (Btrfs, XFS); otherwise the kernel copies them, otherwise this process. Holes remain holes. Copied data is
 /// written back to the disk during the copy. After a failure, with the reason in errno, or a cancel the
-/// target is incomplete. A source that is shorter than `size` is a failure (EIO).
+/// target is incomplete. A source that is shorter than `size` at the end is a failure (EIO).
 CopyEnd copyFile(int source, int target, off_t size, const CopyProgress& progress);
+
+/// Writes all bytes at the offset. False on an error, with the reason in errno.
+bool writeBytes(int file, std::string_view bytes, off_t offset);
 
 /// Copies a whole file to an empty one with calls of write only, for file systems that accept nothing else.
 CopyEnd copyFileInOrder(int source, int target, const CopyProgress& progress);

@@ -2,6 +2,7 @@
 #include "tools/MetadataBoxes.h"
 
 #include "tools/Boxes.h"
+#include "tools/FileCopy.h"
 #include "tools/MetadataKeys.h"
 #include "tools/MovieMetadata.h"
 
@@ -52,8 +53,7 @@ bool removeDolbyBrand(int file)
     const std::string brands = reader.contentOf(boxes.front(), mostBytes);
     for (std::size_t place = compatibleOffset; place + dolby.size() <= brands.size(); place += dolby.size()) {
         const auto offset = boxes.front().content + static_cast<FileOffset>(place);
-        if (brands.compare(place, dolby.size(), dolby) == 0
-            && ::pwrite(file, common.data(), common.size(), offset) != static_cast<ssize_t>(common.size()))
+        if (brands.compare(place, dolby.size(), dolby) == 0 && !writeBytes(file, common, offset))
             return false;
     }
     return true;
@@ -185,17 +185,9 @@ private:
 
     MetadataResult write(FileOffset begin, const std::string& movie) const
     {
-        std::size_t done = 0;
-        while (done < movie.size()) {
-            const ssize_t count = ::pwrite(
-                m_file, movie.data() + done, movie.size() - done, begin + static_cast<FileOffset>(done));
-            if (count <= 0)
-                return MetadataResult::WriteFailed;
-            done += static_cast<std::size_t>(count);
-        }
-        return ::ftruncate(m_file, begin + static_cast<FileOffset>(movie.size())) == 0
-            ? MetadataResult::Added
-            : MetadataResult::WriteFailed;
+        const bool isWritten = writeBytes(m_file, movie, begin)
+            && ::ftruncate(m_file, begin + static_cast<FileOffset>(movie.size())) == 0;
+        return isWritten ? MetadataResult::Added : MetadataResult::WriteFailed;
     }
 
     int m_file;

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tools/TrackMatrix.h"
 
+#include "tools/FileCopy.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <unistd.h>
 
 namespace
 {
@@ -111,10 +112,8 @@ DisplayMatrix matrixOfFlag(const Orientation& orientation, double rotation)
 
 bool applyPatches(int file, const std::vector<Patch>& patches)
 {
-    return std::all_of(patches.begin(), patches.end(), [file](const Patch& patch) {
-        return ::pwrite(file, patch.bytes.data(), patch.bytes.size(), patch.offset)
-            == static_cast<ssize_t>(patch.bytes.size());
-    });
+    return std::all_of(patches.begin(), patches.end(),
+        [file](const Patch& patch) { return writeBytes(file, patch.bytes, patch.offset); });
 }
 
 bool writeTrackMatrix(int file, const DisplayMatrix& matrix)

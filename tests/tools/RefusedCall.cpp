@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <fcntl.h>
 #include <linux/filter.h>
+#include <linux/fs.h>
 #include <linux/seccomp.h>
 #include <sys/file.h>
 #include <sys/prctl.h>
@@ -46,6 +47,8 @@ std::vector<Rule> rulesFor(RefusedCall call)
             {SYS_unlinkat, 0, BPF_JGE, 0, EPERM}};
     case RefusedCall::CopyFileRange:
         return {{SYS_copy_file_range, 0, BPF_JGE, 0, ENOSYS}};
+    case RefusedCall::ShareBlocks:
+        return {{SYS_ioctl, 1, BPF_JEQ, FICLONE, EOPNOTSUPP}};
     case RefusedCall::ExclusiveLock:
         return {{SYS_flock, 1, BPF_JSET, LOCK_EX, EBADF}};
     case RefusedCall::FileRules:

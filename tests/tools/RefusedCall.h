@@ -14,6 +14,7 @@ enum class RefusedCall {
     Link, // hard links
     RemoveNames, // renames and deletions, as in an append-only folder
     CopyFileRange, // a copy by the kernel
+    ShareBlocks, // a copy that shares its blocks with the source (FICLONE)
     ExclusiveLock, // as NFS refuses it for a file that is open for reading
     FileRules, // Landlock
     CallFilters // seccomp; must be refused last

@@ -35,6 +35,9 @@ public:
     /// The size of the file when the reader was constructed; 0 if it is unknown.
     FileOffset fileSize() const { return m_fileSize; }
 
+    /// Whether `mostBoxes` boxes have been read, so that no further list is read.
+    bool hasReachedLimit() const { return m_boxesLeft == 0; }
+
     /// Whether the file begins with the header of a box that ends within the file.
     bool beginsWithBox() const { return boxAt(0, m_fileSize).has_value(); }
 

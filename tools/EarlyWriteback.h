@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <sys/types.h>
 
 /// Starts writing a growing file to the disk, in large pieces, before the final fsync, which then takes less
@@ -20,9 +21,12 @@ public:
     /// The same for the present size of the file.
     void advanceToEnd();
 
-    /// Waits until at most `mostPending` bytes before the last piece are not on the disk yet. A cancel and
-    /// the status lines of a copy are delayed by no more than that.
+    /// Blocks until all but the last `mostPending` bytes of the started writeback are on the disk.
     void waitForDisk();
+
+    /// Blocks until the whole file is on the disk. Calls `mayContinue` after each 1 MiB; false stops it, and
+    /// the result is false.
+    bool finish(const std::function<bool()>& mayContinue);
 
     static constexpr off_t piece = off_t(8) << 20;
     static constexpr off_t mostPending = off_t(128) << 20;

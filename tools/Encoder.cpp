@@ -77,6 +77,16 @@ public:
             report(m_lastReport);
     }
 
+    /// Writes the output to the disk, so that the final fsync, which a cancel does not end, takes little
+    /// time.
+    void finishWriteback()
+    {
+        m_writeback.finish([this] {
+            repeatReport();
+            return !isCancelled();
+        });
+    }
+
     /// Whether ffmpeg has written an error message.
     bool hasComplained() const { return m_hasComplained; }
 
@@ -190,6 +200,8 @@ Run runOnce(const std::vector<std::string>& arguments, const InputFile& input, i
     Listener listener(child, progress, errors, output);
     listener.listen();
     const int status = waitForChild(child);
+    if (status == 0)
+        listener.finishWriteback();
     if (isCancelled())
         return {RunEnd::Cancelled};
     const bool hasNamedReadError = listener.hasNamedReadError();

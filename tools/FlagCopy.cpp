@@ -2,6 +2,7 @@
 #include "tools/FlagCopy.h"
 
 #include "tools/FileCopy.h"
+#include "tools/InputFile.h"
 #include "tools/OrientationMessage.h"
 #include "tools/StandardError.h"
 #include "tools/StatusLines.h"
@@ -11,7 +12,6 @@
 #include <chrono>
 #include <cstring>
 #include <string>
-#include <sys/stat.h>
 
 namespace
 {
@@ -51,19 +51,6 @@ private:
     Clock::time_point m_reportedAt;
 };
 
-bool isSameTime(const timespec& left, const timespec& right)
-{
-    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
-}
-
-/// Ignores the change time (ctime): a rename, a new link or other permissions do not change the data.
-bool isUnchanged(int file, const struct stat& before)
-{
-    struct stat now = {};
-    return ::fstat(file, &now) == 0 && now.st_size == before.st_size
-        && isSameTime(now.st_mtim, before.st_mtim);
-}
-
 /// The reason why changing display matrices is not sufficient; empty if it is.
 std::string obstacleToCopy(int input, const Movie& movie)
 {
@@ -81,23 +68,22 @@ RunEnd failed(const std::string& reason)
 
 } // namespace
 
-std::optional<RunEnd> copyWithFlag(int input, int output, double rotation)
+std::optional<RunEnd> copyWithFlag(const InputFile& input, int output, double rotation)
 {
-    struct stat before = {};
-    if (::fstat(input, &before) != 0)
-        return std::nullopt;
     std::string problem;
-    const auto movie = readMovie(input, problem);
+    const auto movie = readMovie(input.descriptor(), problem);
     if (movie)
-        problem = obstacleToCopy(input, *movie);
+        problem = obstacleToCopy(input.descriptor(), *movie);
+    if (isCancelled())
+        return RunEnd::Cancelled;
     const auto patches = problem.empty() ? patchesOfFlag(*movie, rotation) : std::nullopt;
     if (!patches) {
         writeErrorLines(
             "tarnwell: the file is not copied byte by byte: " + problem + "\n", cancelDescriptor());
         return std::nullopt;
     }
-    CopyStatus status(movie->microseconds, before.st_size);
-    const CopyEnd end = copyFile(input, output, before.st_size, [&status](off_t copied) {
+    CopyStatus status(movie->microseconds, input.size());
+    const CopyEnd end = copyFile(input.descriptor(), output, input.size(), [&status](off_t copied) {
         status.report(copied);
         return !isCancelled();
     });
@@ -105,7 +91,7 @@ std::optional<RunEnd> copyWithFlag(int input, int output, double rotation)
         return RunEnd::Cancelled;
     const bool isWritten = end == CopyEnd::Copied && applyPatches(output, *patches);
     const std::string reason = std::strerror(errno);
-    if (!isUnchanged(input, before))
+    if (!input.isUnchanged())
         return failed("it was changed meanwhile");
     if (!isWritten)
         return failed(reason);

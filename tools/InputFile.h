@@ -18,6 +18,9 @@ public:
     bool isOpen() const { return m_descriptor >= 0; }
     int descriptor() const { return m_descriptor; }
 
+    /// The size in bytes when the file was opened.
+    off_t size() const { return m_atOpening.st_size; }
+
     /// Whether there is something other than a regular file at the path.
     bool isOtherKind() const { return m_isOtherKind; }
 

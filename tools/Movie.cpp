@@ -85,7 +85,7 @@ public:
 private:
     std::nullopt_t noMovie(const char* problem)
     {
-        m_problem = problem;
+        m_problem = m_reader.hasReachedLimit() ? "it has more boxes than are read" : problem;
         return std::nullopt;
     }
 

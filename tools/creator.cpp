@@ -175,7 +175,7 @@ RunEnd makeVideo(const Job& job, const InputFile& input, const OutputFile& outpu
 {
     output.empty();
     if (job.kind == Job::Kind::FixFlag) {
-        if (const auto end = copyWithFlag(input.descriptor(), output.descriptor(), job.rotation))
+        if (const auto end = copyWithFlag(input, output.descriptor(), job.rotation))
             return *end;
     }
     MediaFacts facts = readMediaFacts(job.input, input);

@@ -8,11 +8,13 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <linux/fs.h>
 #include <poll.h>
 #include <pthread.h>
 #include <spawn.h>
@@ -90,6 +92,22 @@ bool shouldFail(const char* call, const void* caller)
     const bool waits = std::getenv("TARNWELL_WAITS_FOR") != nullptr;
     waitIfRequested("TARNWELL_WAITS_FOR");
     return !waits;
+}
+
+/// FICLONE of a file system that shares blocks. Waits for the file that TARNWELL_CLONE_WAITS_FOR names.
+int clone(int target, int source)
+{
+    static const auto readReally = real<decltype(&::pread64)>("pread64");
+    static const auto writeReally = real<decltype(&::pwrite64)>("pwrite64");
+    char bytes[65536];
+    off64_t offset = 0;
+    for (ssize_t count = 1; count > 0; offset += count) {
+        count = readReally(source, bytes, sizeof(bytes), offset);
+        if (count > 0 && writeReally(target, bytes, static_cast<std::size_t>(count), offset) != count)
+            return failing(EIO);
+    }
+    waitIfRequested("TARNWELL_CLONE_WAITS_FOR");
+    return 0;
 }
 
 /// Whether the name has more bytes than TARNWELL_LONGEST_NAME allows.
@@ -200,6 +218,8 @@ int ioctl(int file, unsigned long request, ...) noexcept
     void* argument = va_arg(rest, void*);
     va_end(rest);
     FAIL_OR(ioctl, EIO);
+    if (request == FICLONE && std::getenv("TARNWELL_CLONE_WAITS_FOR") != nullptr)
+        return clone(file, static_cast<int>(reinterpret_cast<std::intptr_t>(argument)));
     return really(file, request, argument);
 }
 
@@ -214,8 +234,11 @@ ssize_t copy_file_range(
     return really(from, fromOffset, to, toOffset, size, flags);
 }
 
+/// A call that waits for the disk waits for the file that TARNWELL_WRITEBACK_WAITS_FOR names.
 int sync_file_range(int file, off64_t offset, off64_t size, unsigned int flags)
 {
+    if ((flags & SYNC_FILE_RANGE_WAIT_BEFORE) != 0)
+        waitIfRequested("TARNWELL_WRITEBACK_WAITS_FOR");
     FAIL_OR(sync_file_range, EIO);
     return really(file, offset, size, flags);
 }

@@ -2,6 +2,7 @@
 // The line on standard error that says why a fix flag is not a copy of the file's bytes.
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MovieBytes.h"
+#include "tools/Boxes.h"
 
 #include <ostream>
 #include <string>
@@ -53,6 +54,15 @@ std::string movieEndingInTrackHeader(std::size_t missing)
     return fileType() + data + movieBox(box("trak", media + header));
 }
 
+std::string emptyBoxes(std::size_t count)
+{
+    const std::string empty = box("free", "");
+    std::string bytes;
+    for (std::size_t place = 0; place < count; ++place)
+        bytes += empty;
+    return bytes;
+}
+
 std::vector<CopyReason> copyReasons()
 {
     const auto upright = matrixNine(1, 0, 0, 1);
@@ -73,6 +83,8 @@ std::vector<CopyReason> copyReasons()
         {"trailingBytes", fileType() + movie + data + "rest", notFilled},
         {"trailingZeros", fileType() + movie + data + std::string(5, '\0'), notFilled},
         {"cutData", fileType() + movie + data.substr(0, 500), notFilled},
+        {"tooManyBoxes", fileType() + movie + data + emptyBoxes(BoxReader::mostBoxes),
+            "it has more boxes than are read"},
         {"twoMovies", fileType() + movie + data + movie,
             "it has no description of the movie, or more than one"},
         {"twoFileTypes", fileType() + fileType() + movie + data,

@@ -69,6 +69,24 @@ protected:
     std::unique_ptr<ToolProcess> m_creator;
 };
 
+TEST_F(CreatorCancelTest, aSlowDiskDelaysNeitherStatusLinesNorACancel)
+{
+    setGoodFfmpeg("print out_time_us=1000000\\nprogress=end\\n\n");
+    const std::string note = tools.at("synchronised");
+    writeFile(output(), "older");
+    EXPECT_EQ(runWithPause("TARNWELL_WRITEBACK_WAITS_FOR", transcode(),
+                  [](const ToolProcess& creator) {
+                      // Longer than the longest time without a status line.
+                      std::this_thread::sleep_for(std::chrono::milliseconds(500));
+                      creator.signal(SIGTERM);
+                  },
+                  {"TARNWELL_FAILS=fsync -1", "TARNWELL_FAILED=" + note}),
+        cancelled);
+    EXPECT_FALSE(exists(note)) << "creator waits for the whole file";
+    EXPECT_EQ(lastRun().said("time="), Words({"00:00:01.00", "00:00:01.00"}));
+    expectOnlyOlderFile();
+}
+
 TEST_F(CreatorCancelTest, aSignalReachesFfmpeg)
 {
     tools.setFfmpeg("say-on-termination terminated\nwrite-output half\nerror ready\\n\nhang\n");

@@ -159,6 +159,56 @@ TEST_F(CreatorCopyTest, statusLinesEndWithTheDuration)
     EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
 }
 
+TEST_F(CreatorCopyTest, statusLinesAreInProportionToTheCopiedBytes)
+{
+    // The pause, after the first MiB of 5, is longer than the interval of the lines.
+    EXPECT_EQ(
+        runWithPause([](const ToolProcess&) { std::this_thread::sleep_for(std::chrono::milliseconds(300)); }),
+        0);
+    const auto times = lastRun().said("time=");
+    ASSERT_GE(times.size(), 3U);
+    EXPECT_EQ(times[0], "00:00:00.79");
+    EXPECT_EQ(times[1], "00:00:01.59");
+    EXPECT_EQ(times.back(), "00:00:04.00");
+}
+
+TEST_F(CreatorCopyTest, aFileWithSharedBlocksGetsTheFlag)
+{
+    const std::string note = tools.at("copied");
+    EXPECT_EQ(CreatorTest::runWithPause("TARNWELL_CLONE_WAITS_FOR", fixFlag(), [](const ToolProcess&) {},
+                  {"TARNWELL_FAILS=copy_file_range -1", "TARNWELL_FAILED=" + note}),
+        0);
+    EXPECT_FALSE(exists(note)) << "the bytes were copied";
+    expectCopyAt(output());
+    EXPECT_NE(contentsOf(output()), contentsOf(input()));
+    for (const auto& time : lastRun().said("time="))
+        EXPECT_EQ(time, "00:00:04.00");
+}
+
+TEST_F(CreatorCopyTest, aCancelCountsAfterBlocksAreShared)
+{
+    const std::string note = tools.at("patched");
+    writeFile(output(), "older");
+    EXPECT_EQ(CreatorTest::runWithPause("TARNWELL_CLONE_WAITS_FOR", fixFlag(),
+                  [](const ToolProcess& creator) { creator.signal(SIGTERM); },
+                  {"TARNWELL_FAILS=pwrite -1", "TARNWELL_FAILED=" + note}),
+        cancelled);
+    EXPECT_FALSE(exists(note)) << "the flag was written";
+    expectOnlyOlderFile();
+}
+
+TEST_F(CreatorCopyTest, aCancelDuringTheSearchForBoxesHasNoReason)
+{
+    std::string boxes;
+    for (int count = 0; count < 2000; ++count) // more than are read between two checks
+        boxes += box("free", "");
+    setInput(boxes + contentsOf(input()));
+    EXPECT_EQ(CreatorTest::runWithPause("TARNWELL_WAITS_FOR", fixFlag(),
+                  [](const ToolProcess& creator) { creator.signal(SIGTERM); }, {"TARNWELL_FAILS=pread 1"}),
+        cancelled);
+    EXPECT_EQ(lastRun().errorText(), "");
+}
+
 TEST_F(CreatorCopyTest, standardErrorWithoutAReaderDoesNotStopIt)
 {
     for (const auto errors : {ToolSetup::ErrorStream::Closed, ToolSetup::ErrorStream::Unread}) {

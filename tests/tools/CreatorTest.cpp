@@ -65,14 +65,15 @@ int CreatorTest::run(const Words& arguments, const ToolSetup& setup)
 }
 
 int CreatorTest::runWithPause(const std::string& variable, const Words& arguments,
-    const std::function<void(const ToolProcess&)>& action)
+    const std::function<void(const ToolProcess&)>& action, const Words& moreVariables)
 {
     const std::string end = tools.addData("end of the pause", "");
     const std::string begin = end + ".waiting";
     std::filesystem::remove(end);
-    m_process = std::make_unique<ToolProcess>(tools.creator(), arguments,
-        ToolSetup{.variables
-            = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so", variable + "=" + end}});
+    ToolSetup setup = {.variables = moreVariables, .refused = {RefusedCall::ShareBlocks}};
+    setup.variables.push_back("LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so");
+    setup.variables.push_back(variable + "=" + end);
+    m_process = std::make_unique<ToolProcess>(tools.creator(), arguments, setup);
     EXPECT_TRUE(waitForFile(begin)) << "creator does not make the system call of " << variable;
     action(*m_process);
     writeFile(end, "");

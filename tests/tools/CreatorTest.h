@@ -58,9 +58,9 @@ protected:
     int run(const Words& arguments, const ToolSetup& setup = {});
     const ToolProcess& lastRun() const { return *m_process; }
     /// Like run, but calls `action` while creator waits in a system call. `variable` names the call, see
-    /// tests/faults/failingCalls.cpp.
+    /// tests/faults/failingCalls.cpp. The file system shares no blocks.
     int runWithPause(const std::string& variable, const Words& arguments,
-        const std::function<void(const ToolProcess&)>& action);
+        const std::function<void(const ToolProcess&)>& action, const Words& moreVariables = {});
     /// Expects the text in the standard error of the last run.
     void expectError(const std::string& text) const;
 

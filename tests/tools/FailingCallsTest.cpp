@@ -38,7 +38,8 @@ protected:
                 writeFile(output(), "older");
             ToolProcess process(program, arguments,
                 {.variables = {"LD_PRELOAD=" + library, "TARNWELL_FAILED=" + note,
-                     "TARNWELL_FAILS=" + GetParam() + " " + std::to_string(time)}});
+                     "TARNWELL_FAILS=" + GetParam() + " " + std::to_string(time)},
+                    .refused = {RefusedCall::ShareBlocks}});
             const int status = process.wait();
             m_printed = process.output();
             check(status);

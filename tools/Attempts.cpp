@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/Attempts.h"
 
+#include "tools/Arguments.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -10,7 +12,6 @@
 namespace
 {
 
-using Arguments = std::vector<std::string>;
 using Kind = MediaStream::Kind;
 
 // Codecs that ffmpeg writes into MP4 with "-strict experimental": the common ones in all versions from 4.3
@@ -39,11 +40,6 @@ constexpr std::array<std::string_view, 4> widePcm = {"pcm_f", "pcm_s32", "pcm_s6
 const std::string knownLayouts = "aformat=channel_layouts=mono|stereo|2.1|3.0|4.0|quad|5.0|5.1|7.1";
 // Channels of unknown positions cannot be mixed: the first two are kept.
 const std::string firstTwoChannels = "pan=stereo|c0=c0|c1=c1";
-
-void append(Arguments& list, const Arguments& more)
-{
-    list.insert(list.end(), more.begin(), more.end());
-}
 
 /// Whether ffmpeg reads the titles of chapters from the stream; it writes a new one.
 bool holdsChapterTitles(const MediaStream& stream)

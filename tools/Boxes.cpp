@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -34,16 +35,12 @@ std::optional<std::vector<Box>> BoxReader::boxesOfFile()
 
 std::vector<Box> BoxReader::leadingBoxesOfFile()
 {
-    std::vector<Box> boxes;
-    FileOffset begin = 0;
-    while (begin < m_fileSize && mayReadOn()) {
-        const auto box = boxAt(begin, m_fileSize);
-        if (!box)
-            break;
-        boxes.push_back(*box);
-        begin = box->end;
-    }
-    return boxes;
+    return leadingBoxesBetween(0, m_fileSize);
+}
+
+std::vector<Box> BoxReader::leadingBoxesIn(const Box& parent, FileOffset skipped)
+{
+    return leadingBoxesBetween(parent.content + skipped, parent.end);
 }
 
 std::optional<std::vector<Box>> BoxReader::boxesIn(const Box& parent, FileOffset skipped)
@@ -68,17 +65,24 @@ std::string BoxReader::contentOf(const Box& box, std::size_t count, FileOffset o
     return bytesAt(box.content + offset, static_cast<std::size_t>(std::min<std::uint64_t>(count, available)));
 }
 
-std::optional<std::vector<Box>> BoxReader::boxesBetween(FileOffset begin, FileOffset end)
+std::vector<Box> BoxReader::leadingBoxesBetween(FileOffset begin, FileOffset end)
 {
     std::vector<Box> boxes;
-    while (begin < end) {
-        const auto box = mayReadOn() ? boxAt(begin, end) : std::nullopt;
+    while (begin < end && mayReadOn()) {
+        const auto box = boxAt(begin, end);
         if (!box)
-            return std::nullopt;
+            break;
         boxes.push_back(*box);
         begin = box->end;
     }
     return boxes;
+}
+
+std::optional<std::vector<Box>> BoxReader::boxesBetween(FileOffset begin, FileOffset end)
+{
+    auto boxes = leadingBoxesBetween(begin, end);
+    const bool isFilled = (boxes.empty() ? begin : boxes.back().end) >= end;
+    return isFilled ? std::optional(std::move(boxes)) : std::nullopt;
 }
 
 bool BoxReader::mayReadOn()

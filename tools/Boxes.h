@@ -47,6 +47,9 @@ public:
     /// The boxes at the top level before the first invalid one. For files that end with other bytes.
     std::vector<Box> leadingBoxesOfFile();
 
+    /// The boxes in the content of `parent` after its first `skipped` bytes, before the first invalid one.
+    std::vector<Box> leadingBoxesIn(const Box& parent, FileOffset skipped);
+
     /// The boxes in the content of `parent` after its first `skipped` bytes. Empty unless they fill the
     /// content.
     std::optional<std::vector<Box>> boxesIn(const Box& parent, FileOffset skipped = 0);
@@ -63,6 +66,7 @@ private:
     /// Counts one more box. False after a cancel or if the limit is reached.
     bool mayReadOn();
     std::optional<std::vector<Box>> boxesBetween(FileOffset begin, FileOffset end);
+    std::vector<Box> leadingBoxesBetween(FileOffset begin, FileOffset end);
     std::optional<Box> boxAt(FileOffset begin, FileOffset end) const;
     std::string bytesAt(FileOffset offset, std::size_t count) const;
 

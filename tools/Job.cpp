@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tools/Job.h"
 
-#include <charconv>
-#include <cstdint>
+#include "tools/Arguments.h"
+#include "tools/WholeNumber.h"
 
 namespace
 {
-
-using Arguments = std::vector<std::string>;
 
 // The H.264 encoder refuses odd sizes in yuv420p: the last column or line is cropped.
 const std::string evenSize = "crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0";
@@ -32,15 +30,6 @@ bool matches(const Arguments& arguments, const Arguments& pattern)
             return false;
     }
     return true;
-}
-
-std::optional<std::int64_t> wholeNumber(const std::string& text)
-{
-    std::int64_t number = 0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size())
-        return std::nullopt;
-    return number;
 }
 
 std::optional<Job> readStill(const Arguments& list)
@@ -84,11 +73,6 @@ std::optional<Job> readTranscode(const Arguments& list)
     job.filters = isFiltered ? list[5] : "";
     job.output = list.back();
     return job;
-}
-
-void append(Arguments& list, const Arguments& more)
-{
-    list.insert(list.end(), more.begin(), more.end());
 }
 
 // Without the protocol ffmpeg would treat a path such as "http://x" as an address.

@@ -196,8 +196,7 @@ private:
         if (bytes.size() != matrixSize + pictureSize)
             return std::nullopt;
         VideoTrack track;
-        track.id = static_cast<std::uint32_t>(readBigEndian(
-            m_reader.contentOf(header, 4, trackIdOffset + (*version == 1 ? twoLongerTimes : 0))));
+        track.id = trackNumber(m_reader, header);
         track.matrixOffset = header.content + offset;
         track.matrix = *matrixIn(bytes);
         constexpr double one = 65536;
@@ -299,6 +298,15 @@ std::optional<Movie> readMovie(int file, std::string& problem)
     auto movie = reader.read();
     problem = reader.problem();
     return movie;
+}
+
+std::uint32_t trackNumber(const BoxReader& reader, const Box& header)
+{
+    const auto version = knownVersion(reader, header);
+    if (!version)
+        return 0;
+    const FileOffset offset = trackIdOffset + (*version == 1 ? twoLongerTimes : 0);
+    return static_cast<std::uint32_t>(readBigEndian(reader.contentOf(header, 4, offset)));
 }
 
 bool isCompleteMovie(int file)

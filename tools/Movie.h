@@ -38,6 +38,9 @@ std::optional<Movie> readMovie(int file);
 /// The same. Sets `problem` to the reason for an empty result, such as "it is no MP4 file", else to "".
 std::optional<Movie> readMovie(int file, std::string& problem);
 
+/// The number of a track, from its header "tkhd"; 0 for a header of an unknown version.
+std::uint32_t trackNumber(const BoxReader& reader, const Box& header);
+
 /// Whether the file is such a movie with a video track. If ffmpeg decodes no frame, it succeeds and writes a
 /// movie without one.
 bool isCompleteMovie(int file);

@@ -2,6 +2,7 @@
 #include "tools/MovieMetadata.h"
 
 #include "tools/Boxes.h"
+#include "tools/Movie.h"
 
 #include <algorithm>
 #include <vector>
@@ -150,15 +151,7 @@ private:
             else if ((part.is("meta") && isSelfContained(part)) || (part.is("uuid") && m_isCopy))
                 metadata.boxes += bytesOf(part);
         }
-        m_metadata.tracks[numberOfTrack(*header)] = metadata;
-    }
-
-    std::uint32_t numberOfTrack(const Box& header) const
-    {
-        const std::string version = m_reader.contentOf(header, 1);
-        const FileOffset offset
-            = timesOffset + 2 * static_cast<FileOffset>(timeSize(version.empty() ? '\0' : version[0]));
-        return static_cast<std::uint32_t>(readBigEndian(m_reader.contentOf(header, 4, offset)));
+        m_metadata.tracks[trackNumber(m_reader, *header)] = metadata;
     }
 
     void readMedia(const Box& media, TrackMetadata& metadata)

@@ -87,24 +87,21 @@ UnitKind kindOf(unsigned int firstByte, bool isHevc)
 
 /// Reads the configuration in the first sample entry of "stsd". Empty for other codecs. Ignores bytes behind
 /// the last box of the entry, which QuickTime files contain.
-std::optional<NalFormat> nalFormatIn(const BoxReader& reader, const Box& formats)
+std::optional<NalFormat> nalFormatIn(BoxReader& reader, const Box& formats)
 {
-    constexpr FileOffset extensions = 8 + 8 + 78; // behind version and count, and the fields of a video entry
-    constexpr std::size_t mostEntryBytes = std::size_t(1) << 16U;
-    constexpr std::size_t boxHeader = 8;
-    const std::string bytes = reader.contentOf(formats, mostEntryBytes, extensions);
-    std::string_view rest = bytes;
-    while (rest.size() >= boxHeader) {
-        const std::uint64_t size = readBigEndian(rest.substr(0, 4));
-        if (size < boxHeader || size > rest.size())
-            break;
-        const std::string_view type = rest.substr(4, 4);
-        const std::string_view content = rest.substr(boxHeader, size - boxHeader);
-        const bool isHevc = type == "hvcC";
-        const std::size_t place = isHevc ? 21 : 4; // the last two bits are the size of the length minus one
-        if ((isHevc || type == "avcC") && content.size() > place)
-            return NalFormat{isHevc, (byteAt(content, place) & 3U) + 1};
-        rest.remove_prefix(size);
+    constexpr FileOffset versionAndCount = 8;
+    constexpr FileOffset fieldsOfVideo = 78;
+    const auto entries = reader.leadingBoxesIn(formats, versionAndCount);
+    if (entries.empty())
+        return std::nullopt;
+    for (const Box& part : reader.leadingBoxesIn(entries.front(), fieldsOfVideo)) {
+        const bool isHevc = part.is("hvcC");
+        if (!isHevc && !part.is("avcC"))
+            continue;
+        const FileOffset place = isHevc ? 21 : 4; // the last two bits are the size of the length minus one
+        const std::string byte = reader.contentOf(part, 1, place);
+        if (!byte.empty())
+            return NalFormat{isHevc, (byteAt(byte, 0) & 3U) + 1};
     }
     return std::nullopt;
 }

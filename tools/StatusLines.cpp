@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tools/StatusLines.h"
 
+#include "tools/WholeNumber.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -50,15 +51,6 @@ std::vector<std::string> takeLines(std::string& rest)
     }
 }
 
-std::optional<std::int64_t> wholeNumber(const std::string& text)
-{
-    std::int64_t number = 0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size() || number < 0)
-        return std::nullopt;
-    return number;
-}
-
 bool isTimeStampAt(const std::string& line, std::size_t place)
 {
     const std::string form = "00:00:00";
@@ -97,7 +89,7 @@ std::string ProgressReader::takeLine(const std::string& line)
 {
     if (startsWith(line, timeKey))
         m_microseconds = wholeNumber(line.substr(timeKey.size()));
-    if (!startsWith(line, blockEnd) || !m_microseconds)
+    if (!startsWith(line, blockEnd) || !m_microseconds || *m_microseconds < 0)
         return {};
     const std::string status = statusLine(*m_microseconds);
     m_microseconds.reset();

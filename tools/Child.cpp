@@ -195,7 +195,7 @@ std::string outputOfChild(ChildPlan plan, int& status, int stopDescriptor, std::
     if (child < 0)
         return {};
     const auto end = std::chrono::steady_clock::now() + longest;
-    ComplaintReader reader;
+    ErrorMessageReader reader;
     const auto report = [&plan](const std::string& lines) {
         if (!lines.empty())
             plan.onErrors(lines);

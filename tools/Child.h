@@ -17,7 +17,7 @@ struct ChildPlan {
     int input = -1; // the file that it may read; it opens the file by the path in its arguments and does not
                     // inherit the descriptor. Another file that replaces it at its path is not accessible.
     int output = -1; // the file that it may write; it inherits the descriptor under the same number
-    bool isProbe = false; // applies the resource limits of a report, see Reach
+    bool isProbe = false; // applies the resource limits of a report, see AccessRights
     std::function<void(const std::string& lines)>
         onErrors; // outputOfChild calls it with whole lines of its standard error; may be empty
 };

@@ -55,13 +55,13 @@ bool setLimits(bool isProbe)
 
 } // namespace
 
-Confinement confine(const Reach& reach)
+Confinement confine(const AccessRights& rights)
 {
     Confinement confinement;
     confinement.noNewPrivileges = ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0;
-    confinement.fileRules = restrictFiles(reach.program, reach.readable, reach.writable);
+    confinement.fileRules = restrictFiles(rights.program, rights.readable, rights.writable);
     confinement.callFilter = refuseCalls();
-    confinement.limits = setLimits(reach.isProbe); // last, because the limits also apply to the steps above
+    confinement.limits = setLimits(rights.isProbe); // last, because the limits also apply to the steps above
     return confinement;
 }
 

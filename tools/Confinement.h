@@ -4,7 +4,7 @@
 #include <string>
 
 /// What a tool can access besides the system's libraries.
-struct Reach {
+struct AccessRights {
     std::string program; // path of the tool itself
     std::string readable; // path of the file that it can read; empty for none
     int writable = -1; // descriptor of the file that it can write; -1 for none
@@ -21,7 +21,7 @@ struct Confinement {
 
 /// Drops the rights that a tool for untrusted files does not need, for this process and the program that it
 /// executes. Called in a child between fork and exec. Irreversible. Older kernels enforce fewer rules.
-Confinement confine(const Reach& reach);
+Confinement confine(const AccessRights& rights);
 
 /// Describes what confine enforces on this machine, one line per rule. Applies it in a child process.
 std::string describeConfinement();

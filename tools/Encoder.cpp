@@ -30,10 +30,10 @@ constexpr std::chrono::milliseconds graceAfterCancel(400);
 constexpr std::chrono::milliseconds longestSilence(450);
 
 /// Reads ffmpeg's two streams until both have ended and ffmpeg has exited. Forwards a cancel to it.
-class Listener
+class RunMonitor
 {
 public:
-    Listener(pid_t child, Stream& progress, Stream& errors, int output)
+    RunMonitor(pid_t child, Stream& progress, Stream& errors, int output)
         : m_child(child)
         , m_exit(openExitDescriptor(child))
         , m_progress(progress)
@@ -41,16 +41,16 @@ public:
         , m_writeback(output)
     {
     }
-    ~Listener() { ::close(m_exit); }
-    Listener(const Listener&) = delete;
-    Listener& operator=(const Listener&) = delete;
+    ~RunMonitor() { ::close(m_exit); }
+    RunMonitor(const RunMonitor&) = delete;
+    RunMonitor& operator=(const RunMonitor&) = delete;
 
-    void listen()
+    void waitForEnd()
     {
-        while (isListening() || !hasEnded(m_child)) {
+        while (hasOpenStreams() || !hasEnded(m_child)) {
             std::array<pollfd, 4> waiting = {{{m_progress.reading(), POLLIN, 0},
                 {m_errors.reading(), POLLIN, 0}, {m_killAt ? -1 : cancelDescriptor(), POLLIN, 0},
-                {isListening() ? -1 : m_exit, POLLIN, 0}}};
+                {hasOpenStreams() ? -1 : m_exit, POLLIN, 0}}};
             ::poll(waiting.data(), waiting.size(), timeout());
             m_writeback.advanceToEnd();
             if (m_killAt && Clock::now() >= *m_killAt) {
@@ -62,11 +62,11 @@ public:
             else if (m_progress.isOpen())
                 repeatReport();
             if (waiting[1].revents != 0)
-                writeComplaints(m_errorReader.read(m_errors.read()));
+                writeErrorMessages(m_errorReader.read(m_errors.read()));
             if (!m_killAt && isCancelled())
                 forwardCancel();
         }
-        writeComplaints(m_errorReader.rest());
+        writeErrorMessages(m_errorReader.rest());
     }
 
     /// Repeats the last status line if none was written for a while: some ffmpeg versions write slightly less
@@ -88,14 +88,14 @@ public:
     }
 
     /// Whether ffmpeg has written an error message.
-    bool hasComplained() const { return m_hasComplained; }
+    bool hasErrorMessage() const { return m_hasErrorMessage; }
 
     /// Whether a message of ffmpeg names a read or write error.
     bool hasNamedReadError() const { return m_hasNamedReadError; }
 
 private:
     /// ffmpeg can continue after it has closed its streams; a cancel must still reach it.
-    bool isListening() const { return m_progress.isOpen() || m_errors.isOpen(); }
+    bool hasOpenStreams() const { return m_progress.isOpen() || m_errors.isOpen(); }
 
     void report(const std::string& lines)
     {
@@ -106,9 +106,9 @@ private:
         m_reportedAt = Clock::now();
     }
 
-    void writeComplaints(const std::string& lines)
+    void writeErrorMessages(const std::string& lines)
     {
-        m_hasComplained = m_hasComplained || !lines.empty();
+        m_hasErrorMessage = m_hasErrorMessage || !lines.empty();
         m_hasNamedReadError = m_hasNamedReadError || namesReadError(lines);
         writeErrorLines(lines, cancelDescriptor());
     }
@@ -119,7 +119,7 @@ private:
     {
         if (m_killAt)
             return millisecondsUntil(*m_killAt);
-        if (!isListening())
+        if (!hasOpenStreams())
             return exitCheckInterval;
         const int silence = m_progress.isOpen() && !m_lastReport.empty() ? left(longestSilence) : INT_MAX;
         return std::min(silence, EarlyWriteback::interval);
@@ -143,8 +143,8 @@ private:
     Stream& m_errors;
     EarlyWriteback m_writeback;
     ProgressReader m_progressReader;
-    ComplaintReader m_errorReader;
-    bool m_hasComplained = false;
+    ErrorMessageReader m_errorReader;
+    bool m_hasErrorMessage = false;
     bool m_hasNamedReadError = false;
     std::string m_lastReport;
     Clock::time_point m_reportedAt;
@@ -152,11 +152,11 @@ private:
 };
 
 /// Succeeded if the input can be read to its end and has not changed.
-RunEnd checkInput(const InputFile& input, Listener& listener)
+RunEnd checkInput(const InputFile& input, RunMonitor& monitor)
 {
-    if (listener.hasComplained()) {
-        const auto end = input.readToEnd([&listener] {
-            listener.repeatReport();
+    if (monitor.hasErrorMessage()) {
+        const auto end = input.readToEnd([&monitor] {
+            monitor.repeatReport();
             return !isCancelled();
         });
         if (end == InputFile::ReadEnd::Stopped)
@@ -197,17 +197,17 @@ Run runOnce(const std::vector<std::string>& arguments, const InputFile& input, i
     errors.closeWriting();
     if (child < 0)
         return {RunEnd::Failed};
-    Listener listener(child, progress, errors, output);
-    listener.listen();
+    RunMonitor monitor(child, progress, errors, output);
+    monitor.waitForEnd();
     const int status = waitForChild(child);
     if (status == 0)
-        listener.finishWriteback();
+        monitor.finishWriteback();
     if (isCancelled())
         return {RunEnd::Cancelled};
-    const bool hasNamedReadError = listener.hasNamedReadError();
+    const bool hasNamedReadError = monitor.hasNamedReadError();
     if (status != 0 && !hasNamedReadError)
         return {RunEnd::Failed};
-    const RunEnd inputEnd = checkInput(input, listener);
+    const RunEnd inputEnd = checkInput(input, monitor);
     if (inputEnd != RunEnd::Succeeded)
         return {inputEnd};
     return {status == 0 ? RunEnd::Succeeded : RunEnd::Failed, hasNamedReadError};

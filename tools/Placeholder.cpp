@@ -19,7 +19,8 @@ constexpr int quality = 90; // no visible noise at the edges of the drawing
 constexpr JSAMPLE ground = 96;
 constexpr JSAMPLE drawing = 200;
 
-/// Large pictures are drawn in squares of several pixels, which nobody sees: windows show them reduced.
+/// The side, in pixels, of the squares in which the picture is drawn: several in a large picture. They are
+/// invisible, because the window scales the picture down.
 int sideOfSquare(int width, int height)
 {
     constexpr int finestSide = 2048;
@@ -108,6 +109,6 @@ std::string placeholderOf(const VideoFacts& video)
         longer = length;
     else
         shorter = static_cast<int>(std::round(shorter / factor));
-    const bool isOnItsSide = video.decoded && rotationTag(*video.decoded) % 180 == 90;
-    return isOnItsSide ? placeholderPicture(height, width) : placeholderPicture(width, height);
+    const bool isQuarterTurned = video.decoded && rotationTag(*video.decoded) % 180 == 90;
+    return isQuarterTurned ? placeholderPicture(height, width) : placeholderPicture(width, height);
 }

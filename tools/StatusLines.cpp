@@ -117,7 +117,7 @@ bool namesReadError(const std::string& messages)
         [&messages](int error) { return messages.find(std::strerror(error)) != std::string::npos; });
 }
 
-std::string ComplaintReader::read(const std::string& piece)
+std::string ErrorMessageReader::read(const std::string& piece)
 {
     m_rest += piece;
     std::string lines;
@@ -128,7 +128,7 @@ std::string ComplaintReader::read(const std::string& piece)
     return lines;
 }
 
-std::string ComplaintReader::rest()
+std::string ErrorMessageReader::rest()
 {
     return m_rest.empty() ? std::string() : withoutStatusMarks(std::exchange(m_rest, {})) + "\n";
 }

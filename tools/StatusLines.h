@@ -32,7 +32,7 @@ std::string withoutStatusMarks(std::string text);
 bool namesReadError(const std::string& messages);
 
 /// Splits ffmpeg's messages into whole lines and applies withoutStatusMarks.
-class ComplaintReader
+class ErrorMessageReader
 {
 public:
     /// The lines that the chunk completes, each with its end of line; empty if there is none.

@@ -39,7 +39,7 @@ void checkLines(const std::string& text, bool (*isRight)(const std::string&), co
     }
 }
 
-bool isComplaint(const std::string& line)
+bool isErrorMessage(const std::string& line)
 {
     return !line.empty() && line.find("time=") == std::string::npos
         && std::all_of(line.begin(), line.end(), [](char letter) { return letter >= ' ' && letter <= '~'; });
@@ -76,18 +76,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text = bytesOf(data, size);
     Choices choices(text);
     const std::string status = readWhole<ProgressReader>(text);
-    const std::string complaints = readWhole<ComplaintReader>(text);
+    const std::string errorMessages = readWhole<ErrorMessageReader>(text);
     checkLines(status, isStatusLine, "progress contains only status lines");
-    checkLines(complaints, isComplaint, "an error message is not a status line");
+    checkLines(errorMessages, isErrorMessage, "an error message is not a status line");
     verify(status == readInPieces<ProgressReader>(text, choices), "progress does not depend on the chunks");
-    verify(complaints == readInPieces<ComplaintReader>(text, choices),
+    verify(errorMessages == readInPieces<ErrorMessageReader>(text, choices),
         "error messages do not depend on the chunks");
-    verify(!elapsedSecondsFromChunk(complaints), "error messages contain no time");
+    verify(!elapsedSecondsFromChunk(errorMessages), "error messages contain no time");
     // Both use the same pipe, so a chunk may contain parts of each.
-    const auto elapsed = elapsedSecondsFromChunk(complaints + statusLine(1000000));
+    const auto elapsed = elapsedSecondsFromChunk(errorMessages + statusLine(1000000));
     verify(elapsed == 1.0, "an error message is not read as a time");
     if (!status.empty())
-        verify(elapsedSecondsFromChunk(complaints + status) == elapsedSecondsFromChunk(status),
+        verify(elapsedSecondsFromChunk(errorMessages + status) == elapsedSecondsFromChunk(status),
             "the time is that of the first status line");
     return 0;
 }

@@ -46,9 +46,9 @@ TEST(ChildOutputTest, aChildThatFloodsItsOutputIsKilled)
 TEST(ChildOutputTest, aReportHasLittleProcessorTimeAndAnEncodingHasAny)
 {
     const auto timeOf = [](bool isProbe) {
-        Reach reach;
-        reach.isProbe = isProbe;
-        confine(reach);
+        AccessRights rights;
+        rights.isProbe = isProbe;
+        confine(rights);
         rlimit limit = {};
         ::getrlimit(RLIMIT_CPU, &limit);
         return limit.rlim_cur;

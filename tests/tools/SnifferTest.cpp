@@ -116,7 +116,7 @@ TEST_F(SnifferTest, aReportInPiecesComesThrough)
     EXPECT_EQ(output(), "{\"streams\": []}");
 }
 
-TEST_F(SnifferTest, complaintsOfFfprobeComeThrough)
+TEST_F(SnifferTest, errorMessagesOfFfprobeAreWritten)
 {
     EXPECT_EQ(run("error something is odd\\n\nprint {}\n"), 0);
     EXPECT_EQ(errors(), "something is odd\n");

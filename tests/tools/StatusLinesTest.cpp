@@ -31,9 +31,9 @@ std::string read(const std::string& text)
     return reader.read(text);
 }
 
-std::string complaint(const std::string& text)
+std::string errorMessages(const std::string& text)
 {
-    ComplaintReader reader;
+    ErrorMessageReader reader;
     return reader.read(text);
 }
 
@@ -86,7 +86,7 @@ class ProgressTextTest : public testing::TestWithParam<TextRow>
 {
 };
 
-class ComplaintTextTest : public testing::TestWithParam<TextRow>
+class ErrorMessageTextTest : public testing::TestWithParam<TextRow>
 {
 };
 
@@ -95,9 +95,9 @@ TEST_P(ProgressTextTest, hasTheseStatusLines)
     EXPECT_EQ(read(GetParam().text), GetParam().lines);
 }
 
-TEST_P(ComplaintTextTest, hasTheseErrorLines)
+TEST_P(ErrorMessageTextTest, hasTheseErrorLines)
 {
-    EXPECT_EQ(complaint(GetParam().text), GetParam().lines);
+    EXPECT_EQ(errorMessages(GetParam().text), GetParam().lines);
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, ProgressTextTest,
@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, ProgressTextTest,
         TextRow{"aLineWithoutItsEnd", "out_time_us=1000000\nprogress=continue", ""}),
     rowName);
 
-INSTANTIATE_TEST_SUITE_P(Texts, ComplaintTextTest,
+INSTANTIATE_TEST_SUITE_P(Texts, ErrorMessageTextTest,
     testing::Values(TextRow{"wholeLines", "one\ntwo\n", "one\ntwo\n"},
         TextRow{"emptyLines", "one\r\ntwo\r\n\n", "one\ntwo\n"}, TextRow{"aLineWithoutItsEnd", "half", ""},
         TextRow{"aTimeCode", "time code 01:00:00:00 is wrong\n", "time code 01.00.00:00 is wrong\n"},
@@ -161,39 +161,39 @@ TEST(ProgressReaderTest, aFloodWithoutAnEndOfLineIsDropped)
     EXPECT_EQ(reader.read("\n" + block("1000000")), "time=00:00:01.00\n");
 }
 
-TEST(ComplaintReaderTest, noLineCanBeTakenForAStatusLine)
+TEST(ErrorMessageReaderTest, noLineCanBeTakenForAStatusLine)
 {
     for (const std::string text : {"time=00:00:01.00", "title: x time=00:00:99.99 y", "time=time=time=",
              "ttime=ime=", "time=\ttime=", "time=N/A", "out_time=00:00:01", "time==", "titime=me="}) {
         SCOPED_TRACE(text);
-        const std::string line = complaint(text + "\n");
+        const std::string line = errorMessages(text + "\n");
         EXPECT_EQ(line.find("time="), std::string::npos);
         EXPECT_EQ(line.size(), text.size() + 1);
     }
 }
 
-TEST(ComplaintReaderTest, aMarkThatIsCutAtAnyByteDoesNotGetThrough)
+TEST(ErrorMessageReaderTest, aMarkThatIsCutAtAnyByteDoesNotGetThrough)
 {
     const std::string text = "a time=00:00:01.00 b\ntime=5\n";
     for (std::size_t first = 0; first <= text.size(); ++first) {
-        ComplaintReader reader;
+        ErrorMessageReader reader;
         const std::string begin = reader.read(text.substr(0, first));
         EXPECT_EQ(begin + reader.read(text.substr(first)), "a time:00.00:01.00 b\ntime:5\n") << first;
     }
 }
 
-TEST(ComplaintReaderTest, theSizesOfThePiecesOfALongLineChangeNothing)
+TEST(ErrorMessageReaderTest, theSizesOfThePiecesOfALongLineChangeNothing)
 {
     const std::string text = std::string(longestLine + 900, 'x') + "end\n";
-    ComplaintReader reader;
+    ErrorMessageReader reader;
     const std::string begin = reader.read(text.substr(0, longestLine + 400));
-    EXPECT_EQ(begin + reader.read(text.substr(longestLine + 400)), complaint(text));
+    EXPECT_EQ(begin + reader.read(text.substr(longestLine + 400)), errorMessages(text));
 }
 
-TEST(ComplaintReaderTest, marksInALineOfAnyLengthDoNotGetThrough)
+TEST(ErrorMessageReaderTest, marksInALineOfAnyLengthDoNotGetThrough)
 {
     for (std::size_t before = longestLine - 8; before < longestLine + 3; ++before) {
-        ComplaintReader reader;
+        ErrorMessageReader reader;
         std::string lines = reader.read(std::string(before, 'x') + "time=00:00:01.00");
         lines += reader.read(std::string(3 * longestLine, 'y') + "\n");
         EXPECT_EQ(lines.find("time="), std::string::npos) << before;
@@ -201,19 +201,19 @@ TEST(ComplaintReaderTest, marksInALineOfAnyLengthDoNotGetThrough)
     }
 }
 
-TEST(ComplaintReaderTest, onlyPrintableCharactersComeThrough)
+TEST(ErrorMessageReaderTest, onlyPrintableCharactersComeThrough)
 {
     std::string all;
     for (int byte = 0; byte < 256; ++byte)
         all += static_cast<char>(byte);
-    for (const char byte : complaint(all + "\n"))
+    for (const char byte : errorMessages(all + "\n"))
         EXPECT_TRUE((byte >= ' ' && byte <= '~') || byte == '\n') << static_cast<int>(byte);
 }
 
-TEST(ComplaintReaderTest, aFloodBecomesLinesThatAreWrittenInOnePiece)
+TEST(ErrorMessageReaderTest, aFloodBecomesLinesThatAreWrittenInOnePiece)
 {
     constexpr std::size_t pipeBuffer = 4096; // the largest size of an atomic write to a pipe
-    ComplaintReader reader;
+    ErrorMessageReader reader;
     std::size_t passed = 0;
     std::size_t longest = 0;
     for (int piece = 0; piece < 100; ++piece) {

@@ -50,7 +50,7 @@ Pipe makePipe()
     return {ends[0], ends[1]};
 }
 
-pid_t start(const Command& command, int output, int complaints)
+pid_t start(const Command& command, int output, int errorMessages)
 {
     std::vector<char*> arguments;
     for (const auto& argument : command)
@@ -60,7 +60,7 @@ pid_t start(const Command& command, int output, int complaints)
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    ::posix_spawn_file_actions_adddup2(&actions, complaints, STDERR_FILENO);
+    ::posix_spawn_file_actions_adddup2(&actions, errorMessages, STDERR_FILENO);
     pid_t child = -1;
     const int error = ::posix_spawn(&child, command[0].c_str(), &actions, nullptr, arguments.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
@@ -133,19 +133,19 @@ std::string bytesOf(const MatrixNumbers& numbers)
 Outcome run(const Command& command)
 {
     const Pipe output = makePipe();
-    const Pipe complaints = makePipe();
-    const pid_t child = start(command, output.writing, complaints.writing);
+    const Pipe errorMessages = makePipe();
+    const pid_t child = start(command, output.writing, errorMessages.writing);
     ::close(output.writing);
-    ::close(complaints.writing);
+    ::close(errorMessages.writing);
     Outcome outcome;
-    std::array<pollfd, 2> streams = {{{output.reading, POLLIN, 0}, {complaints.reading, POLLIN, 0}}};
+    std::array<pollfd, 2> streams = {{{output.reading, POLLIN, 0}, {errorMessages.reading, POLLIN, 0}}};
     while (streams[0].fd >= 0 || streams[1].fd >= 0) {
         ::poll(streams.data(), streams.size(), -1);
         readPiece(streams[0], outcome.output);
-        readPiece(streams[1], outcome.complaints);
+        readPiece(streams[1], outcome.errorMessages);
     }
     ::close(output.reading);
-    ::close(complaints.reading);
+    ::close(errorMessages.reading);
     int status = 0;
     if (child < 0 || ::waitpid(child, &status, 0) != child)
         outcome.status = cannotBeRun;
@@ -209,7 +209,7 @@ void makeMovie(const std::string& path, const Recipe& recipe)
         "lavfi", "-i", "sine=frequency=440:duration=2", "-c:v", recipe.encoder, "-q:v", "2", "-pix_fmt",
         "yuv420p", "-c:a", "aac", "-y", path});
     if (outcome.status != 0)
-        std::fprintf(stderr, "%s", outcome.complaints.c_str());
+        std::fprintf(stderr, "%s", outcome.errorMessages.c_str());
 }
 
 MatrixNumbers numbersOf(const Matrix& m, int width, int height)

@@ -18,7 +18,7 @@ using Command = std::vector<std::string>;
 struct Outcome {
     int status = 0;
     std::string output;
-    std::string complaints;
+    std::string errorMessages;
 };
 
 /// Runs a program, named by its path, to its end. Its standard input is empty.

@@ -228,8 +228,8 @@ private:
         const Outcome outcome = run(
             {m_creator, "-v", "quiet", "-ss", position, "-i", m_input, "-frames:v", "1", "-y", m_stillPath});
         m_tally.add("the still at " + position + " goes well",
-            outcome.status == 0 && outcome.complaints.empty(),
-            "exit status " + std::to_string(outcome.status) + ", " + outcome.complaints);
+            outcome.status == 0 && outcome.errorMessages.empty(),
+            "exit status " + std::to_string(outcome.status) + ", " + outcome.errorMessages);
         Picture picture = decodedFrame(m_stillPath, beginning);
         std::filesystem::remove(m_stillPath);
         return picture;
@@ -259,8 +259,8 @@ private:
         Command command = {m_creator};
         command.insert(command.end(), arguments.begin(), arguments.end());
         const Outcome outcome = run(command);
-        m_tally.add(cell + ": goes well", outcome.status == 0 && isStatus(outcome.complaints),
-            "exit status " + std::to_string(outcome.status) + ", standard error \"" + outcome.complaints
+        m_tally.add(cell + ": goes well", outcome.status == 0 && isStatus(outcome.errorMessages),
+            "exit status " + std::to_string(outcome.status) + ", standard error \"" + outcome.errorMessages
                 + "\"");
         return decodedFrame(m_output, m_middle);
     }

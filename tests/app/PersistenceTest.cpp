@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The built program leaves the user's folders as they are and reads no setting from them.
+#include "tests/support/EnvironmentValue.h"
 #include "tests/support/ExternalProgram.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"
@@ -22,25 +23,6 @@ namespace
 
 constexpr const char* userFolders[]
     = {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"};
-
-/// Sets a variable of the environment for its lifetime.
-class EnvironmentValue
-{
-public:
-    EnvironmentValue(const char* name, const std::string& value)
-        : m_name(name)
-        , m_earlier(qgetenv(name))
-    {
-        qputenv(name, QByteArray::fromStdString(value));
-    }
-    ~EnvironmentValue() { m_earlier.isNull() ? qunsetenv(m_name) : qputenv(m_name, m_earlier); }
-    EnvironmentValue(const EnvironmentValue&) = delete;
-    EnvironmentValue& operator=(const EnvironmentValue&) = delete;
-
-private:
-    const char* m_name;
-    QByteArray m_earlier;
-};
 
 /// Sets the working directory for its lifetime.
 class WorkingDirectory

@@ -48,14 +48,16 @@ public:
         QDBusConnection::sessionBus().send(response);
     }
 
-    /// An option of the last request as bytes; the portal's texts of bytes end with NUL.
+    /// An option of the last request as bytes; the portal's texts of bytes end with NUL. Empty if it is
+    /// absent.
     std::string option(const char* name) const
     {
-        const QVariant value
-            = qdbus_cast<QVariantMap>(requests().last().arguments().at(2)).value(QString::fromLatin1(name));
+        const QVariant value = options().value(QString::fromLatin1(name));
         return value.userType() == QMetaType::QByteArray ? value.toByteArray().constData()
                                                          : value.toString().toStdString();
     }
+
+    bool hasOption(const char* name) const { return options().contains(QString::fromLatin1(name)); }
 
 private:
     static QString handle(qsizetype number)
@@ -73,6 +75,9 @@ private:
         return found;
     }
 
+    /// Of the last request.
+    QVariantMap options() const { return qdbus_cast<QVariantMap>(requests().last().arguments().at(2)); }
+
     // On the service's thread.
     QDBusMessage reply(const QDBusMessage& call)
     {
@@ -85,23 +90,6 @@ private:
 
     qsizetype m_handles = 0;
     BusService m_service;
-};
-
-/// Sets a variable for the programs that are started during its lifetime.
-class EnvironmentValue
-{
-public:
-    EnvironmentValue(const char* name, const std::string& value)
-        : m_name(name)
-    {
-        qputenv(name, QByteArray::fromStdString(value));
-    }
-    ~EnvironmentValue() { qunsetenv(m_name); }
-    EnvironmentValue(const EnvironmentValue&) = delete;
-    EnvironmentValue& operator=(const EnvironmentValue&) = delete;
-
-private:
-    const char* m_name;
 };
 
 } // namespace tarnwell::test

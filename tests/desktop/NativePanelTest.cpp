@@ -4,6 +4,7 @@
 #include "platform/FileURL.h"
 #include "platform/TemporaryDirectory.h"
 #include "tests/desktop/FakePortal.h"
+#include "tests/support/EnvironmentValue.h"
 #include "tests/support/ExternalProgram.h"
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"

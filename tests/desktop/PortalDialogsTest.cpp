@@ -2,6 +2,7 @@
 // Which file dialogs the built program shows on which desktop. Debian's themes for GTK 3 and for the portal
 // are installed, those of KDE and LXQt are not.
 #include "tests/desktop/FakePortal.h"
+#include "tests/support/EnvironmentValue.h"
 #include "tests/support/ExternalProgram.h"
 
 #include <optional>
@@ -87,13 +88,15 @@ TEST_F(PortalDialogsTest, withoutAPortalAnotherDialogIsShown)
     }
 }
 
-TEST_F(PortalDialogsTest, aPortalWithoutFileDialogsIsNotUsed)
+TEST_F(PortalDialogsTest, aPortalWithoutFileDialogsOrWithoutAnAnswerIsNotUsed)
 {
-    const BusService portal(QStringLiteral("org.freedesktop.portal.Desktop"),
-        QStringLiteral("/org/freedesktop/portal/desktop"), BusService::refusal);
-    const EnvironmentValue desktop("XDG_CURRENT_DESKTOP", "sway");
-    expectOwnPanel();
-    EXPECT_FALSE(portal.calls().isEmpty());
+    for (const auto& answer : {BusService::refusal, BusService::silence}) {
+        const BusService portal(QStringLiteral("org.freedesktop.portal.Desktop"),
+            QStringLiteral("/org/freedesktop/portal/desktop"), answer);
+        const EnvironmentValue desktop("XDG_CURRENT_DESKTOP", "sway");
+        expectOwnPanel();
+        EXPECT_FALSE(portal.calls().isEmpty());
+    }
 }
 
 } // namespace tarnwell::test

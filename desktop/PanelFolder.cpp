@@ -2,6 +2,7 @@
 #include "desktop/PanelFolder.h"
 
 #include "desktop/PathText.h"
+#include "platform/Sandbox.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -38,6 +39,8 @@ QString PanelFolder::path() const
 {
     if (isFolder(m_lastFolder))
         return m_lastFolder;
+    if (Sandbox::isInside())
+        return {};
     const QString videos = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
     return isFolder(videos) ? videos : QDir::homePath();
 }

@@ -21,7 +21,8 @@ void disablePanelSettings();
 /// after the panel has closed.
 using PathHandler = std::function<void(std::optional<std::string> path)>;
 
-/// Asks for one existing file of any type in a sheet on `window`. The panel starts in `folder`.
+/// Asks for one existing file of any type in a sheet on `window`. The panel starts in `folder`;
+/// if that is empty, a portal chooses the folder.
 void beginOpenPanel(QWidget& window, SheetQueue& sheets, const QString& folder, PathHandler handler);
 
 /// Asks for the path of an MP4 file to write in a sheet on `window`. Proposes `name`, given without

@@ -27,6 +27,8 @@ QString withHomeFolder(const QString& text)
 PathPanel::PathPanel(QWidget* window, const QString& folder)
     : QFileDialog(window, QString(), folder)
 {
+    if (folder.isEmpty())
+        setDirectory(folder); // QFileDialog's constructor uses the working directory
 }
 
 std::optional<std::string> PathPanel::chosenPath() const
@@ -95,7 +97,9 @@ SavePanel::SavePanel(QWidget* window, const QString& folder, const QString& name
     setNameFilter(tr("MPEG-4 video (*.mp4)"));
     // A native dialog would ask about the name without the extension.
     setOption(DontConfirmOverwrite, !arePortalDialogsUsed());
-    selectFile(Sandbox::isInside() ? withOutputExtension(name) : name);
+    const QString proposed = Sandbox::isInside() ? withOutputExtension(name) : name;
+    // Without a folder Qt does not pass a relative path to the portal, which uses the name only.
+    selectFile(folder.isEmpty() ? u'/' + proposed : proposed);
 }
 
 void SavePanel::accept()

@@ -22,6 +22,7 @@ class PathPanel : public QFileDialog
     // name in the meta-object is QFileDialog.
 
 public:
+    /// Starts in `folder`. If that is empty, a portal chooses the folder.
     PathPanel(QWidget* window, const QString& folder);
 
     /// The chosen path, raw bytes; empty before the panel was accepted.

@@ -7,6 +7,7 @@
 #include "tests/support/EnvironmentValue.h"
 #include "tests/support/ExternalProgram.h"
 #include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/support/Samples.h"
 #include "tests/support/Waiting.h"
 
@@ -111,6 +112,17 @@ TEST_F(NativePanelTest, aMissingFolderIsReportedAndThePanelShownAgain)
     m_portal.waitForRequests(3);
     m_portal.answer("");
     m_program.waitForWindow("Tarnwell");
+}
+
+TEST(SandboxedPanelTest, thePortalChoosesTheFolder)
+{
+    FakePortal portal;
+    const EnvironmentValue theme("QT_QPA_PLATFORMTHEME", "xdgdesktopportal");
+    const ExternalProgram program(TARNWELL_BUILD_FOLDER "/tests/sandboxedSave");
+    portal.waitForRequests(1);
+    EXPECT_FALSE(portal.hasOption("current_folder")) << portal.option("current_folder");
+    EXPECT_FALSE(portal.hasOption("current_file")) << portal.option("current_file");
+    EXPECT_EQ(portal.option("current_name"), "Rotated.mp4");
 }
 
 } // namespace tarnwell::test

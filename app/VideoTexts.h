@@ -14,7 +14,8 @@ namespace tarnwell
 class FileProbe;
 
 /// The texts of the main window about the open video: the window's title with its name and the progress of a
-/// save, the line below the picture, and the picture's accessible description. Main thread.
+/// save, the line below the picture, and the picture's accessible description. A refused file changes none of
+/// them. Main thread.
 class VideoTexts
 {
 public:

@@ -70,7 +70,7 @@ Alert failedDropAlert()
 Alert failedOpenAlert()
 {
     return refusalAlert("Seems like something went wrong!",
-        "The desktop did not pass on a path of the file. Please open it with File ▸ Open.");
+        "The desktop did not pass on the file. Please open it with File ▸ Open.");
 }
 
 Alert failureAlert()

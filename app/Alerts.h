@@ -27,7 +27,8 @@ Alert changedInputAlert();
 /// For a drop whose files the desktop did not pass on.
 Alert failedDropAlert();
 
-/// For a request of the desktop to open a file that has no path on this machine.
+/// For a request of the desktop to open a file that has no path on this machine, or that the program cannot
+/// see.
 Alert failedOpenAlert();
 
 /// For an export that left no valid video.

@@ -47,10 +47,10 @@ void Application::open(const std::string& uri)
         if (!m_interface.takesActions())
             return;
         const auto path = localPath(QByteArray::fromStdString(uri));
-        if (!path)
-            m_delegate->openFailed();
-        else if (isExistingFile(*path))
+        if (path && isExistingFile(*path))
             m_delegate->analyzeFile(FileURL(*path));
+        else
+            m_delegate->openFailed();
     };
     QMetaObject::invokeMethod(m_delegate.get(), analyze, Qt::QueuedConnection);
 }

@@ -29,8 +29,9 @@ public:
     void reopen();
 
     /// Analyses the file with that URI as if it were dropped on the window, after control returns to the
-    /// event loop. Does nothing if a sheet is shown or a tool runs then, or if the path has no file. Shows an
-    /// alert if the URI has no path on this machine.
+    /// event loop. Does nothing if a sheet is shown or a tool runs then. Shows an alert if the URI has no path
+    /// on this machine, or the path no file that the program can see: the sandbox hides files that are not
+    /// granted.
     void open(const std::string& uri);
 
     /// Ends the program as the menu item does. While a tool analyses a file, ends it at once: the analysis,

@@ -27,6 +27,13 @@ void beginPanel(PathPanel* panel, SheetQueue& sheets, PathHandler handler)
     });
 }
 
+/// The folder in which a panel asks again. In the sandbox, where the path is the portal's, the portal
+/// chooses.
+QString folderToAskAgain(const QString& chosenFolder)
+{
+    return Sandbox::isInside() ? QString() : chosenFolder;
+}
+
 /// Shows the message or question about a path that a native panel has returned. Begins the panel again unless
 /// the answer is to replace the file.
 void beginOutputPathBox(
@@ -39,7 +46,7 @@ void beginOutputPathBox(
         if (button == QMessageBox::Yes)
             answer(pathOfText(output));
         else
-            beginSavePanel(window, sheets, chosen.path(), chosen.fileName(), answer);
+            beginSavePanel(window, sheets, folderToAskAgain(chosen.path()), chosen.fileName(), answer);
     });
 }
 
@@ -53,7 +60,7 @@ void examineNativeChoice(QWidget& window, SheetQueue& sheets, const QString& pat
     const bool isGrantMissing
         = Sandbox::isInside() && output != path; // the portal grants the chosen name only
     if (isGrantMissing)
-        beginSavePanel(window, sheets, chosen.path(), chosen.fileName(), handler);
+        beginSavePanel(window, sheets, folderToAskAgain(chosen.path()), chosen.fileName(), handler);
     else if (state == OutputPath::IsFolder)
         beginSavePanel(window, sheets, output, chosen.fileName(), handler);
     else if (state == OutputPath::Usable || (state == OutputPath::Exists && hasPanelAsked))

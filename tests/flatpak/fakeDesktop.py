@@ -105,8 +105,10 @@ class FakeDesktop:
         return options
 
     def cancel(self, method):
-        self.wait_for_dialog(method)
+        """Returns the program's options."""
+        options = self.wait_for_dialog(method)
         self._answer(1, {})
+        return options
 
     def forget_dialogs(self):
         """Forgets dialogs of an app that has ended."""

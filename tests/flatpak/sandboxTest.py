@@ -99,6 +99,24 @@ class SandboxTest(SandboxCase):
         self.assertEqual(videos.digest(output), older)
         self.assertEqual(self.files_in(disk), [output])
 
+    def assert_starts_in_a_folder_of_the_user(self, options):
+        """In the portal's own choice or in that of the open video, and not in a folder that only the app sees."""
+        folder = bytes(options.get("current_folder", [])).rstrip(b"\0").decode()
+        self.assertIn(folder, ("", str(self.videos)))
+
+    def test_panels_start_in_a_folder_of_the_user(self):
+        self.open_and_turn()
+        self.app.keys("ctrl+o")
+        self.assert_starts_in_a_folder_of_the_user(self.desktop.cancel("OpenFile"))
+        self.app.wait_for_window()
+        self.app.keys("ctrl+s")
+        self.assert_starts_in_a_folder_of_the_user(self.desktop.choose("SaveFile", self.videos / "Rotated"))
+        self.assert_starts_in_a_folder_of_the_user(self.desktop.choose("SaveFile", self.videos / "Rotated.mp4"))
+        self.app.press("Fix Flag")
+        self.app.dismiss(SUCCESS)
+        self.app.keys("ctrl+s")
+        self.assert_starts_in_a_folder_of_the_user(self.desktop.cancel("SaveFile"))
+
     # One file by several grants
 
     def test_the_input_chosen_as_output_is_refused(self):

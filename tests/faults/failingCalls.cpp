@@ -137,6 +137,13 @@ bool isFolder(int file)
         return failing(error);                                                                               \
     static const auto really = real<decltype(&::call##64)>(#call "64")
 
+/// Defines the argument after `last` of a function with variable arguments.
+#define READ_ARGUMENT(type, name, last)                                                                      \
+    va_list rest;                                                                                            \
+    va_start(rest, last);                                                                                    \
+    const auto name = va_arg(rest, type);                                                                    \
+    va_end(rest)
+
 extern "C" {
 
 /// Starts or stops counting calls. With TARNWELL_COUNT_ON_REQUEST in the environment, no call counts before
@@ -213,10 +220,7 @@ off64_t lseek64(int file, off64_t offset, int from) noexcept
 
 int ioctl(int file, unsigned long request, ...) noexcept
 {
-    va_list rest;
-    va_start(rest, request);
-    void* argument = va_arg(rest, void*);
-    va_end(rest);
+    READ_ARGUMENT(void*, argument, request);
     FAIL_OR(ioctl, EIO);
     if (request == FICLONE && std::getenv("TARNWELL_CLONE_WAITS_FOR") != nullptr)
         return clone(file, static_cast<int>(reinterpret_cast<std::intptr_t>(argument)));
@@ -299,20 +303,14 @@ int fstat64(int file, struct stat64* status) noexcept
 
 int open(const char* path, int flags, ...)
 {
-    va_list rest;
-    va_start(rest, flags);
-    const auto mode = va_arg(rest, mode_t);
-    va_end(rest);
+    READ_ARGUMENT(mode_t, mode, flags);
     FAIL_OR(open, EMFILE);
     return really(path, flags, mode);
 }
 
 int open64(const char* path, int flags, ...)
 {
-    va_list rest;
-    va_start(rest, flags);
-    const auto mode = va_arg(rest, mode_t);
-    va_end(rest);
+    READ_ARGUMENT(mode_t, mode, flags);
     FAIL_OR_64(open, EMFILE);
     return really(path, flags, mode);
 }
@@ -348,10 +346,7 @@ int ftruncate64(int file, off64_t size) noexcept
 
 int openat64(int folder, const char* path, int flags, ...)
 {
-    va_list rest;
-    va_start(rest, flags);
-    const auto mode = va_arg(rest, mode_t);
-    va_end(rest);
+    READ_ARGUMENT(mode_t, mode, flags);
     FAIL_OR_64(openat, EMFILE);
     return really(folder, path, flags, mode);
 }

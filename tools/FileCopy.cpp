@@ -53,7 +53,10 @@ private:
             begin = dataAfter(end);
         }
         // Sets the size of a file that ends with a hole.
-        return ::ftruncate(m_target, m_size) == 0 ? CopyEnd::Copied : CopyEnd::Failed;
+        if (::ftruncate(m_target, m_size) != 0)
+            return CopyEnd::Failed;
+        const bool isFinished = m_writeback.finish([this] { return m_progress(m_size); });
+        return isFinished ? CopyEnd::Copied : CopyEnd::Cancelled;
     }
 
     /// The offset of the next data at or after `offset`. On file systems without holes this is `offset`.

@@ -15,8 +15,8 @@ namespace tarnwell
 /// reader) or if the queue contains 16 MiB: then the newest line is dropped.
 ///
 /// exit and quick_exit wait until the queue is empty: at most 2 seconds for one line and 10 seconds in all.
-/// abort does not wait. The end of the process
-/// can cut a line that is longer than a pipe's atomic size (PIPE_BUF); nothing else cuts lines.
+/// abort does not wait. The end of the process can cut a line that is longer than a pipe's atomic size
+/// (PIPE_BUF); nothing else cuts lines.
 void printLine(std::string_view line);
 
 } // namespace tarnwell

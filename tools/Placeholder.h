@@ -5,7 +5,7 @@
 
 #include <string>
 
-/// A JPEG picture in grey of a struck-out film, so that nobody takes it for a frame of the video. A side
+/// A JPEG picture in grey of a struck-out film, so that it is not mistaken for a frame. A side
 /// outside 1 to 65500, the limits of decoders, is set to the limit. A picture of more than mostStillPixels is
 /// scaled down.
 std::string placeholderPicture(int width, int height);

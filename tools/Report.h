@@ -17,8 +17,8 @@ std::string withTrueRotation(const std::string& report);
 /// The main video stream of a JSON report: the first one that has a frame rate and is no attached picture,
 /// such as those of chapters; else the first one with a frame rate; else the first one.
 struct VideoFacts {
-    /// The tag "rotate" that withTrueRotation sets, 0 for none. It is that of the first stream with a frame
-    /// rate, which can be an attached picture, because a requested flag is relative to this tag.
+    /// The tag "rotate" that withTrueRotation sets, 0 for none. Taken from the first stream with a frame
+    /// rate, even an attached picture: the application computes the flag relative to this tag.
     int rotation = 0;
     std::optional<DisplayMatrix> decoded; // the matrix that decoders apply
     int width = 0; // coded pixels; 0 if unknown

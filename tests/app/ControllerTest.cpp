@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
+#include "tests/support/RealInput.h"
 
 #include <QAction>
 #include <QDialog>

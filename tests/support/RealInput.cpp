@@ -207,6 +207,11 @@ QPoint screenPosition(QWidget& widget)
     return screenPosition(widget, widget.rect().center());
 }
 
+bool isOnTop(const QWidget& window)
+{
+    return QApplication::topLevelAt(window.geometry().center()) == &window;
+}
+
 void realClick(QWidget& widget, QPoint point)
 {
     clickOpenly(widget, point, DoubleClickInterval::none);

@@ -14,6 +14,9 @@ namespace tarnwell::test
 // them, or no window does. Each function returns when the program has received and handled the input, and
 // fails the test if no window of the program receives it. The main thread processes events during the wait.
 
+/// Whether no other window covers the centre of this one.
+bool isOnTop(const QWidget& window);
+
 /// Clicks at the point of the widget. No other window may cover it.
 void realClick(QWidget& widget, QPoint point);
 

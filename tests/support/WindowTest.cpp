@@ -79,28 +79,7 @@ void clickButton(Dialog& dialog, const char* buttonText, CallSite site)
         "the end of the alert", [&answered] { return answered.isNull() || !answered->isVisible(); }, site);
 }
 
-constexpr const char* temporaryFolderVariable = "TMPDIR";
-
 } // namespace
-
-OwnTemporaryFolder::OwnTemporaryFolder()
-    : m_earlier(qgetenv(temporaryFolderVariable))
-{
-    qputenv(temporaryFolderVariable, QByteArray::fromStdString(path()));
-}
-
-OwnTemporaryFolder::~OwnTemporaryFolder()
-{
-    if (m_earlier.isNull())
-        qunsetenv(temporaryFolderVariable);
-    else
-        qputenv(temporaryFolderVariable, m_earlier);
-}
-
-bool isOnTop(const QWidget& window)
-{
-    return QApplication::topLevelAt(window.geometry().center()) == &window;
-}
 
 ToolContext realTools()
 {

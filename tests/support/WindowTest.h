@@ -4,18 +4,16 @@
 #include "app/Application.h"
 #include "desktop/AlertDialog.h"
 #include "desktop/PathPanel.h"
-#include "platform/TemporaryDirectory.h"
 #include "platform/ToolContext.h"
 #include "tests/support/Keyboard.h"
+#include "tests/support/OwnTemporaryFolder.h"
 #include "tests/support/Waiting.h"
 
-#include <QByteArray>
 #include <QString>
 
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 
 class QAction;
@@ -23,26 +21,6 @@ class QMimeData;
 
 namespace tarnwell::test
 {
-
-/// Sets a separate temporary folder for this process during its lifetime.
-class OwnTemporaryFolder
-{
-public:
-    OwnTemporaryFolder();
-    ~OwnTemporaryFolder();
-    OwnTemporaryFolder(const OwnTemporaryFolder&) = delete;
-    OwnTemporaryFolder& operator=(const OwnTemporaryFolder&) = delete;
-
-    /// Without a trailing slash.
-    std::string path() const { return m_folder.path().substr(0, m_folder.path().size() - 1); }
-
-private:
-    TemporaryDirectory m_folder;
-    QByteArray m_earlier;
-};
-
-/// Whether no other window covers the centre of this one.
-bool isOnTop(const QWidget& window);
 
 /// The real window of the program with tools that the test chooses, operated by object names, keys and
 /// clicks. A function that does not find an element, or exceeds the limit of a wait, fails and ends the test.
@@ -95,8 +73,7 @@ protected:
 
     bool isProgressShown();
 
-    /// Drops the file on the picture area and returns after its analysis. Returns whether the drop was
-    /// accepted.
+    /// Drops the file on the picture area, waits for its analysis, and returns whether it was accepted.
     bool drop(const std::string& path);
     bool drop(const QMimeData& data);
 

@@ -8,11 +8,9 @@
 #include "tools/StatusLines.h"
 #include "tools/Stream.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <climits>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
@@ -27,7 +25,6 @@ namespace
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds graceAfterCancel(400);
-constexpr std::chrono::milliseconds longestSilence(450);
 
 /// Reads ffmpeg's two streams until both have ended and ffmpeg has exited. Forwards a cancel to it.
 class RunMonitor
@@ -57,10 +54,11 @@ public:
                 ::kill(m_child, SIGKILL);
                 break;
             }
+            // Some ffmpeg versions write slightly fewer than two status lines per second.
             if (waiting[0].revents != 0)
-                report(m_progressReader.read(m_progress.read()));
+                writeErrorLines(m_progressReader.read(m_progress.read()), cancelDescriptor());
             else if (m_progress.isOpen())
-                repeatReport();
+                repeatStatusLine(cancelDescriptor());
             if (waiting[1].revents != 0)
                 writeErrorMessages(m_errorReader.read(m_errors.read()));
             if (!m_killAt && isCancelled())
@@ -69,20 +67,12 @@ public:
         writeErrorMessages(m_errorReader.rest());
     }
 
-    /// Repeats the last status line if none was written for a while: some ffmpeg versions write slightly less
-    /// than two per second.
-    void repeatReport()
-    {
-        if (!m_lastReport.empty() && left(longestSilence) == 0)
-            report(m_lastReport);
-    }
-
     /// Writes the output to the disk, so that the final fsync, which a cancel does not end, takes little
     /// time.
     void finishWriteback()
     {
-        m_writeback.finish([this] {
-            repeatReport();
+        m_writeback.finish([] {
+            repeatStatusLine(cancelDescriptor());
             return !isCancelled();
         });
     }
@@ -97,15 +87,6 @@ private:
     /// ffmpeg can continue after it has closed its streams; a cancel must still reach it.
     bool hasOpenStreams() const { return m_progress.isOpen() || m_errors.isOpen(); }
 
-    void report(const std::string& lines)
-    {
-        if (lines.empty())
-            return;
-        writeErrorLines(lines, cancelDescriptor());
-        m_lastReport = lines.substr(lines.rfind('\n', lines.size() - 2) + 1);
-        m_reportedAt = Clock::now();
-    }
-
     void writeErrorMessages(const std::string& lines)
     {
         m_hasErrorMessage = m_hasErrorMessage || !lines.empty();
@@ -113,16 +94,13 @@ private:
         writeErrorLines(lines, cancelDescriptor());
     }
 
-    int left(std::chrono::milliseconds silence) const { return millisecondsUntil(m_reportedAt + silence); }
-
     int timeout() const
     {
         if (m_killAt)
             return millisecondsUntil(*m_killAt);
         if (!hasOpenStreams())
             return exitCheckInterval;
-        const int silence = m_progress.isOpen() && !m_lastReport.empty() ? left(longestSilence) : INT_MAX;
-        return std::min(silence, EarlyWriteback::interval);
+        return EarlyWriteback::interval;
     }
 
     static int millisecondsUntil(Clock::time_point time)
@@ -146,17 +124,15 @@ private:
     ErrorMessageReader m_errorReader;
     bool m_hasErrorMessage = false;
     bool m_hasNamedReadError = false;
-    std::string m_lastReport;
-    Clock::time_point m_reportedAt;
     std::optional<Clock::time_point> m_killAt;
 };
 
 /// Succeeded if the input can be read to its end and has not changed.
-RunEnd checkInput(const InputFile& input, RunMonitor& monitor)
+RunEnd checkInput(const InputFile& input, const RunMonitor& monitor)
 {
     if (monitor.hasErrorMessage()) {
-        const auto end = input.readToEnd([&monitor] {
-            monitor.repeatReport();
+        const auto end = input.readToEnd([] {
+            repeatStatusLine(cancelDescriptor());
             return !isCancelled();
         });
         if (end == InputFile::ReadEnd::Stopped)

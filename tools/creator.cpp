@@ -50,7 +50,7 @@ bool writePlaceholder(const VideoFacts& video, const OutputFile& output)
 }
 
 /// Writes the text and the reason in errno to standard error.
-bool complain(const char* text)
+bool reportFailure(const char* text)
 {
     std::perror(text);
     return false;
@@ -64,7 +64,7 @@ bool saveOriginal(Job& job, InputFile& input, const OutputFile& output)
         return true;
     const std::string name = output.place().putAside("original");
     if (name.empty())
-        return complain("tarnwell: the original at the output's path could not be renamed");
+        return reportFailure("tarnwell: the original at the output's path could not be renamed");
     job.input = output.place().pathOf(name);
     input.reopen(job.input);
     return true;
@@ -85,11 +85,11 @@ int endWithoutOutput(const OutputPlace& place, RunEnd end)
 bool moveToPath(OutputFile& output)
 {
     if (!output.putOlderAside())
-        return complain("tarnwell: the output could not be moved to its path");
+        return reportFailure("tarnwell: the output could not be moved to its path");
     if (isCancelled() || (output.replacesOlder() && !commit()))
         return false;
     if (!output.moveToPath())
-        return complain("tarnwell: the output could not be moved to its path");
+        return reportFailure("tarnwell: the output could not be moved to its path");
     if (output.replacesOlder())
         return true;
     return output.hasOlder() ? commit() : !isCancelled();
@@ -104,7 +104,7 @@ bool finish(OutputFile& output)
         return !isCancelled();
     };
     if (!output.sync(mayContinue))
-        return complain("tarnwell: the output could not be written to the disk");
+        return reportFailure("tarnwell: the output could not be written to the disk");
     if (isCancelled())
         return false;
     if (!moveToPath(output)) {

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -63,7 +62,7 @@ Arguments mapped(const MediaStream& stream)
     return {"-map", "0:" + std::to_string(stream.index)};
 }
 
-enum class SoundCoding { Copy, Alac, Flac, Aac };
+enum class SoundCoding { Omitted, Copy, Alac, Flac, Aac };
 
 /// The sound streams of a copy, and those that it encodes.
 enum class SoundRule {
@@ -97,8 +96,7 @@ SoundCoding codingOfPcm(const MediaStream& sound)
     return isLayoutOfAlac ? SoundCoding::Alac : SoundCoding::Flac;
 }
 
-/// Empty for a stream that is left out.
-std::optional<SoundCoding> codingInCopy(const MediaStream& sound, SoundRule rule)
+SoundCoding codingInCopy(const MediaStream& sound, SoundRule rule)
 {
     const bool isPcm = startsWith(sound.codec, "pcm_") && sound.channels <= mostChannels;
     if (rule == SoundRule::CopyCommonCodecs)
@@ -106,7 +104,7 @@ std::optional<SoundCoding> codingInCopy(const MediaStream& sound, SoundRule rule
     if (isCopied(sound))
         return SoundCoding::Copy;
     if (rule == SoundRule::OmitOthers)
-        return std::nullopt;
+        return SoundCoding::Omitted;
     return isPcm ? codingOfPcm(sound) : SoundCoding::Aac;
 }
 
@@ -121,6 +119,8 @@ Arguments soundOptions(const MediaStream& sound, SoundCoding coding, int place)
 {
     const std::string codecOption = "-c:a:" + std::to_string(place);
     switch (coding) {
+    case SoundCoding::Omitted:
+        return {};
     case SoundCoding::Copy:
         return {codecOption, "copy"};
     case SoundCoding::Alac:
@@ -176,17 +176,17 @@ Attempt fullCopy(const Job& job, const MediaFacts& facts, const Target& target, 
     for (const MediaStream& stream : facts.streams) {
         const bool isSound = stream.kind == Kind::Sound && !stream.codec.empty();
         const bool isText = stream.kind == Kind::Subtitle && stream.codec == "mov_text";
-        const auto coding = isSound ? codingInCopy(stream, rule) : std::nullopt;
-        if (!coding && !isText && stream.index != facts.mainVideo->index) {
+        const SoundCoding coding = isSound ? codingInCopy(stream, rule) : SoundCoding::Omitted;
+        if (coding == SoundCoding::Omitted && !isText && stream.index != facts.mainVideo->index) {
             attempt.notice += omissionOf(stream);
             continue;
         }
         append(options, mapped(stream));
         attempt.trackIds.push_back(stream.trackId);
-        if (!coding)
+        if (coding == SoundCoding::Omitted)
             continue;
-        append(options, soundOptions(stream, *coding, sounds++));
-        attempt.notice += encodingNotice(stream, *coding);
+        append(options, soundOptions(stream, coding, sounds++));
+        attempt.notice += encodingNotice(stream, coding);
     }
     append(options, keepTags);
     append(options, allowEverything);

@@ -77,11 +77,6 @@ bool holds(const Names& names, std::string_view name)
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-bool startsWith(const std::string& text, std::string_view beginning)
-{
-    return text.compare(0, beginning.size(), beginning) == 0;
-}
-
 bool isCopied(const MediaStream& sound)
 {
     return holds(commonSoundCodecs, sound.codec) || holds(otherSoundCodecs, sound.codec);
@@ -98,7 +93,7 @@ SoundCoding codingOfPcm(const MediaStream& sound)
 
 SoundCoding codingInCopy(const MediaStream& sound, SoundRule rule)
 {
-    const bool isPcm = startsWith(sound.codec, "pcm_") && sound.channels <= mostChannels;
+    const bool isPcm = sound.codec.starts_with("pcm_") && sound.channels <= mostChannels;
     if (rule == SoundRule::CopyCommonCodecs)
         return holds(commonSoundCodecs, sound.codec) ? SoundCoding::Copy : SoundCoding::Aac;
     if (isCopied(sound))
@@ -143,7 +138,7 @@ std::string encodingNotice(const MediaStream& sound, SoundCoding coding)
     if (coding == SoundCoding::Aac)
         return beginning + (canBeMixed(sound) ? "AAC\n" : "AAC, its first two channels only\n");
     const bool hasMoreBits = std::any_of(widePcm.begin(), widePcm.end(),
-        [&sound](std::string_view codec) { return startsWith(sound.codec, codec); });
+        [&sound](std::string_view codec) { return sound.codec.starts_with(codec); });
     return beginning + (coding == SoundCoding::Alac ? "ALAC" : "FLAC")
         + (hasMoreBits ? ", which can round it to 24 bits\n" : "\n");
 }

@@ -24,11 +24,6 @@ constexpr std::size_t longestLine = 4095;
 constexpr std::int64_t microsecondsPerHundredth = 10000;
 constexpr std::int64_t latest = 35999999; // 99:59:59.99, in hundredths
 
-bool startsWith(const std::string& text, const std::string& beginning)
-{
-    return text.compare(0, beginning.size(), beginning) == 0;
-}
-
 /// Removes the complete lines from `rest` and returns them without their ends. Splits text that exceeds the
 /// longest line.
 std::vector<std::string> takeLines(std::string& rest)
@@ -87,9 +82,9 @@ std::string ProgressReader::read(const std::string& piece)
 
 std::string ProgressReader::takeLine(const std::string& line)
 {
-    if (startsWith(line, timeKey))
+    if (line.starts_with(timeKey))
         m_microseconds = wholeNumber(line.substr(timeKey.size()));
-    if (!startsWith(line, blockEnd) || !m_microseconds || *m_microseconds < 0)
+    if (!line.starts_with(blockEnd) || !m_microseconds || *m_microseconds < 0)
         return {};
     const std::string status = statusLine(*m_microseconds);
     m_microseconds.reset();

@@ -37,9 +37,9 @@ constexpr int cannotRun = 127;
 constexpr int signalBase = 128;
 
 // The whole environment of a tool: variables of the user must not change its language or libraries.
-char path[] = "PATH=/usr/bin:/bin";
+char searchPath[] = "PATH=/usr/bin:/bin";
 char locale[] = "LC_ALL=C.UTF-8";
-char* const toolEnvironment[] = {path, locale, nullptr};
+char* const toolEnvironment[] = {searchPath, locale, nullptr};
 
 // How long a tool may run after the end of its output.
 constexpr int longestEnd = 1000; // milliseconds

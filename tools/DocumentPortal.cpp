@@ -11,13 +11,13 @@
 namespace
 {
 
-constexpr std::size_t pieceSize = 4096;
+constexpr std::size_t bufferSize = 4096;
 
 std::string contentOf(const char* path)
 {
     std::string text;
     const int file = ::open(path, O_RDONLY | O_CLOEXEC);
-    std::array<char, pieceSize> piece = {};
+    std::array<char, bufferSize> piece = {};
     for (ssize_t count = 1; file >= 0 && count > 0;) {
         count = ::read(file, piece.data(), piece.size());
         text.append(piece.data(), count > 0 ? static_cast<std::size_t>(count) : 0);

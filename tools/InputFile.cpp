@@ -11,7 +11,7 @@
 namespace
 {
 
-constexpr std::size_t pieceSize = std::size_t(1) << 20U;
+constexpr std::size_t readSize = std::size_t(1) << 20U;
 
 /// Ignores the change time (ctime): a rename, a new link or other permissions do not change the data.
 bool hasSameData(const struct stat& left, const struct stat& right)
@@ -68,7 +68,7 @@ bool InputFile::reopen(const std::string& path)
 
 InputFile::ReadEnd InputFile::readToEnd(const std::function<bool()>& mayContinue) const
 {
-    std::vector<char> piece(pieceSize);
+    std::vector<char> piece(readSize);
     for (off_t offset = 0;;) {
         const ssize_t count = ::pread(m_descriptor, piece.data(), piece.size(), offset);
         if (count == 0)

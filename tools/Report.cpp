@@ -13,7 +13,6 @@ namespace
 
 using Json = nlohmann::ordered_json; // keeps the report's order
 
-constexpr int indentation = 4;
 constexpr const char* rotateTag = "rotate";
 constexpr double integerLimit = 9223372036854775808.0; // 2^63
 constexpr double mostPixelAspect = 10000; // larger values, and values below its inverse, are invalid
@@ -238,6 +237,7 @@ std::string withTrueRotation(const std::string& originalReport)
     if (!isChanged)
         return report;
     constexpr bool ensureAscii = false;
+    constexpr int indentation = 4;
     return json.dump(indentation, ' ', ensureAscii, Json::error_handler_t::replace) + '\n';
 }
 

@@ -9,17 +9,17 @@ namespace
 {
 
 // Sorts members: one that keeps their order takes a time that grows with the square of their number.
-using Json = nlohmann::json;
+using SortedJson = nlohmann::json;
 
 constexpr std::size_t mostUnchanged = std::size_t(1) << 20U;
 constexpr std::size_t longestText = std::size_t(64) << 10U;
 constexpr std::size_t mostTags = 1000;
 
-std::string textOf(const Json& report)
+std::string textOf(const SortedJson& report)
 {
     constexpr int indentation = 4;
     constexpr bool ensureAscii = false;
-    return report.dump(indentation, ' ', ensureAscii, Json::error_handler_t::replace) + '\n';
+    return report.dump(indentation, ' ', ensureAscii, SortedJson::error_handler_t::replace) + '\n';
 }
 
 /// Cuts between two characters of UTF-8.
@@ -33,7 +33,7 @@ void cutText(std::string& text)
     text.resize(end);
 }
 
-void cutTexts(Json& value)
+void cutTexts(SortedJson& value)
 {
     if (value.is_string())
         cutText(value.get_ref<std::string&>());
@@ -41,11 +41,11 @@ void cutTexts(Json& value)
         std::for_each(value.begin(), value.end(), cutTexts);
 }
 
-void keepSomeTags(Json& owner)
+void keepSomeTags(SortedJson& owner)
 {
     if (!owner.is_object() || !owner.contains("tags") || owner["tags"].size() <= mostTags)
         return;
-    Json kept = Json::object();
+    SortedJson kept = SortedJson::object();
     for (const char* name : {"rotate", "language"}) {
         if (owner["tags"].contains(name))
             kept[name] = owner["tags"][name];
@@ -65,7 +65,7 @@ std::string limitedReport(const std::string& report)
     constexpr bool mayThrow = false;
     if (report.size() <= mostUnchanged || report.find('\0') != std::string::npos)
         return report;
-    Json json = Json::parse(report, nullptr, mayThrow);
+    SortedJson json = SortedJson::parse(report, nullptr, mayThrow);
     if (!json.is_object())
         return report;
     keepSomeTags(json["format"]);
@@ -74,7 +74,7 @@ std::string limitedReport(const std::string& report)
     std::string text = textOf(json);
     if (text.size() <= mostReport)
         return text;
-    json["chapters"] = Json::array();
+    json["chapters"] = SortedJson::array();
     cutTexts(json);
     text = textOf(json);
     if (text.size() <= mostReport)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/StandardError.h"
 
+#include "tools/StatusLines.h"
+
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -15,8 +17,6 @@ using Clock = std::chrono::steady_clock;
 bool isRead = true; // false after a dropped line
 std::string lastStatusLine; // empty before the first one
 Clock::time_point lastStatusTime;
-
-const std::string statusMark = "time=";
 
 bool waitUntilWritable(int stopDescriptor)
 {

@@ -16,7 +16,6 @@ namespace
 
 const std::string timeKey = "out_time_us=";
 const std::string blockEnd = "progress=";
-const std::string statusMark = "time=";
 
 // Limits the memory for text without an end of line. A line with its end fits one atomic write to a pipe.
 constexpr std::size_t longestLine = 4095;

@@ -5,6 +5,9 @@
 #include <optional>
 #include <string>
 
+/// The beginning of each status line.
+inline const std::string statusMark = "time=";
+
 /// Converts ffmpeg's progress report, lines of keys and values in chunks of any size, into status lines.
 class ProgressReader
 {

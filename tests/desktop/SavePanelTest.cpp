@@ -57,7 +57,7 @@ void PrintTo(const TypedName& name, std::ostream* stream)
     *stream << name.description;
 }
 
-std::string description(const testing::TestParamInfo<TypedName>& row)
+std::string typedName(const testing::TestParamInfo<TypedName>& row)
 {
     return row.param.description;
 }
@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(names, SavePanelNameTest,
         TypedName{"inOtherScripts", "Grüße 動画 עברית", "Grüße 動画 עברית.mp4"},
         TypedName{"outsideTheBasicPlane", "🎬", "🎬.mp4"},
         TypedName{"decomposed", "u\u0308ber", "u\u0308ber.mp4"}),
-    description);
+    typedName);
 
 TEST_F(SavePanelTest, aPathMayBeTyped)
 {

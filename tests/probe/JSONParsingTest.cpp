@@ -11,8 +11,6 @@ namespace tarnwell::test
 namespace
 {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
 struct TextCase {
     std::string name;
     std::string text;
@@ -80,6 +78,7 @@ TEST(JSONParsingTest, anEscapedNulIsACharacter)
 
 TEST(JSONParsingTest, aNumberBeyondTheRangeLeavesTheRestOfTheTextReadable)
 {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
     const auto parsed = JSON::parse(
         R"({"a": 1e999, "1e999": "say \"1e999\"", "b": [-1e999, 1.5, 1e999], "c": "\\", "d": 1e999, "e": 7})");
     ASSERT_TRUE(std::holds_alternative<JSON>(parsed));

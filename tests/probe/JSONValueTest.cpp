@@ -41,7 +41,7 @@ TEST_P(JSONValueTest, readsAsEveryKind)
     EXPECT_EQ(value.isNull(), GetParam().json == "null");
 }
 
-std::string nameOf(const testing::TestParamInfo<ValueCase>& row)
+std::string valueName(const testing::TestParamInfo<ValueCase>& row)
 {
     return row.param.name;
 }
@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(Numbers, JSONValueTest,
         ValueCase{"beyondDoubleWithoutExponent", std::string(400, '9'), "inf", infinity, largest, infinity},
         ValueCase{"belowDouble", "1e-999", "0", 0, 0, 0},
         ValueCase{"hugeNegative", "-1e300", "-1e+300", -1e300, smallest, -1e300}),
-    nameOf);
+    valueName);
 
 INSTANTIATE_TEST_SUITE_P(Texts, JSONValueTest,
     testing::Values(ValueCase{"empty", "\"\"", "", 0, 0, std::nullopt},
@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, JSONValueTest,
         ValueCase{"beyondDouble", "\"1e999\"", "1e999", infinity, largest, std::nullopt},
         ValueCase{"beyondDoubleNegative", "\"-1e999\"", "-1e999", -infinity, smallest, std::nullopt},
         ValueCase{"belowDouble", "\"1e-999\"", "1e-999", 0, 0, std::nullopt}),
-    nameOf);
+    valueName);
 
 INSTANTIATE_TEST_SUITE_P(OtherKinds, JSONValueTest,
     testing::Values(ValueCase{"null", "null", "", 0, 0, std::nullopt},
@@ -100,7 +100,7 @@ INSTANTIATE_TEST_SUITE_P(OtherKinds, JSONValueTest,
         ValueCase{"array", "[7]", "", 0, 0, std::nullopt},
         ValueCase{"emptyObject", "{}", "", 0, 0, std::nullopt},
         ValueCase{"object", R"({"a": 7})", "", 0, 0, std::nullopt}),
-    nameOf);
+    valueName);
 
 TEST(JSONNegativeZeroTest, theSignIsKept)
 {

@@ -31,7 +31,7 @@ struct ReportCase {
 
 const std::string folder = TARNWELL_TEST_DATA_FOLDER "/reports/";
 
-std::string nameOf(const testing::TestParamInfo<ReportCase>& row)
+std::string reportName(const testing::TestParamInfo<ReportCase>& row)
 {
     std::string name;
     for (const char letter : row.param.report)
@@ -87,7 +87,7 @@ INSTANTIATE_TEST_SUITE_P(Rotated, RecordedReportTest,
             {"Video|hevc|1920x1080", "Audio|aac|stereo", "Other||mebx", "Other||mebx"}},
         ReportCase{
             "half-turn-h264.ffprobe-5.1", "clip.mov", true, Size{568, 320}, 0, 0.1, {"Video|h264|568x320"}}),
-    nameOf);
+    reportName);
 
 INSTANTIATE_TEST_SUITE_P(Videos, RecordedReportTest,
     testing::Values(ReportCase{"two-hevc-videos.ffprobe-5.1", "clip.mp4", true, Size{1440, 1080}, 0, 1.7739,
@@ -109,7 +109,7 @@ INSTANTIATE_TEST_SUITE_P(Videos, RecordedReportTest,
             {"Video|h264|640x360"}},
         ReportCase{"surround-sound-all-tags.ffprobe-5.1", "clip.mp4", true, Size{320, 240}, 0, 2.0,
             {"Video|h264|320x240", "Audio|aac|5.1"}}),
-    nameOf);
+    reportName);
 
 INSTANTIATE_TEST_SUITE_P(Texts, RecordedReportTest,
     testing::Values(ReportCase{"mp4-chapters-text.ffprobe-5.1", "clip.mp4", true, Size{1080, 720}, 0, 1.089,
@@ -120,7 +120,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, RecordedReportTest,
             {"Video|h264|1080x720", "Audio|ac3|mono", "Subtitle|hdmv_pgs_subtitle|eng"}},
         ReportCase{"webvtt-without-codec-name.ffprobe-5.1", "clip.mkv", true, Size{1080, 720}, 0, 1.234,
             {"Video|h264|1080x720", "Audio|ac3|mono", "Other||[0][0][0][0]"}}),
-    nameOf);
+    reportName);
 
 INSTANTIATE_TEST_SUITE_P(Refused, RecordedReportTest,
     testing::Values(ReportCase{"windows-media-cover.ffprobe-5.1", "song.wma", false, std::nullopt, 0, 1.2,
@@ -134,7 +134,7 @@ INSTANTIATE_TEST_SUITE_P(Refused, RecordedReportTest,
         ReportCase{"vvc-without-codec-name.ffprobe-5.1", "clip.mp4", false, Size{320, 180}, 0, 5.0,
             {"Video||320x180"}},
         ReportCase{"unreadable.ffprobe-5.1", "clip.mp4", false, std::nullopt, 0, 0.0, {}}),
-    nameOf);
+    reportName);
 
 class RecordedFlagsTest : public ProbeTestSetup
 {

@@ -21,7 +21,7 @@ std::string video(const std::string& codec, const std::string& tag, const std::s
         + R"(", "avg_frame_rate": ")" + frameRate + "\"}";
 }
 
-std::string nameOf(const testing::TestParamInfo<StreamCase>& row)
+std::string streamName(const testing::TestParamInfo<StreamCase>& row)
 {
     return row.param.name;
 }
@@ -44,7 +44,7 @@ INSTANTIATE_TEST_SUITE_P(QuickTimeMotionJpeg, TrackTypeTest,
         StreamCase{"otherTag", video("mjpeg", "mjpa", "25/1"), "Video"},
         StreamCase{"tagInCapitals", video("mjpeg", "JPEG", "25/1"), "Video"},
         StreamCase{"otherCodec", video("png", "jpeg", "25/1"), "Video"}),
-    nameOf);
+    streamName);
 
 // These codecs are video without a frame rate too.
 INSTANTIATE_TEST_SUITE_P(VideoByCodec, TrackTypeTest,
@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(VideoByCodec, TrackTypeTest,
             R"({"codec_type": "video", "codec_tag_string": "wmv3", "avg_frame_rate": "0/0"})", "Other"},
         StreamCase{"h264AsAudio", R"({"codec_type": "audio", "codec_name": "h264"})", "Audio"},
         StreamCase{"h264AsData", R"({"codec_type": "data", "codec_name": "h264"})", "Other"}),
-    nameOf);
+    streamName);
 
 INSTANTIATE_TEST_SUITE_P(VideoByFrameRate, TrackTypeTest,
     testing::Values(StreamCase{"rate",
@@ -78,14 +78,14 @@ INSTANTIATE_TEST_SUITE_P(VideoByFrameRate, TrackTypeTest,
             R"({"codec_type": "video", "codec_name": "vp9", "avg_frame_rate": 0})", "Video"},
         StreamCase{"missingCodec", R"({"codec_type": "video", "avg_frame_rate": "30/1"})", "Video"},
         StreamCase{"movingPng", video("png", "[0][0][0][0]", "90000/1"), "Video"}),
-    nameOf);
+    streamName);
 
 INSTANTIATE_TEST_SUITE_P(Sound, TrackTypeTest,
     testing::Values(StreamCase{"named",
                         R"({"codec_type": "audio", "codec_name": "aac", "avg_frame_rate": "0/0"})", "Audio"},
         StreamCase{"unnamed", R"({"codec_type": "audio"})", "Audio"},
         StreamCase{"underAVideosTag", R"({"codec_type": "audio", "codec_tag_string": "WMV3"})", "Audio"}),
-    nameOf);
+    streamName);
 
 INSTANTIATE_TEST_SUITE_P(Subtitles, TrackTypeTest,
     testing::Values(StreamCase{"timedText",
@@ -98,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(Subtitles, TrackTypeTest,
         StreamCase{"nullName",
             R"({"codec_type": "subtitle", "codec_name": null, "codec_tag_string": "tx3g"})", "Other"},
         StreamCase{"emptyName", R"({"codec_type": "subtitle", "codec_name": ""})", "Subtitle"}),
-    nameOf);
+    streamName);
 
 INSTANTIATE_TEST_SUITE_P(Posters, TrackTypeTest,
     testing::Values(StreamCase{"mjpeg", video("mjpeg", "[0][0][0][0]", "0/0"), "Poster"},
@@ -107,7 +107,7 @@ INSTANTIATE_TEST_SUITE_P(Posters, TrackTypeTest,
         StreamCase{"otherTag", video("png", "MPNG", "0/0"), "Other"},
         StreamCase{"missingTag", R"({"codec_type": "video", "codec_name": "png", "avg_frame_rate": "0/0"})",
             "Other"}),
-    nameOf);
+    streamName);
 
 INSTANTIATE_TEST_SUITE_P(Rest, TrackTypeTest,
     testing::Values(StreamCase{"data", R"({"codec_type": "data", "codec_tag_string": "tmcd"})", "Other"},
@@ -116,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(Rest, TrackTypeTest,
         StreamCase{"kindInCapitals", R"({"codec_type": "VIDEO", "codec_name": "h264"})", "Other"},
         StreamCase{"kindOfAnotherKind", R"({"codec_type": 1})", "Other"},
         StreamCase{"noObject", "\"video\"", "Other"}, StreamCase{"null", "null", "Other"}),
-    nameOf);
+    streamName);
 
 TEST(TrackCodecsTest, theyKeepTheOrderOfTheTracks)
 {

@@ -117,10 +117,10 @@ void waitUntilKeysArrive()
         waitForAnyKeyboard();
 }
 
-void sendOnMainThread(QProcess& xdotool, const Arrivals& expected)
+void sendOnMainThread(QProcess& process, const Arrivals& expected)
 {
-    const std::string command = xdotool.arguments().join(u' ').toStdString();
-    waitFor("the end of xdotool " + command, [&] { return xdotool.state() == QProcess::NotRunning; });
+    const std::string command = process.arguments().join(u' ').toStdString();
+    waitFor("the end of xdotool " + command, [&] { return process.state() == QProcess::NotRunning; });
     waitFor("the input of xdotool " + command,
         [&] { return ArrivalCounter::hasReached(ArrivalCounter::instance().arrivals(), expected); });
     QCoreApplication::processEvents();
@@ -129,15 +129,15 @@ void sendOnMainThread(QProcess& xdotool, const Arrivals& expected)
 void send(const QStringList& commands, const Arrivals& awaited)
 {
     const Arrivals expected = soFarAnd(awaited);
-    QProcess xdotool;
-    xdotool.start(QStringLiteral("xdotool"), commands);
+    QProcess process;
+    process.start(QStringLiteral("xdotool"), commands);
     if (isMainThread()) {
-        sendOnMainThread(xdotool, expected);
+        sendOnMainThread(process, expected);
     } else {
-        EXPECT_TRUE(waitForEnd(xdotool));
+        EXPECT_TRUE(waitForEnd(process));
         EXPECT_TRUE(ArrivalCounter::instance().waitFor(expected)) << commands.join(u' ').toStdString();
     }
-    EXPECT_EQ(xdotool.exitCode(), 0) << commands.join(u' ').toStdString();
+    EXPECT_EQ(process.exitCode(), 0) << commands.join(u' ').toStdString();
 }
 
 QStringList moveCommand(QPoint position)

@@ -13,8 +13,6 @@ namespace tarnwell::test
 namespace
 {
 
-const std::string data = box("mdat", std::string(1000, 'd'));
-
 struct CopyReason {
     const char* name; // of the row
     std::string input;
@@ -28,7 +26,7 @@ void PrintTo(const CopyReason& row, std::ostream* stream)
 
 std::string movieWith(const std::vector<std::int64_t>& matrixOfMovie, const std::string& tracks)
 {
-    return fileType() + box("moov", movieHeader(0, matrixOfMovie) + tracks) + data;
+    return fileType() + box("moov", movieHeader(0, matrixOfMovie) + tracks) + mediaData;
 }
 
 TrackBytes trackWith(const std::vector<std::int64_t>& matrix)
@@ -51,7 +49,7 @@ std::string movieEndingInTrackHeader(std::size_t missing)
     const std::string media = box("mdia", box("hdlr", bigEndian(0, 8) + "vide" + bigEndian(0, 12)));
     const std::string content = trackHeader({}).substr(8);
     const std::string header = box("tkhd", content.substr(0, content.size() - missing));
-    return fileType() + data + movieBox(box("trak", media + header));
+    return fileType() + mediaData + movieBox(box("trak", media + header));
 }
 
 std::string emptyBoxes(std::size_t count)
@@ -74,31 +72,32 @@ std::vector<CopyReason> copyReasons()
     const std::string notFilled = "boxes do not fill the file";
     const std::string noTrackHeader = "a track lacks a handler or a header of a known kind";
     return {
-        {"wholeFile", fileType() + movie + data, ""},
+        {"wholeFile", fileType() + movie + mediaData, ""},
         {"trackHeaderAtTheEnd", movieEndingInTrackHeader(0), ""},
         {"matrixAtTheEnd", movieEndingInTrackHeader(8), noTrackHeader},
         {"cutMatrixAtTheEnd", movieEndingInTrackHeader(9), noTrackHeader},
         {"noBoxes", "\x1A\x45\xDF\xA3 a Matroska file", "it is no MP4 file"},
         {"emptyFile", "", "it has no description of the movie, or more than one"},
-        {"trailingBytes", fileType() + movie + data + "rest", notFilled},
-        {"trailingZeros", fileType() + movie + data + std::string(5, '\0'), notFilled},
-        {"cutData", fileType() + movie + data.substr(0, 500), notFilled},
-        {"tooManyBoxes", fileType() + movie + data + emptyBoxes(BoxReader::mostBoxes),
+        {"trailingBytes", fileType() + movie + mediaData + "rest", notFilled},
+        {"trailingZeros", fileType() + movie + mediaData + std::string(5, '\0'), notFilled},
+        {"cutData", fileType() + movie + mediaData.substr(0, 500), notFilled},
+        {"tooManyBoxes", fileType() + movie + mediaData + emptyBoxes(BoxReader::mostBoxes),
             "it has more boxes than are read"},
-        {"twoMovies", fileType() + movie + data + movie,
+        {"twoMovies", fileType() + movie + mediaData + movie,
             "it has no description of the movie, or more than one"},
-        {"twoFileTypes", fileType() + fileType() + movie + data,
+        {"twoFileTypes", fileType() + fileType() + movie + mediaData,
             "its file type is too short, too late or there twice"},
-        {"bytesInMovie", fileType() + movieBox(video + "rest") + data,
+        {"bytesInMovie", fileType() + movieBox(video + "rest") + mediaData,
             "boxes do not fill the description of the movie"},
-        {"noMovieHeader", fileType() + box("moov", video) + data,
+        {"noMovieHeader", fileType() + box("moov", video) + mediaData,
             "the header of the movie is missing or of an unknown kind"},
-        {"unknownTrackHeader", fileType() + movieBox(track("vide", trackOfVersion(2))) + data, noTrackHeader},
-        {"noFileType", movie + data, "it has no file type"},
-        {"quickTime", fileType("qt  ") + movie + data, "it is a QuickTime file"},
+        {"unknownTrackHeader", fileType() + movieBox(track("vide", trackOfVersion(2))) + mediaData,
+            noTrackHeader},
+        {"noFileType", movie + mediaData, "it has no file type"},
+        {"quickTime", fileType("qt  ") + movie + mediaData, "it is a QuickTime file"},
         {"noMediaData", fileType() + movie, "it has no media data"},
-        {"soundOnly", fileType() + movieBox(track("soun")) + data, "it has no video track"},
-        {"coverOnly", fileType() + movieBox(track("vide", cover)) + data, "it has no video track"},
+        {"soundOnly", fileType() + movieBox(track("soun")) + mediaData, "it has no video track"},
+        {"coverOnly", fileType() + movieBox(track("vide", cover)) + mediaData, "it has no video track"},
         {"scaledMovie", movieWith(matrixNine(2, 0, 0, 2), video),
             "the matrix of the movie is neither a quarter turn nor a mirror"},
         {"stretchedTrack", movieWith(upright, track("vide", trackWith(matrixNine(2, 0, 0, 1)))),

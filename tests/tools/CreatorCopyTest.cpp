@@ -24,8 +24,6 @@ namespace tarnwell::test
 namespace
 {
 
-const std::string data = box("mdat", std::string(1000, 'd'));
-
 /// The offsets of the tracks' display matrices.
 std::vector<std::size_t> matrixPlaces(const std::string& bytes)
 {
@@ -65,12 +63,12 @@ std::vector<Layout> layouts()
     for (int number = 0; number < 100; ++number)
         fragments
             += box("moof", box("mfhd", bigEndian(0, 4) + bigEndian(static_cast<std::uint64_t>(number), 4)))
-            + data;
+            + mediaData;
     return {
-        {"the description first", fileType() + movieBox(both) + data, {true, false}},
-        {"the description last", fileType() + box("free", "") + data + movieBox(both), {true, false}},
+        {"the description first", fileType() + movieBox(both) + mediaData, {true, false}},
+        {"the description last", fileType() + box("free", "") + mediaData + movieBox(both), {true, false}},
         {"a matrix at the very end",
-            fileType() + data
+            fileType() + mediaData
                 + movieBox(box("trak",
                     box("mdia", box("hdlr", bigEndian(0, 8) + "vide" + bigEndian(0, 12))) + trackHeader({}))),
             {true}},
@@ -81,17 +79,19 @@ std::vector<Layout> layouts()
         {"data up to the end", fileType() + movieBox(both) + bigEndian(0, 4) + "mdat" + "data",
             {true, false}},
         {"boxes of a camera",
-            fileType("mp42") + box("uuid", std::string(100, 'u')) + data + movieBox(both + box("udta", "x"))
-                + box("sefd", "private") + box("uuid", std::string(20, 'v')),
+            fileType("mp42") + box("uuid", std::string(100, 'u')) + mediaData
+                + movieBox(both + box("udta", "x")) + box("sefd", "private")
+                + box("uuid", std::string(20, 'v')),
             {true, false}},
         {"a motion photo's tracks",
-            fileType() + data
+            fileType() + mediaData
                 + movieBox(
                     both + track("meta", {0, 0, 0}) + track("vide", portrait) + track("meta", {0, 0, 0}))
-                + box("mpvd", data),
+                + box("mpvd", mediaData),
             {true, false, false, true, false}},
-        {"a mirrored matrix", fileType("3gp5") + movieBox(track("vide", mirrored)) + data, {true}},
-        {"a cover", fileType("M4V ") + movieBox(track("vide", cover) + both) + data, {false, true, false}},
+        {"a mirrored matrix", fileType("3gp5") + movieBox(track("vide", mirrored)) + mediaData, {true}},
+        {"a cover", fileType("M4V ") + movieBox(track("vide", cover) + both) + mediaData,
+            {false, true, false}},
     };
 }
 
@@ -140,9 +140,9 @@ TEST_F(CreatorCopyTest, aFileThatIsNotWholeByItsStructureGoesToFfmpeg)
 {
     setGoodFfmpeg("say-pid\n");
     const std::string movie = movieBox(track("vide"));
-    for (const std::string& bytes : {fileType("qt  ") + movie + data, movie + data,
-             fileType() + movie + data + movie, fileType() + movie + data + "rest",
-             fileType() + movie + data.substr(0, 500), fileType() + movie, std::string("no movie")}) {
+    for (const std::string& bytes : {fileType("qt  ") + movie + mediaData, movie + mediaData,
+             fileType() + movie + mediaData + movie, fileType() + movie + mediaData + "rest",
+             fileType() + movie + mediaData.substr(0, 500), fileType() + movie, std::string("no movie")}) {
         setInput(bytes);
         EXPECT_EQ(run(fixFlag()), 0);
         EXPECT_EQ(lastRun().said("pid ").size(), 1U);

@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
 
 const std::string portal = TARNWELL_BUILD_FOLDER "/tests/libdocumentPortal.so";
 const std::string failingCalls = TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so";
-constexpr int mostTimes = 30;
+constexpr int mostCalls = 30;
 
 std::string mountOf(const std::string& device, const std::string& type)
 {
@@ -85,7 +85,7 @@ protected:
     {
         for (const std::string call : {"fsync", "renameat2", "renameat", "unlinkat", "fstatat", "openat"}) {
             int time = 0;
-            for (int status = 0; status >= 0 && time < mostTimes;) {
+            for (int status = 0; status >= 0 && time < mostCalls;) {
                 SCOPED_TRACE(call + " " + std::to_string(++time));
                 writeFile(output(), "older");
                 status = interrupt(call + " " + std::to_string(time), signal);
@@ -93,7 +93,7 @@ protected:
                 for (const auto& name : otherNames())
                     fs::remove(tools.at(name));
             }
-            EXPECT_LT(time, mostTimes) << call;
+            EXPECT_LT(time, mostCalls) << call;
             EXPECT_TRUE(time > 1 || call == "unlinkat") << call << " is never called";
         }
     }

@@ -18,7 +18,7 @@ namespace
 {
 
 const std::string library = TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so";
-constexpr int mostTimes = 200;
+constexpr int mostRuns = 200;
 
 } // namespace
 
@@ -31,7 +31,7 @@ protected:
         const std::string& program, const Words& arguments, const std::function<void(int status)>& check)
     {
         const std::string note = tools.addData("failed", "");
-        for (int time = 1; time < mostTimes; ++time) {
+        for (int time = 1; time < mostRuns; ++time) {
             SCOPED_TRACE(testing::Message() << GetParam() << " " << time);
             std::filesystem::remove(note);
             if (m_hasOlderFile)
@@ -49,8 +49,8 @@ protected:
                 return time - 1;
             }
         }
-        ADD_FAILURE() << "the call still fails after " << mostTimes << " runs";
-        return mostTimes;
+        ADD_FAILURE() << "the call still fails after " << mostRuns << " runs";
+        return mostRuns;
     }
 
     /// Expects a complete output or none, and an older file that still exists.

@@ -47,6 +47,9 @@ struct TrackBytes {
     std::vector<std::uint32_t> chapters = {}; // ids of the tracks that contain them
 };
 
+/// A box of media data.
+inline const std::string mediaData = box("mdat", std::string(1000, 'd'));
+
 /// The track header without its last fields, width and height.
 std::string trackHeader(const TrackBytes& bytes);
 

@@ -28,12 +28,10 @@ bool isComplete(const std::string& bytes)
     return isCompleteMovie(file.descriptor());
 }
 
-const std::string data = box("mdat", std::string(1000, 'd'));
-
 /// A file with these tracks.
 std::string fileOf(const std::string& tracks)
 {
-    return fileType() + movieBox(tracks) + data;
+    return fileType() + movieBox(tracks) + mediaData;
 }
 
 TrackBytes withId(std::uint32_t id)
@@ -78,7 +76,7 @@ TEST_P(RefusedMovieTest, isNotRead)
 
 const std::string video = track("vide");
 const std::string movie = movieBox(video);
-const std::string header = trackHeader({});
+const std::string plainHeader = trackHeader({});
 const std::string handler = box("hdlr", bigEndian(0, 8) + "soun" + bigEndian(0, 12));
 const std::string media = box("mdia", handler);
 
@@ -91,7 +89,7 @@ std::string fileWith(const std::string& trackContent)
 /// A file with these boxes in its description.
 std::string described(const std::string& parts)
 {
-    return fileType() + box("moov", parts) + data;
+    return fileType() + box("moov", parts) + mediaData;
 }
 
 std::string withByte(std::string bytes, std::size_t place, char value)
@@ -102,16 +100,16 @@ std::string withByte(std::string bytes, std::size_t place, char value)
 
 INSTANTIATE_TEST_SUITE_P(Files, CompleteMovieTest,
     testing::Values(FileRow{"smallMovie", smallMovie()}, FileRow{"dataLast", fileOf(video)},
-        FileRow{"otherBoxes", fileType() + box("free", "") + data + movie + box("udta", "x")},
+        FileRow{"otherBoxes", fileType() + box("free", "") + mediaData + movie + box("udta", "x")},
         FileRow{"dataWithALongSize", fileType() + longBox("mdat", std::string(1000, 'd')) + movie},
         FileRow{"descriptionWithALongSize", fileType() + longBox("moov", movieHeader() + video)},
         FileRow{"descriptionUpToTheEnd", fileType() + bigEndian(0, 4) + "moov" + movieHeader() + video},
-        FileRow{"descriptionOnly", movie}, FileRow{"minimalTrack", fileWith(header + media)}),
+        FileRow{"descriptionOnly", movie}, FileRow{"minimalTrack", fileWith(plainHeader + media)}),
     rowName);
 
 INSTANTIATE_TEST_SUITE_P(Files, RefusedMovieTest,
     testing::Values(FileRow{"empty", ""}, FileRow{"typeOnly", fileType()},
-        FileRow{"noDescription", fileType() + data},
+        FileRow{"noDescription", fileType() + mediaData},
         FileRow{"descriptionInAnotherBox", fileType() + box("free", movie)},
         FileRow{"descriptionInTheData", fileType() + bigEndian(0, 4) + "mdat" + movie},
         FileRow{"shortText", "moov"}, FileRow{"zeros", std::string(5000, '\0')},
@@ -119,15 +117,15 @@ INSTANTIATE_TEST_SUITE_P(Files, RefusedMovieTest,
         FileRow{"text", "this is a text and no movie, though moov is in it"},
         FileRow{"twoDescriptions", fileOf(video) + movie}, FileRow{"twoTypes", fileType() + fileOf(video)},
         FileRow{"twoMovieHeaders", fileOf(movieHeader() + video)},
-        FileRow{"twoTrackHeaders", fileWith(header + header + media)},
-        FileRow{"twoMediaBoxes", fileWith(header + media + media)}, FileRow{"emptyTrack", fileWith("")},
-        FileRow{"noMedia", fileWith(header)}, FileRow{"emptyMedia", fileWith(header + box("mdia", ""))},
-        FileRow{"emptyHandler", fileWith(header + box("mdia", box("hdlr", "")))},
-        FileRow{"shortHandler", fileWith(header + box("mdia", box("hdlr", bigEndian(0, 11))))},
+        FileRow{"twoTrackHeaders", fileWith(plainHeader + plainHeader + media)},
+        FileRow{"twoMediaBoxes", fileWith(plainHeader + media + media)}, FileRow{"emptyTrack", fileWith("")},
+        FileRow{"noMedia", fileWith(plainHeader)}, FileRow{"emptyMedia", fileWith(plainHeader + box("mdia", ""))},
+        FileRow{"emptyHandler", fileWith(plainHeader + box("mdia", box("hdlr", "")))},
+        FileRow{"shortHandler", fileWith(plainHeader + box("mdia", box("hdlr", bigEndian(0, 11))))},
         FileRow{"noTrackHeader", fileWith(media)},
         FileRow{"emptyTrackHeader", fileWith(box("tkhd", "") + media)},
-        FileRow{"shortTrackHeader", fileWith(box("tkhd", header.substr(8, 83)) + media)},
-        FileRow{"restBehindABox", fileWith(header + media + "x")}, FileRow{"noMovieHeader", described(video)},
+        FileRow{"shortTrackHeader", fileWith(box("tkhd", plainHeader.substr(8, 83)) + media)},
+        FileRow{"restBehindABox", fileWith(plainHeader + media + "x")}, FileRow{"noMovieHeader", described(video)},
         FileRow{"movieHeaderLast", described(video + movieHeader())},
         FileRow{"shortMovieHeader", described(box("mvhd", movieHeader().substr(8, 60)) + video)},
         FileRow{"movieHeaderOfVersion2", described(withByte(movieHeader(), 8, '\2') + video)},
@@ -136,8 +134,8 @@ INSTANTIATE_TEST_SUITE_P(Files, RefusedMovieTest,
         FileRow{"trackHeaderOfVersion255", fileOf(withByte(video, 16, '\xFF'))},
         // The layout of version 0 is 12 bytes shorter.
         FileRow{"headerTooShortForItsVersion", fileOf(withByte(video, 16, '\1'))},
-        FileRow{"shortType", box("ftyp", "iso") + movie + data},
-        FileRow{"typeLast", movie + data + fileType()}),
+        FileRow{"shortType", box("ftyp", "iso") + movie + mediaData},
+        FileRow{"typeLast", movie + mediaData + fileType()}),
     rowName);
 
 TEST(MovieTest, aFileThatEndsEarlyIsRefused)
@@ -151,7 +149,7 @@ TEST(MovieTest, aFileThatEndsEarlyIsRefused)
 
 TEST(MovieTest, theBrandIsTheMajorOne)
 {
-    const std::string rest = movieBox(track("vide")) + data;
+    const std::string rest = movieBox(track("vide")) + mediaData;
     for (const char* brand : {"isom", "qt  ", "3gp5"})
         EXPECT_EQ(movieIn(fileType(brand) + rest).value().majorBrand, brand);
     EXPECT_EQ(movieIn(rest).value().majorBrand, "");
@@ -160,7 +158,7 @@ TEST(MovieTest, theBrandIsTheMajorOne)
 TEST(MovieTest, mediaDataIsLookedForAtTheTopLevel)
 {
     EXPECT_TRUE(movieIn(smallMovie()).value().hasMediaData);
-    EXPECT_FALSE(movieIn(fileType() + movieBox(track("vide")) + box("free", data)).value().hasMediaData);
+    EXPECT_FALSE(movieIn(fileType() + movieBox(track("vide")) + box("free", mediaData)).value().hasMediaData);
 }
 
 TEST(MovieTest, theDurationIsInTheHeaderOrThatOfTheFragments)
@@ -209,7 +207,7 @@ TEST(MovieTest, theMainVideoIsTheFirstWithAFrameRate)
     EXPECT_EQ(mainVideo(movieIn(fileOf(track("vide", still))).value()).id, 1U);
     const std::string fragmented
         = movieBox(track("vide", still) + track("vide", withId(2)) + box("mvex", ""));
-    EXPECT_EQ(mainVideo(movieIn(fileType() + fragmented + data).value()).id, 1U);
+    EXPECT_EQ(mainVideo(movieIn(fileType() + fragmented + mediaData).value()).id, 1U);
 }
 
 TEST(MovieTest, theMainVideoIsNoCoverIfAnotherTrackHasAFrameRate)
@@ -245,7 +243,7 @@ TEST(MovieTest, aSinglePictureIsACover)
     motionJpeg.samples = 100;
     EXPECT_FALSE(movieIn(fileOf(track("vide", motionJpeg))).value().videos[0].isCover);
     const std::string fragmented = movieBox(track("vide", picture(1, "mp4v")) + box("mvex", ""));
-    EXPECT_FALSE(movieIn(fileType() + fragmented + data).value().videos[0].isCover);
+    EXPECT_FALSE(movieIn(fileType() + fragmented + mediaData).value().videos[0].isCover);
 }
 
 TEST(MovieTest, picturesOfChaptersAreACover)

@@ -105,7 +105,7 @@ std::string trackOf(const std::string& list, std::size_t offset, const std::stri
 }
 
 /// A file whose media data are that sample.
-std::string fileOf(const std::string& list, const std::string& sample = turnedSample,
+std::string fileWithSamples(const std::string& list, const std::string& sample = turnedSample,
     const std::string& configuration = avcConfiguration)
 {
     const std::string begin = fileType() + box("mdat", sample);
@@ -137,10 +137,10 @@ bool hasMessage(const std::string& bytes)
 
 TEST(FirstSampleTest, isFoundByEitherListOfOffsets)
 {
-    EXPECT_TRUE(hasMessage(fileOf("stco")));
-    EXPECT_TRUE(hasMessage(fileOf("co64")));
-    EXPECT_FALSE(hasMessage(fileOf("stco", sampleOf({parameters, slice}))));
-    EXPECT_FALSE(hasMessage(fileOf("")));
+    EXPECT_TRUE(hasMessage(fileWithSamples("stco")));
+    EXPECT_TRUE(hasMessage(fileWithSamples("co64")));
+    EXPECT_FALSE(hasMessage(fileWithSamples("stco", sampleOf({parameters, slice}))));
+    EXPECT_FALSE(hasMessage(fileWithSamples("")));
 }
 
 TEST(FirstSampleTest, isFoundInAFragment)
@@ -154,12 +154,13 @@ TEST(FirstSampleTest, hasLengthsAsTheSampleEntrySays)
 {
     const std::string twoBytes = box("avcC", "\x01\x64\x00\x1E\xFD\xE0\x00"s);
     const std::string sample = sampleOf({parameters, sei(quarterTurn)}, 2);
-    EXPECT_TRUE(hasMessage(fileOf("stco", sample, twoBytes)));
-    EXPECT_FALSE(hasMessage(fileOf("stco", sample)));
-    EXPECT_TRUE(hasMessage(fileOf("stco", turnedSample, box("pasp", numbers({1, 1})) + avcConfiguration)));
-    EXPECT_TRUE(hasMessage(fileOf("stco", turnedSample, avcConfiguration + bigEndian(0, 4))));
-    EXPECT_FALSE(hasMessage(fileOf("stco", turnedSample, box("esds", "another codec"))));
-    EXPECT_FALSE(hasMessage(fileOf("stco", turnedSample, box("avcC", "\x01"))));
+    EXPECT_TRUE(hasMessage(fileWithSamples("stco", sample, twoBytes)));
+    EXPECT_FALSE(hasMessage(fileWithSamples("stco", sample)));
+    EXPECT_TRUE(
+        hasMessage(fileWithSamples("stco", turnedSample, box("pasp", numbers({1, 1})) + avcConfiguration)));
+    EXPECT_TRUE(hasMessage(fileWithSamples("stco", turnedSample, avcConfiguration + bigEndian(0, 4))));
+    EXPECT_FALSE(hasMessage(fileWithSamples("stco", turnedSample, box("esds", "another codec"))));
+    EXPECT_FALSE(hasMessage(fileWithSamples("stco", turnedSample, box("avcC", "\x01"))));
 }
 
 TEST(FirstSampleTest, isMissingBeyondTheEndOfTheFile)

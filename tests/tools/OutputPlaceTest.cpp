@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 const std::string library = "LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so";
 
 /// File systems with and without unnamed files.
-const std::vector<std::vector<RefusedCall>> fileSystems = {{}, {RefusedCall::OpenNameless}};
+const std::vector<std::vector<RefusedCall>> refusals = {{}, {RefusedCall::OpenNameless}};
 
 } // namespace
 
@@ -74,7 +74,7 @@ protected:
 
 TEST_F(SwappedFolderTest, theResultIsInTheFolderThatWasChosen)
 {
-    for (const auto& refused : fileSystems) {
+    for (const auto& refused : refusals) {
         for (const auto successor : {Successor::Folder, Successor::Link, Successor::Nothing}) {
             saveDuringSwap(successor, refused, 0);
             expectOnlyIn("out.mp4", movie());
@@ -84,7 +84,7 @@ TEST_F(SwappedFolderTest, theResultIsInTheFolderThatWasChosen)
 
 TEST_F(SwappedFolderTest, theOlderFileStaysInTheFolderThatWasChosen)
 {
-    for (const auto& refused : fileSystems) {
+    for (const auto& refused : refusals) {
         for (const auto successor : {Successor::Folder, Successor::Link, Successor::Nothing}) {
             saveDuringSwap(successor, refused, 1);
             expectOnlyIn("out.mp4", "older");

@@ -195,7 +195,7 @@ TEST(ErrorMessageReaderTest, marksInALineOfAnyLengthDoNotGetThrough)
     for (std::size_t before = longestLine - 8; before < longestLine + 3; ++before) {
         ErrorMessageReader reader;
         std::string lines = reader.read(std::string(before, 'x') + "time=00:00:01.00");
-        lines += reader.read(std::string(3 * longestLine, 'y') + "\n");
+        lines += reader.read(std::string(3 * longestLine, 'y').append("\n"));
         EXPECT_EQ(lines.find("time="), std::string::npos) << before;
         EXPECT_NE(lines, "");
     }

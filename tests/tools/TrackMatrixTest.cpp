@@ -19,7 +19,7 @@ namespace tarnwell::test
 namespace
 {
 
-const std::string data = box("mdat", "data");
+const std::string shortMediaData = box("mdat", "data");
 const DisplayMatrix quarterTurnLeft = {0, -1, 1, 0};
 
 using Nine = std::vector<std::int64_t>;
@@ -56,7 +56,7 @@ Nine nineOf(const DisplayMatrix& m)
 
 std::string fileOf(const std::string& tracks)
 {
-    return fileType() + movieBox(tracks) + data;
+    return fileType() + movieBox(tracks) + shortMediaData;
 }
 
 /// The file with the flag; empty if ffmpeg must write a new file.
@@ -232,7 +232,7 @@ TEST(FlagPatchesTest, theMatrixOfTheMovieHeaderIsIncluded)
             SCOPED_TRACE(std::string(ofMovie.name) + ", track: " + ofTrack.name);
             const std::string before = fileType()
                 + box("moov", movieHeader(1, nineOf(ofMovie.matrix)) + videoWith(nineOf(ofTrack.matrix)))
-                + data;
+                + shortMediaData;
             const DisplayMatrix shown = combined(ofTrack.matrix, ofMovie.matrix);
             const MemoryFile file(flagged(before, 90 - rotationTag(shown)));
             const auto movie = readMovie(file.descriptor());
@@ -248,7 +248,9 @@ TEST(FlagPatchesTest, theMatrixOfTheMovieHeaderIsIncluded)
     }
     for (const Nine& matrix :
         {Nine(9, 0), matrixNine(2, 0, 0, 2), Nine{matrixOne, 0, 0, 38, matrixOne, 0, 0, 0, lastOne}})
-        EXPECT_EQ(flagged(fileType() + box("moov", movieHeader(0, matrix) + track("vide")) + data, 90), "");
+        EXPECT_EQ(
+            flagged(fileType() + box("moov", movieHeader(0, matrix) + track("vide")) + shortMediaData, 90),
+            "");
 }
 
 TEST(OrientationTest, isWhatDecodersMakeOfTheMatrix)

@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include <string>
+#include <vector>
 
 namespace tarnwell::test
 {
@@ -38,6 +39,13 @@ protected:
     /// The still that the preview shows.
     QImage still(const std::string& path, const std::string& position = "0.5") const;
     static QImage imageAt(const std::string& path);
+
+    /// A frame of each video as players show it, at the position in seconds; empty means the first frame. All
+    /// videos are decoded by one process.
+    std::vector<QImage> shownFrames(const Words& videos, const std::string& position = {}) const;
+
+    /// Runs ffmpeg once for several inputs and outputs, and fails the test if it fails.
+    static void runFfmpeg(const Words& options);
 
     /// The report of sniffer or ffprobe.
     static nlohmann::json report(const std::string& path, const std::string& program = builtSniffer);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Videos with unusual pixels and sound, processed by creator with the installed ffmpeg.
 #include "tests/support/Files.h"
-#include "tests/support/Rows.h"
 #include "tests/tools/RealTools.h"
 
 #include <algorithm>
@@ -33,21 +32,37 @@ protected:
 
     static nlohmann::json streamsOf(const std::string& path) { return report(path, realFfprobe)["streams"]; }
 
-    /// A hash of the first sound stream in that codec; "copy" hashes its packets.
-    static std::string soundHash(const std::string& path, const std::string& codec = "copy")
+    struct Sound {
+        std::string path;
+        std::string codec = "copy"; // hashes the packets
+        int number = 0; // among the sound streams of the file
+    };
+
+    /// Hashes of the sounds in these codecs, computed by one process.
+    std::vector<std::string> hashesOf(const std::vector<Sound>& sounds) const
     {
-        ToolProcess process(realFfmpeg,
-            {"-v", "error", "-nostdin", "-i", path, "-map", "0:a:0", "-c:a", codec, "-f", "md5", "-"});
-        EXPECT_EQ(process.wait(), 0);
-        return process.output();
+        Words inputs;
+        Words outputs;
+        for (std::size_t place = 0; place < sounds.size(); ++place) {
+            const std::string input = std::to_string(place);
+            inputs = joined(inputs, {"-i", sounds[place].path});
+            outputs = joined(outputs,
+                {"-map", input + ":a:" + std::to_string(sounds[place].number), "-c:a", sounds[place].codec,
+                    "-f", "md5", "-y", at("hash" + input)});
+        }
+        runFfmpeg(joined(inputs, outputs));
+        std::vector<std::string> hashes;
+        for (std::size_t place = 0; place < sounds.size(); ++place)
+            hashes.push_back(contentsOf(at("hash" + std::to_string(place))));
+        return hashes;
     }
 };
 
 TEST_F(RealStreamsTest, aStillHasTheProportionsThatPlayersShow)
 {
-    const QSize wide(1024, 576);
+    const QSize wide(128, 72);
     const QSize tall = wide.transposed();
-    makeClip(at("wide.mp4"), "720x576", {"-vf", "setsar=64/45"});
+    makeClip(at("wide.mp4"), "90x72", {"-vf", "setsar=64/45"});
     EXPECT_EQ(still(at("wide.mp4")).size(), wide);
     ASSERT_EQ(fixFlag(at("wide.mp4"), at("turned.mp4")), 0);
     EXPECT_EQ(still(at("turned.mp4")).size(), tall);
@@ -63,26 +78,37 @@ TEST_F(RealStreamsTest, aStillHasTheProportionsThatPlayersShow)
 TEST_F(RealStreamsTest, aStillOfALargePictureIsShrunkInsteadOfStretched)
 {
     const std::vector<std::pair<std::string, QSize>> rows
-        = {{"2/1", {6000, 300}}, {"1/2", {6000, 1200}}, {"1/100", {60, 600}}, {"1/1", {6000, 600}}};
-    for (const auto& [pixelAspect, expected] : rows) {
-        makeVideo(at("large.mkv"), "testsrc=size=6000x600:rate=10:duration=1",
-            {"-frames:v", "1", "-vf", "setsar=" + pixelAspect, "-c:v", "ffv1"});
-        EXPECT_EQ(still(at("large.mkv")).size(), expected) << pixelAspect;
-    }
+        = {{"2/1", {6000, 50}}, {"1/2", {6000, 200}}, {"1/100", {60, 100}}, {"1/1", {6000, 100}}};
+    Words outputs;
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        outputs = joined(outputs,
+            {"-frames:v", "1", "-vf", "setsar=" + rows[row].first, "-c:v", "rawvideo", "-pix_fmt", "yuv420p",
+                "-y", at(std::to_string(row) + ".mkv")});
+    runFfmpeg(joined({"-f", "lavfi", "-i", "color=size=6000x100"}, outputs));
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        EXPECT_EQ(still(at(std::to_string(row) + ".mkv"), "0").size(), rows[row].second) << rows[row].first;
 }
 
 TEST_F(RealStreamsTest, aacSoundIsCopiedIntoAnEncoding)
 {
-    const Words options = {"-f", "lavfi", "-i", "sine=duration=1", "-c:a", "aac"};
-    for (const char* name : {"clip.mp4", "clip.mkv", "clip.mov"}) {
-        makeClip(at(name), "64x48", options);
-        ASSERT_EQ(transcode(at(name), at("out.mp4")), 0) << name;
-        EXPECT_EQ(soundHash(at("out.mp4")), soundHash(at(name))) << name;
+    const Words names = {"clip.mp4", "clip.mkv", "clip.mov", "clip.ts"};
+    Words outputs;
+    for (const auto& name : names)
+        outputs = joined(outputs, joined(h264(), {"-c:a", "aac", "-y", at(name)}));
+    runFfmpeg(joined({"-f", "lavfi", "-i", "testsrc=size=64x48:rate=10:duration=1", "-f", "lavfi", "-i",
+                         "sine=duration=1"},
+        outputs));
+    std::vector<Sound> sounds;
+    for (const auto& name : names) {
+        ASSERT_EQ(transcode(at(name), at(name + ".mp4")), 0) << name;
+        sounds.push_back({at(name)});
+        sounds.push_back({at(name + ".mp4")});
     }
-    makeClip(at("clip.ts"), "64x48", options); // AAC with a header in each packet
-    ASSERT_EQ(transcode(at("clip.ts"), at("out.mp4")), 0);
-    EXPECT_EQ(streamsOf(at("out.mp4"))[1]["codec_name"], "aac");
-    EXPECT_EQ(soundHash(at("out.mp4")), soundHash(at("clip.mp4")));
+    sounds[6] = {at("clip.mp4")}; // in a transport stream each packet of AAC has a header
+    const auto hashes = hashesOf(sounds);
+    for (std::size_t place = 0; place < names.size(); ++place)
+        EXPECT_EQ(hashes[2 * place + 1], hashes[2 * place]) << names[place];
+    EXPECT_EQ(streamsOf(at("clip.ts.mp4"))[1]["codec_name"], "aac");
 }
 
 TEST_F(RealStreamsTest, soundOfAnyLayoutIsEncoded)
@@ -92,15 +118,23 @@ TEST_F(RealStreamsTest, soundOfAnyLayoutIsEncoded)
         const char* layout; // empty: only the number of channels is known
         int expected;
     };
+    const std::vector<Row> rows = {{"7", "6.1", 8}, {"6", "5.1(side)", 6}, {"11", "", 2}, {"16", "", 2}};
     writeFile(at("sound.raw"), std::string(96000, 's'));
-    for (const Row& row :
-        {Row{"7", "6.1", 8}, Row{"6", "5.1(side)", 6}, Row{"11", "", 2}, Row{"16", "", 2}}) {
-        SCOPED_TRACE(testing::Message() << row.channels << " " << row.layout);
-        Words options = {"-f", "s16le", "-ar", "8000", "-ac", row.channels};
+    Words inputs = {"-f", "lavfi", "-i", "testsrc=size=64x48:rate=10:duration=1"};
+    Words outputs;
+    for (const Row& row : rows) {
+        inputs = joined(inputs, {"-f", "s16le", "-ar", "8000", "-ac", row.channels});
         if (*row.layout != '\0')
-            options.insert(options.end(), {"-channel_layout", row.layout});
-        makeClip(at("clip.mkv"), "64x48", joined(options, {"-i", at("sound.raw"), "-c:a", "pcm_s16le"}));
-        ASSERT_EQ(transcode(at("clip.mkv"), at("out.mp4")), 0);
+            inputs = joined(inputs, {"-channel_layout", row.layout});
+        inputs = joined(inputs, {"-i", at("sound.raw")});
+        const std::string number = std::to_string(&row - rows.data() + 1);
+        outputs = joined(outputs, joined(h264(), {"-map", "0", "-map", number, "-c:a", "pcm_s16le", "-y"}));
+        outputs.push_back(at(std::string(row.channels) + ".mkv"));
+    }
+    runFfmpeg(joined(inputs, outputs));
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.channels << " " << row.layout);
+        ASSERT_EQ(transcode(at(std::string(row.channels) + ".mkv"), at("out.mp4")), 0);
         const auto streams = streamsOf(at("out.mp4"));
         ASSERT_EQ(streams.size(), 2U);
         EXPECT_EQ(streams[1]["codec_name"], "aac");
@@ -109,7 +143,6 @@ TEST_F(RealStreamsTest, soundOfAnyLayoutIsEncoded)
 }
 
 struct PcmRow {
-    const char* name;
     const char* codec;
     int channels;
     const char* layout;
@@ -117,41 +150,61 @@ struct PcmRow {
     const char* kept; // the PCM codec in which both sounds are the same
 };
 
-class RealPcmTest : public RealStreamsTest, public testing::WithParamInterface<PcmRow>
+const std::vector<PcmRow> pcmRows = {{"pcm_u8", 2, "stereo", "alac", "pcm_u8"},
+    {"pcm_s16be", 1, "mono", "alac", "pcm_s16le"}, {"pcm_s24le", 2, "stereo", "alac", "pcm_s24le"},
+    {"pcm_alaw", 2, "stereo", "alac", "pcm_s16le"}, {"pcm_mulaw", 2, "stereo", "alac", "pcm_s16le"},
+    {"pcm_s24le", 6, "5.1", "alac", "pcm_s24le"}, {"pcm_s16le", 4, "quad", "flac", "pcm_s16le"},
+    {"pcm_s16le", 6, "5.1(side)", "flac", "pcm_s16le"}, {"pcm_s24le", 8, "7.1", "flac", "pcm_s24le"},
+    // 24 bits remain of the following ones.
+    {"pcm_s32le", 2, "stereo", "alac", "pcm_s24le"}, {"pcm_f32le", 2, "stereo", "alac", "pcm_s24le"}};
+
+class RealPcmTest : public RealStreamsTest
 {
+protected:
+    /// A clip with a sound of noise for each row.
+    void makePcmClip() const
+    {
+        std::mt19937 random(5);
+        std::string noise(std::size_t(64000), '\0');
+        std::generate(noise.begin(), noise.end(), [&random] { return static_cast<char>(random()); });
+        writeFile(at("sound.raw"), noise);
+        Words inputs;
+        Words streams = {"-map", "0"};
+        for (std::size_t place = 0; place < pcmRows.size(); ++place) {
+            const PcmRow& row = pcmRows[place];
+            inputs = joined(inputs,
+                {"-f", "s32le", "-ar", "8000", "-ac", std::to_string(row.channels), "-channel_layout",
+                    row.layout, "-i", at("sound.raw")});
+            streams = joined(
+                streams, {"-map", std::to_string(place + 1), "-c:a:" + std::to_string(place), row.codec});
+        }
+        makeClip(at("clip.mov"), "64x48", joined(inputs, streams));
+    }
 };
 
-TEST_P(RealPcmTest, isKeptInACopy)
+TEST_F(RealPcmTest, everySoundIsKeptInACopy)
 {
-    const PcmRow& row = GetParam();
-    std::mt19937 random(5);
-    std::string noise(static_cast<std::size_t>(4 * 2000 * row.channels), '\0');
-    std::generate(noise.begin(), noise.end(), [&random] { return static_cast<char>(random()); });
-    writeFile(at("sound.raw"), noise);
-    makeClip(at("clip.mov"), "64x48",
-        {"-f", "s32le", "-ar", "8000", "-ac", std::to_string(row.channels), "-channel_layout", row.layout,
-            "-i", at("sound.raw"), "-c:a", row.codec});
-    ASSERT_EQ(streamsOf(at("clip.mov"))[1]["channel_layout"], row.layout);
+    makePcmClip();
     ASSERT_EQ(fixFlag(at("clip.mov"), at("out.mp4")), 0);
-    EXPECT_EQ(streamsOf(at("out.mp4"))[1]["codec_name"], row.expected);
-    EXPECT_EQ(streamsOf(at("out.mp4"))[1]["channels"], row.channels);
-    EXPECT_EQ(soundHash(at("out.mp4"), row.kept), soundHash(at("clip.mov"), row.kept));
+    const auto before = streamsOf(at("clip.mov"));
+    const auto after = streamsOf(at("out.mp4"));
+    ASSERT_EQ(before.size(), pcmRows.size() + 1);
+    ASSERT_EQ(after.size(), before.size());
+    std::vector<Sound> sounds;
+    for (std::size_t place = 0; place < pcmRows.size(); ++place) {
+        const PcmRow& row = pcmRows[place];
+        SCOPED_TRACE(testing::Message() << row.codec << ", " << row.layout);
+        EXPECT_EQ(before[place + 1]["codec_name"], row.codec);
+        EXPECT_EQ(before[place + 1]["channel_layout"], row.layout);
+        EXPECT_EQ(after[place + 1]["codec_name"], row.expected);
+        EXPECT_EQ(after[place + 1]["channels"], row.channels);
+        for (const char* file : {"clip.mov", "out.mp4"})
+            sounds.push_back({at(file), row.kept, static_cast<int>(place)});
+    }
+    const auto hashes = hashesOf(sounds);
+    for (std::size_t place = 0; place < pcmRows.size(); ++place)
+        EXPECT_EQ(hashes[2 * place + 1], hashes[2 * place]) << pcmRows[place].codec << pcmRows[place].layout;
 }
-
-INSTANTIATE_TEST_SUITE_P(Sounds, RealPcmTest,
-    testing::Values(PcmRow{"bytes", "pcm_u8", 2, "stereo", "alac", "pcm_u8"},
-        PcmRow{"bigEndian16", "pcm_s16be", 1, "mono", "alac", "pcm_s16le"},
-        PcmRow{"littleEndian24", "pcm_s24le", 2, "stereo", "alac", "pcm_s24le"},
-        PcmRow{"aLaw", "pcm_alaw", 2, "stereo", "alac", "pcm_s16le"},
-        PcmRow{"muLaw", "pcm_mulaw", 2, "stereo", "alac", "pcm_s16le"},
-        PcmRow{"surround", "pcm_s24le", 6, "5.1", "alac", "pcm_s24le"},
-        PcmRow{"quad", "pcm_s16le", 4, "quad", "flac", "pcm_s16le"},
-        PcmRow{"side", "pcm_s16le", 6, "5.1(side)", "flac", "pcm_s16le"},
-        PcmRow{"eight", "pcm_s24le", 8, "7.1", "flac", "pcm_s24le"},
-        // 24 bits remain of the following ones.
-        PcmRow{"integer32", "pcm_s32le", 2, "stereo", "alac", "pcm_s24le"},
-        PcmRow{"float32", "pcm_f32le", 2, "stereo", "alac", "pcm_s24le"}),
-    rowName);
 
 TEST_F(RealStreamsTest, soundWithoutADecoderDoesNotRemoveOtherSound)
 {

@@ -3,15 +3,18 @@
 // saved file shows the turned preview in players that obey messages and in those that know the display matrix
 // only.
 #include "tests/support/Files.h"
-#include "tests/support/Rows.h"
 #include "tests/tools/RealTools.h"
+#include "tools/TrackMatrix.h"
 
 #include <QTransform>
 
 #include <algorithm>
 #include <cstdlib>
-#include <ostream>
+#include <fcntl.h>
+#include <optional>
 #include <string>
+#include <unistd.h>
+#include <vector>
 
 namespace tarnwell::test
 {
@@ -21,19 +24,20 @@ namespace
 
 const std::string h264Message = "h264_metadata=display_orientation=insert:";
 const Words fragments = {"-movflags", "frag_keyframe+empty_moov+default_base_moof"};
+constexpr DisplayMatrix leftTurn = {0, -1, 1, 0};
+constexpr DisplayMatrix halfTurn = {-1, 0, 0, -1};
+
+// The types of the units that can hold a message.
+const std::string h264Messages = "6";
+const std::string hevcMessages = "39-40";
 
 struct MessageRow {
     const char* name;
     std::string message; // options of "h264_metadata"
     const char* extension;
     Words options = {}; // for the container
-    int matrix = 0; // of the container: degrees counterclockwise
+    std::optional<DisplayMatrix> matrix = {}; // of the container; the unit matrix if missing
 };
-
-void PrintTo(const MessageRow& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
 
 /// The largest difference of a colour channel; 255 for pictures of different sizes.
 int difference(const QImage& left, const QImage& right)
@@ -59,72 +63,102 @@ QImage turned(const QImage& picture, int degreesLeft)
 
 } // namespace
 
+/// A flag that was set: the preview of `clip` turned is what `out` has to show.
+struct Save {
+    std::string clip;
+    int degreesLeft;
+    std::string out;
+};
+
 class RealOrientationMessageTest : public RealTools
 {
 protected:
-    /// One second of H.264, with several key frames; `matrix` is written into the container.
-    void makeClip(const MessageRow& row) const
+    std::string clip(const MessageRow& row) const { return at(row.name) + row.extension; }
+
+    /// One second of H.264 for each row, with several key frames.
+    void makeClips(const std::vector<MessageRow>& rows) const
     {
-        makeVideo(at("plain.mp4"), "testsrc=size=128x96:rate=10:duration=1",
-            joined({"-f", "lavfi", "-i", "sine=duration=1", "-c:a", "aac", "-g", "4"}, h264()));
-        const std::string turn = "rotate=" + std::to_string(row.matrix);
-        const std::string source = at(row.matrix == 0 ? "plain.mp4" : "matrix.mp4");
-        if (row.matrix != 0) {
-            ASSERT_EQ(creator(fixFlagCommand(at("plain.mp4"), source, turn)), 0);
+        Words outputs;
+        for (const auto& row : rows) {
+            outputs = joined(outputs, joined(h264(), {"-g", "4", "-c:a", "aac"}));
+            if (!row.message.empty())
+                outputs = joined(outputs, {"-bsf:v", h264Message + row.message});
+            outputs = joined(outputs, joined(row.options, {"-y", clip(row)}));
         }
-        Words words = {"-v", "error", "-nostdin", "-i", source, "-c", "copy"};
-        if (!row.message.empty())
-            words = joined(words, {"-bsf:v", h264Message + row.message});
-        ASSERT_EQ(runTool(realFfmpeg, joined(joined(words, row.options), {"-y", clip(row)})), 0);
+        runFfmpeg(joined({"-f", "lavfi", "-i", "testsrc=size=128x96:rate=10:duration=1", "-f", "lavfi", "-i",
+                             "sine=duration=1"},
+            outputs));
+        for (const auto& row : rows) {
+            if (row.matrix)
+                orient(clip(row), *row.matrix);
+        }
     }
 
-    std::string clip(const MessageRow& row) const { return at("clip") + row.extension; }
-    std::string out() const { return at("out.mp4"); }
-
-    /// A flag that turns the shown picture, computed from sniffer's tag as the application does. The lines on
-    /// standard error.
-    std::string turnShown(const std::string& path, int degreesLeft) const
+    static void orient(const std::string& path, const DisplayMatrix& matrix)
     {
-        const std::string tag
-            = report(path)["streams"][0].value("/tags/rotate"_json_pointer, std::string("0"));
-        ToolProcess process(builtCreator,
-            fixFlagCommand(path, out(), "rotate=" + std::to_string(degreesLeft - std::stoi(tag))));
+        const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+        EXPECT_TRUE(writeTrackMatrix(file, matrix));
+        ::close(file);
+    }
+
+    /// The degrees clockwise that sniffer reports.
+    static int rotateTag(const std::string& path)
+    {
+        return std::stoi(report(path)["streams"][0].value("/tags/rotate"_json_pointer, std::string("0")));
+    }
+
+    /// Turns the shown picture by a flag that is computed from sniffer's tag as the application does. The
+    /// lines on standard error.
+    static std::string turnShown(const Save& save, int tag)
+    {
+        const std::string turn = "rotate=" + std::to_string(save.degreesLeft - tag);
+        ToolProcess process(builtCreator, fixFlagCommand(save.clip, save.out, turn));
         EXPECT_EQ(process.wait(), 0);
         return process.errorText();
     }
 
-    /// The first frame as ffmpeg shows it, after `options`.
-    QImage frame(const std::string& path, const Words& options = {}) const
+    std::string turnShown(const Save& save) const { return turnShown(save, rotateTag(save.clip)); }
+
+    /// Copies of the streams without the units of these types, which hold the messages. Players that do not
+    /// know messages show the original like its copy.
+    Words withoutMessages(const Words& videos, const std::string& unitTypes) const
     {
-        const Words words = {"-i", path, "-frames:v", "1", "-y", at("frame.png")};
-        EXPECT_EQ(runTool(realFfmpeg, joined(joined({"-v", "error", "-nostdin"}, options), words)), 0);
-        return imageAt(at("frame.png"));
+        Words inputs;
+        Words outputs;
+        Words copies;
+        for (const auto& video : videos) {
+            const std::string number = std::to_string(copies.size());
+            copies.push_back(at("stripped" + number + ".mp4"));
+            inputs = joined(inputs, {"-i", video});
+            outputs = joined(outputs,
+                {"-map", number + ":v:0", "-c", "copy", "-bsf:v", "filter_units=remove_types=" + unitTypes,
+                    "-y", copies.back()});
+        }
+        runFfmpeg(joined(inputs, outputs));
+        return copies;
     }
 
-    /// The frame as players show it that do not know messages: a copy of the stream without any message.
-    QImage frameByMatrixOnly(const std::string& path) const
+    /// The saved files show the previews turned, in both kinds of players.
+    void expectTurnedPreviews(const std::vector<Save>& saves, const std::string& unitTypes) const
     {
-        const std::string noSei = codec(path) == "hevc" ? "39-40" : "6";
-        EXPECT_EQ(runTool(realFfmpeg,
-                      {"-v", "error", "-nostdin", "-i", path, "-map", "0:v:0", "-c", "copy", "-bsf:v",
-                          "filter_units=remove_types=" + noSei, "-y", at("stripped.mp4")}),
-            0);
-        return frame(at("stripped.mp4"));
-    }
-
-    static std::string codec(const std::string& path)
-    {
-        return report(path, realFfprobe)["streams"][0]["codec_name"];
-    }
-
-    /// The saved file shows the preview of `path` turned, in both kinds of players.
-    void expectTurnedPreview(const std::string& path, int degreesLeft) const
-    {
-        constexpr int mostDifference = 2; // of RGB conversions of turned pictures
-        const QImage expected = turned(frame(path), degreesLeft);
-        EXPECT_LE(difference(frame(out()), expected), mostDifference);
-        EXPECT_LE(difference(frameByMatrixOnly(out()), expected), mostDifference);
-        EXPECT_EQ(still(out(), "0").size(), turned(still(path, "0"), degreesLeft).size());
+        Words clips;
+        Words outs;
+        for (const Save& save : saves) {
+            clips.push_back(save.clip);
+            outs.push_back(save.out);
+        }
+        const auto frames = shownFrames(joined(joined(clips, outs), withoutMessages(outs, unitTypes)));
+        for (std::size_t place = 0; place < saves.size(); ++place) {
+            constexpr int mostDifference = 2; // of RGB conversions of turned pictures
+            const auto& [clip, degreesLeft, out] = saves[place];
+            SCOPED_TRACE(out);
+            const QImage expected = turned(frames[place], degreesLeft);
+            EXPECT_LE(difference(frames[place + saves.size()], expected), mostDifference);
+            EXPECT_LE(difference(frames[place + 2 * saves.size()], expected), mostDifference);
+            if (degreesLeft == 90) {
+                EXPECT_EQ(still(out, "0").size(), turned(still(clip, "0"), degreesLeft).size());
+            }
+        }
     }
 
     /// Inserts an HEVC message of a quarter turn to the left before each of the first slices, byte by byte.
@@ -146,72 +180,75 @@ protected:
             place = slice;
         }
         writeFile(at("message.hevc"), bytes);
-        ASSERT_EQ(runTool(realFfmpeg,
-                      {"-v", "error", "-nostdin", "-framerate", "10", "-i", at("message.hevc"), "-c", "copy",
-                          "-y", path}),
-            0);
+        runFfmpeg({"-framerate", "10", "-i", at("message.hevc"), "-c", "copy", "-y", path});
     }
 };
 
-class MessageTableTest : public RealOrientationMessageTest, public testing::WithParamInterface<MessageRow>
+TEST_F(RealOrientationMessageTest, aFlagShowsTheTurnedPreviewInAllPlayers)
 {
-};
-
-TEST_P(MessageTableTest, aFlagShowsTheTurnedPreviewInAllPlayers)
-{
-    ASSERT_NO_FATAL_FAILURE(makeClip(GetParam()));
-    const std::string path = clip(GetParam());
-    ASSERT_GT(difference(frame(path), frameByMatrixOnly(path)), 100) << "ffmpeg does not obey the message";
-    for (const int degreesLeft : {90, 180}) {
-        SCOPED_TRACE(degreesLeft);
-        turnShown(path, degreesLeft);
-        expectTurnedPreview(path, degreesLeft);
+    const std::string mp4 = ".mp4";
+    const std::vector<MessageRow> rows = {{"mp4", "rotate=90", ".mp4"}, {"mov", "rotate=90", ".mov"},
+        {"matroska", "rotate=90", ".mkv"}, {"fragmented", "rotate=270", ".mp4", fragments},
+        {"transport stream", "rotate=180", ".ts"}, {"mp4 with a matrix", "rotate=90", ".mp4", {}, halfTurn},
+        {"mov with a matrix", "rotate=180", ".mov", {}, leftTurn},
+        {"mp4 mirrored", "flip=horizontal:rotate=90", ".mp4"},
+        {"matroska mirrored", "flip=vertical", ".mkv"}};
+    ASSERT_NO_FATAL_FAILURE(makeClips(rows));
+    Words clips;
+    std::vector<Save> saves;
+    for (const auto& row : rows) {
+        clips.push_back(clip(row));
+        const int tag = rotateTag(clip(row));
+        for (const int degreesLeft : {90, 180}) {
+            if (degreesLeft == 180 && row.extension != mp4)
+                continue; // the matrix of a turn does not depend on the container
+            saves.push_back({clip(row), degreesLeft, clip(row) + std::to_string(degreesLeft) + ".mp4"});
+            turnShown(saves.back(), tag);
+        }
     }
+    const auto frames = shownFrames(joined(clips, withoutMessages(clips, h264Messages)));
+    for (std::size_t place = 0; place < clips.size(); ++place)
+        EXPECT_GT(difference(frames[place], frames[place + clips.size()]), 100)
+            << "ffmpeg does not obey the message of " << clips[place];
+    expectTurnedPreviews(saves, h264Messages);
 }
-
-INSTANTIATE_TEST_SUITE_P(Files, MessageTableTest,
-    testing::Values(MessageRow{"mp4", "rotate=90", ".mp4"}, MessageRow{"mov", "rotate=90", ".mov"},
-        MessageRow{"matroska", "rotate=90", ".mkv"},
-        MessageRow{"fragmentedMp4", "rotate=270", ".mp4", fragments},
-        MessageRow{"transportStream", "rotate=180", ".ts"},
-        MessageRow{"mp4WithAMatrix", "rotate=90", ".mp4", {}, 180},
-        MessageRow{"movWithAMatrix", "rotate=180", ".mov", {}, 90},
-        MessageRow{"mp4Mirrored", "flip=horizontal:rotate=90", ".mp4"},
-        MessageRow{"matroskaMirrored", "flip=vertical", ".mkv"}),
-    rowName);
 
 TEST_F(RealOrientationMessageTest, anMp4FileWithAMessageIsNotCopiedByteByByte)
 {
-    const MessageRow row = {"", "rotate=90", ".mp4"};
-    ASSERT_NO_FATAL_FAILURE(makeClip(row));
-    EXPECT_NE(turnShown(clip(row), 90).find("its video stream holds an orientation of its own\n"),
+    const MessageRow row = {"clip", "rotate=90", ".mp4"};
+    ASSERT_NO_FATAL_FAILURE(makeClips({row}));
+    EXPECT_NE(
+        turnShown({clip(row), 90, at("out.mp4")}).find("its video stream holds an orientation of its own\n"),
         std::string::npos);
 }
 
 TEST_F(RealOrientationMessageTest, anMp4FileWithoutATurningMessageIsCopiedByteByByte)
 {
-    for (const char* message : {"", "rotate=0"}) {
-        SCOPED_TRACE(message);
-        const MessageRow row = {"", message, ".mp4"};
-        ASSERT_NO_FATAL_FAILURE(makeClip(row));
-        EXPECT_EQ(turnShown(clip(row), 90).find("byte by byte"), std::string::npos);
-        EXPECT_EQ(contentsOf(out()).size(), contentsOf(clip(row)).size());
-        expectTurnedPreview(clip(row), 90);
+    const std::vector<MessageRow> rows = {{"none", "", ".mp4"}, {"unit", "rotate=0", ".mp4"}};
+    ASSERT_NO_FATAL_FAILURE(makeClips(rows));
+    std::vector<Save> saves;
+    for (const auto& row : rows) {
+        const Save save = {clip(row), 90, clip(row) + ".out.mp4"};
+        EXPECT_EQ(turnShown(save).find("byte by byte"), std::string::npos) << row.name;
+        EXPECT_EQ(contentsOf(save.out).size(), contentsOf(save.clip).size()) << row.name;
+        saves.push_back(save);
     }
+    expectTurnedPreviews(saves, h264Messages);
 }
 
 TEST_F(RealOrientationMessageTest, anHevcMessageIsRemovedToo)
 {
-    ASSERT_NO_FATAL_FAILURE(makeHevcClip(at("hevc.mp4")));
-    for (const char* name : {"clip.mp4", "clip.mov", "clip.mkv"}) {
-        SCOPED_TRACE(name);
-        ASSERT_EQ(runTool(realFfmpeg,
-                      {"-v", "error", "-nostdin", "-i", at("hevc.mp4"), "-c", "copy", "-y", at(name)}),
-            0);
-        ASSERT_EQ(frame(at(name)).size(), QSize(96, 128)) << "ffmpeg does not obey the message";
-        turnShown(at(name), 90);
-        expectTurnedPreview(at(name), 90);
+    const Words clips = {at("clip.mp4"), at("clip.mov"), at("clip.mkv")};
+    ASSERT_NO_FATAL_FAILURE(makeHevcClip(clips[0]));
+    runFfmpeg({"-i", clips[0], "-c", "copy", "-y", clips[1], "-c", "copy", "-y", clips[2]});
+    std::vector<Save> saves;
+    for (const auto& clip : clips) {
+        saves.push_back({clip, 90, clip + ".out.mp4"});
+        turnShown(saves.back());
     }
+    for (const QImage& frame : shownFrames(clips))
+        ASSERT_EQ(frame.size(), QSize(96, 128)) << "ffmpeg does not obey the message";
+    expectTurnedPreviews(saves, hevcMessages);
 }
 
 } // namespace tarnwell::test

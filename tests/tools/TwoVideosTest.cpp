@@ -1,32 +1,20 @@
 // SPDX-License-Identifier: MIT
 // Files with two video tracks of different size, colour and turn: the still, the report, the flag and the
 // transcode use the same track.
-#include "platform/TemporaryDirectory.h"
 #include "tests/support/Files.h"
-#include "tests/support/Folders.h"
-#include "tests/tools/ToolProcess.h"
+#include "tests/support/Rows.h"
+#include "tests/tools/RealTools.h"
 
 #include <QColor>
-#include <QImage>
-
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <ostream>
 #include <string>
-#include <vector>
 
 namespace tarnwell::test
 {
 
 namespace
 {
-
-using Words = std::vector<std::string>;
-
-const std::string ffmpeg = "/usr/bin/ffmpeg";
-const std::string creator = TARNWELL_BUILD_FOLDER "/libexec/tarnwell/creator";
-const std::string sniffer = TARNWELL_BUILD_FOLDER "/libexec/tarnwell/sniffer";
 
 struct Track {
     const char* colour;
@@ -38,7 +26,6 @@ struct TwoVideosRow {
     const char* name;
     Track first;
     Track second;
-    const char* extension; // MP4 is copied byte by byte; ffmpeg copies the streams of a MOV file
 };
 
 /// Copies a Matroska file and makes the element DefaultDuration of its first track an element Void.
@@ -56,62 +43,48 @@ void removeFirstFrameRate(const std::string& from, const std::string& to)
 
 void PrintTo(const TwoVideosRow& row, std::ostream* stream)
 {
-    *stream << row.name << " in " << row.extension;
+    *stream << row.name;
+}
+
+std::string sourceOf(const Track& track)
+{
+    return std::string("color=") + track.colour + ":rate=10:duration=1:size="
+        + std::to_string(track.size.width()) + "x" + std::to_string(track.size.height());
 }
 
 } // namespace
 
-class TwoVideosTest : public testing::TestWithParam<TwoVideosRow>
+class TwoVideosTest : public RealTools, public testing::WithParamInterface<TwoVideosRow>
 {
 protected:
+    /// The same tracks in an MP4 file, which is copied byte by byte, and in a MOV file, whose streams ffmpeg
+    /// copies.
     void SetUp() override
     {
         const TwoVideosRow& row = GetParam();
-        makeTrack(row.first, at("first.mp4"));
-        makeTrack(row.second, at("second.mp4"));
-        ASSERT_EQ(runTool(ffmpeg,
-                      {"-v", "error", "-nostdin", "-i", at("first.mp4"), "-i", at("second.mp4"), "-map",
-                          "0:v", "-map", "1:v", "-c", "copy", "-y", input()}),
-            0);
+        runFfmpeg(joined(joined({"-f", "lavfi", "-i", sourceOf(row.first), "-f", "lavfi", "-i",
+                                    sourceOf(row.second), "-map", "0"},
+                             joined(h264(), {"-y", at("upright1.mp4"), "-map", "1"})),
+            joined(h264(), {"-y", at("upright2.mp4")})));
+        ASSERT_EQ(flag(-row.first.rotation, at("upright1.mp4"), at("first.mp4")), 0);
+        ASSERT_EQ(flag(-row.second.rotation, at("upright2.mp4"), at("second.mp4")), 0);
+        const Words copies = {"-map", "0:v", "-map", "1:v", "-c", "copy", "-y"};
+        runFfmpeg(joined(joined({"-i", at("first.mp4"), "-i", at("second.mp4")}, joined(copies, {mp4()})),
+            joined(copies, {mov()})));
     }
 
-    std::string at(const std::string& name) const { return m_folder.path() + name; }
-    std::string input() const { return at(std::string("clip.") + GetParam().extension); }
+    std::string mp4() const { return at("clip.mp4"); }
+    std::string mov() const { return at("clip.mov"); }
 
-    /// The flag that the application requests: `turn` counterclockwise, minus the reported rotation.
-    static Words flag(int turn, int reported, const std::string& from, const std::string& to)
+    static int flag(int degrees, const std::string& from, const std::string& to)
     {
-        return {"-i", from, "-c:v", "copy", "-c:a", "copy", "-metadata:s:v",
-            "rotate=" + std::to_string(turn - reported), "-y", to};
-    }
-
-    void makeTrack(const Track& track, const std::string& path) const
-    {
-        const std::string source = std::string("color=") + track.colour + ":rate=10:duration=1:size="
-            + std::to_string(track.size.width()) + "x" + std::to_string(track.size.height());
-        ASSERT_EQ(runTool(ffmpeg,
-                      {"-v", "error", "-nostdin", "-f", "lavfi", "-i", source, "-c:v", "libx264", "-preset",
-                          "ultrafast", "-pix_fmt", "yuv420p", "-y", at("upright.mp4")}),
-            0);
-        ASSERT_EQ(runTool(creator, flag(-track.rotation, 0, at("upright.mp4"), path)), 0);
-    }
-
-    QImage stillOf(const std::string& path) const
-    {
-        EXPECT_EQ(runTool(creator,
-                      {"-v", "quiet", "-ss", "0.5", "-i", path, "-frames:v", "1", "-y", at("still.jpg")}),
-            0);
-        return QImage(QString::fromStdString(at("still.jpg")));
+        return creator(fixFlagCommand(from, to, "rotate=" + std::to_string(degrees)));
     }
 
     /// The rotation that the application reads from the report: that of the first video with a frame rate.
-    int reportedRotation() const
+    static int reportedRotation(const std::string& path)
     {
-        ToolProcess process(
-            sniffer, {"-v", "quiet", "-print_format", "json", "-show_format", "-show_streams", input()});
-        EXPECT_EQ(process.wait(), 0);
-        const auto tags = nlohmann::json::parse(process.output())["streams"][0]["tags"];
-        return std::stoi(tags.value("rotate", "0"));
+        return std::stoi(report(path)["streams"][0]["tags"].value("rotate", "0"));
     }
 
     static void expectPicture(const QImage& picture, const QSize& size)
@@ -123,9 +96,6 @@ protected:
             + std::abs(expected.green() - found.green()) + std::abs(expected.blue() - found.blue());
         EXPECT_LT(difference, 60) << found.name().toStdString();
     }
-
-private:
-    TemporaryDirectory m_folder;
 };
 
 TEST_P(TwoVideosTest, everySaveMeansTheTrackOfTheStill)
@@ -133,59 +103,49 @@ TEST_P(TwoVideosTest, everySaveMeansTheTrackOfTheStill)
     const Track& first = GetParam().first;
     const bool isTurned = first.rotation % 180 != 0;
     const QSize shown = isTurned ? first.size.transposed() : first.size;
-    expectPicture(stillOf(input()), shown);
-    EXPECT_EQ(reportedRotation(), first.rotation);
+    expectPicture(still(mp4()), shown);
+    const int reported = reportedRotation(mp4());
+    EXPECT_EQ(reported, first.rotation);
 
-    ASSERT_EQ(runTool(creator, flag(90, reportedRotation(), input(), at("flag.mp4"))), 0);
-    expectPicture(stillOf(at("flag.mp4")), shown.transposed());
+    for (const auto& file : {mp4(), mov()}) {
+        SCOPED_TRACE(file);
+        ASSERT_EQ(flag(90 - reported, file, at("flag.mp4")), 0);
+        expectPicture(still(at("flag.mp4")), shown.transposed());
+    }
 
-    ASSERT_EQ(runTool(creator,
-                  {"-i", input(), "-pix_fmt", "yuv420p", "-vf", "transpose=2", "-metadata:s:v", "rotate=0",
-                      "-y", at("encoded.mp4")}),
-        0);
-    expectPicture(stillOf(at("encoded.mp4")), shown.transposed());
-}
-
-// The first stream is a single picture without a frame rate that is not marked as a cover.
-TEST(PictureAndFilmTest, everySaveMeansTheFilm)
-{
-    const TemporaryDirectory folder;
-    const auto at = [&folder](const std::string& name) { return folder.path() + name; };
-    ASSERT_EQ(
-        runTool(ffmpeg,
-            {"-v", "error", "-nostdin", "-f", "lavfi", "-i", "color=blue:rate=10:duration=0.1:size=160x90",
-                "-f", "lavfi", "-i", "color=red:rate=10:duration=2:size=320x240", "-map", "0:v", "-map",
-                "1:v", "-pix_fmt", "yuv420p", at("rates.mkv")}),
-        0);
-    removeFirstFrameRate(at("rates.mkv"), at("clip.mkv"));
-    const auto expectFilm = [&](const std::string& path) {
-        EXPECT_EQ(runTool(creator,
-                      {"-v", "quiet", "-ss", "1", "-i", path, "-frames:v", "1", "-y", at("still.jpg")}),
-            0);
-        EXPECT_EQ(QImage(QString::fromStdString(at("still.jpg"))).size(), QSize(320, 240)) << path;
-    };
-    expectFilm(at("clip.mkv"));
-    ASSERT_EQ(runTool(creator,
-                  {"-i", at("clip.mkv"), "-c:v", "copy", "-c:a", "copy", "-metadata:s:v", "rotate=0", "-y",
-                      at("flag.mp4")}),
-        0);
-    expectFilm(at("flag.mp4"));
-    ASSERT_EQ(runTool(creator,
-                  {"-i", at("clip.mkv"), "-pix_fmt", "yuv420p", "-metadata:s:v", "rotate=0", "-y",
-                      at("encoded.mp4")}),
-        0);
-    expectFilm(at("encoded.mp4"));
+    ASSERT_EQ(creator(transcodeCommand(mp4(), at("encoded.mp4"))), 0);
+    expectPicture(still(at("encoded.mp4")), shown.transposed());
 }
 
 INSTANTIATE_TEST_SUITE_P(Orders, TwoVideosTest,
-    testing::Values(TwoVideosRow{"largeFirst", {"red", {320, 240}, 0}, {"blue", {160, 90}, 90}, "mp4"},
-        TwoVideosRow{"smallFirst", {"blue", {160, 90}, 0}, {"red", {320, 240}, 90}, "mp4"},
-        TwoVideosRow{"turnedLargeFirst", {"red", {320, 240}, 90}, {"blue", {160, 90}, 0}, "mp4"},
-        TwoVideosRow{"turnedSmallFirst", {"blue", {160, 90}, 270}, {"red", {320, 240}, 0}, "mp4"},
-        TwoVideosRow{"largeFirst", {"red", {320, 240}, 0}, {"blue", {160, 90}, 90}, "mov"},
-        TwoVideosRow{"smallFirst", {"blue", {160, 90}, 0}, {"red", {320, 240}, 90}, "mov"},
-        TwoVideosRow{"turnedLargeFirst", {"red", {320, 240}, 90}, {"blue", {160, 90}, 0}, "mov"},
-        TwoVideosRow{"turnedSmallFirst", {"blue", {160, 90}, 270}, {"red", {320, 240}, 0}, "mov"}),
-    [](const auto& row) { return std::string(row.param.name) + "_" + row.param.extension; });
+    testing::Values(TwoVideosRow{"largeFirst", {"red", {320, 240}, 0}, {"blue", {160, 90}, 90}},
+        TwoVideosRow{"smallFirst", {"blue", {160, 90}, 0}, {"red", {320, 240}, 90}},
+        TwoVideosRow{"turnedLargeFirst", {"red", {320, 240}, 90}, {"blue", {160, 90}, 0}},
+        TwoVideosRow{"turnedSmallFirst", {"blue", {160, 90}, 270}, {"red", {320, 240}, 0}}),
+    rowName);
+
+class PictureAndFilmTest : public RealTools
+{
+protected:
+    void expectFilm(const std::string& path) const
+    {
+        EXPECT_EQ(still(path, "1").size(), QSize(320, 240)) << path;
+    }
+};
+
+// The first stream is a single picture without a frame rate that is not marked as a cover.
+TEST_F(PictureAndFilmTest, everySaveMeansTheFilm)
+{
+    makeVideo(at("rates.mkv"), "color=blue:rate=10:duration=0.1:size=160x90",
+        joined(
+            {"-f", "lavfi", "-i", "color=red:rate=10:duration=2:size=320x240", "-map", "0:v", "-map", "1:v"},
+            h264()));
+    removeFirstFrameRate(at("rates.mkv"), at("clip.mkv"));
+    expectFilm(at("clip.mkv"));
+    ASSERT_EQ(creator(fixFlagCommand(at("clip.mkv"), at("flag.mp4"), "rotate=0")), 0);
+    expectFilm(at("flag.mp4"));
+    ASSERT_EQ(creator(transcodeCommand(at("clip.mkv"), at("encoded.mp4"), "")), 0);
+    expectFilm(at("encoded.mp4"));
+}
 
 } // namespace tarnwell::test

@@ -13,16 +13,33 @@ EXIFTOOL_NAMES = [
 VIDEO_TRACK = "Track1"
 
 
-def exiftool_facts(path):
-    command = ["exiftool", "-j", "-n", "-a", "-G1", *["-" + name for name in EXIFTOOL_NAMES], path]
-    report = subprocess.run(command, check=False, capture_output=True, text=True).stdout
-    entries = json.loads(report or "[{}]")[0]
-    facts = {}
-    for name, value in entries.items():
-        group, _, tag = name.partition(":")
-        if tag:
-            facts[f"{group} {tag}"] = str(value)
-    return facts
+class Exiftool:
+    """One process that reads many files, one after the other."""
+
+    def __enter__(self):
+        self.process = subprocess.Popen(["exiftool", "-stay_open", "True", "-@", "-"], stdin=subprocess.PIPE,
+                                        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)  # fmt: skip
+        return self
+
+    def __exit__(self, *exception):
+        self.process.communicate("-stay_open\nFalse\n")
+
+    def facts(self, path):
+        arguments = ["-j", "-n", "-a", "-G1", *["-" + name for name in EXIFTOOL_NAMES], path, "-execute"]
+        self.process.stdin.write("\n".join(arguments) + "\n")
+        self.process.stdin.flush()
+        report = ""
+        while (line := self.process.stdout.readline()) != "{ready}\n":
+            if not line:
+                raise EOFError(f"exiftool ended while it read {path}")
+            report += line
+        entries = json.loads(report or "[{}]")[0]
+        facts = {}
+        for name, value in entries.items():
+            group, _, tag = name.partition(":")
+            if tag:
+                facts[f"{group} {tag}"] = str(value)
+        return facts
 
 
 def ffprobe_report(path):
@@ -76,10 +93,10 @@ def codec_of(stream):
     return f"{codec}/{tag}" if tag.isalnum() else codec
 
 
-def facts_of(path):
+def facts_of(path, exiftool):
     """All facts, each with the name of the program that reads it."""
     facts = {"ffprobe " + name: value for name, value in ffprobe_facts(path).items()}
-    facts.update({"exiftool " + name: value for name, value in exiftool_facts(path).items()})
+    facts.update({"exiftool " + name: value for name, value in exiftool.facts(path).items()})
     return facts
 
 

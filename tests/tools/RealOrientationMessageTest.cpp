@@ -156,7 +156,7 @@ protected:
             EXPECT_LE(difference(frames[place + saves.size()], expected), mostDifference);
             EXPECT_LE(difference(frames[place + 2 * saves.size()], expected), mostDifference);
             if (degreesLeft == 90) {
-                EXPECT_EQ(still(out, "0").size(), turned(still(clip, "0"), degreesLeft).size());
+                EXPECT_EQ(still(clip, "0").size(), frames[place].size());
             }
         }
     }

@@ -5,11 +5,9 @@
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/TestToken.h"
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace tarnwell::test
@@ -80,13 +78,11 @@ protected:
             "TARNWELL_FAILS=" + GetParam().call + " " + std::to_string(time), "TARNWELL_WAITS_FOR=" + goOn,
             token.variable()};
         ToolProcess creator(tools.creator(), transcode(), setup);
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (!exists(goOn + ".waiting") && isRunning(creator.processId())) {
-            if (std::chrono::steady_clock::now() > limit) {
-                ADD_FAILURE() << "creator neither ended nor called " << GetParam().call;
-                return false;
-            }
-            std::this_thread::yield();
+        const auto hasCalledOrEnded
+            = [&] { return exists(goOn + ".waiting") || !isRunning(creator.processId()); };
+        if (!waitFor(hasCalledOrEnded)) {
+            ADD_FAILURE() << "creator neither ended nor called " << GetParam().call;
+            return false;
         }
         const bool isWaiting = exists(goOn + ".waiting");
         if (isWaiting)

@@ -9,8 +9,8 @@
 namespace tarnwell::test
 {
 
-/// A folder with copies of the built sniffer and creator and with fakes for ffprobe and ffmpeg, and another
-/// folder for videos.
+/// A folder with the built sniffer and creator and with fakes for ffprobe and ffmpeg, and another folder for
+/// videos. The programs are hard links to those of the build tree, so a test must not write to them.
 class ToolFolder
 {
 public:
@@ -45,7 +45,7 @@ private:
     void setTool(const std::string& name, const std::string& script, const std::string& program = "fakeTool");
     void breakTool(const std::string& name);
 
-    std::map<std::string, std::string> m_programs; // name of a fake and the program that it is a copy of
+    std::map<std::string, std::string> m_programs; // name of a fake and of its program in the build tree
     TemporaryDirectory m_tools;
     TemporaryDirectory m_videos;
 };

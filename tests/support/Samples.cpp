@@ -3,8 +3,11 @@
 
 #include "desktop/PathText.h"
 #include "platform/TemporaryDirectory.h"
+#include "tests/support/Files.h"
+#include "tests/support/Folders.h"
 #include "tests/support/Waiting.h"
 
+#include <QCryptographicHash>
 #include <QImageReader>
 #include <QProcess>
 
@@ -12,6 +15,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <unistd.h>
 
 namespace tarnwell::test
 {
@@ -34,6 +39,49 @@ std::string pictureFilter()
         + drawBox("x=0:y=ih-ih/4", "blue") + "," + drawBox("x=iw-iw/4:y=ih-ih/4", "yellow");
 }
 
+/// Without the output.
+std::vector<std::string> argumentsFor(const SampleVideo& sample)
+{
+    const std::string size = std::to_string(sample.size.width()) + "x" + std::to_string(sample.size.height());
+    const std::string length = ":duration=" + std::to_string(sample.seconds);
+    std::vector<std::string> arguments = {"-v", "error", "-nostdin", "-f", "lavfi", "-i",
+        "gradients=size=" + size + ":rate=25:c0=gray:c1=silver:speed=0.01:seed=7" + length};
+    if (!sample.soundCodec.empty())
+        arguments.insert(
+            arguments.end(), {"-f", "lavfi", "-i", "sine=frequency=440" + length, "-c:a", sample.soundCodec});
+    arguments.insert(arguments.end(),
+        {"-vf", pictureFilter(), "-c:v", sample.codec, "-pix_fmt", sample.pixelFormat, "-g", "5", "-y"});
+    return arguments;
+}
+
+/// A hash of everything that the sample's bytes depend on.
+std::string keyOf(const std::vector<std::string>& arguments)
+{
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    for (const auto& argument : arguments)
+        hash.addData(QByteArray::fromStdString(argument + "\n"));
+    hash.addData(
+        QByteArray::number(qint64{std::filesystem::last_write_time(ffmpeg).time_since_epoch().count()}));
+    return hash.result().toHex().toStdString();
+}
+
+/// The path of the sample in the build folder. Makes it if no test has made it before. Test programs that
+/// make the same sample at the same time replace each other's whole file.
+std::string keptSample(const std::string& path, std::vector<std::string> arguments)
+{
+    const std::string folder = TARNWELL_BUILD_FOLDER "/tests/samples/";
+    const std::string name = keyOf(arguments) + std::filesystem::path(path).extension().string();
+    if (!exists(folder + name)) {
+        std::filesystem::create_directories(folder);
+        const std::string unfinished = folder + std::to_string(::getpid()) + "-" + name;
+        arguments.push_back(unfinished);
+        if (run(ffmpeg, arguments) != 0)
+            failTest("ffmpeg cannot make " + path);
+        std::filesystem::rename(unfinished, folder + name);
+    }
+    return folder + name;
+}
+
 } // namespace
 
 int run(const std::string& program, const std::vector<std::string>& arguments)
@@ -52,17 +100,8 @@ int run(const std::string& program, const std::vector<std::string>& arguments)
 
 void makeSampleVideo(const std::string& path, const SampleVideo& sample)
 {
-    const std::string size = std::to_string(sample.size.width()) + "x" + std::to_string(sample.size.height());
-    const std::string length = ":duration=" + std::to_string(sample.seconds);
-    std::vector<std::string> arguments = {"-v", "error", "-nostdin", "-f", "lavfi", "-i",
-        "gradients=size=" + size + ":rate=25:c0=gray:c1=silver:speed=0.01:seed=7" + length};
-    if (!sample.soundCodec.empty())
-        arguments.insert(
-            arguments.end(), {"-f", "lavfi", "-i", "sine=frequency=440" + length, "-c:a", sample.soundCodec});
-    arguments.insert(arguments.end(),
-        {"-vf", pictureFilter(), "-c:v", sample.codec, "-pix_fmt", sample.pixelFormat, "-g", "5", "-y",
-            path});
-    ASSERT_EQ(run(ffmpeg, arguments), 0) << path;
+    const std::string kept = keptSample(path, argumentsFor(sample));
+    std::filesystem::copy_file(kept, path, std::filesystem::copy_options::overwrite_existing);
 }
 
 void setRotationFlag(const std::string& path, int degrees, const std::string& markedPath)

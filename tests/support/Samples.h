@@ -19,8 +19,9 @@ struct SampleVideo {
     std::string soundCodec = "aac"; // empty for no sound
 };
 
-/// Makes a video with ffmpeg: four corners of different colours, so that all orientations differ, a soft
-/// moving pattern between them, and a tone. Fails the test if ffmpeg fails.
+/// Writes a video: four corners of different colours, so that all orientations differ, a soft moving pattern
+/// between them, and a tone. ffmpeg makes it once and the build folder keeps it for all tests. Ends the test
+/// if ffmpeg fails.
 void makeSampleVideo(const std::string& path, const SampleVideo& sample = {});
 
 /// Sets the rotation flag of an MP4 file to `degrees` counterclockwise and copies its streams.

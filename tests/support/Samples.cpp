@@ -114,12 +114,25 @@ void setRotationFlag(const std::string& path, int degrees, const std::string& ma
 
 QImage decodedFrame(const std::string& path, double seconds)
 {
+    return decodedFrames({path}, seconds).front();
+}
+
+std::vector<QImage> decodedFrames(const std::vector<std::string>& paths, double seconds)
+{
     const TemporaryDirectory folder;
-    const std::string picture = folder.path() + "frame.png";
-    run(ffmpeg,
-        {"-v", "error", "-nostdin", "-ss", std::to_string(seconds), "-i", path, "-frames:v", "1", "-y",
-            picture});
-    return QImageReader(textOfPath(picture)).read().convertToFormat(QImage::Format_RGB32);
+    const auto pictureOf = [&](std::size_t video) { return folder.path() + std::to_string(video) + ".ppm"; };
+    std::vector<std::string> arguments = {"-v", "error", "-nostdin"};
+    for (const auto& path : paths)
+        arguments.insert(arguments.end(), {"-ss", std::to_string(seconds), "-i", path});
+    for (std::size_t video = 0; video < paths.size(); ++video)
+        arguments.insert(arguments.end(),
+            {"-map", std::to_string(video) + ":v:0", "-frames:v", "1", "-y", pictureOf(video)});
+    run(ffmpeg, arguments);
+    std::vector<QImage> frames;
+    for (std::size_t video = 0; video < paths.size(); ++video)
+        frames.push_back(
+            QImageReader(textOfPath(pictureOf(video))).read().convertToFormat(QImage::Format_RGB32));
+    return frames;
 }
 
 double meanDifference(const QImage& left, const QImage& right)

@@ -30,6 +30,10 @@ void setRotationFlag(const std::string& path, int degrees, const std::string& ma
 /// The frame at `seconds` as a decoder shows it, with the rotation flag applied; null if there is none.
 QImage decodedFrame(const std::string& path, double seconds);
 
+/// The frames at `seconds` of several videos, in their order, by one run of ffmpeg. If one of the files has
+/// no such frame, its picture is null; if one cannot be opened, all are.
+std::vector<QImage> decodedFrames(const std::vector<std::string>& paths, double seconds);
+
 /// The mean difference of the colour channels over the common part, in grey levels. 255 if the sizes differ
 /// by more than the one line that an encoder may crop.
 double meanDifference(const QImage& left, const QImage& right);

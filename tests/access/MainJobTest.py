@@ -110,8 +110,10 @@ class MainJobTest(AccessTestCase.AccessTestCase):
         self.assert_encoded_on_its_side()
 
     def test_progress_is_announced_and_a_run_can_be_cancelled(self):
+        large = os.path.join(os.path.dirname(self.video), "large.mp4")
+        videos.make_video(large, size="1280x720")
         os.remove(self.video)
-        videos.make_video(self.video, seconds=120, size="1280x720")
+        videos.repeat_video(large, 60, self.video)
         self.open_video()
         self.assertIn(("dialog", "Analyzing Video..."), self.program.descriptions)
         self.save("Processed")

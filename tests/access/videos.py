@@ -9,13 +9,19 @@ HEIGHT = 480
 LONGEST_RUN = 300  # seconds
 
 
-def make_video(path, seconds=2, size=f"{WIDTH}x{HEIGHT}"):
-    """Creates an H.264 video with an audio track."""
-    subprocess.run(["ffmpeg", "-v", "error", "-nostdin",
-                    "-f", "lavfi", "-i", f"testsrc2=size={size}:rate=25:duration={seconds}",
-                    "-f", "lavfi", "-i", f"sine=duration={seconds}",
-                    "-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-c:a", "aac", path],
-                   check=True, timeout=LONGEST_RUN)
+def ffmpeg(*arguments):
+    subprocess.run(["ffmpeg", "-v", "error", "-nostdin", *arguments], check=True, timeout=LONGEST_RUN)
+
+
+def make_video(path, size=f"{WIDTH}x{HEIGHT}"):
+    """Creates an H.264 video of two seconds with an audio track."""
+    ffmpeg("-f", "lavfi", "-i", f"testsrc2=size={size}:rate=25:duration=2", "-f", "lavfi", "-i", "sine=duration=2",
+           "-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-c:a", "aac", path)
+
+
+def repeat_video(path, times, repeated_path):
+    """Creates a video that shows the other one this many times, without encoding it again."""
+    ffmpeg("-stream_loop", str(times - 1), "-i", path, "-c", "copy", repeated_path)
 
 
 def video_stream(path):

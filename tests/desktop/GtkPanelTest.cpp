@@ -6,6 +6,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/Samples.h"
 #include "tests/support/Waiting.h"
+#include "tests/support/XWindows.h"
 
 #include <gtest/gtest.h>
 
@@ -71,13 +72,7 @@ protected:
     void waitForMainWindow() { m_program.waitForWindow("clip.mp4 — Tarnwell"); }
 
 private:
-    static bool isPanelActive()
-    {
-        return run("/bin/sh",
-                   {"-c",
-                       "xprop -id $(xdotool getactivewindow) WM_WINDOW_ROLE | grep -q GtkFileChooserDialog"})
-            == 0;
-    }
+    static bool isPanelActive() { return roleOf(activeWindow()).find("GtkFileChooserDialog") == 0; }
 
     EnvironmentValue m_theme{"QT_QPA_PLATFORMTHEME", "gtk3"};
     TemporaryDirectory m_folder;

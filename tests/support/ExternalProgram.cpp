@@ -5,6 +5,7 @@
 #include "tests/support/Folders.h"
 #include "tests/support/Samples.h"
 #include "tests/support/Waiting.h"
+#include "tests/support/XWindows.h"
 
 #include <QDeadlineTimer>
 
@@ -21,12 +22,11 @@ namespace
 
 const std::string xdotool = "/usr/bin/xdotool";
 
-std::string outputOf(const QString& program, const QStringList& arguments)
+/// The window manager can mark a window as active before the X server assigns the keyboard focus.
+bool isActive(const std::string& title)
 {
-    QProcess process;
-    process.start(program, arguments);
-    EXPECT_TRUE(waitForEnd(process));
-    return process.readAllStandardOutput().toStdString();
+    return titleAround(activeWindow()).find(title) != std::string::npos
+        && titleAround(keyboardOwner()).find(title) != std::string::npos;
 }
 
 } // namespace
@@ -61,16 +61,6 @@ int ExternalProgram::waitForExit()
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
-/// The window manager can mark a window as active before the X server assigns the keyboard focus.
-bool ExternalProgram::isActive(const std::string& title) const
-{
-    const auto isNamedSo = [&](const QStringList& command) {
-        return outputOf(QString::fromStdString(xdotool), command).find(title) != std::string::npos;
-    };
-    return isNamedSo({QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")})
-        && isNamedSo({QStringLiteral("getwindowfocus"), QStringLiteral("getwindowname")});
-}
-
 void ExternalProgram::waitForWindow(const std::string& title, CallSite site)
 {
     waitFor(
@@ -102,15 +92,6 @@ void ExternalProgram::keysUntilWindow(const std::string& keysToPress, const std:
         return false;
     };
     waitFor("the keyboard of “" + title + "” after " + keysToPress, pressUntilActive, site);
-}
-
-int ExternalProgram::shownWindows(const std::string& title) const
-{
-    const QString program = QString::fromStdString(xdotool);
-    const QString pattern = QString::fromStdString("^" + title + "$");
-    const std::string windows = outputOf(program,
-        {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), pattern});
-    return static_cast<int>(std::count(windows.begin(), windows.end(), '\n'));
 }
 
 void ExternalProgram::waitForWindows(const std::string& title, int count, CallSite site)

@@ -56,9 +56,6 @@ public:
     std::string waitForOutput(const std::string& text, CallSite site = {});
 
 private:
-    bool isActive(const std::string& title) const;
-    int shownWindows(const std::string& title) const;
-
     QProcess m_process;
     QByteArray m_output;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Keyboard.h"
 
+#include "tests/support/XWindows.h"
+
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QGuiApplication>
@@ -8,11 +10,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
-#include <string_view>
 #include <xcb/xcb.h>
 
 namespace tarnwell::test
@@ -20,47 +17,6 @@ namespace tarnwell::test
 
 namespace
 {
-
-template <typename Reply>
-std::unique_ptr<Reply, void (*)(void*)> owned(Reply* reply)
-{
-    return {reply, std::free};
-}
-
-xcb_connection_t* connection()
-{
-    const auto* server = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (server == nullptr)
-        failTest("this test needs an X server; scripts/virtual-desktop starts one");
-    return server->connection();
-}
-
-/// The window with the X server's keyboard focus.
-WId keyboardOwner()
-{
-    const auto reply
-        = owned(xcb_get_input_focus_reply(connection(), xcb_get_input_focus(connection()), nullptr));
-    return reply ? reply->focus : 0;
-}
-
-/// The active window of the window manager. It differs from the keyboard owner until the window manager has
-/// handled a window that was shown or closed; it may then move the keyboard focus again.
-WId activeWindow()
-{
-    const std::string_view name = "_NET_ACTIVE_WINDOW";
-    const auto atom = owned(xcb_intern_atom_reply(connection(),
-        xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
-    const auto property = owned(xcb_get_property_reply(connection(),
-        xcb_get_property(
-            connection(), 0, root, atom ? atom->atom : xcb_atom_t{XCB_ATOM_NONE}, XCB_ATOM_WINDOW, 0, 1),
-        nullptr));
-    if (!property || xcb_get_property_value_length(property.get()) != sizeof(xcb_window_t))
-        return 0;
-    xcb_window_t window = XCB_WINDOW_NONE;
-    std::memcpy(&window, xcb_get_property_value(property.get()), sizeof window);
-    return window;
-}
 
 bool hasKeyboard(const QWindow* window)
 {
@@ -90,10 +46,10 @@ void restoreForgottenKeyboard()
 {
     if (QGuiApplication::focusWindow() != nullptr || !hasProgramKeyboard())
         return;
-    const auto owner = static_cast<xcb_window_t>(keyboardOwner());
+    const xcb_window_t owner = keyboardOwner();
     for (const xcb_window_t window : {xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}, owner})
-        xcb_set_input_focus(connection(), XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
-    xcb_flush(connection());
+        xcb_set_input_focus(xConnection(), XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+    xcb_flush(xConnection());
 }
 
 /// Requests the keyboard focus at once and then every second, because a busy window manager can drop a

@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The file panels of GTK 3 in the built program, operated with the keyboard.
-#include "platform/TemporaryDirectory.h"
+#include "tests/desktop/ProgramWithVideo.h"
 #include "tests/support/EnvironmentValue.h"
-#include "tests/support/ExternalProgram.h"
 #include "tests/support/Files.h"
-#include "tests/support/Samples.h"
 #include "tests/support/Waiting.h"
 #include "tests/support/XWindows.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace tarnwell::test
 {
@@ -18,15 +14,8 @@ namespace tarnwell::test
 class GtkPanelTest : public testing::Test
 {
 protected:
-    GtkPanelTest()
-    {
-        std::filesystem::create_directory(folder());
-        makeSampleVideo(folder() + "/clip.mp4", {.codec = "mpeg4"}); // no choice of a mode
-    }
-
-    /// Without a trailing slash.
-    std::string folder() const { return m_folder.path() + "videos"; }
-    std::string file(const std::string& name) const { return folder() + "/" + name; }
+    std::string folder() const { return m_video.folder(); }
+    std::string file(const std::string& name) const { return m_video.file(name); }
 
     void open()
     {
@@ -61,8 +50,7 @@ protected:
 
     void waitForResult(const std::string& name)
     {
-        m_program.waitForOutput("\"-y\", \"" + file(name) + "\"");
-        m_program.waitForOutput("Percent : ");
+        m_video.waitForResult(name);
         m_program.waitForWindow("Saving Video"); // the progress or the result
     }
 
@@ -75,8 +63,8 @@ private:
     static bool isPanelActive() { return roleOf(activeWindow()).find("GtkFileChooserDialog") == 0; }
 
     EnvironmentValue m_theme{"QT_QPA_PLATFORMTHEME", "gtk3"};
-    TemporaryDirectory m_folder;
-    ExternalProgram m_program;
+    ProgramWithVideo m_video;
+    ExternalProgram& m_program = m_video.program();
 };
 
 TEST_F(GtkPanelTest, theProposedNameIsSavedBesideTheVideoWithTheExtension)

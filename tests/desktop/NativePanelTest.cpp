@@ -1,19 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The panels of the built program where the desktop shows dialogs of its own. A fake portal stands for the
 // desktop: to Qt its dialogs are native ones like others.
-#include "platform/FileURL.h"
-#include "platform/TemporaryDirectory.h"
 #include "tests/desktop/FakePortal.h"
+#include "tests/desktop/ProgramWithVideo.h"
 #include "tests/support/EnvironmentValue.h"
 #include "tests/support/ExternalProgram.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
-#include "tests/support/Samples.h"
-#include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace tarnwell::test
 {
@@ -21,14 +16,7 @@ namespace tarnwell::test
 class NativePanelTest : public testing::Test
 {
 protected:
-    NativePanelTest()
-    {
-        std::filesystem::create_directory(folder());
-        makeSampleVideo(folder() + "/clip.mp4", {.codec = "mpeg4"}); // no choice of a mode
-    }
-
-    /// Without a trailing slash.
-    std::string folder() const { return m_folder.path() + "videos"; }
+    std::string folder() const { return m_video.folder(); }
 
     /// Opens the sample and shows the save panel.
     void openAndBeginSave()
@@ -44,20 +32,16 @@ protected:
         });
     }
 
-    void waitForResult(const std::string& name)
-    {
-        m_program.waitForOutput("\"-y\", \"" + folder() + "/" + name + "\"");
-        m_program.waitForOutput("Percent : ");
-    }
+    void waitForResult(const std::string& name) { m_video.waitForResult(name); }
 
     FakePortal m_portal;
 
 private:
     EnvironmentValue m_theme{"QT_QPA_PLATFORMTHEME", "xdgdesktopportal"};
-    TemporaryDirectory m_folder;
+    ProgramWithVideo m_video;
 
 protected:
-    ExternalProgram m_program;
+    ExternalProgram& m_program = m_video.program();
 };
 
 TEST_F(NativePanelTest, theSavePanelStartsInTheFolderOfTheVideoAndTheExtensionIsAdded)

@@ -133,8 +133,8 @@ void refuseProcesses(CallFilter& filter)
     constexpr unsigned int flags = 0;
 #endif
     filter.refuseWhere({"clone"}, hasBits(flags, CLONE_THREAD, 0));
-    for (const scmp_datum_t space :
-        {CLONE_NEWNS, CLONE_NEWCGROUP, CLONE_NEWUTS, CLONE_NEWIPC, CLONE_NEWUSER, CLONE_NEWPID, CLONE_NEWNET})
+    for (const scmp_datum_t space : std::initializer_list<scmp_datum_t>{CLONE_NEWNS, CLONE_NEWCGROUP,
+             CLONE_NEWUTS, CLONE_NEWIPC, CLONE_NEWUSER, CLONE_NEWPID, CLONE_NEWNET})
         filter.refuseWhere({"clone"}, hasBits(flags, space, space));
     filter.refuseWhere({"tgkill"}, isOther(0, static_cast<scmp_datum_t>(::getpid())));
     filter.refuseWhere({"prlimit64"}, isOther(0, 0));
@@ -146,7 +146,8 @@ void refuseProcesses(CallFilter& filter)
 void refuseEmptying(CallFilter& filter)
 {
     constexpr scmp_datum_t mask = 3 | O_TRUNC;
-    for (const scmp_datum_t mode : {O_RDONLY, 3}) { // access mode 3 permits neither reading nor writing
+    // Access mode 3 permits neither reading nor writing.
+    for (const scmp_datum_t mode : std::initializer_list<scmp_datum_t>{O_RDONLY, 3}) {
         filter.refuseWhere({"open"}, hasBits(1, mask, mode | O_TRUNC));
         filter.refuseWhere({"openat"}, hasBits(2, mask, mode | O_TRUNC));
     }
@@ -156,7 +157,8 @@ void refuseEmptying(CallFilter& filter)
 void refuseSignalsByFiles(CallFilter& filter)
 {
     for (const char* call : {"fcntl", "fcntl64"}) {
-        for (const scmp_datum_t command : {F_SETOWN, F_SETSIG, F_SETOWN_EX})
+        for (const scmp_datum_t command :
+            std::initializer_list<scmp_datum_t>{F_SETOWN, F_SETSIG, F_SETOWN_EX})
             filter.refuseWhere({call}, hasBits(1, wholeInteger, command));
     }
 }

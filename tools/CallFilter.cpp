@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <initializer_list>
 #include <linux/sched.h>
 #include <memory>
 #include <seccomp.h>

@@ -66,14 +66,15 @@ protected:
         return std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin);
     }
 
-    /// Sends the signal at a random moment of each round. Returns the number of rounds per exit status.
+    /// Sends the signal in each round at a random moment of another part of the usual time. Returns the
+    /// number of rounds per exit status.
     std::map<int, int> endingsWith(int signal)
     {
         std::mt19937 random(static_cast<unsigned int>(signal));
-        std::uniform_int_distribution<std::int64_t> moment(0, usualTime().count());
+        std::uniform_int_distribution<std::int64_t> moment(0, usualTime().count() / rounds());
         std::map<int, int> endings;
         for (int round = 0; round < rounds(); ++round) {
-            const std::chrono::microseconds wait(moment(random));
+            const std::chrono::microseconds wait(round * moment.max() + moment(random));
             SCOPED_TRACE(
                 testing::Message() << "round " << round << ", after " << wait.count() << " microseconds");
             writeFile(output(), "older");

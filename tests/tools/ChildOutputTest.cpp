@@ -34,8 +34,7 @@ TEST(ChildOutputTest, aChildThatBlocksIsKilledWhenItsTimeIsOver)
 TEST(ChildOutputTest, aChildThatFloodsItsOutputIsKilled)
 {
     ChildPlan plan;
-    plan.program = "/bin/cat";
-    plan.arguments = {"/dev/urandom"};
+    plan.program = "/usr/bin/yes";
     int status = 0;
     const std::string text = outputOfChild(plan, status);
     EXPECT_EQ(status, killed);

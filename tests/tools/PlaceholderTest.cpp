@@ -150,8 +150,7 @@ TEST(PlaceholderTest, hasNoMorePixelsThanAnyFrame)
         QSize asked;
         QSize expected;
     };
-    for (const Row& row : {Row{{16384, 16384}, {16384, 16384}}, Row{{65500, 65500}, {16384, 16384}},
-             Row{{65500, 16375}, {32768, 8192}}}) {
+    for (const Row& row : {Row{{16384, 16384}, {16384, 16384}}, Row{{65500, 16375}, {32768, 8192}}}) {
         const std::string picture = placeholderPicture(row.asked.width(), row.asked.height());
         QByteArray bytes(picture.data(), static_cast<qsizetype>(picture.size()));
         QBuffer buffer(&bytes);

@@ -218,13 +218,12 @@ TEST_F(CreatorCancelTest, aCallerMayIgnoreTheEndOfChildren)
 
 TEST_F(CreatorCancelTest, noMomentLeavesAnythingBehind)
 {
-    constexpr int rounds = 200;
     constexpr int longest = 12000; // microseconds; creator and the fake have ended after this time
     std::mt19937 random(7);
     std::uniform_int_distribution<int> moment(0, longest);
     setGoodFfmpeg("print out_time_us=1000\\nprogress=continue\\n\nwrite-output half\nsleep 2\n");
     int cancels = 0;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < rounds(60); ++round) {
         const int wait = moment(random);
         SCOPED_TRACE(testing::Message() << "round " << round << ", after " << wait << " microseconds");
         writeFile(output(), "older");
@@ -259,11 +258,10 @@ TEST_F(CreatorCancelTest, aKillEndsFfmpegAndLeavesTheOlderFile)
 
 TEST_F(CreatorCancelTest, noMomentOfAKillHarmsAnything)
 {
-    constexpr int rounds = 100;
     std::mt19937 random(11);
     std::uniform_int_distribution<int> moment(0, 12000); // microseconds
     setGoodFfmpeg("write-output half\nsleep 2\n");
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < rounds(40); ++round) {
         SCOPED_TRACE(round);
         writeFile(output(), "older");
         ToolProcess creator(tools.creator(), transcode());

@@ -7,6 +7,7 @@
 #include "tools/Placeholder.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace tarnwell::test
 {
@@ -80,6 +81,12 @@ int CreatorTest::runWithPause(const std::string& variable, const Words& argument
     const int status = m_process->wait();
     std::filesystem::remove(begin);
     return status;
+}
+
+int CreatorTest::rounds(int usual)
+{
+    const char* wanted = std::getenv("TARNWELL_ROUNDS");
+    return wanted != nullptr ? std::atoi(wanted) : usual;
 }
 
 void CreatorTest::expectError(const std::string& text) const

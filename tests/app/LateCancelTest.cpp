@@ -4,6 +4,7 @@
 #include "app/AppDelegate.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
+#include "tests/support/Rounds.h"
 #include "tests/support/Samples.h"
 #include "tests/support/WindowTest.h"
 
@@ -174,8 +175,7 @@ TEST_F(LateCancelTest, afterTheEndOfTheEncoderDeletesAFileThatReplacesNone)
 // The environment variable TARNWELL_ROUNDS sets the number of moments.
 TEST_F(LateCancelTest, atAnyMomentKeepsTheOlderFileOrAnnouncesTheNewOne)
 {
-    const char* wanted = std::getenv("TARNWELL_ROUNDS");
-    const int rounds = wanted != nullptr ? std::atoi(wanted) : 5;
+    const int moments = rounds(5);
     const auto begin = Clock::now();
     saveOverOlder();
     ASSERT_TRUE(waitUntil([this] { return isCancelPossible(); }));
@@ -185,7 +185,7 @@ TEST_F(LateCancelTest, atAnyMomentKeepsTheOlderFileOrAnnouncesTheNewOne)
     waitForKeyboard(window());
     std::mt19937 random(13);
     int cancels = 0;
-    for (int round = 0; round < rounds && !HasFailure(); ++round) {
+    for (int round = 0; round < moments && !HasFailure(); ++round) {
         const std::chrono::microseconds wait(
             std::uniform_int_distribution<std::int64_t>(0, usual.count())(random));
         SCOPED_TRACE(testing::Message() << "round " << round << ", after " << wait.count() << " µs");
@@ -203,7 +203,7 @@ TEST_F(LateCancelTest, atAnyMomentKeepsTheOlderFileOrAnnouncesTheNewOne)
             ++cancels;
         }
     }
-    std::cout << cancels << " of " << rounds << " cancels took effect\n";
+    std::cout << cancels << " of " << moments << " cancels took effect\n";
 }
 
 } // namespace tarnwell::test

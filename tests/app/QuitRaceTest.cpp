@@ -6,6 +6,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/ProgramCopy.h"
 #include "tests/support/Reports.h"
+#include "tests/support/Rounds.h"
 
 #include <QThread>
 
@@ -23,16 +24,10 @@ namespace tarnwell::test
 namespace
 {
 
-constexpr int longestTool = 200; // milliseconds
+constexpr int longestPause = 200; // milliseconds
 const std::string videoBytes = "the only copy";
 const std::string quitByMenu = "ctrl+q"; // the shortcut of the menu item
 const std::string quitByClosing = "alt+F4"; // closes the window that has the keyboard
-
-int rounds()
-{
-    const char* wanted = std::getenv("TARNWELL_ROUNDS");
-    return wanted != nullptr ? std::atoi(wanted) : 2;
-}
 
 } // namespace
 
@@ -45,7 +40,7 @@ protected:
     std::string output() const { return m_copy.output(); }
 
     int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(m_random); }
-    std::string pause() { return "sleep " + std::to_string(upTo(longestTool)) + "\n"; }
+    std::string pause() { return "sleep " + std::to_string(upTo(longestPause)) + "\n"; }
 
     /// The file that sniffer creates when it starts to probe the output. The progress sheet is closed then.
     std::string probing() const { return folder() + "probing"; }
@@ -85,7 +80,7 @@ protected:
     /// Waits a random time and presses the keys until the program has ended: a busy window ignores keys.
     void quit(ExternalProgram& running, const std::string& keys)
     {
-        QThread::msleep(static_cast<unsigned long>(upTo(2 * longestTool)));
+        QThread::msleep(static_cast<unsigned long>(upTo(2 * longestPause)));
         ASSERT_TRUE(waitUntil([&] {
             if (running.isRunning())
                 running.keys(keys);
@@ -114,7 +109,7 @@ protected:
         unsigned seed, std::vector<std::string> ways, const std::string& expectedOutput, const Job& job)
     {
         m_random.seed(seed);
-        for (int round = 0; round < rounds() && !HasFailure(); ++round) {
+        for (int round = 0; round < rounds(2) && !HasFailure(); ++round) {
             const auto turn = static_cast<std::size_t>(round) % ways.size();
             if (turn == 0)
                 std::shuffle(ways.begin(), ways.end(), m_random);

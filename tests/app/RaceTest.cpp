@@ -4,6 +4,7 @@
 #include "app/AppDelegate.h"
 #include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
+#include "tests/support/Rounds.h"
 
 #include <QAction>
 #include <QElapsedTimer>
@@ -21,12 +22,6 @@ namespace
 {
 
 constexpr int longestTool = 60; // milliseconds
-
-int rounds()
-{
-    const char* wanted = std::getenv("TARNWELL_ROUNDS");
-    return wanted != nullptr ? std::atoi(wanted) : 25;
-}
 
 } // namespace
 
@@ -91,7 +86,8 @@ TEST_F(RaceTest, exportsAndCancelsOneAfterTheOther)
     const std::string original = contentsOf(folder() + "clip.mp4");
     int cancels = 0;
     testing::internal::CaptureStdout();
-    for (int round = 0; round < rounds() && !HasFailure(); ++round) {
+    const int exports = rounds(25);
+    for (int round = 0; round < exports && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         begin();
         const bool isCancelled = disturb();
@@ -105,7 +101,7 @@ TEST_F(RaceTest, exportsAndCancelsOneAfterTheOther)
         EXPECT_TRUE(action("rotateLeftBTN").isEnabled());
     }
     testing::internal::GetCapturedStdout();
-    std::cout << cancels << " of " << rounds() << " exports were cancelled\n";
+    std::cout << cancels << " of " << exports << " exports were cancelled\n";
     EXPECT_GT(cancels, 0);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Signals to creator at any time of its run.
 #include "tests/support/Files.h"
+#include "tests/support/Rounds.h"
 #include "tests/tools/CreatorTest.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A fix flag for a file of the MP4 family: a copy of its bytes, made without ffmpeg.
 #include "tests/support/Files.h"
+#include "tests/support/Rounds.h"
 #include "tests/tools/CreatorTest.h"
 #include "tests/tools/MovieBytes.h"
 #include "tests/tools/SmallDisk.h"

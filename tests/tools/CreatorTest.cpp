@@ -83,12 +83,6 @@ int CreatorTest::runWithPause(const std::string& variable, const Words& argument
     return status;
 }
 
-int CreatorTest::rounds(int usual)
-{
-    const char* wanted = std::getenv("TARNWELL_ROUNDS");
-    return wanted != nullptr ? std::atoi(wanted) : usual;
-}
-
 void CreatorTest::expectError(const std::string& text) const
 {
     EXPECT_NE(m_process->errorText().find(text), std::string::npos) << m_process->errorText();

@@ -74,9 +74,6 @@ protected:
     void expectInputAt(const std::string& path) { m_inputAfterwards = path; }
     std::string originalPath() const { return tools.at("clip (original).mp4"); }
 
-    /// The number of random moments in a test: TARNWELL_ROUNDS, or `usual` without this environment variable.
-    static int rounds(int usual);
-
     ToolFolder tools;
 
 private:

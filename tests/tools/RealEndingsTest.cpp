@@ -2,6 +2,7 @@
 // Real exports on full disks, in folders without write permission, and with cancels and kills at random
 // moments. TARNWELL_ROUNDS sets the number of moments.
 #include "tests/support/Files.h"
+#include "tests/support/Rounds.h"
 #include "tests/tools/RealTools.h"
 #include "tests/tools/SmallDisk.h"
 
@@ -24,12 +25,7 @@ namespace
 using Clock = std::chrono::steady_clock;
 
 constexpr int cancelled = 255;
-
-int rounds()
-{
-    const char* wanted = std::getenv("TARNWELL_ROUNDS");
-    return wanted != nullptr ? std::atoi(wanted) : 10;
-}
+const int moments = rounds(10);
 
 // Makes an encoding of three seconds last 300 ms at least, on fast machines too, while the processor idles.
 const std::string paced = "hflip,realtime=speed=10";
@@ -71,9 +67,9 @@ protected:
     std::map<int, int> endingsWith(int signal)
     {
         std::mt19937 random(static_cast<unsigned int>(signal));
-        std::uniform_int_distribution<std::int64_t> moment(0, usualTime().count() / rounds());
+        std::uniform_int_distribution<std::int64_t> moment(0, usualTime().count() / moments);
         std::map<int, int> endings;
-        for (int round = 0; round < rounds(); ++round) {
+        for (int round = 0; round < moments; ++round) {
             const std::chrono::microseconds wait(round * moment.max() + moment(random));
             SCOPED_TRACE(
                 testing::Message() << "round " << round << ", after " << wait.count() << " microseconds");

@@ -33,17 +33,17 @@ private:
     std::optional<ExternalProgram> m_program;
 };
 
-struct Desktop {
+struct DesktopName {
     const char* description;
     const char* names; // XDG_CURRENT_DESKTOP
 };
 
-void PrintTo(const Desktop& desktop, std::ostream* stream)
+void PrintTo(const DesktopName& desktop, std::ostream* stream)
 {
     *stream << desktop.description;
 }
 
-class DesktopWithoutThemeTest : public PortalDialogsTest, public testing::WithParamInterface<Desktop>
+class DesktopWithoutThemeTest : public PortalDialogsTest, public testing::WithParamInterface<DesktopName>
 {
 };
 
@@ -55,8 +55,8 @@ TEST_P(DesktopWithoutThemeTest, getsThePortalsDialogs)
 }
 
 INSTANTIATE_TEST_SUITE_P(named, DesktopWithoutThemeTest,
-    testing::Values(Desktop{"gnomeWhoseDarkStyleGtk3DoesNotFollow", "ubuntu:GNOME"}, Desktop{"kde", "KDE"},
-        Desktop{"aWaylandCompositor", "sway"}, Desktop{"nothing", ""}),
+    testing::Values(DesktopName{"gnomeWhoseDarkStyleGtk3DoesNotFollow", "ubuntu:GNOME"},
+        DesktopName{"kde", "KDE"}, DesktopName{"aWaylandCompositor", "sway"}, DesktopName{"nothing", ""}),
     [](const auto& row) { return std::string(row.param.description); });
 
 TEST_F(PortalDialogsTest, aDesktopWithAThemeKeepsItsOwnDialogs)

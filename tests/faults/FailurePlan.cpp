@@ -9,6 +9,8 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <map>
+#include <mutex>
 #include <string>
 #include <unistd.h>
 
@@ -46,17 +48,49 @@ bool isOwn(const void* caller)
     return std::strncmp(name, "lib", 3) != 0 || std::strncmp(name, "libstdc++", 9) == 0;
 }
 
-void recordFailure()
+/// Writes the text to the file that the environment variable names. Does nothing without the variable.
+void writeNote(const char* variable, const std::string& text)
 {
     static const auto openReally = real<int (*)(const char*, int, ...)>("open");
     static const auto writeReally = real<ssize_t (*)(int, const void*, size_t)>("write");
-    const char* path = std::getenv("TARNWELL_FAILED");
+    const char* path = std::getenv(variable);
     const int file = path != nullptr ? openReally(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0600) : -1;
     if (file < 0)
         return;
-    [[maybe_unused]] const auto count = writeReally(file, "failed\n", 7);
+    [[maybe_unused]] const auto count = writeReally(file, text.data(), text.size());
     ::close(file);
 }
+
+/// The number of calls per function if TARNWELL_COUNTS names a file. Writes them there when the process
+/// exits.
+class CallCounts
+{
+public:
+    ~CallCounts()
+    {
+        std::string lines;
+        for (const auto& [call, count] : m_counts)
+            lines += call + " " + std::to_string(count) + "\n";
+        writeNote(variable, lines);
+    }
+
+    bool areRequested() const { return m_areRequested; }
+
+    void add(const char* call)
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_counts[call];
+    }
+
+private:
+    static constexpr const char* variable = "TARNWELL_COUNTS";
+
+    const bool m_areRequested = std::getenv(variable) != nullptr;
+    std::mutex m_mutex;
+    std::map<std::string, int> m_counts;
+};
+
+CallCounts counts;
 
 } // namespace
 
@@ -72,10 +106,14 @@ void waitIfRequested(const char* variable)
 
 bool shouldFail(const char* call, const void* caller)
 {
-    if (!isCounting || std::strcmp(call, plan.call) != 0 || !isOwn(caller)
-        || (++calls != plan.number && plan.number != everyCall))
+    const bool isPlanned = std::strcmp(call, plan.call) == 0;
+    if (!isCounting || !(isPlanned || counts.areRequested()) || !isOwn(caller))
         return false;
-    recordFailure();
+    if (counts.areRequested())
+        counts.add(call);
+    if (!isPlanned || (++calls != plan.number && plan.number != everyCall))
+        return false;
+    writeNote("TARNWELL_FAILED", "failed\n");
     const bool waits = std::getenv("TARNWELL_WAITS_FOR") != nullptr;
     waitIfRequested("TARNWELL_WAITS_FOR");
     return !waits;

@@ -2,7 +2,8 @@
 // An LD_PRELOAD library that makes the N-th call of a function fail, or every call. TARNWELL_FAILS is
 // "FUNCTION N", or "FUNCTION -1". The library creates the file named by TARNWELL_FAILED when the call has
 // failed. Only calls from the program itself and from the C++ library count. With TARNWELL_WAITS_FOR the call
-// waits until the file that this variable names exists, and succeeds.
+// waits until the file that this variable names exists, and succeeds. When the process exits, the library
+// writes the number of calls per function to the file named by TARNWELL_COUNTS, one line "FUNCTION N" each.
 #include "tests/faults/FailurePlan.h"
 #include "tests/faults/Preloaded.h"
 

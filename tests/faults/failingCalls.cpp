@@ -72,6 +72,17 @@ bool isFolder(int file)
         return failing(error);                                                                               \
     static const auto really = real<decltype(&::call##64)>(#call "64")
 
+// For stat and lstat. A call that fails by itself, as for a missing file, does not count.
+#define STAT_OR_FAIL(call, type, name)                                                                       \
+    static const auto really = real<int (*)(const char*, struct type*)>(name);                               \
+    struct type found = {};                                                                                  \
+    if (really(path, &found) != 0)                                                                           \
+        return -1;                                                                                           \
+    if (shouldFail(#call, __builtin_return_address(0)))                                                      \
+        return failing(EACCES);                                                                              \
+    *status = found;                                                                                         \
+    return 0
+
 /// Defines the argument after `last` of a function with variable arguments.
 #define READ_ARGUMENT(type, name, last)                                                                      \
     va_list rest;                                                                                            \
@@ -195,26 +206,22 @@ pid_t waitpid(pid_t child, int* status, int options)
 
 int stat(const char* path, struct stat* status)
 {
-    FAIL_OR(stat, EACCES);
-    return really(path, status);
+    STAT_OR_FAIL(stat, stat, "stat");
 }
 
 int stat64(const char* path, struct stat64* status) noexcept
 {
-    FAIL_OR_64(stat, EACCES);
-    return really(path, status);
+    STAT_OR_FAIL(stat, stat64, "stat64");
 }
 
 int lstat(const char* path, struct stat* status)
 {
-    FAIL_OR(lstat, EACCES);
-    return really(path, status);
+    STAT_OR_FAIL(lstat, stat, "lstat");
 }
 
 int lstat64(const char* path, struct stat64* status) noexcept
 {
-    FAIL_OR_64(lstat, EACCES);
-    return really(path, status);
+    STAT_OR_FAIL(lstat, stat64, "lstat64");
 }
 
 int fstat(int file, struct stat* status)

@@ -4,6 +4,7 @@
 #include "tests/support/Rows.h"
 #include "tests/tools/MemoryFile.h"
 #include "tests/tools/MovieBytes.h"
+#include "tools/Boxes.h"
 
 #include <gtest/gtest.h>
 
@@ -119,13 +120,15 @@ INSTANTIATE_TEST_SUITE_P(Files, RefusedMovieTest,
         FileRow{"twoMovieHeaders", fileOf(movieHeader() + video)},
         FileRow{"twoTrackHeaders", fileWith(plainHeader + plainHeader + media)},
         FileRow{"twoMediaBoxes", fileWith(plainHeader + media + media)}, FileRow{"emptyTrack", fileWith("")},
-        FileRow{"noMedia", fileWith(plainHeader)}, FileRow{"emptyMedia", fileWith(plainHeader + box("mdia", ""))},
+        FileRow{"noMedia", fileWith(plainHeader)},
+        FileRow{"emptyMedia", fileWith(plainHeader + box("mdia", ""))},
         FileRow{"emptyHandler", fileWith(plainHeader + box("mdia", box("hdlr", "")))},
         FileRow{"shortHandler", fileWith(plainHeader + box("mdia", box("hdlr", bigEndian(0, 11))))},
         FileRow{"noTrackHeader", fileWith(media)},
         FileRow{"emptyTrackHeader", fileWith(box("tkhd", "") + media)},
         FileRow{"shortTrackHeader", fileWith(box("tkhd", plainHeader.substr(8, 83)) + media)},
-        FileRow{"restBehindABox", fileWith(plainHeader + media + "x")}, FileRow{"noMovieHeader", described(video)},
+        FileRow{"restBehindABox", fileWith(plainHeader + media + "x")},
+        FileRow{"noMovieHeader", described(video)},
         FileRow{"movieHeaderLast", described(video + movieHeader())},
         FileRow{"shortMovieHeader", described(box("mvhd", movieHeader().substr(8, 60)) + video)},
         FileRow{"movieHeaderOfVersion2", described(withByte(movieHeader(), 8, '\2') + video)},
@@ -265,6 +268,18 @@ TEST(MovieTest, aDeeplyNestedFileIsRefused)
     for (int depth = 0; depth < 2000; ++depth)
         nested = box("moov", nested);
     EXPECT_FALSE(movieIn(nested));
+}
+
+TEST(MovieTest, aFileWithMoreBoxesThanAreReadIsRefused)
+{
+    std::string bytes = fileOf(track("vide"));
+    const std::string empty = box("free", "");
+    for (std::size_t count = 0; count < BoxReader::mostBoxes; ++count)
+        bytes += empty;
+    const MemoryFile file(bytes);
+    std::string problem;
+    EXPECT_FALSE(readMovie(file.descriptor(), problem));
+    EXPECT_EQ(problem, "it has more boxes than are read");
 }
 
 } // namespace tarnwell::test

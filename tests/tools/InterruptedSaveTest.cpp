@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -33,29 +34,22 @@ const std::vector<FileSystem> fileSystems = {
     {"noLinks", {RefusedCall::OpenNameless, RefusedCall::RenameToFreeName, RefusedCall::Link}},
 };
 
-struct Interruption {
-    FileSystem fileSystem;
-    std::string call;
-};
+const std::vector<std::string> calls
+    = {"fsync", "linkat", "renameat2", "renameat", "unlinkat", "fstatat", "openat"};
 
 bool isAlwaysCalled(const std::string& call)
 {
     return call == "fsync" || call == "fstatat" || call == "openat";
 }
 
-std::vector<Interruption> allInterruptions()
+void PrintTo(const FileSystem& fileSystem, std::ostream* stream)
 {
-    std::vector<Interruption> rows;
-    for (const auto& fileSystem : fileSystems) {
-        for (const char* call : {"fsync", "linkat", "renameat2", "renameat", "unlinkat", "fstatat", "openat"})
-            rows.push_back({fileSystem, call});
-    }
-    return rows;
+    *stream << fileSystem.name;
 }
 
 } // namespace
 
-class InterruptedSaveTest : public CreatorTest, public testing::WithParamInterface<Interruption>
+class InterruptedSaveTest : public CreatorTest, public testing::WithParamInterface<FileSystem>
 {
 protected:
     void SetUp() override
@@ -73,15 +67,15 @@ protected:
         std::filesystem::remove(goOn + ".waiting");
         const TestToken token(m_isTokenTaken);
         ToolSetup setup;
-        setup.refused = GetParam().fileSystem.refused;
+        setup.refused = GetParam().refused;
         setup.variables = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so",
-            "TARNWELL_FAILS=" + GetParam().call + " " + std::to_string(time), "TARNWELL_WAITS_FOR=" + goOn,
+            "TARNWELL_FAILS=" + m_call + " " + std::to_string(time), "TARNWELL_WAITS_FOR=" + goOn,
             token.variable()};
         ToolProcess creator(tools.creator(), transcode(), setup);
         const auto hasCalledOrEnded
             = [&] { return exists(goOn + ".waiting") || !isRunning(creator.processId()); };
         if (!waitFor(hasCalledOrEnded)) {
-            ADD_FAILURE() << "creator neither ended nor called " << GetParam().call;
+            ADD_FAILURE() << "creator neither ended nor called " << m_call;
             return false;
         }
         const bool isWaiting = exists(goOn + ".waiting");
@@ -93,22 +87,31 @@ protected:
         return isWaiting;
     }
 
-    /// Calls `check` with the exit status after a failure of the first occurrence of the call, of the second,
-    /// and so on.
+    /// Calls `check` with the exit status after a failure of the first occurrence of each call, of the
+    /// second, and so on.
     template <typename Check>
     void failEachCall(Check check)
+    {
+        for (const auto& call : calls) {
+            m_call = call;
+            failCall(check);
+        }
+    }
+
+    template <typename Check>
+    void failCall(Check check)
     {
         const std::string note = tools.addData("failed", "");
         int time = 0;
         do {
-            SCOPED_TRACE(testing::Message() << GetParam().call << " " << ++time);
+            SCOPED_TRACE(testing::Message() << m_call << " " << ++time);
             std::filesystem::remove(note);
             writeFile(output(), "older");
             const TestToken token(m_isTokenTaken);
             ToolSetup setup;
-            setup.refused = GetParam().fileSystem.refused;
+            setup.refused = GetParam().refused;
             setup.variables = {"LD_PRELOAD=" TARNWELL_BUILD_FOLDER "/tests/libfailingCalls.so",
-                "TARNWELL_FAILS=" + GetParam().call + " " + std::to_string(time), "TARNWELL_FAILED=" + note,
+                "TARNWELL_FAILS=" + m_call + " " + std::to_string(time), "TARNWELL_FAILED=" + note,
                 token.variable()};
             ToolProcess creator(tools.creator(), transcode(), setup);
             check(creator.wait());
@@ -123,14 +126,23 @@ protected:
             std::filesystem::remove(tools.at(name));
     }
 
-    /// Calls `check` after an interruption at the first occurrence of the call, at the second, and so on.
+    /// Calls `check` after an interruption at the first occurrence of each call, at the second, and so on.
     template <typename Check>
     void interruptEachCall(int signal, const std::string& older, Check check)
+    {
+        for (const auto& call : calls) {
+            m_call = call;
+            interruptCall(signal, older, check);
+        }
+    }
+
+    template <typename Check>
+    void interruptCall(int signal, const std::string& older, Check check)
     {
         int time = 0;
         bool isInterrupted = true;
         while (isInterrupted && time < mostTimes) {
-            SCOPED_TRACE(testing::Message() << GetParam().call << " " << ++time);
+            SCOPED_TRACE(testing::Message() << m_call << " " << ++time);
             if (!older.empty())
                 writeFile(output(), older);
             isInterrupted = interrupt(time, signal);
@@ -144,15 +156,16 @@ protected:
             removeAll();
         }
         EXPECT_LT(time, mostTimes);
-        EXPECT_TRUE(time > 1 || !isAlwaysCalled(GetParam().call)) << "it is never called";
+        EXPECT_TRUE(time > 1 || !isAlwaysCalled(m_call)) << "it is never called";
     }
 
     /// A signal during the deletion of the older file comes too late.
     bool isDeletionOfOlder(const std::string& older) const
     {
-        return !older.empty() && GetParam().call == "unlinkat" && m_status == 0;
+        return !older.empty() && m_call == "unlinkat" && m_status == 0;
     }
 
+    std::string m_call; // that is interrupted or fails
     int m_status = -1;
     bool m_isTokenTaken = false; // by the application, for a cancel
 };
@@ -219,7 +232,7 @@ TEST_P(InterruptedSaveTest, aFailureOfACallLosesNothing)
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(Calls, InterruptedSaveTest, testing::ValuesIn(allInterruptions()),
-    [](const auto& row) { return row.param.fileSystem.name + ("_" + row.param.call); });
+INSTANTIATE_TEST_SUITE_P(FileSystems, InterruptedSaveTest, testing::ValuesIn(fileSystems),
+    [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace tarnwell::test

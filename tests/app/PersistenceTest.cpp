@@ -109,6 +109,7 @@ protected:
         program.waitForWindow("Tarnwell");
         program.keysUntilWindow("ctrl+o", "Open Video");
         program.chooseInPanel("Open Video", "clip.mp4");
+        program.waitForWindow("clip.mp4"); // until then it ignores the shortcut
         program.keysUntilWindow("ctrl+s", "Save Video");
         program.chooseInPanel("Save Video", "out.mp4");
         std::string printed = program.waitForOutput("Percent : ");

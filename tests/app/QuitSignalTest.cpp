@@ -75,7 +75,7 @@ TEST_F(QuitSignalTest, theStillsFolderIsRemoved)
         std::filesystem::remove(folder() + "stills");
         ExternalProgram running(program());
         open(running);
-        running.keysUntilWindow("ctrl+s", panel); // the analysis is over
+        running.waitForWindow("clip.mp4"); // the analysis is over
         ASSERT_TRUE(exists(stillFolder()));
         expectEnd(running, signal);
         EXPECT_FALSE(exists(stillFolder()));
@@ -111,6 +111,7 @@ TEST_F(QuitSignalTest, aSignalEndsTheProgramWhileTheReplacementIsAskedFor)
     writeFile(output(), "older");
     ExternalProgram running(program());
     open(running);
+    running.waitForWindow("clip.mp4");
     running.keysUntilWindow("ctrl+s", panel);
     running.keys("ctrl+a");
     running.text(output());
@@ -137,6 +138,7 @@ TEST_F(QuitSignalTest, anEncoderFinishesItsVideo)
     tools().setCreator(script + stillScript());
     ExternalProgram running(program());
     open(running);
+    running.waitForWindow("clip.mp4");
     running.keysUntilWindow("ctrl+s", panel);
     running.keys("ctrl+a");
     running.text(output());

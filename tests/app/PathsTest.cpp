@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Odd names of files and folders, from open to save, with the real tools.
+// Odd names of files and folders, from open to save. With fake tools: the tools receive the paths byte by
+// byte. With the real tools: names that contain the same characters; RealToolsTest has more of them.
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
-#include "tests/support/Samples.h"
-#include "tests/support/WindowTest.h"
+#include "tests/support/Reports.h"
 
 #include <QAction>
 #include <QTest>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace tarnwell::test
@@ -15,7 +17,9 @@ namespace tarnwell::test
 namespace
 {
 
-const char* const oddNames[] = {
+enum class Way { Panel, Drop };
+
+const std::string oddNames[] = {
     "two words",
     "it's \"quoted\"",
     "100%d percent %20",
@@ -28,26 +32,31 @@ const char* const oddNames[] = {
     "file:name",
 };
 
+/// Only a drop accepts them.
+const std::string brokenNames[] = {"two\nlines/a\nclip.mp4", "\xFF\xFE\xC3(.mp4"};
+
 } // namespace
 
-class PathsTest : public WindowTest
+class PathsTest : public FakeToolsTest
 {
 protected:
-    void SetUp() override
+    /// Creates the file and its folders.
+    std::string placed(const std::string& name)
     {
-        makeSampleVideo(folder() + "sample.mp4", {.codec = "mpeg4"});
-        start();
+        const std::string path = folder() + name;
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+        writeFile(path, m_video);
+        return path;
     }
 
-    void open(const std::string& path, const std::string& how)
+    void openBy(Way way, const std::string& path)
     {
-        if (how == "panel")
+        if (way == Way::Panel)
             openByPanel(path);
         else
             ASSERT_TRUE(drop(path));
         ASSERT_TRUE(waitUntil([this] { return !shownPicture().isNull() && !isProgressShown(); }));
         EXPECT_FALSE(isAlertShown());
-        EXPECT_EQ(shownPicture().size(), QSize(320, 240));
         m_input = path;
         waitForKeyboard(window());
     }
@@ -63,52 +72,115 @@ protected:
         answer(alert, "OK");
         waitForKeyboard(window());
         EXPECT_TRUE(exists(path));
-        EXPECT_FALSE(decodedFrame(path, 1).isNull());
+        EXPECT_EQ(contentsOf(m_input), m_video);
     }
 
-    std::string placedAs(const std::string& name)
-    {
-        const std::string path = folder() + name;
-        std::filesystem::copy_file(folder() + "sample.mp4", path);
-        return path;
-    }
+    std::string m_video = "bytes";
 
 private:
     std::string m_input;
 };
 
-TEST_F(PathsTest, oddNamesOfFilesAndFoldersWorkByPanelAndDrop)
+class FakePathsTest : public PathsTest
 {
-    for (const std::string name : oddNames) {
+protected:
+    void SetUp() override
+    {
+        tools().setSniffer(sniffing(reportOf({.codec = "mpeg4"}))); // no choice of a mode
+        tools().setCreator("with -frames:v record " + folder() + "extracted\nwithout -frames:v record "
+            + folder() + "encoded\n" + stillScript());
+        start();
+    }
+
+    void expectPathsInTheTools(Way way, const std::string& input, const std::string& output)
+    {
+        openBy(way, input);
+        EXPECT_EQ(recordedArguments(folder() + "probed").back(), input);
+        EXPECT_EQ(inputOf("extracted"), input);
+        save(output);
+        EXPECT_EQ(inputOf("encoded"), input);
+        EXPECT_EQ(recordedArguments(folder() + "encoded").back(), output);
+        EXPECT_EQ(recordedArguments(folder() + "probed").back(), output);
+    }
+
+private:
+    /// The argument after "-i" that creator has recorded in that file.
+    std::string inputOf(const std::string& record) const
+    {
+        const auto arguments = recordedArguments(folder() + record);
+        const auto option = std::find(arguments.begin(), arguments.end(), "-i");
+        return option + 1 < arguments.end() ? *(option + 1) : "";
+    }
+};
+
+TEST_F(FakePathsTest, oddNamesOfFilesAndFoldersWorkByPanelAndDrop)
+{
+    for (const auto& name : oddNames) {
         SCOPED_TRACE(name);
-        open(placedAs(name + ".mp4"), "panel");
-        save(folder() + name + " saved.mp4");
-        open(placedAs(name + ".mov"), "drop");
-        save(folder() + name + " dropped.mp4");
-        std::filesystem::create_directory(folder() + name);
-        open(placedAs(name + "/clip.mp4"), "panel");
-        save(folder() + name + "/out.mp4");
+        expectPathsInTheTools(Way::Panel, placed(name + ".mp4"), folder() + name + " saved.mp4");
+        expectPathsInTheTools(Way::Drop, placed(name + ".mov"), folder() + name + " dropped.mp4");
+        expectPathsInTheTools(Way::Panel, placed(name + "/clip.mp4"), folder() + name + "/out.mp4");
     }
 }
 
-TEST_F(PathsTest, lineBreaksAndBytesThatAreNoTextWorkByADrop)
+TEST_F(FakePathsTest, lineBreaksAndBytesThatAreNoTextWorkByADrop)
 {
-    std::filesystem::create_directory(folder() + "two\nlines");
-    for (const std::string name : {"two\nlines/a\nclip.mp4", "\xFF\xFE\xC3(.mp4"}) {
-        open(placedAs(name), "drop");
-        save(folder() + "out.mp4");
+    for (const auto& name : brokenNames) {
+        SCOPED_TRACE(name);
+        expectPathsInTheTools(Way::Drop, placed(name), folder() + "out.mp4");
         std::filesystem::remove(folder() + "out.mp4");
-        EXPECT_EQ(contentsOf(folder() + name), contentsOf(folder() + "sample.mp4"));
     }
 }
 
-TEST_F(PathsTest, aDashInFrontOfABareNameIsNoOption)
+TEST_F(FakePathsTest, aDashInFrontOfABareNameIsNoOption)
 {
     // The panel returns absolute paths; the working directory has no effect.
     std::filesystem::current_path(folder());
-    open(placedAs("-i.mp4"), "panel");
-    save(folder() + "-y.mp4");
+    expectPathsInTheTools(Way::Panel, placed("-i.mp4"), folder() + "-y.mp4");
     std::filesystem::current_path("/");
+}
+
+class RealPathsTest : public PathsTest
+{
+protected:
+    void SetUp() override
+    {
+        tools().useRealSniffer();
+        tools().useRealCreator();
+        makeSampleVideo(folder() + "sample.mp4", {.codec = "mpeg4"});
+        m_video = contentsOf(folder() + "sample.mp4");
+        start();
+    }
+
+    void openAndSave(Way way, const std::string& input, const std::string& output)
+    {
+        openBy(way, input);
+        EXPECT_EQ(shownPicture().size(), QSize(320, 240));
+        save(output);
+    }
+};
+
+TEST_F(RealPathsTest, oddNamesOfFilesAndFoldersWorkByPanelAndDrop)
+{
+    const std::string name
+        = "-dash it's \"quoted\" 100%d %20 10:30:00 M\xC3\xBCnchen \xE6\x97\xA5\xF0\x9F\x8E\xAC/"
+          " file:name time=9:99 back\\slash $HOME `id` ; & | *?[x]{a,b} ";
+    const std::vector<std::string> outputs = {folder() + name + "saved.mp4", folder() + "dropped.mp4"};
+    openAndSave(Way::Panel, placed(name + ".mp4"), outputs[0]);
+    openAndSave(Way::Drop, placed(name + ".mov"), outputs[1]);
+    for (const auto& frame : decodedFrames(outputs, 1))
+        EXPECT_EQ(frame.size(), QSize(320, 240));
+}
+
+TEST_F(RealPathsTest, lineBreaksAndBytesThatAreNoTextWorkByADrop)
+{
+    std::vector<std::string> outputs;
+    for (const auto& name : brokenNames) {
+        outputs.push_back(folder() + "out" + std::to_string(outputs.size()) + ".mp4");
+        openAndSave(Way::Drop, placed(name), outputs.back());
+    }
+    for (const auto& frame : decodedFrames(outputs, 1))
+        EXPECT_EQ(frame.size(), QSize(320, 240));
 }
 
 } // namespace tarnwell::test

@@ -175,7 +175,7 @@ TEST_F(LateCancelTest, afterTheEndOfTheEncoderDeletesAFileThatReplacesNone)
 // The environment variable TARNWELL_ROUNDS sets the number of moments.
 TEST_F(LateCancelTest, atAnyMomentKeepsTheOlderFileOrAnnouncesTheNewOne)
 {
-    const int moments = rounds(5);
+    const int moments = rounds(2);
     const auto begin = Clock::now();
     saveOverOlder();
     ASSERT_TRUE(waitUntil([this] { return isCancelPossible(); }));

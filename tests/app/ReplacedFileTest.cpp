@@ -17,22 +17,31 @@ namespace tarnwell::test
 class ReplacedFileTest : public FakeToolsTest
 {
 protected:
-    ReplacedFileTest()
+    std::string video() const { return folder() + "clip.mp4"; }
+    std::string output() const { return folder() + "out.mp4"; }
+
+    void useRealTools()
     {
         tools().useRealSniffer();
         tools().useRealCreator();
     }
 
-    std::string video() const { return folder() + "clip.mp4"; }
-    std::string output() const { return folder() + "out.mp4"; }
-
-    void openAndTurn(const SampleVideo& sample)
+    void dropAndTurn()
     {
-        makeSampleVideo(video(), sample);
-        start();
         ASSERT_TRUE(drop(video()));
         waitForKeyboard(window());
         action("rotateRightBTN").trigger();
+    }
+
+    /// Opens a sample with the fake tools, which are faster, and sets the real ones for the save.
+    void openAndTurn(const SampleVideo& sample)
+    {
+        makeSampleVideo(video(), sample);
+        tools().setSniffer(sniffing(reportOf({.codec = sample.codec == "libx264" ? "h264" : "mpeg4"})));
+        tools().setCreator(stillScript());
+        start();
+        dropAndTurn();
+        useRealTools();
     }
 
     /// Replaces the open file by a rename, as editors do.
@@ -83,9 +92,7 @@ TEST_F(ReplacedFileTest, anotherVideoInItsPlaceIsSavedOnlyAfterItIsOpened)
     const std::string other = contentsOf(folder() + "other.mp4");
     replaceBy(folder() + "other.mp4");
     expectRefusal();
-    ASSERT_TRUE(drop(video()));
-    waitForKeyboard(window());
-    action("rotateRightBTN").trigger();
+    dropAndTurn();
     for (const char* mode : {"Fix Flag", "Transcode"}) {
         SCOPED_TRACE(mode);
         EXPECT_EQ(savedBy(mode, [] {}), success());
@@ -97,7 +104,10 @@ TEST_F(ReplacedFileTest, anotherVideoInItsPlaceIsSavedOnlyAfterItIsOpened)
 
 TEST_F(ReplacedFileTest, aVideoThatASaveHasTurnedIsNotTurnedAgain)
 {
-    openAndTurn({});
+    useRealTools();
+    makeSampleVideo(video());
+    start();
+    dropAndTurn();
     std::filesystem::create_directory_symlink(folder(), folder() + "link");
     saveByPanel(folder() + "link/clip.mp4");
     answerReplaceQuestion("&Yes");
@@ -173,6 +183,7 @@ TEST_F(ReplacedFileTest, aFileReplacedBetweenReportAndStillNeitherStopsNorHangs)
     writeFile(video(), "bytes");
     writeFile(folder() + "text", "just a text\n");
     tools().setSniffer(sniffing(reportOf({})) + "copy " + folder() + "text\n"); // over the input
+    tools().useRealCreator();
     start();
     EXPECT_TRUE(drop(video()));
     EXPECT_FALSE(isProgressShown());

@@ -44,9 +44,9 @@ protected:
         ::unsetenv("TARNWELL_FAILS");
     }
 
-    void open(int seconds)
+    void open(const SampleVideo& video)
     {
-        makeSampleVideo(folder() + "clip.mp4", {.size = {1280, 720}, .seconds = seconds, .codec = "mpeg4"});
+        makeSampleVideo(folder() + "clip.mp4", video);
         makeSampleVideo(output(), {.codec = "mpeg4"});
         m_older = contentsOf(output());
         start();
@@ -109,7 +109,7 @@ private:
 
 TEST_F(UnmovableFileTest, isNoResult)
 {
-    open(1);
+    open({.codec = "mpeg4"});
     refuseRenames();
     saveOverIt();
     expectFailureAlert();
@@ -117,7 +117,7 @@ TEST_F(UnmovableFileTest, isNoResult)
 
 TEST_F(UnmovableFileTest, staysAfterACancel)
 {
-    open(12);
+    open({.size = {1280, 720}, .seconds = 12, .codec = "mpeg4"});
     refuseRenames();
     saveOverIt();
     cancel();
@@ -125,7 +125,7 @@ TEST_F(UnmovableFileTest, staysAfterACancel)
 
 TEST_F(UnmovableFileTest, isNoResultWhereItIsImmutable)
 {
-    open(1);
+    open({.codec = "mpeg4"});
     if (!setImmutable(output(), true))
         GTEST_SKIP() << "no file can be made immutable here";
     saveOverIt();

@@ -2,11 +2,12 @@
 // Cancels at the end of a save by the real encoder, which waits in a system call
 // (tests/faults/failingCalls.cpp).
 #include "app/AppDelegate.h"
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
+#include "tests/support/Reports.h"
 #include "tests/support/Rounds.h"
 #include "tests/support/Samples.h"
-#include "tests/support/WindowTest.h"
 
 #include <QPushButton>
 #include <QTest>
@@ -51,15 +52,20 @@ bool waitWithoutEvents(const std::function<bool()>& condition)
 
 } // namespace
 
-class LateCancelTest : public WindowTest
+class LateCancelTest : public FakeToolsTest
 {
 protected:
+    /// The fake tools open the video, the real ones save it.
     void SetUp() override
     {
-        makeSampleVideo(folder() + "clip.mp4", {.codec = "mpeg4"}); // no choice of a mode
+        std::filesystem::create_directory(videos());
+        makeSampleVideo(videos() + "clip.mp4", {.codec = "mpeg4"}); // no choice of a mode
+        tools().setSniffer(sniffing(reportOf({.codec = "mpeg4"})));
         start();
-        ASSERT_TRUE(drop(folder() + "clip.mp4"));
+        ASSERT_TRUE(drop(videos() + "clip.mp4"));
         waitForKeyboard(window());
+        tools().useRealSniffer();
+        tools().useRealCreator();
     }
 
     void TearDown() override
@@ -110,7 +116,7 @@ protected:
         EXPECT_EQ(alert->text(), QStringLiteral("Video Processed Successfully!"));
         answer(alert, "OK");
         EXPECT_FALSE(decodedFrame(output(), 0).isNull());
-        EXPECT_EQ(namesIn(folder()), Names({"clip.mp4", "out.mp4"}));
+        EXPECT_EQ(namesIn(videos()), Names({"clip.mp4", "out.mp4"}));
     }
 
     void expectNoAlert()
@@ -123,10 +129,11 @@ protected:
     void expectOlder()
     {
         EXPECT_EQ(contentsOf(output()), older);
-        EXPECT_EQ(namesIn(folder()), Names({"clip.mp4", "out.mp4"}));
+        EXPECT_EQ(namesIn(videos()), Names({"clip.mp4", "out.mp4"}));
     }
 
-    std::string output() const { return folder() + "out.mp4"; }
+    std::string videos() const { return folder() + "videos/"; }
+    std::string output() const { return videos() + "out.mp4"; }
 
     const std::string older = "an older video";
 
@@ -169,16 +176,16 @@ TEST_F(LateCancelTest, afterTheEndOfTheEncoderDeletesAFileThatReplacesNone)
     saveByPanel(output());
     cancelAfterTheEnd();
     expectNoAlert();
-    EXPECT_EQ(namesIn(folder()), Names({"clip.mp4"}));
+    EXPECT_EQ(namesIn(videos()), Names({"clip.mp4"}));
 }
 
 // The environment variable TARNWELL_ROUNDS sets the number of moments.
 TEST_F(LateCancelTest, atAnyMomentKeepsTheOlderFileOrAnnouncesTheNewOne)
 {
-    const int moments = rounds(2);
-    const auto begin = Clock::now();
+    const int moments = rounds(3);
     saveOverOlder();
     ASSERT_TRUE(waitUntil([this] { return isCancelPossible(); }));
+    const auto begin = Clock::now();
     ASSERT_TRUE(waitWithoutEvents([] { return !hasChildren(); }));
     const auto usual = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin);
     expectSuccess();

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 // An older file at the output's path that the real encoder cannot rename stays, and is no result.
+#include "tests/support/FakeToolsTest.h"
 #include "tests/support/Files.h"
 #include "tests/support/Folders.h"
+#include "tests/support/Reports.h"
 #include "tests/support/Samples.h"
-#include "tests/support/WindowTest.h"
 
 #include <QProgressBar>
 #include <QPushButton>
@@ -11,6 +12,7 @@
 
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -35,7 +37,7 @@ bool setImmutable(const std::string& path, bool isImmutable)
 
 } // namespace
 
-class UnmovableFileTest : public WindowTest
+class UnmovableFileTest : public FakeToolsTest
 {
 protected:
     ~UnmovableFileTest() override
@@ -44,14 +46,19 @@ protected:
         ::unsetenv("TARNWELL_FAILS");
     }
 
+    /// The fake tools open the video, the real ones save it.
     void open(const SampleVideo& video)
     {
-        makeSampleVideo(folder() + "clip.mp4", video);
+        std::filesystem::create_directory(videos());
+        makeSampleVideo(videos() + "clip.mp4", video);
         makeSampleVideo(output(), {.codec = "mpeg4"});
         m_older = contentsOf(output());
+        tools().setSniffer(sniffing(reportOf({.codec = "mpeg4"}))); // no choice of a mode
         start();
-        ASSERT_TRUE(drop(folder() + "clip.mp4"));
+        ASSERT_TRUE(drop(videos() + "clip.mp4"));
         waitForKeyboard(window());
+        tools().useRealSniffer();
+        tools().useRealCreator();
     }
 
     /// Every rename by the encoder fails from now on.
@@ -88,10 +95,11 @@ protected:
     void expectOlderFile()
     {
         EXPECT_EQ(contentsOf(output()), m_older);
-        EXPECT_EQ(namesIn(folder()), (std::vector<std::string>{"clip.mp4", "out.mp4"}));
+        EXPECT_EQ(namesIn(videos()), (std::vector<std::string>{"clip.mp4", "out.mp4"}));
     }
 
-    std::string output() const { return folder() + "out.mp4"; }
+    std::string videos() const { return folder() + "videos/"; }
+    std::string output() const { return videos() + "out.mp4"; }
 
 private:
     /// The panel's question, which is no result, may still be on the screen.

@@ -79,16 +79,20 @@ void xdotool(const QStringList& arguments)
     EXPECT_TRUE(waitForEnd(process));
 }
 
-void moveTo(QPoint place)
+QStringList moveCommand(QPoint place)
 {
-    xdotool({QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())});
+    return {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())};
 }
 
+/// In small steps, as a hand does; weston ignores motion that comes at once.
 void glide(QPoint from, QPoint to)
 {
     constexpr int steps = 20;
+    QStringList commands;
     for (int step = 0; step <= steps; ++step)
-        moveTo(from + (to - from) * step / steps);
+        commands << moveCommand(from + (to - from) * step / steps) << QStringLiteral("sleep")
+                 << QStringLiteral("0.005");
+    xdotool(commands);
 }
 
 } // namespace
@@ -105,9 +109,9 @@ protected:
         m_weston.setStandardErrorFile(QProcess::nullDevice());
         m_weston.setStandardOutputFile(QProcess::nullDevice());
         m_weston.start(QStringLiteral("weston"),
-            {QStringLiteral("--backend=x11-backend.so"), QStringLiteral("--width=1200"),
-                QStringLiteral("--height=900"), QStringLiteral("--socket=") + socketName,
-                QStringLiteral("--idle-time=0")});
+            {QStringLiteral("--backend=x11-backend.so"), QStringLiteral("--use-pixman"),
+                QStringLiteral("--width=1200"), QStringLiteral("--height=900"),
+                QStringLiteral("--socket=") + socketName, QStringLiteral("--idle-time=0")});
         ASSERT_TRUE(waitUntil([&] { return exists(socket); })) << "weston does not start";
         start(m_program, "/bin/tarnwell", {});
         // The drag source must come later, or the window would cover it.
@@ -164,7 +168,7 @@ protected:
         waitForSteadyScreen();
         m_sourcePlace = placeOf(sourceColour);
         // weston reads the pointer's position when the pointer enters its window, and then tracks its motion.
-        moveTo(QPoint(1, 1));
+        xdotool(moveCommand(QPoint(1, 1)));
         waitFor("the pointer in the drag source", [this] {
             glide(QPoint(50, 210), m_sourcePlace.center());
             return hasPrinted("entered");

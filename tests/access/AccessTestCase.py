@@ -35,10 +35,13 @@ class AccessTestCase(unittest.TestCase):
         shutil.copyfile(self.sample, self.video)
         self.program = screenReader.Program(os.path.join(self.build_folder, "bin", "tarnwell"))
         self.addCleanup(self.program.end)
+        self.view = None
 
     def picture(self):
-        """The accessible description of the view."""
-        return self.program.find("image", "Video Preview").description
+        """The accessible description of the view, which must be visible."""
+        self.view = self.view or self.program.find("image", "Video Preview")
+        wait_until(lambda: is_shown(self.view), "the view")
+        return self.view.description
 
     def wait_for_picture(self, description):
         wait_until(lambda: self.picture() == description, f"the picture's description: {description}")

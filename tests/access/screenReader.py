@@ -11,7 +11,8 @@ import pyatspi
 from gi.repository import Gio, GLib
 
 LONGEST_WAIT = 60  # seconds
-PAUSE = 0.01
+SHORTEST_PAUSE = 0.01
+LONGEST_PAUSE = 0.05  # a condition reads up to a hundred properties over the bus
 
 HEARD = (
     "object:property-change:accessible-description",
@@ -51,6 +52,7 @@ def picture_of_screen():
 def wait_until(condition, awaited):
     """Returns the first true result of the condition. Fails with a screenshot after LONGEST_WAIT."""
     deadline = time.monotonic() + LONGEST_WAIT
+    pause = SHORTEST_PAUSE
     while time.monotonic() < deadline:
         while GLib.MainContext.default().iteration(False):
             pass  # dispatches events to their listeners
@@ -60,7 +62,8 @@ def wait_until(condition, awaited):
             result = None  # the control no longer exists
         if result:
             return result
-        time.sleep(PAUSE)
+        time.sleep(pause)
+        pause = min(pause * 1.5, LONGEST_PAUSE)
     raise AssertionError(f"timeout after {LONGEST_WAIT} s waiting for {awaited}; screen: {picture_of_screen()}")
 
 
@@ -85,7 +88,8 @@ def everything_in(element):
     """The element and its visible descendants, depth first."""
     element.clear_cache()
     yield element
-    for child in element:
+    for index in range(element.childCount):  # an iteration would read the number again for each child
+        child = element.get_child_at_index(index)
         if child is not None and (is_shown(child) or child.getRole() in ALWAYS_ENTERED):
             yield from everything_in(child)
 

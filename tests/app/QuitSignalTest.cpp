@@ -48,7 +48,8 @@ protected:
         running.keysUntilWindow("ctrl+o", "Open Video");
         running.text(m_copy.video());
         running.keys("Return");
-        ASSERT_TRUE(waitUntil([this] { return exists(folder() + "stills"); }));
+        // creator creates the file before it writes the line.
+        ASSERT_TRUE(waitUntil([this] { return contentsOf(folder() + "stills").ends_with("\n"); }));
     }
 
     /// The folder that the still was written to.

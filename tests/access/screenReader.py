@@ -17,7 +17,6 @@ LONGEST_PAUSE = 0.05  # a condition reads up to a hundred properties over the bu
 HEARD = (
     "object:property-change:accessible-description",
     "object:property-change:accessible-value",
-    "object:state-changed:focused",
     "window:activate",
 )
 
@@ -107,7 +106,6 @@ class Program:
         self.values = []        # value changes of progress bars: (name, value)
         self.descriptions = []  # description changes: (role, description)
         self.activated = []     # activated windows: (role, name)
-        self.last_focused = None  # the element that has announced the focus last
         self.root = None
         pyatspi.Registry.registerEventListener(self._hear, *HEARD)
         self.process = subprocess.Popen([executable], stdout=subprocess.DEVNULL)
@@ -128,16 +126,9 @@ class Program:
     def _hear(self, event):
         try:
             if event.host_application == self.root:
-                if event.type.startswith("object:state-changed"):
-                    self._note_focus(event)
-                else:
-                    self._note(event.type, event.source)
+                self._note(event.type, event.source)
         except GLib.Error:
             pass  # the sender no longer exists
-
-    def _note_focus(self, event):
-        if event.detail1 == 1:
-            self.last_focused = event.source
 
     def _note(self, kind, source):
         if kind.endswith("accessible-value"):
@@ -162,10 +153,7 @@ class Program:
         wait_until(lambda: self.shown(role, name) is None, f"{role} {name} to disappear")
 
     def focused(self):
-        """Role and name of the focused element; two empty texts if there is none. Searches the innermost one if the
-        element that has announced the focus last has lost it."""
-        if self.last_focused is not None and is_focused(self.last_focused):
-            return (self.last_focused.getRoleName(), self.last_focused.name)
+        """Role and name of the innermost focused element; two empty texts if there is none."""
         found = ("", "")
         for element in everything_in(self.root):
             if is_focused(element):

@@ -77,6 +77,14 @@ void ExternalProgram::text(const std::string& text)
     ASSERT_EQ(run(xdotool, {"type", "--clearmodifiers", "--delay", "4", "--", text}), 0);
 }
 
+void ExternalProgram::enter(const std::string& path)
+{
+    ASSERT_EQ(run(xdotool,
+                  {"key", "--clearmodifiers", "ctrl+a", "type", "--clearmodifiers", "--delay", "1", "--args",
+                      "1", "--", path, "key", "--clearmodifiers", "Return"}),
+        0);
+}
+
 void ExternalProgram::keysUntilWindow(const std::string& keysToPress, const std::string& title, CallSite site)
 {
     // A shortcut that is pressed twice before its window is shown can open it twice.
@@ -111,9 +119,7 @@ void ExternalProgram::chooseInPanel(const std::string& title, const std::string&
         if (shownWindows(title) == 0)
             return true;
         if (nextAttempt.hasExpired() && isActive(title)) {
-            keys("ctrl+a");
-            text(path);
-            keys("Return");
+            enter(path);
             nextAttempt.setRemainingTime(interval);
         }
         return false;

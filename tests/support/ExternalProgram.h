@@ -56,6 +56,9 @@ public:
     std::string waitForOutput(const std::string& text, CallSite site = {});
 
 private:
+    /// Replaces the text of the field with the keyboard focus, and presses Return.
+    void enter(const std::string& path);
+
     QProcess m_process;
     QByteArray m_output;
 };

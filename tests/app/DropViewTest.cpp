@@ -252,7 +252,7 @@ protected:
 
 TEST_F(RealDropTest, aHoveringFileIsHighlightedAndDropped)
 {
-    ASSERT_TRUE(waitUntil([this] { return m_view.windowHandle()->isExposed(); }));
+    paintEveryWindow();
     const QColor usual = edge();
     const std::string path = makeFile("my clip 100% \xc3\xa4.mp4");
     DragSource source(uriList({path, makeFolder("folder"), makeFile("clip.mp4")}));
@@ -299,7 +299,7 @@ TEST_F(RealDropTest, aDragThatLeavesTheWindowIsNotAnnounced)
 
 TEST_F(RealDropTest, aDragWhoseSourceIsKilledLeavesNoHighlightAndNextDropWorks)
 {
-    ASSERT_TRUE(waitUntil([this] { return m_view.windowHandle()->isExposed(); }));
+    paintEveryWindow();
     const QColor usual = edge();
     const std::string path = makeFile("clip.mp4");
     {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Screen.h"
 
-#include "platform/TemporaryDirectory.h"
 #include "tests/support/Folders.h"
 #include "tests/support/Samples.h"
 #include "tests/support/Waiting.h"
@@ -15,29 +14,19 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
+#include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <unistd.h>
+#include <xcb/xcb.h>
 
 namespace tarnwell::test
 {
 
 namespace
 {
-
-/// Returns the exit status of ffmpeg.
-int grab(const std::string& input, const std::vector<std::string>& options, const std::string& picture)
-{
-    std::vector<std::string> arguments = {"-v", "error", "-nostdin", "-f", "x11grab", "-draw_mouse", "0"};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    arguments.insert(arguments.end(), {"-i", input, "-frames:v", "1", picture});
-    return run("ffmpeg", arguments);
-}
-
-std::string display()
-{
-    return qgetenv("DISPLAY").toStdString();
-}
 
 std::string runningTest()
 {
@@ -53,11 +42,21 @@ std::string runningTest()
 
 QColor colourOnScreen(QPoint place)
 {
-    const TemporaryDirectory folder;
-    const std::string picture = folder.path() + "screen.png";
-    const std::string input = display() + "+" + std::to_string(place.x()) + "," + std::to_string(place.y());
-    EXPECT_EQ(grab(input, {"-video_size", "16x16"}, picture), 0);
-    return QImage(QString::fromStdString(picture)).pixelColor(0, 0);
+    const std::unique_ptr<xcb_connection_t, void (*)(xcb_connection_t*)> server(
+        xcb_connect(nullptr, nullptr), xcb_disconnect);
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(server.get())).data->root;
+    constexpr std::uint32_t allPlanes = ~0U;
+    const std::unique_ptr<xcb_get_image_reply_t, void (*)(void*)> pixel(
+        xcb_get_image_reply(server.get(),
+            xcb_get_image(server.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, root, static_cast<std::int16_t>(place.x()),
+                static_cast<std::int16_t>(place.y()), 1, 1, allPlanes),
+            nullptr),
+        std::free);
+    if (!pixel) {
+        ADD_FAILURE() << "(" << place.x() << ", " << place.y() << ") is not on the screen";
+        return {};
+    }
+    return QImage(xcb_get_image_data(pixel.get()), 1, 1, QImage::Format_RGB32).pixelColor(0, 0);
 }
 
 std::string savePictureOfScreen()
@@ -68,7 +67,9 @@ std::string savePictureOfScreen()
     std::filesystem::create_directories(folder, error);
     const std::string picture = folder
         / (runningTest() + "-" + std::to_string(::getpid()) + "-" + std::to_string(++pictures) + ".png");
-    const int status = grab(display(), {}, picture);
+    const int status = run("ffmpeg",
+        {"-v", "error", "-nostdin", "-f", "x11grab", "-draw_mouse", "0", "-i",
+            qgetenv("DISPLAY").toStdString(), "-frames:v", "1", picture});
     return status == 0 ? picture : "no picture, ffmpeg exited with " + std::to_string(status);
 }
 

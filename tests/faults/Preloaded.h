@@ -5,9 +5,10 @@
 #include <cerrno>
 #include <dlfcn.h>
 
-/// The function of that name in the C library.
+/// The next function of that name: that of another preloaded library or of the C library. Static, because a
+/// function that preloaded libraries shared would search behind the first of them only.
 template <typename Function>
-Function real(const char* name)
+static Function real(const char* name)
 {
     return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
 }

@@ -105,6 +105,7 @@ TEST_P(FaultTableTest, endsInAnAlertAStopOrTheJobDone)
 {
     static std::map<std::string, int> numbers = numbersOfCalls();
     const std::string call = GetParam();
+    ASSERT_GT(numbers[call], 0);
     ASSERT_LT(numbers[call], mostCalls);
     for (int time = 1; time <= numbers[call]; ++time) {
         const std::string failure = call + " " + std::to_string(time);
@@ -120,7 +121,7 @@ TEST_P(FaultTableTest, endsInAnAlertAStopOrTheJobDone)
 
 INSTANTIATE_TEST_SUITE_P(Calls, FaultTableTest,
     testing::Values("pipe2", "posix_spawn", "pthread_create", "read", "write", "poll", "waitid", "waitpid",
-        "stat", "lstat", "fstat", "open", "mkdtemp", "unlink", "unlinkat", "remove", "rename"),
+        "stat", "lstat", "fstat", "open", "mkdtemp", "remove"),
     [](const auto& call) { return std::string(call.param); });
 
 } // namespace tarnwell::test

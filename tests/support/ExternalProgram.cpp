@@ -80,7 +80,7 @@ void ExternalProgram::text(const std::string& text)
 void ExternalProgram::enter(const std::string& path)
 {
     ASSERT_EQ(run(xdotool,
-                  {"key", "--clearmodifiers", "ctrl+a", "type", "--clearmodifiers", "--delay", "1", "--args",
+                  {"key", "--clearmodifiers", "ctrl+a", "type", "--clearmodifiers", "--delay", "4", "--args",
                       "1", "--", path, "key", "--clearmodifiers", "Return"}),
         0);
 }

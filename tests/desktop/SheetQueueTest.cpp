@@ -297,6 +297,7 @@ TEST_F(SheetQueueTest, nothingCanBeDroppedOnTheWindowWhileASheetIsUp)
 TEST_F(SheetQueueTest, aDragThatHoversWhenASheetAppearsCannotBeDropped)
 {
     DropArea area(m_window);
+    waitForKeyboard(m_window); // the window manager has placed it
     DragSource source("file:///clip");
     source.dragTo(area.freePlace());
     source.waitUntilAccepted();
